@@ -1,0 +1,34 @@
+// Internal to the library, not installed: the one set of conversions between numbers and text.
+//
+// The readers keep the rules of std::stoi, std::stoll and std::stod to the letter: leading white space and a
+// sign are accepted, text after the number is ignored, std::invalid_argument is thrown when no number stands
+// at the start and std::out_of_range when the type cannot hold it. Unlike those they never look at the
+// process locale: the decimal point is always ".".
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace velhls {
+
+/// std::stoi in base 10.
+[[nodiscard]] std::int32_t toInt32(std::string_view text);
+
+/// std::stoll in base 10.
+[[nodiscard]] std::int64_t toInt64(std::string_view text);
+
+/// std::stoll in base 10, stored as unsigned: bandwidths and bit rates, where "-1" becomes 2^64 - 1.
+[[nodiscard]] std::uint64_t toInt64AsUnsigned(std::string_view text);
+
+/// std::stod: also exponents, hexadecimal floats, "inf" and "nan".
+[[nodiscard]] double toDouble(std::string_view text);
+
+void appendDecimal(std::string& out, std::int64_t number);
+void appendDecimal(std::string& out, std::uint64_t number);
+
+/// Fixed notation with the given number of decimals, as printf's "%.*f" in the "C" locale writes it: "nan"
+/// and "inf" for what is no number.
+void appendFixed(std::string& out, double number, int decimals);
+
+}  // namespace velhls

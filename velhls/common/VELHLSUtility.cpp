@@ -1,0 +1,64 @@
+#include "velhls/common/VELHLSUtility.h"
+
+#include <optional>
+#include <sys/time.h>
+#include <utility>
+
+#include "velhls/common/AttributeList.h"
+#include "velhls/common/Names.h"
+#include "velhls/common/Substitution.h"
+#include "velhls/common/TagLine.h"
+#include "velhls/common/Timestamps.h"
+
+void VELHLSUtility::updateParsingStatusWithError(VELHLSParsingStatus* status, VELHLSParsingError error,
+                                                 const std::string& message) {
+    if (status == nullptr) return;
+    status->error = error;
+    status->message = message;
+}
+
+std::int64_t VELHLSUtility::getTimeNow() {
+    timeval now = {};
+    if (gettimeofday(&now, nullptr) != 0) return -1;
+    return std::int64_t{now.tv_sec} * 1000 + std::int64_t{now.tv_usec} / 1000;
+}
+
+std::unique_ptr<VELHLSAttributeMap> VELHLSUtility::parseAttributeMap(const std::string& text) {
+    const std::optional<velhls::AttributeList> list = velhls::AttributeList::parse(text);
+    if (!list) return nullptr;
+    auto map = std::make_unique<VELHLSAttributeMap>();
+    for (const velhls::Attribute& attribute : *list) {
+        map->emplace_hint(map->end(), attribute.name, attribute.value);
+    }
+    return map;
+}
+
+bool VELHLSUtility::uriIsAbsoluteHTTPURL(const std::string& uri) {
+    return velhls::startsWith(uri, "http");
+}
+
+std::string VELHLSUtility::lastPathComponentFromURI(const std::string& uri) {
+    const std::size_t slash = uri.rfind('/');
+    return slash == std::string::npos ? uri : uri.substr(slash + 1);
+}
+
+bool VELHLSUtility::isMediaPatternTag(const std::string& line) {
+    if (!velhls::isTagOrComment(line)) return false;
+    const velhls::TagLine tagLine(line);
+    if (!tagLine.hasColon) return false;
+    return tagLine.name == velhls::tag::zorPatternStart || tagLine.name == velhls::tag::zorPatternEnd ||
+           tagLine.name == velhls::tag::zorPatternRepeat || tagLine.name == velhls::tag::zorDefineIncrement;
+}
+
+std::string VELHLSUtility::substituteVariables(std::string text, std::shared_ptr<VELHLSDefineMap> defines) {
+    if (defines == nullptr) return text;
+    return velhls::substitute(text, *defines).text;
+}
+
+double VELHLSUtility::parseTimestamp(const std::string& text) {
+    return velhls::parseTimestamp(text);
+}
+
+void VELHLSUtility::renderTimestamp(double seconds, std::string& out) {
+    velhls::renderTimestamp(seconds, out);
+}
