@@ -1,0 +1,111 @@
+#include "velhls/manifest/VELHLSParsedManifest.h"
+
+#include <algorithm>
+
+#include "velhls/common/LineWriter.h"
+#include "velhls/common/Names.h"
+#include "velhls/common/StartTag.h"
+#include "velhls/common/TimedParse.h"
+#include "velhls/manifest/ManifestReader.h"
+#include "velhls/manifest/ManifestRules.h"
+
+namespace {
+
+template <typename Record>
+bool writeRecord(std::ostream& out, const Record& record) {
+    std::string text;
+    if (record.render(text) != 0) return false;
+    velhls::writeText(out, text);
+    return true;
+}
+
+bool writeRenditions(std::ostream& out, const VELHLSParsedManifest::RenditionsByName& group, bool forced) {
+    for (const auto& [name, rendition] : group) {
+        if (rendition->forced == forced && !writeRecord(out, *rendition)) return false;
+    }
+    return true;
+}
+
+bool writeAllRenditions(std::ostream& out, const VELHLSParsedManifest& manifest) {
+    for (const auto& [type, groups] : manifest.renditions) {
+        for (const auto& [groupId, group] : groups) {
+            if (!writeRenditions(out, group, false)) return false;
+            if (!writeRenditions(out, group, true)) return false;
+        }
+    }
+    return true;
+}
+
+bool writeVariants(std::ostream& out, const VELHLSParsedManifest& manifest) {
+    for (const auto& [bandwidth, variant] : manifest.variants) {
+        if (!writeRecord(out, *variant)) return false;
+    }
+    return true;
+}
+
+bool writeSessionData(std::ostream& out, const VELHLSParsedManifest& manifest) {
+    for (const auto& entry : manifest.sessionData) {
+        if (!writeRecord(out, *entry)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::istream& input,
+                                                                          VELHLSParsingStatus* status) {
+    return velhls::timedParse(status, [&] { return internalParseManifest(input, status); });
+}
+
+std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::internalParseManifest(
+    std::istream& input, VELHLSParsingStatus* status) {
+    std::shared_ptr<VELHLSParsedManifest> manifest = velhls::ManifestReader(input).read();
+    if (manifest == nullptr) return nullptr;
+    manifest->sanitize();
+    if (!manifest->validate()) return nullptr;
+    manifest->populateMetaData();
+    if (status != nullptr) status->error = VELHLSParsingErrorNone;
+    return manifest;
+}
+
+std::int32_t VELHLSParsedManifest::render(std::ostream& out) const {
+    if (!validate()) return -1;
+    velhls::writeTag(out, velhls::tag::extM3U);
+    if (version != 1) velhls::writeTag(out, velhls::tag::version, std::int64_t{version});
+    if (independentSegments) velhls::writeTag(out, velhls::tag::independentSegments);
+    velhls::writeStartTag(out, {startTimeOffset, startPrecise});
+    if (!writeAllRenditions(out, *this)) return -1;
+    if (!writeVariants(out, *this)) return -1;
+    return writeSessionData(out, *this) ? 0 : -1;
+}
+
+bool VELHLSParsedManifest::validate() const {
+    if (variants.empty()) return false;
+    if (!velhls::groupReferencesResolve(*this)) return false;
+    if (!velhls::groupsOfEachTypeAgree(*this)) return false;
+    if (!velhls::sessionDataIsUnique(*this)) return false;
+    return velhls::sessionKeysAreUnique(*this);
+}
+
+void VELHLSParsedManifest::sanitize() {
+    if (zorStreamInformation.empty()) return;
+    const auto streams = std::count_if(variants.begin(), variants.end(), [](const auto& variant) {
+        return variant.second != nullptr && !variant.second->isIFrame;
+    });
+    if (static_cast<std::size_t>(streams) != zorStreamInformation.size()) {
+        zorStreamInformation.clear();
+        return;
+    }
+    hasZORStreamInformation = true;
+}
+
+void VELHLSParsedManifest::populateMetaData() {
+    if (!hasZORStreamInformation) return;
+    // A parse leaves as many of the ones as of the others. A caller may have changed either since.
+    const std::size_t pairs = std::min(zorStreamInformation.size(), streamVariants.size());
+    for (std::size_t index = 0; index < pairs; ++index) {
+        if (zorStreamInformation[index] == nullptr || streamVariants[index] == nullptr) continue;
+        streamVariants[index]->nominalVideoBitrate = zorStreamInformation[index]->nominalVideoBitrate;
+        streamVariants[index]->nominalAudioBitrate = zorStreamInformation[index]->nominalAudioBitrate;
+    }
+}

@@ -1,0 +1,45 @@
+// Internal to the library, not installed: the line loop of a media playlist.
+#pragma once
+
+#include <istream>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "velhls/common/TagLine.h"
+#include "velhls/common/VELHLSParsingStatus.h"
+#include "velhls/media/PatternExpander.h"
+#include "velhls/media/VELHLSMediaStream.h"
+
+namespace velhls {
+
+/// Reads the lines of one media playlist: its header tags here, its segments and patterns through their
+/// readers.
+class MediaStreamReader {
+  public:
+    MediaStreamReader(std::istream& input, VELHLSParsingStatus* status) : input_(input), status_(status) {}
+
+    /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line.
+    [[nodiscard]] std::shared_ptr<VELHLSMediaStream> read();
+
+  private:
+    bool takeLine();
+    bool takeBareTag(std::string_view name);
+    bool takeTag(const TagLine& tagLine);
+    bool takeTargetDuration(std::string_view value);
+    bool takePlaylistType(std::string_view value);
+    bool takeStart(std::string_view value);
+    bool takeSegment(bool afterDiscontinuity);
+    bool takePattern();
+    bool appendPattern(const VELHLSMediaPattern& pattern);
+    std::shared_ptr<VELHLSMediaSegment> readSegment(std::shared_ptr<VELHLSMediaPattern>& pattern);
+    [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> lastSegment() const;
+
+    std::istream& input_;
+    VELHLSParsingStatus* status_;
+    std::string line_;
+    ExpansionAllowance allowance_{VELHLSMediaPattern::maximumExpansionBytesOfPlaylist};
+    std::shared_ptr<VELHLSMediaStream> stream_ = std::make_shared<VELHLSMediaStream>();
+};
+
+}  // namespace velhls

@@ -1,0 +1,75 @@
+// Internal to the library, not installed: media patterns turned into playlist text and segments, within
+// bounds.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velhls/common/TagLine.h"
+#include "velhls/common/VELHLSUtility.h"
+#include "velhls/media/VELHLSMediaPattern.h"
+
+namespace velhls {
+
+/// How many bytes of pattern text may still be made.
+class ExpansionAllowance {
+  public:
+    explicit ExpansionAllowance(std::size_t bytes) : left_(bytes) {}
+
+    /// False, and nothing is spent, when so much is not left.
+    bool spend(std::size_t bytes) {
+        if (bytes > left_) return false;
+        left_ -= bytes;
+        return true;
+    }
+
+    [[nodiscard]] std::size_t left() const { return left_; }
+
+  private:
+    std::size_t left_;
+};
+
+/// Expands one pattern. See VELHLSMediaPattern::expandMediaPattern.
+class PatternExpander {
+  public:
+    PatternExpander(const VELHLSMediaPattern& pattern, VELHLSDefineMap* defines,
+                    ExpansionAllowance& allowance)
+        : pattern_(pattern), defines_(defines), allowance_(allowance) {}
+
+    /// False when the expansion fails. The text is then not to be used.
+    [[nodiscard]] bool expand();
+
+    [[nodiscard]] const std::string& text() const { return text_; }
+
+  private:
+    [[nodiscard]] bool fits() const;
+    bool expandOnce();
+    bool expandLine(std::string_view line);
+    bool expandUri(std::string_view line);
+    bool expandVendorTag(std::string_view line);
+    bool increment(const TagLine& tagLine);
+    void append(std::string_view line);
+
+    const VELHLSMediaPattern& pattern_;
+    VELHLSDefineMap* defines_;
+    ExpansionAllowance& allowance_;
+    std::string text_;
+};
+
+/// Where the segments of a pattern continue.
+struct SegmentOrigin {
+    std::shared_ptr<VELHLSMediaSegment> previous;
+    std::uint64_t firstMediaSequenceNumber = 0;
+    std::uint64_t firstDiscontinuitySequenceNumber = 0;
+};
+
+/// See VELHLSMediaPattern::createMediaSegments. Null when the expansion fails or goes beyond the allowance.
+[[nodiscard]] std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
+    const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
+    const std::shared_ptr<VELHLSDefineMap>& defines, ExpansionAllowance& allowance);
+
+}  // namespace velhls

@@ -1,0 +1,83 @@
+#include "velhls/media/VELHLSMediaStream.h"
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "velhls/common/LineWriter.h"
+#include "velhls/common/Names.h"
+#include "velhls/common/StartTag.h"
+#include "velhls/common/TimedParse.h"
+#include "velhls/media/MediaStreamReader.h"
+
+namespace {
+
+/// The seconds cut to a whole number; the nearest 32-bit one where none holds it, and 0 for not-a-number.
+std::int32_t wholeTargetDuration(double seconds) {
+    constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
+    if (std::isnan(seconds)) return 0;
+    if (seconds <= smallest) return smallest;
+    if (seconds >= largest) return largest;
+    return static_cast<std::int32_t>(seconds);
+}
+
+void writePlaylistType(std::ostream& out, VELHLSMediaStream::PlaylistType type) {
+    if (type == VELHLSMediaStream::Vod) velhls::writeTag(out, velhls::tag::playlistType, velhls::fixed::vod);
+    if (type == VELHLSMediaStream::Event)
+        velhls::writeTag(out, velhls::tag::playlistType, velhls::fixed::event);
+}
+
+void writeUnlessZero(std::ostream& out, std::string_view tag, std::int64_t number) {
+    if (number != 0) velhls::writeTag(out, tag, number);
+}
+
+}  // namespace
+
+std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::istream& input,
+                                                                       VELHLSParsingStatus* status) {
+    return velhls::timedParse(status, [&] { return internalParseMediaStream(input, status); });
+}
+
+std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::internalParseMediaStream(std::istream& input,
+                                                                               VELHLSParsingStatus* status) {
+    std::shared_ptr<VELHLSMediaStream> stream = velhls::MediaStreamReader(input, status).read();
+    if (stream == nullptr || !stream->validate()) return nullptr;
+    if (status != nullptr) status->error = VELHLSParsingErrorNone;
+    return stream;
+}
+
+bool VELHLSMediaStream::validate() const {
+    for (const auto& segment : segments) {
+        if (segment == nullptr || !segment->validate()) return false;
+    }
+    return true;
+}
+
+void VELHLSMediaStream::setHLSDefineMap(std::shared_ptr<VELHLSDefineMap> map) {
+    hlsDefineMap = std::move(map);
+}
+
+std::int32_t VELHLSMediaStream::render(std::ostream& out) const {
+    if (!validate()) return -1;
+    velhls::writeTag(out, velhls::tag::extM3U);
+    if (version != 1) velhls::writeTag(out, velhls::tag::version, std::int64_t{version});
+    velhls::writeTag(out, velhls::tag::targetDuration, std::int64_t{wholeTargetDuration(targetDuration)});
+    writeUnlessZero(out, velhls::tag::mediaSequence, mediaSequence);
+    writeUnlessZero(out, velhls::tag::discontinuitySequence, discontinuitySequence);
+    writePlaylistType(out, playlistType);
+    if (iFramesOnly) velhls::writeTag(out, velhls::tag::iFramesOnly);
+    if (independentSegments) velhls::writeTag(out, velhls::tag::independentSegments);
+    velhls::writeStartTag(out, {startTimeOffset, startPrecise});
+
+    std::string text;
+    for (const auto& segment : segments) {
+        text.clear();
+        // Every segment was just validated, and a valid one always renders.
+        static_cast<void>(segment->render(text, true, true));
+        velhls::writeText(out, text);
+    }
+    if (endList) velhls::writeTag(out, velhls::tag::endList);
+    return 0;
+}
