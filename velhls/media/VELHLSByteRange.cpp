@@ -23,6 +23,17 @@ std::size_t rangeStart(std::string_view uri) {
     return uri.rfind(marker) + marker.size();
 }
 
+/// Leading "./" change nothing in what a relative URI refers to.
+[[noreturn]] void throwTooShort(const std::string& uri) {
+    std::string longer = uri;
+    while (longer.size() < rangeStart(longer))
+        longer.insert(0, "./");
+    throw std::out_of_range(
+        "segment URI \"" + uri +
+        "\" has fewer than 6 characters and no EXT-X-BYTERANGE: write a longer one, such as \"" + longer +
+        "\", or give the byte range");
+}
+
 }  // namespace
 
 std::int32_t VELHLSByteRange::parse(const std::string& text, char separator, bool inclusiveRange) {
@@ -59,10 +70,7 @@ std::int32_t VELHLSByteRange::render(std::string& out) const {
 std::shared_ptr<VELHLSByteRange> getByteRangeFromUri(std::string uri) {
     if (uri.empty()) return nullptr;
     const std::size_t start = rangeStart(uri);
-    if (start > uri.size()) {
-        throw std::out_of_range("segment URI \"" + uri +
-                                "\" is shorter than 6 characters and has no explicit byte range");
-    }
+    if (start > uri.size()) throwTooShort(uri);
     auto range = std::make_shared<VELHLSByteRange>();
     return range->parse(uri.substr(start), '-', true) == 0 ? range : nullptr;
 }

@@ -1,0 +1,24 @@
+# What this project's own targets have in common.
+
+# The warnings under which they are built. They are private: a user's build never sees them.
+function(velhls_set_warnings target)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
+    if(VELHLS_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+endfunction()
+
+# Adds a folder when its option is on and the package that it needs is there. Without the package the library can still
+# be built, so that is said and not an error.
+macro(velhls_add_optional_subdirectory folder option package)
+    if(${option} AND NOT "${package}" STREQUAL "")
+        find_package(${package} QUIET)
+        if(NOT ${package}_FOUND)
+            message(NOTICE "velhls: ${folder}/ is not built, since ${package} was not found (see CONTRIBUTING.md)")
+            set(${option} OFF)
+        endif()
+    endif()
+    if(${option})
+        add_subdirectory(${folder})
+    endif()
+endmacro()

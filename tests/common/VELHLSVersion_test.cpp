@@ -1,0 +1,39 @@
+#include <regex>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "velhls/common/VELHLSVersion.h"
+
+namespace {
+
+const std::string versionText = ZORHLSManifestLibVersionString;
+
+bool versionTextHolds(const char* pattern) {
+    return std::regex_search(versionText, std::regex(pattern));
+}
+
+TEST(VELHLSVersion, NumberIsOne) {
+    EXPECT_EQ(ZORHLSManifestLibVersionNumber, 1.0);
+}
+
+TEST(VELHLSVersion, TextBeginsWithTheLibrarysNameAndSemanticVersion) {
+    EXPECT_TRUE(versionTextHolds(R"(^velhls (0|[1-9]\d*)\.(0|[1-9]\d*)\.(0|[1-9]\d*) )")) << versionText;
+}
+
+TEST(VELHLSVersion, TextNamesCompilerAndBuildType) {
+    EXPECT_TRUE(versionTextHolds(R"( \((GNU|Clang) \d+\.\d+\.\d+, [A-Za-z ]+\)$)")) << versionText;
+}
+
+// A build must not tell where it was made: two machines build the same text.
+TEST(VELHLSVersion, TextHoldsNoPath) {
+    EXPECT_EQ(versionText.find_first_of("/\\~@"), std::string::npos) << versionText;
+}
+
+TEST(VELHLSVersion, TextHoldsNoDateAndNoTime) {
+    EXPECT_FALSE(versionTextHolds("(19|20)[0-9][0-9]")) << versionText;
+    EXPECT_FALSE(versionTextHolds("[0-9]:[0-9]")) << versionText;
+    EXPECT_FALSE(versionTextHolds("Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec")) << versionText;
+}
+
+}  // namespace
