@@ -40,7 +40,8 @@ bool attach(Owner& owner, const std::string& folder) {
 
 bool attachAll(const VELHLSParsedManifest& manifest, const std::string& folder) {
     bool complete = true;
-    for (const auto& variant : manifest.streamVariants) complete = attach(*variant, folder) && complete;
+    for (const auto& variant : manifest.streamVariants)
+        complete = attach(*variant, folder) && complete;
     for (const auto& [type, groups] : manifest.renditions) {
         for (const auto& [groupId, group] : groups) {
             for (const auto& [name, rendition] : group) {

@@ -1,9 +1,9 @@
+#include "velhls/common/VELHLSStopWatch.h"
+
 #include <chrono>
 #include <type_traits>
 
 #include <gtest/gtest.h>
-
-#include "velhls/common/VELHLSStopWatch.h"
 
 namespace {
 

@@ -217,21 +217,21 @@ TEST(VELHLSAttributeMap, ReadsNullBytesLikeAnyOther) {
 TEST(VELHLSAttributeMap, ReadsPrefixesOfAList) {
     const std::string text = R"(A=1,B="x,y",C=3)";
     const std::optional<Attributes> expected[] = {
-        Attributes{},                                  //
-        std::nullopt,                                  // A
-        std::nullopt,                                  // A=
-        Attributes{{"A", "1"}},                        // A=1
-        std::nullopt,                                  // A=1,
-        std::nullopt,                                  // A=1,B
-        std::nullopt,                                  // A=1,B=
-        Attributes{{"A", "1"}, {"B", ""}},             // A=1,B="
-        Attributes{{"A", "1"}, {"B", "x"}},            // A=1,B="x
-        std::nullopt,                                  // A=1,B="x,
-        std::nullopt,                                  // A=1,B="x,y
-        Attributes{{"A", "1"}, {"B", "x,y"}},          // A=1,B="x,y"
-        std::nullopt,                                  // A=1,B="x,y",
-        std::nullopt,                                  // A=1,B="x,y",C
-        std::nullopt,                                  // A=1,B="x,y",C=
+        Attributes{},                          //
+        std::nullopt,                          // A
+        std::nullopt,                          // A=
+        Attributes{{"A", "1"}},                // A=1
+        std::nullopt,                          // A=1,
+        std::nullopt,                          // A=1,B
+        std::nullopt,                          // A=1,B=
+        Attributes{{"A", "1"}, {"B", ""}},     // A=1,B="
+        Attributes{{"A", "1"}, {"B", "x"}},    // A=1,B="x
+        std::nullopt,                          // A=1,B="x,
+        std::nullopt,                          // A=1,B="x,y
+        Attributes{{"A", "1"}, {"B", "x,y"}},  // A=1,B="x,y"
+        std::nullopt,                          // A=1,B="x,y",
+        std::nullopt,                          // A=1,B="x,y",C
+        std::nullopt,                          // A=1,B="x,y",C=
         Attributes{{"A", "1"}, {"B", "x,y"}, {"C", "3"}},
     };
     ASSERT_EQ(std::size(expected), text.size() + 1);

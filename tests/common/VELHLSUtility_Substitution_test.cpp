@@ -159,7 +159,8 @@ TEST(VELHLSSubstitution, ReferenceWithoutClosingBraceIsLikeAnUnknownName) {
 
 TEST(VELHLSSubstitution, ReferenceAmongTheLastTwoCharactersIsLikeAnUnknownName) {
     const Defines defines = {{"", "1"}, {"a", "1"}, {"}", "1"}};
-    const std::string texts[] = {"{", "$", "a{", "a$", "{$", "${", "$$", "{{", "{}", "$}", "a{}", "a{a", "ab$}"};
+    const std::string texts[] = {"{",  "$",  "a{", "a$",  "{$",  "${",  "$$",
+                                 "{{", "{}", "$}", "a{}", "a{a", "ab$}"};
     for (const std::string& text : texts) {
         EXPECT_EQ(substituted(text, defines), "") << text;
     }
@@ -256,7 +257,9 @@ class RandomTexts {
     }
 
   private:
-    std::size_t upTo(std::size_t most) { return std::uniform_int_distribution<std::size_t>(0, most)(random_); }
+    std::size_t upTo(std::size_t most) {
+        return std::uniform_int_distribution<std::size_t>(0, most)(random_);
+    }
 
     std::vector<std::string> pieces_;
     std::mt19937 random_{20200101};
@@ -281,26 +284,40 @@ TEST(VELHLSSubstitution, AgreesWithTheRulesOnRandomCharacters) {
     RandomTexts random({"a", "x", "y", "{", "$", "}", "}"});
     Tally tally;
     for (int round = 0; round < 100000; ++round) {
-        const Defines defines = random.defines({"", "a", "x", "y", "xa", "$"}, 5);
+        const Defines defines = random.defines({"a", "x", "y", "xa", "$"}, 5);
         expectAgreement(random.text(9), defines, tally);
         if (HasFatalFailure()) return;
     }
     EXPECT_GT(tally.filled, 1000);
     EXPECT_GT(tally.emptied, 1000);
-    EXPECT_GT(tally.endless, 100);
+    EXPECT_GT(tally.endless, 0);
 }
 
 TEST(VELHLSSubstitution, AgreesWithTheRulesOnRandomReferences) {
     RandomTexts random({"a", "b}", "{$x}", "{$y}", "{$z}", "{$", "{$x", "x}", "y}", "{}", "$?z}", "{$}"});
     Tally tally;
     for (int round = 0; round < 100000; ++round) {
-        const Defines defines = random.defines({"", "x", "y", "z", "xa", "b"}, 3);
+        const Defines defines = random.defines({"x", "y", "z", "xa", "b"}, 3);
         expectAgreement(random.text(4), defines, tally);
         if (HasFatalFailure()) return;
     }
     EXPECT_GT(tally.filled, 1000);
     EXPECT_GT(tally.emptied, 1000);
     EXPECT_GT(tally.endless, 1000);
+}
+
+// A variable without a name that leads back to itself may run up to the maximum, so these are fewer.
+TEST(VELHLSSubstitution, AgreesWithTheRulesOnRandomReferencesWithoutAName) {
+    RandomTexts random({"a", "{$x}", "{$}", "{}", "${", "{", "}", "x}"});
+    Tally tally;
+    for (int round = 0; round < 1000; ++round) {
+        const Defines defines = random.defines({"", "x", "}"}, 3);
+        expectAgreement(random.text(5), defines, tally);
+        if (HasFatalFailure()) return;
+    }
+    EXPECT_GT(tally.filled, 50);
+    EXPECT_GT(tally.emptied, 50);
+    EXPECT_GT(tally.endless, 10);
 }
 
 /// Every map of two variables whose values are made of up to two of the pieces.
@@ -423,9 +440,9 @@ TEST(VELHLSSubstitution, ResultMayBeAsLongAsTheMaximumAndNoLonger) {
         std::size_t behind;
         bool fits;
     } rows[] = {
-        {maximum - 2, 0, true},  {maximum - 1, 0, true},  {maximum, 0, false}, {0, maximum - 2, true},
-        {0, maximum - 1, true},  {0, maximum, false},     {1, maximum - 2, true},
-        {1, maximum - 1, false}, {maximum + 1, 0, false}, {0, 3 * maximum, false},
+        {maximum - 2, 0, true},  {maximum - 1, 0, true},  {maximum, 0, false},    {0, maximum - 2, true},
+        {0, maximum - 1, true},  {0, maximum, false},     {1, maximum - 2, true}, {1, maximum - 1, false},
+        {maximum + 1, 0, false}, {0, 3 * maximum, false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(::testing::Message() << row.before << " before, " << row.behind << " behind");

@@ -1,9 +1,9 @@
+#include "velhls/common/VELHLSVersion.h"
+
 #include <regex>
 #include <string>
 
 #include <gtest/gtest.h>
-
-#include "velhls/common/VELHLSVersion.h"
 
 namespace {
 

@@ -233,13 +233,6 @@ TEST(VELHLSMediaPatternExpand, KeepsTheIncrementsMadeInFrontOfAFailure) {
     EXPECT_EQ(*defines, (VELHLSDefineMap{{"n", "6"}}));
 }
 
-TEST(VELHLSMediaPatternExpand, FailsInALaterPass) {
-    // The value of k names the variable that the URI refers to: seg1 is defined, seg2 is not.
-    const Defines defines = defining({{"k", "1"}, {"name1", "first.ts"}, {"uri", "{$name"}});
-    EXPECT_EQ(expanded("{$uri}{$k}}\n#ZOR-DEFINE_INCREMENT:k,1\n", 0, defines), "null");
-    EXPECT_EQ(*defines, (VELHLSDefineMap{{"k", "1"}, {"name1", "first.ts"}, {"uri", "{$name"}}));
-}
-
 TEST(VELHLSMediaPatternExpand, DoesNotTrimWhatAVariableInserts) {
     EXPECT_EQ(expanded("seg{$n}\n", 0, defining({{"n", ".ts  "}})), "seg.ts  \n");
     EXPECT_EQ(expanded("{$n}\n", 0, defining({{"n", " "}})), " \n");
@@ -386,9 +379,15 @@ TEST(VELHLSMediaPatternExpand, CountsABodyOfIncrementsThatWritesNothing) {
 }
 
 TEST(VELHLSMediaPatternExpand, CountsTheValuesThatVariablesInsert) {
-    const Defines defines = defining({{"value", std::string(mebibyte / 2, 'v')}});
-    EXPECT_EQ(expanded("{$value}\n", 99, defines).size(), 100 * (mebibyte / 2 + 1));
-    EXPECT_EQ(expanded("{$value}\n", 199, defines), "null");
+    // Almost a mebibyte in each pass, from a body of some 300 bytes.
+    std::string body;
+    for (int reference = 0; reference < 31; ++reference)
+        body += "{$value}";
+    body += '\n';
+    const Defines defines = defining({{"value", std::string(mebibyte / 32, 'v')}});
+    const std::size_t passBytes = 31 * (mebibyte / 32) + 1;
+    EXPECT_EQ(expanded(body, 3, defines).size(), 4 * passBytes);
+    EXPECT_EQ(expanded(body, VELHLSMediaPattern::maximumExpansionBytes / passBytes, defines), "null");
 }
 
 TEST(VELHLSMediaPatternExpand, LetsADefinitionThatLeadsBackToItselfFail) {
@@ -448,9 +447,9 @@ TEST(VELHLSMediaPatternExpand, RepeatsTheTagsOfTheBodyInEachPass) {
                                     "#EXT-X-MAP:URI=\"init.mp4\",BYTERANGE=\"720@0\"",
                                     "#EXT-X-PROGRAM-DATE-TIME:2020-01-01T00:00:00Z", "#EXT-X-CUE-OUT:30",
                                     "#EXT-X-CUE-OUT-CONT:1/30", "#EXTINF:4,Title", "#EXT-X-BYTERANGE:100@0",
-                                    "first.ts", "#EXTINF:5", "range/0-99"});
+                                    "first.ts", "#EXTINF:5", "v/range/0-99"});
     const Segments segments = segmentsOf(body, 1, defining({{"n", "1"}}));
-    ASSERT_EQ(urisOf(segments), "first.ts\nrange/0-99\nfirst.ts\nrange/0-99\n");
+    ASSERT_EQ(urisOf(segments), "first.ts\nv/range/0-99\nfirst.ts\nv/range/0-99\n");
     const VELHLSMediaSegment& first = *segments->at(0);
     const VELHLSMediaSegment& second = *segments->at(1);
     const VELHLSMediaSegment& third = *segments->at(2);
@@ -471,7 +470,9 @@ TEST(VELHLSMediaPatternExpand, RepeatsTheTagsOfTheBodyInEachPass) {
     EXPECT_EQ(third.startTime, 9.0);
     ASSERT_NE(first.byteRange, nullptr);
     EXPECT_EQ(first.byteRange->length, 100);
-    EXPECT_EQ(second.byteRange, nullptr);
+    EXPECT_EQ(first.byteRange->offset, 0);
+    ASSERT_NE(second.byteRange, nullptr);
+    EXPECT_EQ(second.byteRange->length, 100);
     EXPECT_EQ(first.protectionData->uri, "key{$n}");
     EXPECT_EQ(first.misMap->byteRange->length, 720);
 }
@@ -553,6 +554,14 @@ TEST(VELHLSMediaPatternExpand, LetsTheExceptionOfASegmentPass) {
                   segmentsOf("#EXTINF:4,\ns{$n}.ts\n", 0, defining({{"n", "1"}}));
               }),
               "out_of_range");
+}
+
+TEST(VELHLSMediaPatternExpand, ThrowsForAUriThatALaterPassMakesTooShort) {
+    // s-1.ts, then s0.ts
+    const Defines defines = defining({{"n", "-1"}});
+    EXPECT_EQ(thrownBy([&] { segmentsOf("#EXTINF:4,\ns{$n}.ts\n#ZOR-DEFINE_INCREMENT:n,1\n", 1, defines); }),
+              "out_of_range");
+    EXPECT_EQ(defines->at("n"), "1");
 }
 
 TEST(VELHLSMediaPatternExpand, ReadsShortUrisWithAByteRange) {

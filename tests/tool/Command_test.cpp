@@ -102,7 +102,7 @@ const std::vector<Rejection>& rejections() {
         {"a pattern tag out of place", lines({"#EXTM3U", "#EXTINF:4,", "#ZOR-PATTERN_END:p", "segment.ts"}),
          3, "media pattern tag is malformed or out of place: \"#ZOR-PATTERN_END:p\""},
         {"a short URI", lines({"#EXTM3U", "#EXTINF:4,", "0.ts"}), 3,
-         "write a longer one, such as \"./0.ts\""},
+         "write a longer one (\"./0.ts\" for \"0.ts\")"},
         {"no playlist at all", lines({"<html>", "</html>"}), 1,
          "cannot tell whether this is a master or a media"},
         {"nothing", "", 1, "cannot tell whether this is a master or a media"},

@@ -3,8 +3,8 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <limits>
 #include <locale.h>
+#include <new>
 #include <stdexcept>
 #include <stdlib.h>
 #include <system_error>

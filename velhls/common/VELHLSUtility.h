@@ -23,8 +23,9 @@ class VELHLS_API VELHLSUtility {
   public:
     VELHLSUtility() = delete;
 
-    /// The most text, in bytes, that one call of substituteVariables puts together: 1 MiB. It bounds the text
-    /// that substitution gives back, and the text that it inserts on the way to it.
+    /// The most text, in bytes, that one call of substituteVariables puts together: 1 MiB. It bounds what a
+    /// text with references becomes, and apart from that the values that are inserted on the way to it, each
+    /// counted with one byte more.
     static constexpr std::size_t maximumSubstitutedBytes = std::size_t{1} << 20;
 
     /// Stores `error` and a copy of `message` in `status`. A null status is legal: nothing happens.

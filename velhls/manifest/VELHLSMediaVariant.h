@@ -11,8 +11,8 @@
 
 class VELHLSMediaStream;
 
-/// One variant of a master playlist: EXT-X-STREAM-INF with the URI line behind it (RFC 8216,
-/// section 4.3.4.2), or EXT-X-I-FRAME-STREAM-INF (section 4.3.4.3).
+/// One variant of a master playlist: EXT-X-STREAM-INF with the URI line behind it (RFC 8216, section
+/// 4.3.4.2), or EXT-X-I-FRAME-STREAM-INF (section 4.3.4.3).
 ///
 ///     #EXT-X-STREAM-INF:BANDWIDTH=5605600,            bandwidth           peak bits per second
 ///                       AVERAGE-BANDWIDTH=4800000,    averageBandwidth    bits per second

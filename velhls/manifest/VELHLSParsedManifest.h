@@ -60,12 +60,11 @@ class VELHLS_API VELHLSParsedManifest {
     /// - Of two renditions with the same type, GROUP-ID and NAME the second is dropped.
     /// - Unknown tags with a colon, and tags of media playlists with one, are ignored.
     /// - PRECISE=YES is not undone by a later EXT-X-START; PRECISE values other than YES and NO are not
-    /// rejected.
+    ///   rejected.
     /// - ZOR-STREAM-INF lines that do not parse are dropped, and all of them are when their number is not
-    /// that of
-    ///   the EXT-X-STREAM-INF tags.
+    ///   that of the EXT-X-STREAM-INF tags.
     /// - Carriage returns are removed wherever they stand; other white space is not, so " #EXTM3U" is
-    /// rejected.
+    ///   rejected.
     [[nodiscard]] static std::shared_ptr<VELHLSParsedManifest> parseManifest(std::istream& input,
                                                                              VELHLSParsingStatus* status);
 
@@ -95,7 +94,7 @@ class VELHLS_API VELHLSParsedManifest {
     /// 3. All groups of one type, referenced or not, hold the same renditions, compared by NAME and
     ///    VELHLSMediaStreamRendition::equalExceptURIAndGroupID; at most one of them is DEFAULT.
     /// 4. No two session data entries have the same DATA-ID and LANGUAGE, compared as the text
-    /// "DATA-ID:LANGUAGE".
+    ///    "DATA-ID:LANGUAGE".
     /// 5. No two session keys are the same in METHOD, URI, IV, KEYFORMAT and KEYFORMATVERSIONS.
     ///
     /// A null record, which only a caller can have put there, fails the rule that meets it.

@@ -62,10 +62,15 @@ bool SegmentReader::takeVendorTagOrComment(const std::string& line) {
 }
 
 bool SegmentReader::takeBareTag(const TagLine& tagLine) {
-    if (tagLine.name == tag::extM3U) return true;
-    if (tagLine.name == tag::discontinuity) return discontinuity_ = true;
-    if (tagLine.name == tag::cueIn) return cueIn_ = true;
-    return false;
+    if (tagLine.name == tag::discontinuity) {
+        discontinuity_ = true;
+        return true;
+    }
+    if (tagLine.name == tag::cueIn) {
+        cueIn_ = true;
+        return true;
+    }
+    return tagLine.name == tag::extM3U;
 }
 
 bool SegmentReader::takeTag(const TagLine& tagLine, const std::string& line) {
@@ -90,7 +95,7 @@ bool SegmentReader::takeDuration(std::string_view value) {
     const std::size_t comma = value.find(',');
     if (comma == 0) return false;
     duration_ = toDouble(value.substr(0, comma));
-    // The title keeps its comma, and gets another one when it is written: playlists' readers rely on both.
+    // The title keeps its comma, and gets another one when it is written: both are part of the interface.
     title_ = comma == std::string_view::npos ? std::string_view() : value.substr(comma);
     return true;
 }

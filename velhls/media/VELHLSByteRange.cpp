@@ -23,15 +23,11 @@ std::size_t rangeStart(std::string_view uri) {
     return uri.rfind(marker) + marker.size();
 }
 
-/// Leading "./" change nothing in what a relative URI refers to.
 [[noreturn]] void throwTooShort(const std::string& uri) {
-    std::string longer = uri;
-    while (longer.size() < rangeStart(longer))
-        longer.insert(0, "./");
     throw std::out_of_range(
         "segment URI \"" + uri +
-        "\" has fewer than 6 characters and no EXT-X-BYTERANGE: write a longer one, such as \"" + longer +
-        "\", or give the byte range");
+        "\" has fewer than 6 characters and no EXT-X-BYTERANGE: write a longer one (\"./0.ts\" "
+        "for \"0.ts\"), or give the byte range");
 }
 
 }  // namespace

@@ -81,7 +81,7 @@ std::int32_t VELHLSMediaSegment::render(std::string& out, bool renderKey, bool r
     velhls::appendTag(text, velhls::tag::extInf);
     velhls::appendFixed(text, duration, 6);
     if (!title.empty()) {
-        // A parsed title has its comma already: the second one is what readers of this output expect.
+        // A parsed title has its comma already: the second one is part of the interface.
         text += ',';
         text += title;
     }

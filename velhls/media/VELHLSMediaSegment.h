@@ -16,12 +16,14 @@ class VELHLSMediaPattern;
 
 /// One media segment: the tags that describe it, and its URI (RFC 8216, section 4.3.2).
 ///
-///     #EXT-X-DISCONTINUITY                               discontinuity
-///     #EXT-X-KEY:METHOD=AES-128,URI="k"                  protectionData   (shared with the segments after
-///     it) #EXT-X-MAP:URI="init.mp4"                          misMap           (shared with the segments
-///     after it) #EXT-X-PROGRAM-DATE-TIME:2026-01-01T00:00:00Z      programDateTime #EXT-X-CUE-OUT:30 cueOut
-///     (not written back) #EXTINF:6.006,Intro                                duration, title  (the title
-///     keeps its comma: ",Intro") #EXT-X-BYTERANGE:1024@0                            byteRange seg1.ts uri
+///     #EXT-X-DISCONTINUITY                             discontinuity
+///     #EXT-X-KEY:METHOD=AES-128,URI="k"                protectionData   (shared with the segments after it)
+///     #EXT-X-MAP:URI="init.mp4"                        misMap           (shared with the segments after it)
+///     #EXT-X-PROGRAM-DATE-TIME:2026-01-01T00:00:00Z    programDateTime
+///     #EXT-X-CUE-OUT:30                                cueOut           (not written back)
+///     #EXTINF:6.006,Intro                              duration, title  (the title keeps its comma: ",Intro")
+///     #EXT-X-BYTERANGE:1024@0                          byteRange
+///     seg1.ts                                          uri
 ///
 /// A segment is not changed by the library once it was made. Segments share their key and map objects.
 class VELHLS_API VELHLSMediaSegment {
@@ -43,11 +45,12 @@ class VELHLS_API VELHLSMediaSegment {
     /// `status` may be null.
     ///
     /// Returns a new segment, which validates; or null. Null stands for: a stream that is not good on entry;
-    /// a tag that does not parse; a tag, with or without a colon, that is none of a segment's; an empty
-    /// EXTINF duration, or one of 0; the end of the input; a segment that does not validate; a media pattern
-    /// tag. When a "ZOR-PATTERN_START" opens a media pattern (vendor extension), `pattern` receives it, and
-    /// null is returned. Any other pattern tag sets the status' error to VELHLSParsingErrorMediaPattern and
-    /// its message to the line. Both set `hasMediaPatterns`.
+    /// a tag that does not parse; a tag, with or without a colon, that is none of a segment's; an EXTINF
+    /// whose comma follows its colon, or whose duration is 0; the end of the input; a segment that does not
+    /// validate; a media pattern tag. When a "ZOR-PATTERN_START" opens a media pattern (vendor extension),
+    /// `pattern` receives it, and null is returned. A ZOR-PATTERN_START without a colon records nothing; any
+    /// other pattern tag sets the status' error to VELHLSParsingErrorMediaPattern and its message to the
+    /// line. All of them set `hasMediaPatterns`.
     ///
     /// Throws std::invalid_argument or std::out_of_range for a number that is none or does not fit, and
     /// std::out_of_range for a URI of fewer than 6 characters without EXT-X-BYTERANGE: see
@@ -55,11 +58,10 @@ class VELHLS_API VELHLSMediaSegment {
     ///
     /// Kept as is:
     /// - A last line that ends the input without a line feed is read and not looked at: a URI there gives
-    /// null.
+    ///   null.
     /// - The title keeps its comma, and a segment without EXT-X-BYTERANGE may take one from its URI.
     /// - Without EXT-X-PROGRAM-DATE-TIME a segment gets the previous one's time plus its duration, also when
-    /// that
-    ///   one had none (0): the second segment of a playlist without any then starts at the first one's
+    ///   that one had none (0): the second segment of a playlist without any then starts at the first one's
     ///   duration.
     /// - A tag that comes twice replaces the first.
     /// - Nothing is substituted here: variables are replaced in the URI lines of media patterns only.

@@ -41,27 +41,25 @@ class VELHLS_API VELHLSMediaStream {
     /// null.
     ///
     /// On success the status' error is set to VELHLSParsingErrorNone. A rejection for a media pattern tag
-    /// sets it to VELHLSParsingErrorMediaPattern, with the line as the message; all others leave both as they
-    /// were. The metrics are written in all these cases. The exceptions of number conversion
-    /// (std::invalid_argument, std::out_of_range) are not caught, nor those of a stream that was told to
-    /// throw: they leave this function, and then the metrics are not written.
+    /// sets it to VELHLSParsingErrorMediaPattern, with the line as the message, except that a
+    /// ZOR-PATTERN_START without a colon and a pattern that is read but does not expand record nothing; all
+    /// others leave both as they were. The metrics are written in all these cases. The exceptions of number
+    /// conversion (std::invalid_argument, std::out_of_range) are not caught, nor those of a stream that was
+    /// told to throw: they leave this function, and then the metrics are not written.
     ///
     /// A playlist is rejected for: a line that is no tag, no comment, not blank and no segment's URI; an
     /// EXT-X-TARGETDURATION that is empty or holds other characters than digits and points; an
     /// EXT-X-MEDIA-SEQUENCE or EXT-X-DISCONTINUITY-SEQUENCE that is empty or holds others than digits; an
     /// EXT-X-PLAYLIST-TYPE other than EVENT and VOD; an EXT-X-START without a TIME-OFFSET made of the
-    /// characters
-    /// "+-0123456789."; an EXT-X-DEFINE without NAME or VALUE; and a segment or pattern that does not parse:
-    /// see VELHLSMediaSegment::parseNextSegment and VELHLSMediaPattern::parseMediaPattern.
+    /// characters "+-0123456789."; an EXT-X-DEFINE without NAME or VALUE; and a segment or pattern that does
+    /// not parse: see VELHLSMediaSegment::parseNextSegment and VELHLSMediaPattern::parseMediaPattern.
     ///
     /// Kept as is:
     /// - A segment URI of fewer than 6 characters without EXT-X-BYTERANGE throws std::out_of_range. Write a
-    /// longer
-    ///   one ("./0.ts" for "0.ts"), or give the byte range.
+    ///   longer one ("./0.ts" for "0.ts"), or give the byte range.
     /// - "#EXTM3U" is not required. With it reading stops behind "#EXT-X-ENDLIST"; without it to the end.
     /// - Unknown tags between segments are ignored, EXT-X-CUE-IN among them; among a segment's tags an
-    /// unknown one
-    ///   rejects the playlist.
+    ///   unknown one rejects the playlist.
     /// - A last URI line without a line feed rejects the playlist.
     /// - Header tags are taken anywhere, and the last one holds; but PRECISE=YES is not undone.
     /// - A stream that is not good on entry, or is empty, gives an empty playlist.

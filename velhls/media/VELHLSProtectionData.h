@@ -36,8 +36,7 @@ class VELHLS_API VELHLSProtectionData {
     /// Not acceptable are: another tag; a malformed or empty attribute list; a METHOD that is missing or none
     /// of the three, or that is NONE in a session key; a missing or empty URI unless METHOD is NONE; an IV
     /// that is not "0x" (lower case) with 32 hexadecimal digits; KEYFORMATVERSIONS with other characters than
-    /// digits and
-    /// "/". METHOD=NONE drops all other attributes.
+    /// digits and "/". METHOD=NONE drops all other attributes.
     ///
     /// Throws std::invalid_argument for an empty piece of KEYFORMATVERSIONS ("1/", or the value "") and
     /// std::out_of_range for one that does not fit 32 bits.
