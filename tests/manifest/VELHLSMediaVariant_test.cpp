@@ -915,7 +915,7 @@ TEST(VELHLSMediaVariant, ReadsAndRendersMegabytesQuickly) {
 }
 
 TEST(VELHLSMediaVariant, ReadsManyAttributesQuickly) {
-    const std::string list = record::manyAttributes(record::manyAttributesCount) + "BANDWIDTH=1,CODECS=\"c\"";
+    const std::string list = record::manyAttributes() + "BANDWIDTH=1,CODECS=\"c\"";
     const double seconds = record::secondsOf([&] {
         EXPECT_EQ(text(stream(list)),
                   "#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"c\",CLOSED-CAPTIONS=NONE\nv.m3u8\n");

@@ -250,8 +250,7 @@ TEST(VELHLSZORStreamInformation, ReadsMegabytesQuickly) {
 }
 
 TEST(VELHLSZORStreamInformation, ReadsManyAttributesQuickly) {
-    const std::string list =
-        record::manyAttributes(record::manyAttributesCount) + "NOMINAL_VIDEO_BITRATE=\"1\"";
+    const std::string list = record::manyAttributes() + "NOMINAL_VIDEO_BITRATE=\"1\"";
     const double seconds = record::secondsOf([&] { EXPECT_EQ(bitrates(list), "1/0"); });
     EXPECT_LT(seconds, record::quickSeconds);
 }

@@ -50,16 +50,15 @@ constexpr double quickSeconds = 5.0;
 
 constexpr std::size_t megabyte = 1U << 20U;
 
-/// So many attributes of one name, each with a comma behind it: "X=1,X=1,".
-inline std::string manyAttributes(std::size_t count) {
+/// Many attributes, and a long one behind them, with a comma at the end: whoever searches from each of the
+/// many to what stands behind the long one does so quadratically.
+inline std::string manyAttributes() {
+    constexpr std::size_t count = 200000;
     std::string text;
     for (std::size_t written = 0; written < count; ++written)
         text += "X=1,";
-    return text;
+    return text + "Y=" + std::string(8 * megabyte, 'y') + ",";
 }
-
-/// More than a megabyte of them.
-constexpr std::size_t manyAttributesCount = 400000;
 
 /// All prefixes, from the empty one to the one that lacks a single character.
 inline std::vector<std::string> properPrefixes(std::string_view text) {

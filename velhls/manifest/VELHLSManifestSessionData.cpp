@@ -11,8 +11,8 @@ namespace {
 
 namespace attribute = velhls::attribute;
 
-/// What is read as the attributes begins with the tag's colon, one character too early. Playlists that rely
-/// on which attribute is lost by that exist, so it stays.
+/// What is read as the attributes begins with the tag's colon, one character too early. Kept as it is:
+/// which attribute is lost by that is part of the interface.
 std::string_view attributeText(std::string_view line) {
     return line.substr(velhls::tagLength(velhls::tag::sessionData) - 1);
 }

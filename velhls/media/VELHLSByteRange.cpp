@@ -17,7 +17,7 @@ std::int64_t lengthFromTo(std::int64_t first, std::int64_t last) {
 }
 
 /// Where the range in a URI would start. "Not found" plus the length of the marker wraps around to 6, one
-/// less than that length: kept as it is, since playlists rely on which of their URIs are read as ranges.
+/// less than that length. Kept as it is: which URIs are read as ranges is part of the interface.
 std::size_t rangeStart(std::string_view uri) {
     constexpr std::string_view marker = "/range/";
     return uri.rfind(marker) + marker.size();
