@@ -123,6 +123,15 @@ TEST(VELHLSAttributeMap, FirstOfSeveralAttributesWithOneNameHolds) {
     });
 }
 
+TEST(VELHLSAttributeMap, FirstOfVeryManyAttributesWithOneNameHolds) {
+    std::string text = "B=first,C=first,A=first";
+    for (int repetition = 0; repetition < 1000; ++repetition) {
+        text += std::string(",") + "ACB"[repetition % 3] + "=" + std::to_string(repetition);
+    }
+    const Attributes expected = {{"A", "first"}, {"B", "first"}, {"C", "first"}};
+    EXPECT_EQ(attributesOf(text), expected);
+}
+
 TEST(VELHLSAttributeMap, LaterDuplicatesMustBeWellFormedAllTheSame) {
     expectMalformed({"A=1,A=", "A=1,A", "A=1,A=\"x\"y,B=1"});
 }

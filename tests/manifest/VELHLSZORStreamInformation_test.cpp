@@ -165,15 +165,19 @@ TEST(VELHLSZORStreamInformation, ThrowsForNumbersThatFitNoSigned64BitInteger) {
 
 TEST(VELHLSZORStreamInformation, AudioThrowsBeforeVideoWhateverTheWrittenOrder) {
     const std::string tooLarge = "9223372036854775808";
-    const std::vector<std::pair<std::string, std::string>> rows = {
+    struct Row {
+        std::string list;
+        std::string thrown;
+    };
+    const std::vector<Row> rows = {
         {"NOMINAL_AUDIO_BITRATE=x,NOMINAL_VIDEO_BITRATE=" + tooLarge, "invalid_argument"},
         {"NOMINAL_VIDEO_BITRATE=" + tooLarge + ",NOMINAL_AUDIO_BITRATE=x", "invalid_argument"},
         {"NOMINAL_AUDIO_BITRATE=" + tooLarge + ",NOMINAL_VIDEO_BITRATE=x", "out_of_range"},
         {"NOMINAL_VIDEO_BITRATE=x,NOMINAL_AUDIO_BITRATE=" + tooLarge, "out_of_range"},
         {"NOMINAL_VIDEO_BITRATE=x,NOMINAL_AUDIO_BITRATE=1", "invalid_argument"},
     };
-    for (const auto& [list, thrown] : rows) {
-        EXPECT_EQ(record::thrownBy([&] { static_cast<void>(parsed(list)); }), thrown) << list;
+    for (const Row& row : rows) {
+        EXPECT_EQ(record::thrownBy([&] { static_cast<void>(parsed(row.list)); }), row.thrown) << row.list;
     }
 }
 
