@@ -7,7 +7,7 @@ namespace velhls {
 void readRawLine(std::istream& input, std::string& line) {
     // std::getline leaves the string alone when the stream is not good on entry.
     line.clear();
-    std::getline(input, line, '\n');
+    std::getline(input, line);
 }
 
 void readLine(std::istream& input, std::string& line) {
