@@ -456,9 +456,26 @@ TEST(VELHLSSubstitution, ResultMayBeAsLongAsTheMaximumAndNoLonger) {
 TEST(VELHLSSubstitution, InsertedTextIsBoundedToo) {
     const std::string half(maximum / 2, 'v');
     EXPECT_TRUE(substituted("{$x}", {{"x", half}}) == half);
+    EXPECT_TRUE(substituted("{$x}{$x}", {{"x", half}}) == half + half);
     EXPECT_EQ(substituted("{$x}{$x}{$x}", {{"x", half}}), "");
+    EXPECT_TRUE(substituted("{$x}", {{"x", std::string(maximum, 'v')}}) == std::string(maximum, 'v'));
     EXPECT_EQ(substituted("{$x}", {{"x", std::string(maximum + 1, 'v')}}), "");
     EXPECT_EQ(substituted("{$x}", {{"x", std::string(2 * maximum, 'v')}}), "");
+}
+
+TEST(VELHLSSubstitution, AnyNumberOfReferencesInTheTextMayComeToNothing) {
+    EXPECT_EQ(substitutedQuickly("a" + repeated("{$x}", 2 * maximum) + "b", {{"x", ""}}), "ab");
+}
+
+// Each value is read again for every reference to it, since what stands behind its end decides its last name:
+// a hundred of them would take for ever, although they make no text.
+TEST(VELHLSSubstitution, ValuesThatMultiplyWithoutMakingTextHaveAnEnd) {
+    Defines defines = {{"v0", "{$"}, {"e", ""}};
+    for (int index = 1; index <= 100; ++index) {
+        const std::string inner = "{$v" + std::to_string(index - 1) + "}e}";
+        defines["v" + std::to_string(index)] = inner + inner + "{$";
+    }
+    EXPECT_EQ(substitutedQuickly("{$v100}e}", defines), "");
 }
 
 }  // namespace

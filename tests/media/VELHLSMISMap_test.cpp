@@ -326,4 +326,13 @@ TEST(VELHLSMISMap, ParsesWhatItRenders) {
     }
 }
 
+TEST(VELHLSMISMap, ReadsALineThatItHoldsItself) {
+    VELHLSMISMap map;
+    map.uri = "#EXT-X-MAP:BYTERANGE=\"720@0\",URI=\"a/initialization/section.mp4\"";
+    ASSERT_EQ(map.parse(map.uri), 0);
+    EXPECT_EQ(map.uri, "a/initialization/section.mp4");
+    ASSERT_NE(map.byteRange, nullptr);
+    EXPECT_EQ(map.byteRange->length, 720);
+}
+
 }  // namespace

@@ -1034,6 +1034,21 @@ TEST(VELHLSMediaStreamParse, BoundsManySmallPatternsWithManyPassesTogether) {
     EXPECT_EQ(playlist::parsedMedia(repeated(1000, pattern)), nullptr);
 }
 
+/// A pattern that makes so many segments of little text.
+std::string patternOfSegments(std::size_t count) {
+    return "#ZOR-PATTERN_START:p\n#EXTINF:4,\nabcdef\n#ZOR-PATTERN_REPEAT:p," + std::to_string(count - 1) +
+           "\n";
+}
+
+TEST(VELHLSMediaStreamParse, BoundsTheSegmentsOfPatternsTogether) {
+    constexpr std::size_t most = VELHLSMediaPattern::maximumExpansionSegments;
+    EXPECT_EQ(streamOf(patternOfSegments(most)).segments.size(), most);
+    EXPECT_EQ(playlist::parsedMedia(patternOfSegments(most + 1)), nullptr);
+    EXPECT_EQ(playlist::parsedMedia(patternOfSegments(most) + patternOfSegments(1)), nullptr);
+    const std::string segment = "#EXTINF:4,\nabcdef\n";
+    EXPECT_EQ(streamOf(segment + patternOfSegments(most) + segment).segments.size(), most + 2);
+}
+
 TEST(VELHLSMediaStreamParse, DoesNotBoundPlaylistsWithoutPatterns) {
     const std::string segment = "#EXTINF:4,\n" + std::string(4 * mebibyte, 'u') + "\n";
     EXPECT_EQ(streamOf(repeated(18, segment)).segments.size(), 18U);

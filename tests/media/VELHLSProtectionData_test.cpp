@@ -736,4 +736,23 @@ TEST(VELHLSProtectionData, ReadsAMegabyteOfKeyFormatVersionsQuickly) {
     EXPECT_LT(seconds, record::quickSeconds);
 }
 
+TEST(VELHLSProtectionData, ReadsALineThatItHoldsItself) {
+    VELHLSProtectionData key(VELHLSProtectionData::None, "", "", "", {});
+    key.uri =
+        "#EXT-X-KEY:METHOD=AES-128,KEYFORMAT=\"a format that is long enough\",URI=\"of/a/key/that/is/long\"";
+    ASSERT_EQ(key.parse(key.uri), 0);
+    EXPECT_EQ(key.uri, "of/a/key/that/is/long");
+    EXPECT_EQ(key.keyFormat, "a format that is long enough");
+}
+
+TEST(VELHLSProtectionData, AFailedParseLeavesTheRecordAsItWas) {
+    VELHLSProtectionData key(VELHLSProtectionData::SampleAES, "old.bin", "", "old", {2, 3});
+    EXPECT_EQ(key.parse("#EXT-X-KEY:METHOD=AES-128,KEYFORMAT=\"new\",URI=\"\""), -1);
+    EXPECT_EQ(key.parse("#EXT-X-KEY:METHOD=AES-128,URI=\"new.bin\",IV=0x1"), -1);
+    EXPECT_EQ(key.method, VELHLSProtectionData::SampleAES);
+    EXPECT_EQ(key.uri, "old.bin");
+    EXPECT_EQ(key.keyFormat, "old");
+    EXPECT_EQ(key.keyFormatVersions, (std::vector<std::int32_t>{2, 3}));
+}
+
 }  // namespace

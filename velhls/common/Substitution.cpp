@@ -28,7 +28,8 @@ struct Progress {
 /// with nothing consumed from outside it: it would come back for ever.
 class Substituter {
   public:
-    Substituter(std::string_view text, const VELHLSDefineMap& defines) : defines_(defines) {
+    Substituter(std::string_view text, const VELHLSDefineMap& defines)
+        : defines_(defines), mostInsertedBytes_(text.size() + 2 * VELHLSUtility::maximumSubstitutedBytes) {
         sources_.push_back({text, nullptr});
     }
 
@@ -129,12 +130,15 @@ class Substituter {
 
     [[nodiscard]] bool fits() const { return result_.size() <= VELHLSUtility::maximumSubstitutedBytes; }
 
+    /// References that add next to nothing to the result cost time all the same, and values can be built so
+    /// that there is no end of them.
     bool spend(std::size_t bytes) {
         inserted_ += bytes + 1;
-        return inserted_ <= VELHLSUtility::maximumSubstitutedBytes;
+        return inserted_ <= mostInsertedBytes_;
     }
 
     const VELHLSDefineMap& defines_;
+    const std::size_t mostInsertedBytes_;
     std::vector<Source> sources_;
     std::unordered_map<const std::string*, Progress> progress_;
     std::string result_;

@@ -23,9 +23,9 @@ class VELHLS_API VELHLSUtility {
   public:
     VELHLSUtility() = delete;
 
-    /// The most text, in bytes, that one call of substituteVariables puts together: 1 MiB. It bounds what a
-    /// text with references becomes, and apart from that the values that are inserted on the way to it, each
-    /// counted with one byte more.
+    /// The longest text, in bytes, that substituteVariables makes of a text with references: 1 MiB. The
+    /// values that it reads on the way may be twice that together, and as long as the given text on top, each
+    /// counted with one byte more: values that refer to each other and come to nothing have an end too.
     static constexpr std::size_t maximumSubstitutedBytes = std::size_t{1} << 20;
 
     /// Stores `error` and a copy of `message` in `status`. A null status is legal: nothing happens.

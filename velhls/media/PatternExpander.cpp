@@ -98,7 +98,7 @@ std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments
         auto segment = VELHLSMediaSegment::parseNextSegment(
             segments->empty() ? origin.previous : segments->back(), line, input, ignored,
             origin.firstMediaSequenceNumber, origin.firstDiscontinuitySequenceNumber, defines, nullptr);
-        if (segment == nullptr) return nullptr;
+        if (segment == nullptr || !allowance.spendSegment()) return nullptr;
         segments->push_back(std::move(segment));
         readRawLine(input, line);
     }

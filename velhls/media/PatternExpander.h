@@ -15,7 +15,7 @@
 
 namespace velhls {
 
-/// How many bytes of pattern text may still be made.
+/// How many bytes of pattern text may still be made, and how many segments from it.
 class ExpansionAllowance {
   public:
     explicit ExpansionAllowance(std::size_t bytes) : left_(bytes) {}
@@ -27,10 +27,18 @@ class ExpansionAllowance {
         return true;
     }
 
+    /// False when no segment is left.
+    bool spendSegment() {
+        if (segmentsLeft_ == 0) return false;
+        --segmentsLeft_;
+        return true;
+    }
+
     [[nodiscard]] std::size_t left() const { return left_; }
 
   private:
     std::size_t left_;
+    std::size_t segmentsLeft_ = VELHLSMediaPattern::maximumExpansionSegments;
 };
 
 /// Expands one pattern. See VELHLSMediaPattern::expandMediaPattern.

@@ -13,14 +13,17 @@ std::int32_t VELHLSMISMap::parse(const std::string& line) {
 
     const std::optional<std::string_view> uriValue = attributes->find(velhls::attribute::uri);
     if (!uriValue) return -1;
-    uri = *uriValue;
-
     const std::optional<std::string_view> range = attributes->find(velhls::attribute::byteRange);
-    if (!range) return 0;
-    byteRange = std::make_shared<VELHLSByteRange>();
-    if (byteRange->parse(std::string(*range), '@', false) == 0) return 0;
-    uri.clear();
-    return -1;
+    if (range) {
+        byteRange = std::make_shared<VELHLSByteRange>();
+        if (byteRange->parse(std::string(*range), '@', false) != 0) {
+            uri.clear();
+            return -1;
+        }
+    }
+    // Last, since the line may be the one that this very member holds.
+    uri = *uriValue;
+    return 0;
 }
 
 bool VELHLSMISMap::validate() const {

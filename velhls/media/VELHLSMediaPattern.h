@@ -27,8 +27,14 @@ class VELHLS_API VELHLSMediaPattern {
     /// The most text, in bytes, that one expansion makes or reads: 64 MiB. An expansion beyond it fails.
     static constexpr std::size_t maximumExpansionBytes = std::size_t{64} << 20;
 
-    /// The same for all patterns of one playlist together: 64 MiB, some 700,000 segments of 90 bytes.
+    /// The same for all patterns of one playlist together: 64 MiB.
     static constexpr std::size_t maximumExpansionBytesOfPlaylist = std::size_t{64} << 20;
+
+    /// The most segments that one pattern makes, and all patterns of one playlist together: 524,288, six days
+    /// of one second each. A segment takes more memory than the text it is made from, so that short lines
+    /// could multiply beyond what the bounds of the text mean to allow. Text alone, as expandMediaPattern
+    /// makes it, is not counted in segments.
+    static constexpr std::size_t maximumExpansionSegments = std::size_t{1} << 19;
 
     /// Stores its arguments.
     VELHLSMediaPattern(std::string name, std::string body, std::uint64_t repeatCount);
@@ -72,7 +78,8 @@ class VELHLS_API VELHLSMediaPattern {
 
     /// Expands the pattern and reads the result as segments that follow `previous`, which may be null: then
     /// they start at the two given sequence numbers. Returns the segments in order, or null when the
-    /// expansion fails or a segment does not parse. `status` is not used: no error is recorded. Throws what
+    /// expansion fails, a segment does not parse, or there are more of them than
+    /// `maximumExpansionSegments`. `status` is not used: no error is recorded. Throws what
     /// expansion and VELHLSMediaSegment::parseNextSegment throw.
     [[nodiscard]] std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createMediaSegments(
         const std::shared_ptr<VELHLSMediaSegment>& previous, std::uint64_t firstMediaSequenceNumber,

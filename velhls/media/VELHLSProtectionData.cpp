@@ -50,12 +50,16 @@ std::int32_t VELHLSProtectionData::parse(const std::string& line) {
     const std::optional<ProtectionMethod> encryptingMethod = encryptingMethodNamed(*methodName);
     if (encrypts && !encryptingMethod) return -1;
 
-    *this = VELHLSProtectionData(encryptingMethod.value_or(None), "", "", "", {});
-    if (!encrypts) return 0;
-    for (const velhls::Attribute& attribute : *attributes) {
-        if (!readAttribute(attribute.name, attribute.value)) return -1;
+    // Apart from this record, since the line may be a text that it holds.
+    VELHLSProtectionData key(encryptingMethod.value_or(None), "", "", "", {});
+    if (encrypts) {
+        for (const velhls::Attribute& attribute : *attributes) {
+            if (!key.readAttribute(attribute.name, attribute.value)) return -1;
+        }
     }
-    return validate() ? 0 : -1;
+    if (!key.validate()) return -1;
+    *this = std::move(key);
+    return 0;
 }
 
 bool VELHLSProtectionData::readAttribute(std::string_view name, std::string_view value) {

@@ -31,7 +31,7 @@ class VELHLS_API VELHLSProtectionData {
                          const std::string& keyFormat, std::vector<std::int32_t> versions);
 
     /// Reads a whole EXT-X-KEY or EXT-X-SESSION-KEY line; trailing line ends are left out of it. Returns 0,
-    /// or -1 when the line is not acceptable; the record may then be filled in part.
+    /// or -1 when the line is not acceptable; the record is then left as it was.
     ///
     /// Not acceptable are: another tag; a malformed or empty attribute list; a METHOD that is missing or none
     /// of the three, or that is NONE in a session key; a missing or empty URI unless METHOD is NONE; an IV
