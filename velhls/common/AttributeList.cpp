@@ -73,26 +73,45 @@ std::optional<AttributeList> AttributeList::parse(std::string_view text) {
     while (!scanner.ended()) {
         const std::optional<Attribute> attribute = scanner.next();
         if (!attribute) return std::nullopt;
-        list.attributes_.push_back(*attribute);
+        list.add(*attribute);
     }
-    list.sortAndDropRepeatedNames();
+    list.sortMany();
     return list;
 }
 
-void AttributeList::sortAndDropRepeatedNames() {
-    std::stable_sort(attributes_.begin(), attributes_.end(),
+void AttributeList::add(const Attribute& attribute) {
+    if (!isLong() && fewCount_ < mostFew) {
+        insertAmongFew(attribute);
+        return;
+    }
+    if (!isLong()) many_.assign(few_.begin(), few_.end());
+    many_.push_back(attribute);
+}
+
+void AttributeList::insertAmongFew(const Attribute& attribute) {
+    std::size_t position = fewCount_;
+    while (position > 0 && attribute.name < few_[position - 1].name)
+        --position;
+    if (position > 0 && few_[position - 1].name == attribute.name) return;
+    std::copy_backward(few_.data() + position, few_.data() + fewCount_, few_.data() + fewCount_ + 1);
+    few_[position] = attribute;
+    ++fewCount_;
+}
+
+void AttributeList::sortMany() {
+    std::stable_sort(many_.begin(), many_.end(),
                      [](const Attribute& left, const Attribute& right) { return left.name < right.name; });
     const auto sameName = [](const Attribute& left, const Attribute& right) {
         return left.name == right.name;
     };
-    attributes_.erase(std::unique(attributes_.begin(), attributes_.end(), sameName), attributes_.end());
+    many_.erase(std::unique(many_.begin(), many_.end(), sameName), many_.end());
 }
 
 std::optional<std::string_view> AttributeList::find(std::string_view name) const {
-    const auto found = std::lower_bound(
-        attributes_.begin(), attributes_.end(), name,
+    const Attribute* const found = std::lower_bound(
+        begin(), end(), name,
         [](const Attribute& attribute, std::string_view wanted) { return attribute.name < wanted; });
-    if (found == attributes_.end() || found->name != name) return std::nullopt;
+    if (found == end() || found->name != name) return std::nullopt;
     return found->value;
 }
 

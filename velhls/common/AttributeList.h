@@ -1,6 +1,8 @@
 // Internal to the library, not installed: the one scanner of attribute lists (RFC 8216, section 4.2).
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -21,17 +23,25 @@ class AttributeList {
     /// when the text is malformed; an empty text is an empty list. The result looks into `text`.
     [[nodiscard]] static std::optional<AttributeList> parse(std::string_view text);
 
-    [[nodiscard]] bool empty() const { return attributes_.empty(); }
-    [[nodiscard]] auto begin() const { return attributes_.begin(); }
-    [[nodiscard]] auto end() const { return attributes_.end(); }
+    [[nodiscard]] bool empty() const { return begin() == end(); }
+    [[nodiscard]] const Attribute* begin() const { return isLong() ? many_.data() : few_.data(); }
+    [[nodiscard]] const Attribute* end() const { return begin() + (isLong() ? many_.size() : fewCount_); }
 
     /// The value of the attribute with this name, if there is one.
     [[nodiscard]] std::optional<std::string_view> find(std::string_view name) const;
 
   private:
-    void sortAndDropRepeatedNames();
+    [[nodiscard]] bool isLong() const { return !many_.empty(); }
+    void add(const Attribute& attribute);
+    void insertAmongFew(const Attribute& attribute);
+    void sortMany();
 
-    std::vector<Attribute> attributes_;
+    /// As long as there are few they are kept in order, without memory of their own: no tag of RFC 8216 has
+    /// more. Once there are many, all of them are in `many_`, to be sorted at the end.
+    static constexpr std::size_t mostFew = 16;
+    std::array<Attribute, mostFew> few_;
+    std::size_t fewCount_ = 0;
+    std::vector<Attribute> many_;
 };
 
 }  // namespace velhls

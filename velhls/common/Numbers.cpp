@@ -5,6 +5,7 @@
 #include <charconv>
 #include <locale.h>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <stdlib.h>
 #include <system_error>
@@ -36,6 +37,7 @@ constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
 /// The text from its number on, in the form that std::from_chars reads: it knows no "+".
 std::string_view withoutSpaceAndPlus(std::string_view text) {
+    if (!text.empty() && isDigit(text.front())) return text;
     const std::size_t start = text.find_first_not_of(whiteSpace);
     if (start == std::string_view::npos) return {};
     text.remove_prefix(start);
@@ -71,6 +73,31 @@ class ClassicLocale {
     locale_t locale_;
 };
 
+/// Reads nothing but digits and at most one point, 15 digits at most: that many, and the power of ten that
+/// they are divided by, are exact as doubles, so that the quotient is rounded once, as strtod rounds it.
+std::optional<double> plainDecimal(std::string_view text) {
+    constexpr std::size_t mostDigits = 15;
+    constexpr std::array<double, mostDigits + 1> powersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                                1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    if (text.size() > mostDigits + 1) return std::nullopt;
+    std::int64_t digits = 0;
+    std::size_t pointPosition = text.size();
+    for (std::size_t position = 0; position < text.size(); ++position) {
+        if (isDigit(text[position])) {
+            digits = digits * 10 + (text[position] - '0');
+        } else if (text[position] == '.' && pointPosition == text.size()) {
+            pointPosition = position;
+        } else {
+            return std::nullopt;
+        }
+    }
+    const bool hasPoint = pointPosition < text.size();
+    const std::size_t digitCount = text.size() - (hasPoint ? 1 : 0);
+    if (digitCount == 0 || digitCount > mostDigits) return std::nullopt;
+    const std::size_t decimals = hasPoint ? digitCount - pointPosition : 0;
+    return static_cast<double>(digits) / powersOfTen[decimals];
+}
+
 template <typename Number, typename... Format>
 void appendPrinted(std::string& out, Number number, Format... format) {
     // The largest double has 309 digits before its decimal point.
@@ -78,6 +105,46 @@ void appendPrinted(std::string& out, Number number, Format... format) {
     const std::to_chars_result result =
         std::to_chars(text.data(), text.data() + text.size(), number, format...);
     out.append(text.data(), result.ptr);
+}
+
+constexpr std::uint64_t power(std::uint64_t base, int exponent) {
+    return exponent == 0 ? 1 : base * power(base, exponent - 1);
+}
+
+/// Prints with integers what printf prints, digit for digit, in less than half the time of std::to_chars.
+///
+/// The fraction of a double from 1 on is a whole number of 2^-52. Times ten to the power of the decimals that
+/// is `bits` times five to that power, in units of 2^-(52 - decimals): it is computed in two halves, since
+/// it can take 66 bits, and rounded to the nearest whole number, a tie to the even one.
+template <int decimals>
+void appendWithDecimals(std::string& out, double number) {
+    constexpr std::uint64_t scale = power(10, decimals);
+    constexpr int halfWidth = 26;
+    constexpr std::uint64_t lowHalf = (std::uint64_t{1} << halfWidth) - 1;
+    constexpr int upperWidth = 52 - decimals - halfWidth;
+
+    auto whole = static_cast<std::uint64_t>(number);
+    const auto bits = static_cast<std::uint64_t>((number - static_cast<double>(whole)) * 0x1p52);
+    const std::uint64_t low = (bits & lowHalf) * power(5, decimals);
+    const std::uint64_t upper = (bits >> halfWidth) * power(5, decimals) + (low >> halfWidth);
+    std::uint64_t fraction = upper >> upperWidth;
+    const std::uint64_t rest = upper & ((std::uint64_t{1} << upperWidth) - 1);
+    constexpr std::uint64_t half = std::uint64_t{1} << (upperWidth - 1);
+    const bool isTie = rest == half && (low & lowHalf) == 0;
+    if (isTie ? (fraction & 1) != 0 : rest >= half) ++fraction;
+    if (fraction == scale) {
+        fraction = 0;
+        ++whole;
+    }
+
+    std::array<char, 32> text;
+    char* const end = std::to_chars(text.data(), text.data() + text.size(), whole).ptr;
+    *end = '.';
+    for (int position = decimals; position >= 1; --position) {
+        end[position] = static_cast<char>('0' + fraction % 10);
+        fraction /= 10;
+    }
+    out.append(text.data(), end + 1 + decimals);
 }
 
 }  // namespace
@@ -95,6 +162,7 @@ std::uint64_t toInt64AsUnsigned(std::string_view text) {
 }
 
 double toDouble(std::string_view text) {
+    if (const std::optional<double> number = plainDecimal(text)) return *number;
     const std::string terminated(text);
     const ClassicLocale classic;
     char* end = nullptr;
@@ -117,6 +185,10 @@ void appendDecimal(std::string& out, std::uint64_t number) {
 }
 
 void appendFixed(std::string& out, double number, int decimals) {
+    // Below 1 a double has more bits behind the point than are counted with, and from 2^53 on none.
+    const bool isPlain = number >= 1.0 && number < 9007199254740992.0;
+    if (isPlain && decimals == 3) return appendWithDecimals<3>(out, number);
+    if (isPlain && decimals == 6) return appendWithDecimals<6>(out, number);
     appendPrinted(out, number, std::chars_format::fixed, decimals);
 }
 

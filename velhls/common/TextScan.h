@@ -9,7 +9,6 @@ inline constexpr std::string_view digits = "0123456789";
 inline constexpr std::string_view digitsAndPoint = "0123456789.";
 inline constexpr std::string_view digitsPointAndSigns = "+-0123456789.";
 inline constexpr std::string_view hexadecimalDigits = "0123456789ABCDEFabcdef";
-inline constexpr std::string_view blanks = " \t\n\r";
 
 [[nodiscard]] constexpr bool isDigit(char character) {
     return character >= '0' && character <= '9';
@@ -24,8 +23,21 @@ inline constexpr std::string_view blanks = " \t\n\r";
     return text.find_first_not_of(allowed) == std::string_view::npos;
 }
 
+[[nodiscard]] constexpr bool isBlankCharacter(char character) {
+    return character == ' ' || character == '\t' || character == '\n' || character == '\r';
+}
+
 [[nodiscard]] constexpr bool isBlank(std::string_view text) {
-    return holdsOnly(text, blanks);
+    for (const char character : text) {
+        if (!isBlankCharacter(character)) return false;
+    }
+    return true;
+}
+
+[[nodiscard]] constexpr std::string_view withoutTrailingBlanks(std::string_view text) {
+    while (!text.empty() && isBlankCharacter(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 /// The text less the trailing characters that are in `dropped`.

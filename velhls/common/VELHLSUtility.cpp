@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "velhls/common/AttributeList.h"
-#include "velhls/common/Names.h"
+#include "velhls/common/PatternTags.h"
 #include "velhls/common/Substitution.h"
-#include "velhls/common/TagLine.h"
+#include "velhls/common/TextScan.h"
 #include "velhls/common/Timestamps.h"
 
 void VELHLSUtility::updateParsingStatusWithError(VELHLSParsingStatus* status, VELHLSParsingError error,
@@ -43,11 +43,7 @@ std::string VELHLSUtility::lastPathComponentFromURI(const std::string& uri) {
 }
 
 bool VELHLSUtility::isMediaPatternTag(const std::string& line) {
-    if (!velhls::isTagOrComment(line)) return false;
-    const velhls::TagLine tagLine(line);
-    if (!tagLine.hasColon) return false;
-    return tagLine.name == velhls::tag::zorPatternStart || tagLine.name == velhls::tag::zorPatternEnd ||
-           tagLine.name == velhls::tag::zorPatternRepeat || tagLine.name == velhls::tag::zorDefineIncrement;
+    return velhls::isPatternTag(line);
 }
 
 std::string VELHLSUtility::substituteVariables(std::string text, std::shared_ptr<VELHLSDefineMap> defines) {

@@ -3,7 +3,6 @@
 #include <optional>
 #include <utility>
 
-#include "velhls/common/LineReader.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/StartTag.h"
@@ -12,8 +11,8 @@
 namespace velhls {
 
 std::shared_ptr<VELHLSParsedManifest> ManifestReader::read() {
-    while (input_.good()) {
-        readLine(input_, line_);
+    while (lines_.good()) {
+        line_ = lines_.next();
         const Outcome outcome = takeLine();
         if (outcome == Outcome::rejected) return nullptr;
         if (outcome == Outcome::playlistEnds) break;
@@ -77,7 +76,7 @@ ManifestReader::Outcome ManifestReader::takeRendition() {
 
 ManifestReader::Outcome ManifestReader::takeVariant(bool isIFrame) {
     std::string uriLine;
-    if (!isIFrame) readLine(input_, uriLine);
+    if (!isIFrame) uriLine = lines_.next();
     auto variant = VELHLSMediaVariant::parseVariant(line_, uriLine);
     if (variant == nullptr) return Outcome::rejected;
     manifest_->variants.emplace(variant->bandwidth, variant);

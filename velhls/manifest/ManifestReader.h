@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "velhls/common/LineReader.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 
@@ -14,7 +15,7 @@ namespace velhls {
 /// to each other is not looked at here.
 class ManifestReader {
   public:
-    explicit ManifestReader(std::istream& input) : input_(input) {}
+    explicit ManifestReader(std::istream& input) : lines_(input) {}
 
     /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line.
     [[nodiscard]] std::shared_ptr<VELHLSParsedManifest> read();
@@ -33,7 +34,7 @@ class ManifestReader {
     Outcome takeSessionKey();
     Outcome takeStart(const TagLine& tagLine);
 
-    std::istream& input_;
+    LineReader lines_;
     std::string line_;
     std::shared_ptr<VELHLSParsedManifest> manifest_ = std::make_shared<VELHLSParsedManifest>();
 };

@@ -5,12 +5,11 @@
 #include <utility>
 
 #include "velhls/common/DefineTag.h"
-#include "velhls/common/LineReader.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
+#include "velhls/common/PatternTags.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/media/PatternTags.h"
 
 namespace velhls {
 namespace {
@@ -22,15 +21,15 @@ bool takeCount(std::string_view value, std::int64_t& count) {
 }
 
 bool opensSegment(std::string_view name) {
-    return name == tag::extInf || name == tag::byteRange || name == tag::key || name == tag::map ||
-           name == tag::programDateTime || name == tag::cueOut || name == tag::cueOutCont;
+    return name == tag::byteRange || name == tag::key || name == tag::map || name == tag::programDateTime ||
+           name == tag::cueOut || name == tag::cueOutCont;
 }
 
 }  // namespace
 
 std::shared_ptr<VELHLSMediaStream> MediaStreamReader::read() {
-    while (input_.good()) {
-        readLine(input_, line_);
+    while (lines_.good()) {
+        line_ = lines_.next();
         if (!takeLine()) return nullptr;
         if (stream_->endList && stream_->hasExtM3U) break;
     }
@@ -38,6 +37,8 @@ std::shared_ptr<VELHLSMediaStream> MediaStreamReader::read() {
 }
 
 bool MediaStreamReader::takeLine() {
+    // Most lines that come here are these.
+    if (isTagLine(line_, tag::extInf)) return takeSegment(false);
     if (isStandardTag(line_)) {
         const TagLine tagLine(line_);
         return tagLine.hasColon ? takeTag(tagLine) : takeBareTag(tagLine.name);
@@ -93,9 +94,8 @@ bool MediaStreamReader::takeStart(std::string_view value) {
 }
 
 bool MediaStreamReader::takeSegment(bool afterDiscontinuity) {
-    std::shared_ptr<VELHLSMediaPattern> pattern;
-    auto segment = readSegment(pattern);
-    if (pattern != nullptr) return appendPattern(*pattern);
+    auto segment = segmentReader_.read(line_, nextOrigin());
+    if (segmentReader_.pattern() != nullptr) return appendPattern();
     if (segment == nullptr) return false;
     stream_->segments.push_back(std::move(segment));
     if (afterDiscontinuity) stream_->discontinuitySeen = true;
@@ -103,31 +103,23 @@ bool MediaStreamReader::takeSegment(bool afterDiscontinuity) {
 }
 
 bool MediaStreamReader::takePattern() {
-    std::shared_ptr<VELHLSMediaPattern> pattern;
-    static_cast<void>(readSegment(pattern));
-    return pattern != nullptr && appendPattern(*pattern);
+    static_cast<void>(segmentReader_.read(line_, nextOrigin()));
+    return segmentReader_.pattern() != nullptr && appendPattern();
 }
 
-bool MediaStreamReader::appendPattern(const VELHLSMediaPattern& pattern) {
-    const auto segments = createSegments(pattern,
-                                         {lastSegment(), static_cast<std::uint64_t>(stream_->mediaSequence),
-                                          static_cast<std::uint64_t>(stream_->discontinuitySequence)},
-                                         stream_->hlsDefineMap, allowance_);
+bool MediaStreamReader::appendPattern() {
+    const auto segments = createSegments(*segmentReader_.pattern(), nextOrigin(), stream_->hlsDefineMap,
+                                         segmentMaker_, allowance_);
     if (segments == nullptr) return false;
     stream_->segments.insert(stream_->segments.end(), std::make_move_iterator(segments->begin()),
                              std::make_move_iterator(segments->end()));
     return true;
 }
 
-std::shared_ptr<VELHLSMediaSegment> MediaStreamReader::readSegment(
-    std::shared_ptr<VELHLSMediaPattern>& pattern) {
-    return VELHLSMediaSegment::parseNextSegment(
-        lastSegment(), line_, input_, pattern, static_cast<std::uint64_t>(stream_->mediaSequence),
-        static_cast<std::uint64_t>(stream_->discontinuitySequence), stream_->hlsDefineMap, status_);
-}
-
-std::shared_ptr<VELHLSMediaSegment> MediaStreamReader::lastSegment() const {
-    return stream_->segments.empty() ? nullptr : stream_->segments.back();
+SegmentOrigin MediaStreamReader::nextOrigin() const {
+    return {stream_->segments.empty() ? nullptr : stream_->segments.back().get(),
+            static_cast<std::uint64_t>(stream_->mediaSequence),
+            static_cast<std::uint64_t>(stream_->discontinuitySequence)};
 }
 
 }  // namespace velhls

@@ -3,12 +3,14 @@
 
 #include <istream>
 #include <memory>
-#include <string>
 #include <string_view>
 
+#include "velhls/common/LineReader.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/VELHLSParsingStatus.h"
 #include "velhls/media/PatternExpander.h"
+#include "velhls/media/SegmentMaker.h"
+#include "velhls/media/SegmentReader.h"
 #include "velhls/media/VELHLSMediaStream.h"
 
 namespace velhls {
@@ -17,9 +19,11 @@ namespace velhls {
 /// readers.
 class MediaStreamReader {
   public:
-    MediaStreamReader(std::istream& input, VELHLSParsingStatus* status) : input_(input), status_(status) {}
+    MediaStreamReader(std::istream& input, VELHLSParsingStatus* status)
+        : lines_(input), segmentReader_(lines_, &segmentMaker_, stream_->hlsDefineMap, status) {}
 
-    /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line.
+    /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line. All
+    /// segments are valid.
     [[nodiscard]] std::shared_ptr<VELHLSMediaStream> read();
 
   private:
@@ -31,15 +35,15 @@ class MediaStreamReader {
     bool takeStart(std::string_view value);
     bool takeSegment(bool afterDiscontinuity);
     bool takePattern();
-    bool appendPattern(const VELHLSMediaPattern& pattern);
-    std::shared_ptr<VELHLSMediaSegment> readSegment(std::shared_ptr<VELHLSMediaPattern>& pattern);
-    [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> lastSegment() const;
+    bool appendPattern();
+    [[nodiscard]] SegmentOrigin nextOrigin() const;
 
-    std::istream& input_;
-    VELHLSParsingStatus* status_;
-    std::string line_;
-    ExpansionAllowance allowance_{VELHLSMediaPattern::maximumExpansionBytesOfPlaylist};
     std::shared_ptr<VELHLSMediaStream> stream_ = std::make_shared<VELHLSMediaStream>();
+    LineReader lines_;
+    std::string_view line_;
+    SegmentMaker segmentMaker_;
+    SegmentReader segmentReader_;
+    ExpansionAllowance allowance_{VELHLSMediaPattern::maximumExpansionBytesOfPlaylist};
 };
 
 }  // namespace velhls

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <istream>
+#include <streambuf>
 #include <utility>
 
 #include "velhls/common/LineReader.h"
@@ -11,6 +13,19 @@
 #include "velhls/common/TextScan.h"
 
 namespace velhls {
+namespace {
+
+/// A stream over a text that is not copied.
+class TextStream : private std::streambuf, public std::istream {
+  public:
+    explicit TextStream(const std::string& text) : std::istream(static_cast<std::streambuf*>(this)) {
+        // A get area is declared as text that may be changed; nothing in it ever is.
+        char* const begin = const_cast<char*>(text.data());
+        setg(begin, begin, begin + text.size());
+    }
+};
+
+}  // namespace
 
 bool PatternExpander::expand() {
     if (pattern_.body.empty()) return true;
@@ -47,7 +62,7 @@ bool PatternExpander::expandLine(std::string_view line) {
 }
 
 bool PatternExpander::expandUri(std::string_view line) {
-    const std::string_view uri = withoutTrailing(line, blanks);
+    const std::string_view uri = withoutTrailingBlanks(line);
     if (defines_ == nullptr) {
         append(uri);
         return !uri.empty();
@@ -85,22 +100,20 @@ void PatternExpander::append(std::string_view line) {
 
 std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
     const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-    const std::shared_ptr<VELHLSDefineMap>& defines, ExpansionAllowance& allowance) {
+    const std::shared_ptr<VELHLSDefineMap>& defines, SegmentMaker& maker, ExpansionAllowance& allowance) {
     PatternExpander expander(pattern, defines.get(), allowance);
     if (!expander.expand()) return nullptr;
 
     auto segments = std::make_shared<std::vector<std::shared_ptr<VELHLSMediaSegment>>>();
-    std::istringstream input(expander.text());
-    std::string line;
-    readRawLine(input, line);
-    while (input.good()) {
-        std::shared_ptr<VELHLSMediaPattern> ignored;
-        auto segment = VELHLSMediaSegment::parseNextSegment(
-            segments->empty() ? origin.previous : segments->back(), line, input, ignored,
-            origin.firstMediaSequenceNumber, origin.firstDiscontinuitySequenceNumber, defines, nullptr);
+    TextStream input(expander.text());
+    LineReader lines(input);
+    SegmentReader reader(lines, &maker, defines, nullptr);
+    SegmentOrigin next = origin;
+    for (std::string_view line = lines.nextRaw(); lines.good(); line = lines.nextRaw()) {
+        auto segment = reader.read(line, next);
         if (segment == nullptr || !allowance.spendSegment()) return nullptr;
+        next.previous = segment.get();
         segments->push_back(std::move(segment));
-        readRawLine(input, line);
     }
     return segments;
 }

@@ -4,13 +4,14 @@
 
 #include <cstddef>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "velhls/common/TagLine.h"
 #include "velhls/common/VELHLSUtility.h"
+#include "velhls/media/SegmentMaker.h"
+#include "velhls/media/SegmentReader.h"
 #include "velhls/media/VELHLSMediaPattern.h"
 
 namespace velhls {
@@ -68,16 +69,9 @@ class PatternExpander {
     std::string text_;
 };
 
-/// Where the segments of a pattern continue.
-struct SegmentOrigin {
-    std::shared_ptr<VELHLSMediaSegment> previous;
-    std::uint64_t firstMediaSequenceNumber = 0;
-    std::uint64_t firstDiscontinuitySequenceNumber = 0;
-};
-
 /// See VELHLSMediaPattern::createMediaSegments. Null when the expansion fails or goes beyond the allowance.
 [[nodiscard]] std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
     const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-    const std::shared_ptr<VELHLSDefineMap>& defines, ExpansionAllowance& allowance);
+    const std::shared_ptr<VELHLSDefineMap>& defines, SegmentMaker& maker, ExpansionAllowance& allowance);
 
 }  // namespace velhls

@@ -1,61 +1,90 @@
 #include "velhls/media/SegmentReader.h"
 
-#include <sstream>
 #include <utility>
 #include <vector>
 
 #include "velhls/common/DefineTag.h"
-#include "velhls/common/LineReader.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
+#include "velhls/common/PatternTags.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/Timestamps.h"
-#include "velhls/media/PatternTags.h"
+#include "velhls/media/PatternReader.h"
+#include "velhls/media/RangeText.h"
 
 namespace velhls {
 
-SegmentReader::SegmentReader(std::istream& input, std::shared_ptr<VELHLSDefineMap> defines,
+SegmentReader::SegmentReader(LineReader& lines, SegmentMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
                              VELHLSParsingStatus* status)
-    : input_(input), defines_(std::move(defines)), status_(status) {}
+    : lines_(lines), maker_(maker), defines_(std::move(defines)), status_(status) {}
 
-bool SegmentReader::gather(const std::string& firstLine) {
-    if (!input_.good()) return false;
-    std::string line = firstLine;
-    while (true) {
-        if (!takeLine(line)) return false;
+std::shared_ptr<VELHLSMediaSegment> SegmentReader::read(std::string_view firstLine,
+                                                        const SegmentOrigin& origin) {
+    reset();
+    if (!gather(firstLine) || !isComplete()) return nullptr;
+    return build(origin);
+}
+
+void SegmentReader::Tags::clear() {
+    duration = 0.0;
+    programDateTime = 0.0;
+    hasProgramDateTime = false;
+    discontinuity = false;
+    cueIn = false;
+    byteRange = nullptr;
+    key = nullptr;
+    map = nullptr;
+    cueOut.clear();
+    cueOutCont.clear();
+}
+
+void SegmentReader::reset() {
+    takenLines_.clear();
+    openedPattern_ = false;
+    pattern_ = nullptr;
+    tags_.clear();
+    title_.clear();
+    uri_ = {};
+}
+
+/// Reads on to the URI. False when the lines hold no segment.
+bool SegmentReader::gather(std::string_view firstLine) {
+    if (!lines_.good()) return false;
+    std::string_view line = firstLine;
+    while (takeLine(line)) {
         if (!uri_.empty()) return true;
         takenLines_ += line;
         takenLines_ += '\n';
-        readLine(input_, line);
+        line = lines_.next();
         // A line that ends the input without a line feed is not looked at.
-        if (!input_.good()) return true;
+        if (!lines_.good()) return true;
     }
+    return false;
 }
 
-bool SegmentReader::takeLine(const std::string& line) {
-    if (!isTagOrComment(line)) return takeUri(line);
+bool SegmentReader::takeLine(std::string_view line) {
+    if (!isTagOrComment(line)) {
+        uri_ = withoutTrailingBlanks(line);
+        return true;
+    }
+    if (isTagLine(line, tag::extInf)) return takeDuration(line.substr(tagLength(tag::extInf)));
     if (!isStandardTag(line)) return takeVendorTagOrComment(line);
     const TagLine tagLine(line);
     return tagLine.hasColon ? takeTag(tagLine, line) : takeBareTag(tagLine);
 }
 
-bool SegmentReader::takeUri(std::string_view line) {
-    uri_ = withoutTrailing(line, blanks);
-    return true;
-}
-
-bool SegmentReader::takeVendorTagOrComment(const std::string& line) {
+bool SegmentReader::takeVendorTagOrComment(std::string_view line) {
     if (startsPattern(line)) {
         notePattern();
         if (!TagLine(line).hasColon) return false;
         openedPattern_ = true;
-        std::istringstream prefix(takenLines_);
-        pattern_ = VELHLSMediaPattern::parseMediaPattern(line, prefix, input_, status_);
+        pattern_ = readPattern(line, takenLines_, lines_, status_);
         return false;
     }
-    if (VELHLSUtility::isMediaPatternTag(line)) {
+    if (isPatternTag(line)) {
         notePattern();
-        VELHLSUtility::updateParsingStatusWithError(status_, VELHLSParsingErrorMediaPattern, line);
+        VELHLSUtility::updateParsingStatusWithError(status_, VELHLSParsingErrorMediaPattern,
+                                                    std::string(line));
         return false;
     }
     return true;
@@ -63,29 +92,28 @@ bool SegmentReader::takeVendorTagOrComment(const std::string& line) {
 
 bool SegmentReader::takeBareTag(const TagLine& tagLine) {
     if (tagLine.name == tag::discontinuity) {
-        discontinuity_ = true;
+        tags_.discontinuity = true;
         return true;
     }
     if (tagLine.name == tag::cueIn) {
-        cueIn_ = true;
+        tags_.cueIn = true;
         return true;
     }
     return tagLine.name == tag::extM3U;
 }
 
-bool SegmentReader::takeTag(const TagLine& tagLine, const std::string& line) {
-    if (tagLine.name == tag::extInf) return takeDuration(tagLine.value);
+bool SegmentReader::takeTag(const TagLine& tagLine, std::string_view line) {
     if (tagLine.name == tag::byteRange) return takeByteRange(tagLine.value);
     if (tagLine.name == tag::key) return takeKey(line);
     if (tagLine.name == tag::map) return takeMap(line);
     if (tagLine.name == tag::programDateTime) return takeProgramDateTime(tagLine.value);
     if (tagLine.name == tag::define) return takeDefine(tagLine.value);
     if (tagLine.name == tag::cueOut) {
-        cueOut_ = tagLine.value;
+        tags_.cueOut = tagLine.value;
         return true;
     }
     if (tagLine.name == tag::cueOutCont) {
-        cueOutCont_ = tagLine.value;
+        tags_.cueOutCont = tagLine.value;
         return true;
     }
     return false;
@@ -94,32 +122,32 @@ bool SegmentReader::takeTag(const TagLine& tagLine, const std::string& line) {
 bool SegmentReader::takeDuration(std::string_view value) {
     const std::size_t comma = value.find(',');
     if (comma == 0) return false;
-    duration_ = toDouble(value.substr(0, comma));
+    tags_.duration = toDouble(value.substr(0, comma));
     // The title keeps its comma, and gets another one when it is written: both are part of the interface.
     title_ = comma == std::string_view::npos ? std::string_view() : value.substr(comma);
     return true;
 }
 
 bool SegmentReader::takeByteRange(std::string_view value) {
-    byteRange_ = std::make_shared<VELHLSByteRange>();
-    return byteRange_->parse(std::string(value), '@', false) == 0;
+    tags_.byteRange = std::make_shared<VELHLSByteRange>();
+    return parseRange(value, '@', false, *tags_.byteRange);
 }
 
-bool SegmentReader::takeKey(const std::string& line) {
-    key_ = std::make_shared<VELHLSProtectionData>(VELHLSProtectionData::None, "", "", "",
-                                                  std::vector<std::int32_t>());
-    return key_->parse(line) == 0;
+bool SegmentReader::takeKey(std::string_view line) {
+    tags_.key = std::make_shared<VELHLSProtectionData>(VELHLSProtectionData::None, "", "", "",
+                                                       std::vector<std::int32_t>());
+    return tags_.key->parse(std::string(line)) == 0;
 }
 
-bool SegmentReader::takeMap(const std::string& line) {
-    map_ = std::make_shared<VELHLSMISMap>();
-    return map_->parse(line) == 0;
+bool SegmentReader::takeMap(std::string_view line) {
+    tags_.map = std::make_shared<VELHLSMISMap>();
+    return tags_.map->parse(std::string(line)) == 0;
 }
 
 bool SegmentReader::takeProgramDateTime(std::string_view value) {
-    programDateTime_ = parseTimestamp(value);
-    hasProgramDateTime_ = true;
-    return !(programDateTime_ < 0.0);
+    tags_.programDateTime = parseTimestamp(value);
+    tags_.hasProgramDateTime = true;
+    return !(tags_.programDateTime < 0.0);
 }
 
 bool SegmentReader::takeDefine(std::string_view value) {
@@ -131,30 +159,43 @@ void SegmentReader::notePattern() {
     if (status_ != nullptr) status_->hasMediaPatterns = true;
 }
 
-std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const VELHLSMediaSegment* previous,
-                                                         std::uint64_t firstMediaSequenceNumber,
-                                                         std::uint64_t firstDiscontinuitySequenceNumber) {
-    if (duration_ == 0.0 || uri_.empty()) return nullptr;
-    if (byteRange_ == nullptr) byteRange_ = getByteRangeFromUri(uri_);
+/// False when what was gathered is no valid segment. A key that parses is valid; a map is not when its URI is
+/// empty.
+bool SegmentReader::isComplete() {
+    if (tags_.duration == 0.0 || uri_.empty()) return false;
+    if (tags_.byteRange == nullptr) tags_.byteRange = rangeInUri(uri_);
+    if (tags_.byteRange != nullptr && tags_.byteRange->length < 0) return false;
+    return tags_.map == nullptr || tags_.map->validate();
+}
 
-    std::uint64_t mediaSequenceNumber = firstMediaSequenceNumber;
-    std::uint64_t discontinuitySequenceNumber = firstDiscontinuitySequenceNumber;
-    double startTime = 0.0;
-    if (previous != nullptr) {
-        mediaSequenceNumber = previous->mediaSequenceNumber + 1;
-        discontinuitySequenceNumber = previous->discontinuitySequenceNumber;
-        startTime = previous->startTime + previous->duration;
+std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const SegmentOrigin& origin) {
+    auto made = maker_ != nullptr ? maker_->make(title_, uri_) : SegmentMaker::makeAlone(title_, uri_);
+    VELHLSMediaSegment& segment = *made;
+    segment.duration = tags_.duration;
+    segment.byteRange = std::move(tags_.byteRange);
+    segment.discontinuity = tags_.discontinuity;
+    segment.protectionData = std::move(tags_.key);
+    segment.misMap = std::move(tags_.map);
+    segment.programDateTime = tags_.programDateTime;
+    segment.cueIn = tags_.cueIn;
+    if (!tags_.cueOut.empty()) segment.cueOut = std::move(tags_.cueOut);
+    if (!tags_.cueOutCont.empty()) segment.cueOutCont = std::move(tags_.cueOutCont);
+
+    segment.mediaSequenceNumber = origin.firstMediaSequenceNumber;
+    segment.discontinuitySequenceNumber = origin.firstDiscontinuitySequenceNumber;
+    if (const VELHLSMediaSegment* const previous = origin.previous) {
+        segment.mediaSequenceNumber = previous->mediaSequenceNumber + 1;
+        segment.discontinuitySequenceNumber = previous->discontinuitySequenceNumber;
+        segment.startTime = previous->startTime + previous->duration;
         // Also when the previous segment had none: dates then count from 0.
-        if (!hasProgramDateTime_) programDateTime_ = previous->programDateTime + previous->duration;
-        if (key_ == nullptr) key_ = previous->protectionData;
-        if (map_ == nullptr) map_ = previous->misMap;
+        if (!tags_.hasProgramDateTime) {
+            segment.programDateTime = previous->programDateTime + previous->duration;
+        }
+        if (segment.protectionData == nullptr) segment.protectionData = previous->protectionData;
+        if (segment.misMap == nullptr) segment.misMap = previous->misMap;
     }
-    if (discontinuity_) ++discontinuitySequenceNumber;
-
-    auto segment = std::make_shared<VELHLSMediaSegment>(
-        duration_, startTime, mediaSequenceNumber, discontinuitySequenceNumber, title_, byteRange_,
-        discontinuity_, programDateTime_, key_, map_, uri_, cueIn_, cueOut_, cueOutCont_);
-    return segment->validate() ? segment : nullptr;
+    if (segment.discontinuity) ++segment.discontinuitySequenceNumber;
+    return made;
 }
 
 }  // namespace velhls

@@ -2,54 +2,83 @@
 #pragma once
 
 #include <cstdint>
-#include <istream>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "velhls/common/LineReader.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/VELHLSParsingStatus.h"
 #include "velhls/common/VELHLSUtility.h"
+#include "velhls/media/SegmentMaker.h"
 #include "velhls/media/VELHLSMediaPattern.h"
 #include "velhls/media/VELHLSMediaSegment.h"
 
 namespace velhls {
 
-/// Gathers the tags of one segment up to and including its URI line, then makes the segment from them and
-/// from the one in front of it. See VELHLSMediaSegment::parseNextSegment.
+/// What a segment goes on from.
+struct SegmentOrigin {
+    /// Null for the first segment of a playlist, which starts at the two numbers.
+    const VELHLSMediaSegment* previous = nullptr;
+    std::uint64_t firstMediaSequenceNumber = 0;
+    std::uint64_t firstDiscontinuitySequenceNumber = 0;
+};
+
+/// Reads segments one by one: the tags of each up to and including its URI line, straight into a new record.
+/// See VELHLSMediaSegment::parseNextSegment.
 class SegmentReader {
   public:
-    SegmentReader(std::istream& input, std::shared_ptr<VELHLSDefineMap> defines, VELHLSParsingStatus* status);
+    /// All three are used as long as the reader is. The maker may be null: each segment then has memory of
+    /// its own. Variables go into `defines`, which is made on demand when it is null.
+    SegmentReader(LineReader& lines, SegmentMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
+                  VELHLSParsingStatus* status);
 
-    /// Reads from the segment's first line on. False when there is no segment; then a pattern may have been
-    /// read.
-    [[nodiscard]] bool gather(const std::string& firstLine);
+    /// Reads a segment from its first line on. Null when there is none; the lines may have opened a pattern
+    /// instead. A segment is valid as long as the key and the map that it takes over from the previous one
+    /// are: those are not looked at.
+    [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> read(std::string_view firstLine,
+                                                           const SegmentOrigin& origin);
 
-    /// Whether the lines opened a pattern, and that pattern; null when it does not parse.
+    /// Whether the lines that were last read opened a pattern, and that pattern; null when it does not parse.
     [[nodiscard]] bool openedPattern() const { return openedPattern_; }
-    [[nodiscard]] std::shared_ptr<VELHLSMediaPattern> pattern() const { return pattern_; }
-
-    /// The segment that was gathered; null when it does not validate. Without a previous segment it starts at
-    /// the two numbers.
-    [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> build(const VELHLSMediaSegment* previous,
-                                                            std::uint64_t firstMediaSequenceNumber,
-                                                            std::uint64_t firstDiscontinuitySequenceNumber);
+    [[nodiscard]] const std::shared_ptr<VELHLSMediaPattern>& pattern() const { return pattern_; }
 
   private:
-    bool takeLine(const std::string& line);
-    bool takeUri(std::string_view line);
-    bool takeVendorTagOrComment(const std::string& line);
+    /// What the tags of one segment say.
+    struct Tags {
+        /// Cheaper than to assign a new one: nearly all of it is empty already.
+        void clear();
+
+        double duration = 0.0;
+        double programDateTime = 0.0;
+        bool hasProgramDateTime = false;
+        bool discontinuity = false;
+        bool cueIn = false;
+        std::shared_ptr<VELHLSByteRange> byteRange;
+        std::shared_ptr<VELHLSProtectionData> key;
+        std::shared_ptr<VELHLSMISMap> map;
+        std::string cueOut;
+        std::string cueOutCont;
+    };
+
+    void reset();
+    bool gather(std::string_view firstLine);
+    bool takeLine(std::string_view line);
+    bool takeVendorTagOrComment(std::string_view line);
     bool takeBareTag(const TagLine& tagLine);
-    bool takeTag(const TagLine& tagLine, const std::string& line);
+    bool takeTag(const TagLine& tagLine, std::string_view line);
     bool takeDuration(std::string_view value);
     bool takeByteRange(std::string_view value);
-    bool takeKey(const std::string& line);
-    bool takeMap(const std::string& line);
+    bool takeKey(std::string_view line);
+    bool takeMap(std::string_view line);
     bool takeProgramDateTime(std::string_view value);
     bool takeDefine(std::string_view value);
     void notePattern();
+    [[nodiscard]] bool isComplete();
+    [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> build(const SegmentOrigin& origin);
 
-    std::istream& input_;
+    LineReader& lines_;
+    SegmentMaker* maker_;
     std::shared_ptr<VELHLSDefineMap> defines_;
     VELHLSParsingStatus* status_;
 
@@ -58,18 +87,11 @@ class SegmentReader {
     bool openedPattern_ = false;
     std::shared_ptr<VELHLSMediaPattern> pattern_;
 
-    double duration_ = 0.0;
+    Tags tags_;
+    /// Kept from segment to segment for its memory.
     std::string title_;
-    std::shared_ptr<VELHLSByteRange> byteRange_;
-    std::shared_ptr<VELHLSProtectionData> key_;
-    std::shared_ptr<VELHLSMISMap> map_;
-    double programDateTime_ = 0.0;
-    bool hasProgramDateTime_ = false;
-    bool discontinuity_ = false;
-    bool cueIn_ = false;
-    std::string cueOut_;
-    std::string cueOutCont_;
-    std::string uri_;
+    /// Looks into the line that was read last.
+    std::string_view uri_;
 };
 
 }  // namespace velhls

@@ -6,6 +6,7 @@
 
 #include "velhls/common/Numbers.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/media/RangeText.h"
 
 namespace {
 
@@ -16,41 +17,58 @@ std::int64_t lengthFromTo(std::int64_t first, std::int64_t last) {
     return distance == std::numeric_limits<std::int64_t>::max() ? distance : distance + 1;
 }
 
-/// Where the range in a URI would start. "Not found" plus the length of the marker wraps around to 6, one
-/// less than that length. Kept as it is: which URIs are read as ranges is part of the interface.
-std::size_t rangeStart(std::string_view uri) {
-    constexpr std::string_view marker = "/range/";
-    return uri.rfind(marker) + marker.size();
-}
-
-[[noreturn]] void throwTooShort(const std::string& uri) {
+[[noreturn]] void throwTooShort(std::string_view uri) {
     throw std::out_of_range(
-        "segment URI \"" + uri +
+        "segment URI \"" + std::string(uri) +
         "\" has fewer than 6 characters and no EXT-X-BYTERANGE: write a longer one (\"./0.ts\" "
         "for \"0.ts\"), or give the byte range");
 }
 
 }  // namespace
 
-std::int32_t VELHLSByteRange::parse(const std::string& text, char separator, bool inclusiveRange) {
-    const std::string_view range = text;
-    const std::size_t separatorPosition = range.find(separator);
+namespace velhls {
+
+bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range) {
+    const std::size_t separatorPosition = text.find(separator);
     const bool hasSeparator = separatorPosition != std::string_view::npos;
-    const std::string_view before = range.substr(0, separatorPosition);
-    const std::string_view after = hasSeparator ? range.substr(separatorPosition + 1) : std::string_view();
-    if (before.empty() || !velhls::holdsOnly(before, velhls::digits)) return -1;
-    if (hasSeparator && (after.empty() || !velhls::holdsOnly(after, velhls::digits))) return -1;
+    const std::string_view before = text.substr(0, separatorPosition);
+    const std::string_view after = hasSeparator ? text.substr(separatorPosition + 1) : std::string_view();
+    if (before.empty() || !holdsOnly(before, digits)) return false;
+    if (hasSeparator && (after.empty() || !holdsOnly(after, digits))) return false;
 
     if (!hasSeparator) {
-        length = velhls::toInt64(before);
-        offset = -1;
-        return 0;
+        range.length = toInt64(before);
+        range.offset = -1;
+        return true;
     }
-    const std::int64_t first = velhls::toInt64(before);
-    const std::int64_t second = velhls::toInt64(after);
-    length = inclusiveRange ? lengthFromTo(first, second) : first;
-    offset = inclusiveRange ? first : second;
-    return 0;
+    const std::int64_t first = toInt64(before);
+    const std::int64_t second = toInt64(after);
+    range.length = inclusiveRange ? lengthFromTo(first, second) : first;
+    range.offset = inclusiveRange ? first : second;
+    return true;
+}
+
+std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri) {
+    constexpr std::string_view marker = "/range/";
+    // Where "not found" plus the length of the marker wraps around to: one less than that length. Kept as it
+    // is: which URIs are read as ranges is part of the interface.
+    constexpr std::size_t startWithoutMarker = marker.size() - 1;
+    if (uri.empty()) return nullptr;
+    if (uri.size() < startWithoutMarker) throwTooShort(uri);
+    // Every range ends in a digit. Few URIs do, so that most are not searched for the marker.
+    if (!isDigit(uri.back())) return nullptr;
+    const std::size_t markerPosition = uri.rfind(marker);
+    const bool hasMarker = markerPosition != std::string_view::npos;
+    const std::size_t start = hasMarker ? markerPosition + marker.size() : startWithoutMarker;
+    VELHLSByteRange range;
+    if (!parseRange(uri.substr(start), '-', true, range)) return nullptr;
+    return std::make_shared<VELHLSByteRange>(range);
+}
+
+}  // namespace velhls
+
+std::int32_t VELHLSByteRange::parse(const std::string& text, char separator, bool inclusiveRange) {
+    return velhls::parseRange(text, separator, inclusiveRange, *this) ? 0 : -1;
 }
 
 std::int32_t VELHLSByteRange::render(std::string& out) const {
@@ -64,9 +82,5 @@ std::int32_t VELHLSByteRange::render(std::string& out) const {
 }
 
 std::shared_ptr<VELHLSByteRange> getByteRangeFromUri(std::string uri) {
-    if (uri.empty()) return nullptr;
-    const std::size_t start = rangeStart(uri);
-    if (start > uri.size()) throwTooShort(uri);
-    auto range = std::make_shared<VELHLSByteRange>();
-    return range->parse(uri.substr(start), '-', true) == 0 ? range : nullptr;
+    return velhls::rangeInUri(uri);
 }

@@ -35,11 +35,13 @@ std::shared_ptr<VELHLSMediaSegment> VELHLSMediaSegment::parseNextSegment(
     std::shared_ptr<VELHLSMediaPattern>& pattern, std::uint64_t firstMediaSequenceNumber,
     std::uint64_t firstDiscontinuitySequenceNumber, std::shared_ptr<VELHLSDefineMap> defines,
     VELHLSParsingStatus* status) {
-    velhls::SegmentReader reader(input, std::move(defines), status);
-    const bool gathered = reader.gather(line);
+    velhls::LineReader lines(input);
+    velhls::SegmentReader reader(lines, nullptr, std::move(defines), status);
+    auto segment =
+        reader.read(line, {previous.get(), firstMediaSequenceNumber, firstDiscontinuitySequenceNumber});
     if (reader.openedPattern()) pattern = reader.pattern();
-    if (!gathered) return nullptr;
-    return reader.build(previous.get(), firstMediaSequenceNumber, firstDiscontinuitySequenceNumber);
+    // The caller's previous segment may hold a key or a map that is not valid.
+    return segment != nullptr && segment->validate() ? segment : nullptr;
 }
 
 std::shared_ptr<VELHLSMediaSegment> VELHLSMediaSegment::buildNextSegment(

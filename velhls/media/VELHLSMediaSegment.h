@@ -4,6 +4,7 @@
 #include <istream>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "velhls/common/VELHLSExport.h"
 #include "velhls/common/VELHLSParsingStatus.h"
@@ -95,16 +96,16 @@ class VELHLS_API VELHLSMediaSegment {
     [[nodiscard]] std::int32_t render(std::string& out, bool renderKey, bool renderMap) const;
 
     /// EXTINF: seconds. 0 means none, and makes the segment invalid.
-    double duration;
+    double duration = 0.0;
 
     /// Start on the playlist's own timeline in seconds: the durations of the segments in front, summed up.
-    double startTime;
+    double startTime = 0.0;
 
     /// Media sequence number.
-    std::uint64_t mediaSequenceNumber;
+    std::uint64_t mediaSequenceNumber = 0;
 
     /// Discontinuity sequence number.
-    std::uint64_t discontinuitySequenceNumber;
+    std::uint64_t discontinuitySequenceNumber = 0;
 
     /// Title of EXTINF with the comma in front of it; empty when there is not even a comma.
     std::string title;
@@ -113,7 +114,7 @@ class VELHLS_API VELHLSMediaSegment {
     std::shared_ptr<VELHLSByteRange> byteRange;
 
     /// EXT-X-DISCONTINUITY stands in front of this segment.
-    bool discontinuity;
+    bool discontinuity = false;
 
     /// The key in force; null when there is none.
     std::shared_ptr<VELHLSProtectionData> protectionData;
@@ -122,13 +123,13 @@ class VELHLS_API VELHLSMediaSegment {
     std::shared_ptr<VELHLSMISMap> misMap;
 
     /// Time of the first sample in seconds since the Unix epoch; 0 means none.
-    double programDateTime;
+    double programDateTime = 0.0;
 
     /// The URI line without its trailing white space.
     std::string uri;
 
     /// EXT-X-CUE-IN stood among the segment's tags (vendor extension; not written back).
-    bool cueIn;
+    bool cueIn = false;
 
     /// The text behind the colon of EXT-X-CUE-OUT (vendor extension; not written back); empty when there is
     /// none.
@@ -136,4 +137,8 @@ class VELHLS_API VELHLSMediaSegment {
 
     /// The text behind the colon of EXT-X-CUE-OUT-CONT (vendor extension; not written back); likewise.
     std::string cueOutCont;
+
+  protected:
+    /// For the library's own reader, which sets all other members in place.
+    VELHLSMediaSegment(std::string_view title, std::string_view uri) : title(title), uri(uri) {}
 };

@@ -43,7 +43,7 @@ std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::istr
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::internalParseMediaStream(std::istream& input,
                                                                                VELHLSParsingStatus* status) {
     std::shared_ptr<VELHLSMediaStream> stream = velhls::MediaStreamReader(input, status).read();
-    if (stream == nullptr || !stream->validate()) return nullptr;
+    if (stream == nullptr) return nullptr;
     if (status != nullptr) status->error = VELHLSParsingErrorNone;
     return stream;
 }

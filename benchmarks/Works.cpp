@@ -1,0 +1,301 @@
+#include "Works.h"
+
+#include <array>
+#include <charconv>
+#include <functional>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+#include "velhls/VELHLS.h"
+
+#include "Inputs.h"
+
+namespace {
+
+using Stream = std::shared_ptr<VELHLSMediaStream>;
+using Manifest = std::shared_ptr<VELHLSParsedManifest>;
+
+void require(bool holds, const char* what) {
+    if (!holds) throw std::runtime_error(what);
+}
+
+/// A stream over the same text for every run. Where `fresh` is set, making it is part of the run.
+class Reading : public Work {
+  public:
+    Reading(const std::string& text, bool fresh) : text_(text), fresh_(fresh) {}
+
+    void prepare() override {
+        if (!fresh_) input_ = std::make_unique<std::istringstream>(text_);
+    }
+
+    void run() override {
+        if (fresh_) {
+            std::istringstream input(text_);
+            read(input);
+        } else {
+            read(*input_);
+        }
+    }
+
+  private:
+    virtual void read(std::istream& input) = 0;
+
+    std::string text_;
+    bool fresh_;
+    std::unique_ptr<std::istringstream> input_;
+};
+
+class ParseMedia : public Reading {
+  public:
+    ParseMedia(const std::string& text, bool fresh, std::size_t segments)
+        : Reading(text, fresh), segments_(segments) {}
+
+    void drop() override {
+        require(stream_ != nullptr && stream_->segments.size() == segments_, "the parse lost segments");
+        stream_ = nullptr;
+    }
+
+  private:
+    void read(std::istream& input) override { stream_ = VELHLSMediaStream::parseMediaStream(input, nullptr); }
+
+    std::size_t segments_;
+    Stream stream_;
+};
+
+class ParseMaster : public Reading {
+  public:
+    ParseMaster(const std::string& text, bool fresh, std::size_t variants)
+        : Reading(text, fresh), variants_(variants) {}
+
+    void drop() override {
+        require(manifest_ != nullptr && manifest_->variants.size() == variants_, "the parse lost variants");
+        manifest_ = nullptr;
+    }
+
+  private:
+    void read(std::istream& input) override {
+        manifest_ = VELHLSParsedManifest::parseManifest(input, nullptr);
+    }
+
+    std::size_t variants_;
+    Manifest manifest_;
+};
+
+class ReadingFloor : public Reading {
+  public:
+    using Reading::Reading;
+
+    void drop() override {
+        require(bytes_ > 0, "nothing was read");
+        bytes_ = 0;
+    }
+
+  private:
+    void read(std::istream& input) override {
+        std::string line;
+        while (std::getline(input, line))
+            bytes_ += line.size() + 1;
+    }
+
+    std::size_t bytes_ = 0;
+};
+
+class ObjectFloor : public Reading {
+  public:
+    ObjectFloor(const std::string& text, bool fresh, std::size_t segments)
+        : Reading(text, fresh), segmentCount_(segments) {}
+
+    void drop() override {
+        require(segments_.size() == segmentCount_, "the floor lost segments");
+        segments_ = {};
+    }
+
+  private:
+    void read(std::istream& input) override {
+        segments_ = {};
+        std::string line;
+        while (std::getline(input, line)) {
+            if (line.empty() || line[0] == '#') continue;
+            segments_.push_back(std::make_shared<VELHLSMediaSegment>(0.0, 0.0, 0, 0, "", nullptr, false, 0.0,
+                                                                     nullptr, nullptr, line, false, "", ""));
+        }
+    }
+
+    std::size_t segmentCount_;
+    std::vector<std::shared_ptr<VELHLSMediaSegment>> segments_;
+};
+
+/// Renders a playlist into a new string stream.
+template <typename Playlist>
+class Render : public Work {
+  public:
+    Render(Playlist playlist, std::string expected)
+        : playlist_(std::move(playlist)), expected_(std::move(expected)) {}
+
+    void prepare() override { output_ = std::make_unique<std::ostringstream>(); }
+    void run() override { result_ = playlist_->render(*output_); }
+    void drop() override {
+        require(result_ == 0 && output_->str() == expected_, "the text is not what it was");
+        output_ = nullptr;
+    }
+
+  private:
+    Playlist playlist_;
+    std::string expected_;
+    std::unique_ptr<std::ostringstream> output_;
+    std::int32_t result_ = -1;
+};
+
+/// The text of a media playlist in ready pieces, cut where a duration stands.
+class WritingFloor : public Work {
+  public:
+    WritingFloor(const Stream& stream, std::string expected) : expected_(std::move(expected)) {
+        const std::string mark = "#EXTINF:";
+        std::size_t start = 0;
+        for (const auto& segment : stream->segments) {
+            const std::size_t durationStart = expected_.find(mark, start) + mark.size();
+            pieces_.push_back({expected_.substr(start, durationStart - start), segment->duration});
+            start = expected_.find_first_of(",\n", durationStart);
+        }
+        end_ = expected_.substr(start);
+    }
+
+    void prepare() override { output_ = std::make_unique<std::ostringstream>(); }
+
+    void run() override {
+        std::string text;
+        for (const Piece& piece : pieces_) {
+            std::array<char, 64> digits;
+            const auto printed = std::to_chars(digits.data(), digits.data() + digits.size(), piece.duration,
+                                               std::chars_format::fixed, 6);
+            text += piece.text;
+            text.append(digits.data(), printed.ptr);
+        }
+        text += end_;
+        output_->write(text.data(), static_cast<std::streamsize>(text.size()));
+    }
+
+    void drop() override {
+        require(output_->str() == expected_, "the floor's text is not the library's");
+        output_ = nullptr;
+    }
+
+  private:
+    struct Piece {
+        std::string text;
+        double duration;
+    };
+
+    std::string expected_;
+    std::vector<Piece> pieces_;
+    std::string end_;
+    std::unique_ptr<std::ostringstream> output_;
+};
+
+Measurement mediaParse(std::string name, const std::string& text, std::size_t segments, bool fresh = false) {
+    return {std::move(name),
+            segments,
+            text.size(),
+            fresh ? std::size_t{2000} : std::size_t{1},
+            std::make_unique<ParseMedia>(text, fresh, segments),
+            "O",
+            std::make_unique<ObjectFloor>(text, fresh, segments)};
+}
+
+Measurement masterParse(std::string name, const std::string& text, std::size_t variants, bool fresh = false) {
+    return {std::move(name),
+            variants,
+            text.size(),
+            fresh ? std::size_t{500} : std::size_t{1},
+            std::make_unique<ParseMaster>(text, fresh, variants),
+            "R",
+            std::make_unique<ReadingFloor>(text, fresh)};
+}
+
+/// The floor is the parse of the same playlist written out.
+Measurement patternParse(std::string name, std::size_t segments) {
+    const std::string text = inputs::pattern(segments);
+    return {std::move(name),
+            segments,
+            text.size(),
+            1,
+            std::make_unique<ParseMedia>(text, false, segments),
+            "written out",
+            std::make_unique<ParseMedia>(inputs::patternWrittenOut(segments), false, segments)};
+}
+
+template <typename Playlist>
+std::string rendered(const Playlist& playlist) {
+    std::ostringstream output;
+    require(playlist->render(output) == 0, "the playlist does not render");
+    return output.str();
+}
+
+Measurement mediaRender(std::string name, const std::string& text, std::size_t segments) {
+    std::istringstream input(text);
+    const Stream stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
+    const std::string expected = rendered(stream);
+    return {std::move(name),
+            segments,
+            expected.size(),
+            1,
+            std::make_unique<Render<Stream>>(stream, expected),
+            "W",
+            std::make_unique<WritingFloor>(stream, expected)};
+}
+
+/// The floor is the reading of the same text: there is no duration to write.
+Measurement masterRender(std::string name, const std::string& text, std::size_t variants) {
+    std::istringstream input(text);
+    const Manifest manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
+    const std::string expected = rendered(manifest);
+    return {std::move(name),
+            variants,
+            expected.size(),
+            1,
+            std::make_unique<Render<Manifest>>(manifest, expected),
+            "R",
+            std::make_unique<ReadingFloor>(expected, false)};
+}
+
+using Maker = std::function<Measurement(const std::string&)>;
+
+const std::vector<std::pair<std::string, Maker>>& makers() {
+    constexpr std::size_t many = 100000;
+    constexpr std::size_t million = 1000000;
+    using Name = const std::string&;
+    static const std::vector<std::pair<std::string, Maker>> all = {
+        {"parse/vod/100000", [](Name name) { return mediaParse(name, inputs::vod(many), many); }},
+        {"parse/vod/1000000", [](Name name) { return mediaParse(name, inputs::vod(million), million); }},
+        {"parse/vod-long-uris/100000",
+         [](Name name) { return mediaParse(name, inputs::vodWithLongUris(many), many); }},
+        {"parse/rich/100000", [](Name name) { return mediaParse(name, inputs::rich(many), many); }},
+        {"parse/live", [](Name name) { return mediaParse(name, inputs::live(), 6, true); }},
+        {"parse/pattern/100000", [](Name name) { return patternParse(name, many); }},
+        {"parse/master-small", [](Name name) { return masterParse(name, inputs::smallMaster(), 16, true); }},
+        {"parse/master-large/10000",
+         [](Name name) { return masterParse(name, inputs::largeMaster(10000), 10000); }},
+        {"render/vod/100000", [](Name name) { return mediaRender(name, inputs::vod(many), many); }},
+        {"render/rich/100000", [](Name name) { return mediaRender(name, inputs::rich(many), many); }},
+        {"render/master-large/10000",
+         [](Name name) { return masterRender(name, inputs::largeMaster(10000), 10000); }},
+    };
+    return all;
+}
+
+}  // namespace
+
+std::vector<std::string> measurementNames() {
+    std::vector<std::string> names;
+    for (const auto& [name, maker] : makers())
+        names.push_back(name);
+    return names;
+}
+
+Measurement makeMeasurement(const std::string& name) {
+    for (const auto& [known, maker] : makers()) {
+        if (known == name) return maker(name);
+    }
+    throw std::invalid_argument("no measurement is named " + name);
+}

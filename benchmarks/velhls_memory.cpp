@@ -1,0 +1,22 @@
+// Runs one work once and prints the bytes that its result holds, and the most that were held on the way there,
+// for each segment or variant.
+//
+//   velhls_memory NAME [floor]
+#include <iostream>
+
+#include "CountedHeap.h"
+#include "Works.h"
+
+int main(int argc, char** argv) {
+    const Measurement measurement = makeMeasurement(argc > 1 ? argv[1] : "");
+    Work& work = argc > 2 ? *measurement.floor : *measurement.work;
+    work.prepare();
+    const std::size_t before = heap::bytesHeld();
+    heap::forgetTheMost();
+    work.run();
+    const auto items = static_cast<double>(measurement.items);
+    std::cout << static_cast<double>(heap::bytesHeld() - before) / items << " "
+              << static_cast<double>(heap::mostBytesHeld() - before) / items << "\n";
+    work.drop();
+    return 0;
+}

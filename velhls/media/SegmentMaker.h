@@ -1,0 +1,42 @@
+// Internal to the library, not installed: where the segments of a playlist get their memory from.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+#include "velhls/media/VELHLSMediaSegment.h"
+
+namespace velhls {
+
+/// Memory for a run of segments and the control blocks of their shared pointers. It lives as long as one of
+/// its blocks is in use or can still be taken; the segments themselves come and go one by one.
+class SegmentSlab;
+
+/// Makes segments, one after the other, out of slabs: a fraction of the calls to the heap, and
+/// neighbours in the playlist are neighbours in memory. The first slab is small, since most playlists that
+/// are parsed are a live window of a few segments; the next ones grow.
+///
+/// Used by one thread; the segments may be released by any.
+class SegmentMaker {
+  public:
+    SegmentMaker() = default;
+    ~SegmentMaker();
+    SegmentMaker(const SegmentMaker&) = delete;
+    SegmentMaker& operator=(const SegmentMaker&) = delete;
+
+    /// A segment with this title and URI, and all else empty.
+    [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> make(std::string_view title, std::string_view uri);
+
+    /// The same with memory of its own.
+    [[nodiscard]] static std::shared_ptr<VELHLSMediaSegment> makeAlone(std::string_view title,
+                                                                       std::string_view uri);
+
+  private:
+    void openSlab();
+
+    SegmentSlab* slab_ = nullptr;
+    std::size_t nextSize_ = 4;
+};
+
+}  // namespace velhls
