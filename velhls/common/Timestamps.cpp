@@ -85,12 +85,17 @@ std::int64_t truncated(double seconds) {
 
 /// Written as printf's "%0*d" writes it, where a sign counts as one of the digits.
 void appendPadded(std::string& out, std::int64_t number, std::size_t width) {
-    std::string text;
-    appendDecimal(text, number < 0 ? -number : number);
+    if (width == 2 && number >= 0 && number < 100) {
+        out += static_cast<char>('0' + number / 10);
+        out += static_cast<char>('0' + number % 10);
+        return;
+    }
     const std::size_t sign = number < 0 ? 1 : 0;
     if (sign != 0) out += '-';
-    if (text.size() + sign < width) out.append(width - sign - text.size(), '0');
-    out += text;
+    const std::size_t start = out.size();
+    appendDecimal(out, number < 0 ? -number : number);
+    const std::size_t digits = out.size() - start;
+    if (digits + sign < width) out.insert(start, width - sign - digits, '0');
 }
 
 }  // namespace

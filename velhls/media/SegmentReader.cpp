@@ -172,10 +172,10 @@ std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const SegmentOrigin& or
     auto made = maker_ != nullptr ? maker_->make(title_, uri_) : SegmentMaker::makeAlone(title_, uri_);
     VELHLSMediaSegment& segment = *made;
     segment.duration = tags_.duration;
-    segment.byteRange = std::move(tags_.byteRange);
+    if (tags_.byteRange != nullptr) segment.byteRange = std::move(tags_.byteRange);
     segment.discontinuity = tags_.discontinuity;
-    segment.protectionData = std::move(tags_.key);
-    segment.misMap = std::move(tags_.map);
+    if (tags_.key != nullptr) segment.protectionData = std::move(tags_.key);
+    if (tags_.map != nullptr) segment.misMap = std::move(tags_.map);
     segment.programDateTime = tags_.programDateTime;
     segment.cueIn = tags_.cueIn;
     if (!tags_.cueOut.empty()) segment.cueOut = std::move(tags_.cueOut);

@@ -2,11 +2,9 @@
 
 #include <utility>
 
-#include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
-#include "velhls/common/TagLine.h"
-#include "velhls/common/Timestamps.h"
+#include "velhls/common/LineReader.h"
 #include "velhls/media/SegmentReader.h"
+#include "velhls/media/SegmentWriter.h"
 
 VELHLSMediaSegment::VELHLSMediaSegment(double duration, double startTime, std::uint64_t mediaSequenceNumber,
                                        std::uint64_t discontinuitySequenceNumber, const std::string& title,
@@ -56,45 +54,11 @@ std::shared_ptr<VELHLSMediaSegment> VELHLSMediaSegment::buildNextSegment(
 }
 
 bool VELHLSMediaSegment::validate() const {
-    if (uri.empty()) return false;
-    if (duration == 0.0) return false;
-    if (byteRange != nullptr && byteRange->length < 0) return false;
-    if (protectionData != nullptr && !protectionData->validate()) return false;
-    if (misMap != nullptr && !misMap->validate()) return false;
-    return true;
+    return velhls::SegmentWriter().isValid(*this);
 }
 
 std::int32_t VELHLSMediaSegment::render(std::string& out, bool renderKey, bool renderMap) const {
     if (!validate()) return -1;
-    std::string text;
-    if (discontinuity) {
-        text += '#';
-        text += velhls::tag::discontinuity;
-        text += '\n';
-    }
-    // A valid segment's key, map and byte range are valid too, and valid ones always render.
-    if (protectionData != nullptr && renderKey) static_cast<void>(protectionData->render(text));
-    if (misMap != nullptr && renderMap) static_cast<void>(misMap->render(text));
-    if (programDateTime > 0.0) {
-        velhls::appendTag(text, velhls::tag::programDateTime);
-        velhls::renderTimestamp(programDateTime, text);
-        text += '\n';
-    }
-    velhls::appendTag(text, velhls::tag::extInf);
-    velhls::appendFixed(text, duration, 6);
-    if (!title.empty()) {
-        // A parsed title has its comma already: the second one is part of the interface.
-        text += ',';
-        text += title;
-    }
-    text += '\n';
-    if (byteRange != nullptr && byteRange->length >= 1) {
-        velhls::appendTag(text, velhls::tag::byteRange);
-        static_cast<void>(byteRange->render(text));
-        text += '\n';
-    }
-    text += uri;
-    text += '\n';
-    out += text;
+    velhls::SegmentWriter().write(out, *this, renderKey, renderMap);
     return 0;
 }

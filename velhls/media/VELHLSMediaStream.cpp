@@ -10,6 +10,7 @@
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TimedParse.h"
 #include "velhls/media/MediaStreamReader.h"
+#include "velhls/media/SegmentWriter.h"
 
 namespace {
 
@@ -33,6 +34,20 @@ void writeUnlessZero(std::ostream& out, std::string_view tag, std::int64_t numbe
     if (number != 0) velhls::writeTag(out, tag, number);
 }
 
+/// Writes segments that are valid, many at a time.
+void writeSegments(std::ostream& out, const std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments) {
+    constexpr std::size_t fullText = 32768;
+    velhls::SegmentWriter writer;
+    std::string text;
+    for (const auto& segment : segments) {
+        writer.write(text, *segment, true, true);
+        if (text.size() < fullText) continue;
+        velhls::writeText(out, text);
+        text.clear();
+    }
+    velhls::writeText(out, text);
+}
+
 }  // namespace
 
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::istream& input,
@@ -49,8 +64,9 @@ std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::internalParseMediaStream(s
 }
 
 bool VELHLSMediaStream::validate() const {
+    velhls::SegmentWriter writer;
     for (const auto& segment : segments) {
-        if (segment == nullptr || !segment->validate()) return false;
+        if (segment == nullptr || !writer.isValid(*segment)) return false;
     }
     return true;
 }
@@ -71,13 +87,7 @@ std::int32_t VELHLSMediaStream::render(std::ostream& out) const {
     if (independentSegments) velhls::writeTag(out, velhls::tag::independentSegments);
     velhls::writeStartTag(out, {startTimeOffset, startPrecise});
 
-    std::string text;
-    for (const auto& segment : segments) {
-        text.clear();
-        // Every segment was just validated, and a valid one always renders.
-        static_cast<void>(segment->render(text, true, true));
-        velhls::writeText(out, text);
-    }
+    writeSegments(out, segments);
     if (endList) velhls::writeTag(out, velhls::tag::endList);
     return 0;
 }
