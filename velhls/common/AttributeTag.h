@@ -14,7 +14,7 @@ namespace velhls {
 /// or when there are none.
 [[nodiscard]] inline std::optional<AttributeList> parseNonEmptyAttributes(std::string_view line) {
     std::optional<AttributeList> attributes =
-        AttributeList::parse(TagLine(withoutTrailing(line, "\r\n")).value);
+        AttributeList::parse(TagLine(withoutTrailing(line, lineEnds)).value);
     if (attributes && attributes->empty()) return std::nullopt;
     return attributes;
 }

@@ -5,7 +5,6 @@
 namespace velhls {
 namespace {
 
-constexpr std::int64_t secondsOfDay = 86400;
 constexpr std::int64_t daysOfFourCenturies = 146097;
 
 constexpr std::int64_t floorDivide(std::int64_t number, std::int64_t divisor) {
@@ -31,21 +30,6 @@ constexpr std::int64_t daysToFirstOf(std::int64_t year, std::int64_t month) {
     return era * daysOfFourCenturies + dayOfEra - daysToEpoch;
 }
 
-CivilTime dateOf(std::int64_t daysSinceEpoch) {
-    const std::int64_t days = daysSinceEpoch + daysToEpoch;
-    const std::int64_t era = floorDivide(days, daysOfFourCenturies);
-    const std::int64_t dayOfEra = days - era * daysOfFourCenturies;
-    const std::int64_t yearOfEra =
-        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / (daysOfFourCenturies - 1)) / 365;
-    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const std::int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
-    CivilTime date;
-    date.day = dayOfYear - (153 * monthFromMarch + 2) / 5 + 1;
-    date.month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
-    date.year = yearOfEra + era * 400 + (date.month <= 2 ? 1 : 0);
-    return date;
-}
-
 constexpr std::int64_t firstSecond = daysToFirstOf(firstYear, 1) * secondsOfDay;
 constexpr std::int64_t lastSecond = daysToFirstOf(lastYear + 1, 1) * secondsOfDay - 1;
 
@@ -61,14 +45,27 @@ std::optional<std::int64_t> secondsSinceEpoch(const CivilTime& time) {
     return seconds;
 }
 
-CivilTime civilTimeOf(std::int64_t secondsSinceEpoch) {
-    const std::int64_t seconds = std::clamp(secondsSinceEpoch, firstSecond, lastSecond);
-    const std::int64_t secondOfDay = floorRemainder(seconds, secondsOfDay);
-    CivilTime time = dateOf(floorDivide(seconds, secondsOfDay));
-    time.hour = secondOfDay / 3600;
-    time.minute = secondOfDay % 3600 / 60;
-    time.second = secondOfDay % 60;
-    return time;
+std::int64_t limitedToCalendar(std::int64_t secondsSinceEpoch) {
+    return std::clamp(secondsSinceEpoch, firstSecond, lastSecond);
+}
+
+std::int64_t startOfDay(std::int64_t secondsSinceEpoch) {
+    return secondsSinceEpoch - floorRemainder(secondsSinceEpoch, secondsOfDay);
+}
+
+CivilTime dateOf(std::int64_t secondsSinceEpoch) {
+    const std::int64_t days = floorDivide(secondsSinceEpoch, secondsOfDay) + daysToEpoch;
+    const std::int64_t era = floorDivide(days, daysOfFourCenturies);
+    const std::int64_t dayOfEra = days - era * daysOfFourCenturies;
+    const std::int64_t yearOfEra =
+        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / (daysOfFourCenturies - 1)) / 365;
+    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const std::int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
+    CivilTime date;
+    date.day = dayOfYear - (153 * monthFromMarch + 2) / 5 + 1;
+    date.month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
+    date.year = yearOfEra + era * 400 + (date.month <= 2 ? 1 : 0);
+    return date;
 }
 
 }  // namespace velhls

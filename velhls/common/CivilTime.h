@@ -21,11 +21,19 @@ struct CivilTime {
 inline constexpr std::int64_t firstYear = INT32_MIN + std::int64_t{1900};
 inline constexpr std::int64_t lastYear = INT32_MAX + std::int64_t{1900};
 
+inline constexpr std::int64_t secondsOfDay = 86400;
+
 /// Seconds since 1970-01-01T00:00:00Z. Nothing when the year that was given, or the year that the fields
 /// carry over to, is none that the platform's calendar record holds. Every field must fit 32 bits.
 [[nodiscard]] std::optional<std::int64_t> secondsSinceEpoch(const CivilTime& time);
 
-/// The date and time of a count of seconds; of the nearest one whose year the calendar record holds.
-[[nodiscard]] CivilTime civilTimeOf(std::int64_t secondsSinceEpoch);
+/// The count of seconds; the nearest one whose year the calendar record holds.
+[[nodiscard]] std::int64_t limitedToCalendar(std::int64_t secondsSinceEpoch);
+
+/// The first second of the day that a second is of.
+[[nodiscard]] std::int64_t startOfDay(std::int64_t secondsSinceEpoch);
+
+/// The date of a second that the calendar holds, as a time at the start of that day.
+[[nodiscard]] CivilTime dateOf(std::int64_t secondsSinceEpoch);
 
 }  // namespace velhls

@@ -98,13 +98,10 @@ std::optional<double> plainDecimal(std::string_view text) {
     return static_cast<double>(digits) / powersOfTen[decimals];
 }
 
-template <typename Number, typename... Format>
-void appendPrinted(std::string& out, Number number, Format... format) {
-    // The largest double has 309 digits before its decimal point.
-    std::array<char, 512> text;
-    const std::to_chars_result result =
-        std::to_chars(text.data(), text.data() + text.size(), number, format...);
-    out.append(text.data(), result.ptr);
+template <typename Integer>
+void appendInteger(std::string& out, Integer number) {
+    std::array<char, mostDecimalBytes> text;
+    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr);
 }
 
 constexpr std::uint64_t power(std::uint64_t base, int exponent) {
@@ -117,7 +114,7 @@ constexpr std::uint64_t power(std::uint64_t base, int exponent) {
 /// is `bits` times five to that power, in units of 2^-(52 - decimals): it is computed in two halves, since
 /// it can take 66 bits, and rounded to the nearest whole number, a tie to the even one.
 template <int decimals>
-void appendWithDecimals(std::string& out, double number) {
+char* putWithDecimals(char* to, double number) {
     constexpr std::uint64_t scale = power(10, decimals);
     constexpr int halfWidth = 26;
     constexpr std::uint64_t lowHalf = (std::uint64_t{1} << halfWidth) - 1;
@@ -137,14 +134,13 @@ void appendWithDecimals(std::string& out, double number) {
         ++whole;
     }
 
-    std::array<char, 32> text;
-    char* const end = std::to_chars(text.data(), text.data() + text.size(), whole).ptr;
-    *end = '.';
+    char* const point = std::to_chars(to, to + mostDecimalBytes, whole).ptr;
+    *point = '.';
     for (int position = decimals; position >= 1; --position) {
-        end[position] = static_cast<char>('0' + fraction % 10);
+        point[position] = static_cast<char>('0' + fraction % 10);
         fraction /= 10;
     }
-    out.append(text.data(), end + 1 + decimals);
+    return point + 1 + decimals;
 }
 
 }  // namespace
@@ -177,19 +173,23 @@ double toDouble(std::string_view text) {
 }
 
 void appendDecimal(std::string& out, std::int64_t number) {
-    appendPrinted(out, number);
+    appendInteger(out, number);
 }
 
 void appendDecimal(std::string& out, std::uint64_t number) {
-    appendPrinted(out, number);
+    appendInteger(out, number);
 }
 
-void appendFixed(std::string& out, double number, int decimals) {
+char* putDecimal(char* to, std::int64_t number) {
+    return std::to_chars(to, to + mostDecimalBytes, number).ptr;
+}
+
+char* putFixed(char* to, double number, int decimals) {
     // Below 1 a double has more bits behind the point than are counted with, and from 2^53 on none.
     const bool isPlain = number >= 1.0 && number < 9007199254740992.0;
-    if (isPlain && decimals == 3) return appendWithDecimals<3>(out, number);
-    if (isPlain && decimals == 6) return appendWithDecimals<6>(out, number);
-    appendPrinted(out, number, std::chars_format::fixed, decimals);
+    if (isPlain && decimals == 3) return putWithDecimals<3>(to, number);
+    if (isPlain && decimals == 6) return putWithDecimals<6>(to, number);
+    return std::to_chars(to, to + mostFixedBytes, number, std::chars_format::fixed, decimals).ptr;
 }
 
 }  // namespace velhls

@@ -6,6 +6,7 @@
 // process locale: the decimal point is always ".".
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -27,8 +28,15 @@ namespace velhls {
 void appendDecimal(std::string& out, std::int64_t number);
 void appendDecimal(std::string& out, std::uint64_t number);
 
-/// Fixed notation with the given number of decimals, as printf's "%.*f" in the "C" locale writes it: "nan"
+/// The most bytes that putDecimal and putFixed put: the largest double has 309 digits before its point.
+inline constexpr std::size_t mostDecimalBytes = 20;
+inline constexpr std::size_t mostFixedBytes = 320;
+
+/// Puts the number to where there is room for it, and returns the place behind it.
+[[nodiscard]] char* putDecimal(char* to, std::int64_t number);
+
+/// The same in fixed notation with up to six decimals, as printf's "%.*f" in the "C" locale writes it: "nan"
 /// and "inf" for what is no number.
-void appendFixed(std::string& out, double number, int decimals);
+[[nodiscard]] char* putFixed(char* to, double number, int decimals);
 
 }  // namespace velhls

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "velhls/common/TextBuffer.h"
 #include "velhls/common/TextScan.h"
 
 namespace velhls {
@@ -53,6 +54,13 @@ inline void appendTag(std::string& out, std::string_view tag) {
     out += '#';
     out += tag;
     out += ':';
+}
+
+/// The same, put to where there is room for it. Returns the place behind it.
+[[nodiscard]] inline char* putTag(char* to, std::string_view tag) {
+    to = put(to, '#');
+    to = put(to, tag);
+    return put(to, ':');
 }
 
 /// A name and "=" before a value that is not quoted.

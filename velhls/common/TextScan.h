@@ -1,14 +1,34 @@
 // Internal to the library, not installed: the small questions that the readers ask about a piece of text.
 #pragma once
 
+#include <array>
 #include <string_view>
 
 namespace velhls {
 
-inline constexpr std::string_view digits = "0123456789";
-inline constexpr std::string_view digitsAndPoint = "0123456789.";
-inline constexpr std::string_view digitsPointAndSigns = "+-0123456789.";
-inline constexpr std::string_view hexadecimalDigits = "0123456789ABCDEFabcdef";
+/// A set of characters that can be asked for each at once.
+class CharacterSet {
+  public:
+    constexpr explicit CharacterSet(std::string_view characters) {
+        for (const char character : characters)
+            members_[static_cast<unsigned char>(character)] = true;
+    }
+
+    [[nodiscard]] constexpr bool holds(char character) const {
+        return members_[static_cast<unsigned char>(character)];
+    }
+
+  private:
+    std::array<bool, 256> members_ = {};
+};
+
+inline constexpr CharacterSet digits("0123456789");
+inline constexpr CharacterSet digitsAndPoint("0123456789.");
+inline constexpr CharacterSet digitsAndSlash("0123456789/");
+inline constexpr CharacterSet digitsPointAndSigns("+-0123456789.");
+inline constexpr CharacterSet hexadecimalDigits("0123456789ABCDEFabcdef");
+inline constexpr CharacterSet blanks(" \t\n\r");
+inline constexpr CharacterSet lineEnds("\n\r");
 
 [[nodiscard]] constexpr bool isDigit(char character) {
     return character >= '0' && character <= '9';
@@ -19,31 +39,22 @@ inline constexpr std::string_view hexadecimalDigits = "0123456789ABCDEFabcdef";
 }
 
 /// True of an empty text too.
-[[nodiscard]] constexpr bool holdsOnly(std::string_view text, std::string_view allowed) {
-    return text.find_first_not_of(allowed) == std::string_view::npos;
-}
-
-[[nodiscard]] constexpr bool isBlankCharacter(char character) {
-    return character == ' ' || character == '\t' || character == '\n' || character == '\r';
-}
-
-[[nodiscard]] constexpr bool isBlank(std::string_view text) {
+[[nodiscard]] constexpr bool holdsOnly(std::string_view text, const CharacterSet& allowed) {
     for (const char character : text) {
-        if (!isBlankCharacter(character)) return false;
+        if (!allowed.holds(character)) return false;
     }
     return true;
 }
 
-[[nodiscard]] constexpr std::string_view withoutTrailingBlanks(std::string_view text) {
-    while (!text.empty() && isBlankCharacter(text.back()))
-        text.remove_suffix(1);
-    return text;
+[[nodiscard]] constexpr bool isBlank(std::string_view text) {
+    return holdsOnly(text, blanks);
 }
 
 /// The text less the trailing characters that are in `dropped`.
-[[nodiscard]] constexpr std::string_view withoutTrailing(std::string_view text, std::string_view dropped) {
-    // "Not found" is the largest position, and one more wraps around to 0: nothing is left.
-    return text.substr(0, text.find_last_not_of(dropped) + 1);
+[[nodiscard]] constexpr std::string_view withoutTrailing(std::string_view text, const CharacterSet& dropped) {
+    while (!text.empty() && dropped.holds(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 }  // namespace velhls

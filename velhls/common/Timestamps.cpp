@@ -1,6 +1,7 @@
 #include "velhls/common/Timestamps.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -8,6 +9,7 @@
 
 #include "velhls/common/CivilTime.h"
 #include "velhls/common/Numbers.h"
+#include "velhls/common/TextBuffer.h"
 #include "velhls/common/TextScan.h"
 
 namespace velhls {
@@ -54,17 +56,48 @@ std::optional<Separators> findSeparators(std::string_view text) {
     return at;
 }
 
+/// The same for "2026-11-21T10:00:05.250Z" and "2026-11-21T10:00:05.250+02:00", as nearly all are written:
+/// fields of the usual widths, known to hold only digits, with nothing behind them. Nothing for all others.
+std::optional<Separators> separatorsOfUsualForm(std::string_view text) {
+    constexpr std::string_view form = "dddd-dd-ddTdd:dd:d";
+    if (text.size() <= form.size()) return std::nullopt;
+    for (std::size_t position = 0; position < form.size(); ++position) {
+        const bool fits = form[position] == 'd' ? isDigit(text[position]) : text[position] == form[position];
+        if (!fits) return std::nullopt;
+    }
+    Separators at{4, 7, 10, 13, 16, form.size(), none};
+    while (at.zone < text.size() && digitsAndPoint.holds(text[at.zone]))
+        ++at.zone;
+    const std::string_view zone = text.substr(at.zone);
+    if (zone == "Z") return at;
+    const bool isOffset = zone.size() == 6 && (zone[0] == '+' || zone[0] == '-') && zone[3] == ':' &&
+                          holdsOnly(zone.substr(1, 2), digits) && holdsOnly(zone.substr(4, 2), digits);
+    if (!isOffset) return std::nullopt;
+    at.offsetHourEnd = at.zone + 3;
+    return at;
+}
+
 /// The text behind position `before` and in front of position `after`.
 std::string_view between(std::string_view text, std::size_t before, std::size_t after) {
     const std::size_t start = before + 1;
     return text.substr(start, after - start);
 }
 
+/// The number that a few digits make.
+std::int32_t numberOfDigits(std::string_view text) {
+    std::int32_t number = 0;
+    for (const char digit : text)
+        number = number * 10 + (digit - '0');
+    return number;
+}
+
 /// Reads the offset as numbers, so that what is none throws. The offset does not change a timestamp.
 void readOffset(std::string_view text, const Separators& at) {
     static_cast<void>(toInt32(between(text, at.zone, at.offsetHourEnd)));
-    const std::size_t end = text.find_first_not_of(digits, at.offsetHourEnd + 1);
-    static_cast<void>(toInt32(between(text, at.offsetHourEnd, std::min(end, text.size()))));
+    std::size_t end = at.offsetHourEnd + 1;
+    while (end < text.size() && isDigit(text[end]))
+        ++end;
+    static_cast<void>(toInt32(between(text, at.offsetHourEnd, end)));
 }
 
 /// The seconds without their fraction; nothing when they are not a number that fits 32 bits.
@@ -85,32 +118,49 @@ std::int64_t truncated(double seconds) {
 
 /// Written as printf's "%0*d" writes it, where a sign counts as one of the digits.
 void appendPadded(std::string& out, std::int64_t number, std::size_t width) {
-    if (width == 2 && number >= 0 && number < 100) {
-        out += static_cast<char>('0' + number / 10);
-        out += static_cast<char>('0' + number % 10);
-        return;
-    }
     const std::size_t sign = number < 0 ? 1 : 0;
     if (sign != 0) out += '-';
     const std::size_t start = out.size();
     appendDecimal(out, number < 0 ? -number : number);
-    const std::size_t digits = out.size() - start;
-    if (digits + sign < width) out.insert(start, width - sign - digits, '0');
+    const std::size_t length = out.size() - start;
+    if (length + sign < width) out.insert(start, width - sign - length, '0');
+}
+
+/// A number from 0 to 99.
+char* putTwoDigits(char* to, std::int64_t number) {
+    to[0] = static_cast<char>('0' + number / 10);
+    to[1] = static_cast<char>('0' + number % 10);
+    return to + 2;
+}
+
+/// "2026-11-21T"
+std::string dateText(const CivilTime& date) {
+    std::string text;
+    appendPadded(text, date.year, 4);
+    text += '-';
+    appendPadded(text, date.month, 2);
+    text += '-';
+    appendPadded(text, date.day, 2);
+    text += 'T';
+    return text;
 }
 
 }  // namespace
 
 double parseTimestamp(std::string_view text) {
-    const std::optional<Separators> at = findSeparators(text);
+    std::optional<Separators> at = separatorsOfUsualForm(text);
+    const bool isUsual = at.has_value();
+    if (!isUsual) at = findSeparators(text);
     if (!at) return noTimestamp;
+    const auto field = isUsual ? numberOfDigits : toInt32;
     CivilTime time;
-    time.year = toInt32(text.substr(0, at->yearEnd));
-    time.month = toInt32(between(text, at->yearEnd, at->monthEnd));
-    time.day = toInt32(between(text, at->monthEnd, at->dayEnd));
-    time.hour = toInt32(between(text, at->dayEnd, at->hourEnd));
-    time.minute = toInt32(between(text, at->hourEnd, at->minuteEnd));
+    time.year = field(text.substr(0, at->yearEnd));
+    time.month = field(between(text, at->yearEnd, at->monthEnd));
+    time.day = field(between(text, at->monthEnd, at->dayEnd));
+    time.hour = field(between(text, at->dayEnd, at->hourEnd));
+    time.minute = field(between(text, at->hourEnd, at->minuteEnd));
     const double seconds = toDouble(between(text, at->minuteEnd, at->zone));
-    if (at->offsetHourEnd != none) readOffset(text, *at);
+    if (!isUsual && at->offsetHourEnd != none) readOffset(text, *at);
 
     const std::optional<std::int32_t> whole = wholeSeconds(seconds);
     if (!whole) return noTimestamp;
@@ -120,28 +170,29 @@ double parseTimestamp(std::string_view text) {
     return (seconds - *whole) + static_cast<double>(*sinceEpoch);
 }
 
-void renderTimestamp(double seconds, std::string& out) {
-    constexpr std::size_t longest = 31;
-    const std::int64_t whole = truncated(seconds);
-    const CivilTime time = civilTimeOf(whole);
+char* TimestampWriter::put(char* to, double seconds) {
+    const std::int64_t whole = limitedToCalendar(truncated(seconds));
     const double fraction = seconds - static_cast<double>(whole);
     // The difference is no fraction where the time was not a number or beyond what the calendar holds.
     const bool hasFraction = fraction > -1.0 && fraction < 1.0;
 
-    std::string text;
-    appendPadded(text, time.year, 4);
-    text += '-';
-    appendPadded(text, time.month, 2);
-    text += '-';
-    appendPadded(text, time.day, 2);
-    text += 'T';
-    appendPadded(text, time.hour, 2);
-    text += ':';
-    appendPadded(text, time.minute, 2);
-    text += ':';
-    appendFixed(text, (hasFraction ? fraction : 0.0) + static_cast<double>(time.second), 3);
-    text += "+00:00";
-    out.append(text, 0, longest);
+    if (whole < dayStart_ || whole - dayStart_ >= secondsOfDay) {
+        dayStart_ = startOfDay(whole);
+        date_ = dateText(dateOf(whole));
+    }
+    const std::int64_t secondOfDay = whole - dayStart_;
+    const double secondOfMinute = static_cast<double>(secondOfDay % 60);
+
+    std::array<char, mostFixedBytes + 64> text;
+    char* end = velhls::put(text.data(), date_);
+    end = putTwoDigits(end, secondOfDay / 3600);
+    end = velhls::put(end, ':');
+    end = putTwoDigits(end, secondOfDay % 3600 / 60);
+    end = velhls::put(end, ':');
+    end = putFixed(end, (hasFraction ? fraction : 0.0) + secondOfMinute, 3);
+    end = velhls::put(end, "+00:00");
+    const auto length = static_cast<std::size_t>(end - text.data());
+    return velhls::put(to, std::string_view(text.data(), std::min(length, mostTimestampBytes)));
 }
 
 }  // namespace velhls

@@ -1,6 +1,9 @@
-// Internal to the library, not installed: dates and times as text.
+// Internal to the library, not installed: ISO 8601 dates and times.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -9,7 +12,20 @@ namespace velhls {
 /// See VELHLSUtility::parseTimestamp.
 [[nodiscard]] double parseTimestamp(std::string_view text);
 
-/// See VELHLSUtility::renderTimestamp.
-void renderTimestamp(double seconds, std::string& out);
+inline constexpr std::size_t mostTimestampBytes = 31;
+
+/// Writes the dates and times of segments that follow each other: most of them are of one day, whose text is
+/// kept. See VELHLSUtility::renderTimestamp.
+class TimestampWriter {
+  public:
+    /// Puts the text to where there is room for `mostTimestampBytes`, and returns the place behind it.
+    [[nodiscard]] char* put(char* to, double seconds);
+
+  private:
+    /// The first second of the day that `date_` tells.
+    std::int64_t dayStart_ = std::numeric_limits<std::int64_t>::max();
+    /// "2026-11-21T"
+    std::string date_;
+};
 
 }  // namespace velhls

@@ -1,5 +1,6 @@
 #include "velhls/common/VELHLSUtility.h"
 
+#include <array>
 #include <optional>
 #include <sys/time.h>
 #include <utility>
@@ -56,5 +57,7 @@ double VELHLSUtility::parseTimestamp(const std::string& text) {
 }
 
 void VELHLSUtility::renderTimestamp(double seconds, std::string& out) {
-    velhls::renderTimestamp(seconds, out);
+    std::array<char, velhls::mostTimestampBytes> text;
+    char* const end = velhls::TimestampWriter().put(text.data(), seconds);
+    out.append(text.data(), end);
 }

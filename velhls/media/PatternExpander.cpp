@@ -62,7 +62,7 @@ bool PatternExpander::expandLine(std::string_view line) {
 }
 
 bool PatternExpander::expandUri(std::string_view line) {
-    const std::string_view uri = withoutTrailingBlanks(line);
+    const std::string_view uri = withoutTrailing(line, blanks);
     if (defines_ == nullptr) {
         append(uri);
         return !uri.empty();

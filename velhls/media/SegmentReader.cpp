@@ -64,7 +64,7 @@ bool SegmentReader::gather(std::string_view firstLine) {
 
 bool SegmentReader::takeLine(std::string_view line) {
     if (!isTagOrComment(line)) {
-        uri_ = withoutTrailingBlanks(line);
+        uri_ = withoutTrailing(line, blanks);
         return true;
     }
     if (isTagLine(line, tag::extInf)) return takeDuration(line.substr(tagLength(tag::extInf)));

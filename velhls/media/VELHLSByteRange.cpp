@@ -1,10 +1,12 @@
 #include "velhls/media/VELHLSByteRange.h"
 
+#include <array>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
 
 #include "velhls/common/Numbers.h"
+#include "velhls/common/TextBuffer.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/media/RangeText.h"
 
@@ -48,6 +50,13 @@ bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELH
     return true;
 }
 
+char* putRange(char* to, const VELHLSByteRange& range) {
+    char* end = putDecimal(to, range.length);
+    if (range.offset < 0) return end;
+    end = put(end, '@');
+    return putDecimal(end, range.offset);
+}
+
 std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri) {
     constexpr std::string_view marker = "/range/";
     // Where "not found" plus the length of the marker wraps around to: one less than that length. Kept as it
@@ -73,11 +82,8 @@ std::int32_t VELHLSByteRange::parse(const std::string& text, char separator, boo
 
 std::int32_t VELHLSByteRange::render(std::string& out) const {
     if (length < 0) return -1;
-    velhls::appendDecimal(out, length);
-    if (offset >= 0) {
-        out += '@';
-        velhls::appendDecimal(out, offset);
-    }
+    std::array<char, velhls::mostRangeBytes> text;
+    out.append(text.data(), velhls::putRange(text.data(), *this));
     return 0;
 }
 

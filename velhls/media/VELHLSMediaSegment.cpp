@@ -59,6 +59,8 @@ bool VELHLSMediaSegment::validate() const {
 
 std::int32_t VELHLSMediaSegment::render(std::string& out, bool renderKey, bool renderMap) const {
     if (!validate()) return -1;
-    velhls::SegmentWriter().write(out, *this, renderKey, renderMap);
+    velhls::TextBuffer text;
+    velhls::SegmentWriter().write(text, *this, renderKey, renderMap);
+    out += text.text();
     return 0;
 }

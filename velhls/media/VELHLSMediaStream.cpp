@@ -38,14 +38,14 @@ void writeUnlessZero(std::ostream& out, std::string_view tag, std::int64_t numbe
 void writeSegments(std::ostream& out, const std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments) {
     constexpr std::size_t fullText = 32768;
     velhls::SegmentWriter writer;
-    std::string text;
+    velhls::TextBuffer buffer;
     for (const auto& segment : segments) {
-        writer.write(text, *segment, true, true);
-        if (text.size() < fullText) continue;
-        velhls::writeText(out, text);
-        text.clear();
+        writer.write(buffer, *segment, true, true);
+        if (buffer.text().size() < fullText) continue;
+        velhls::writeText(out, buffer.text());
+        buffer.clear();
     }
-    velhls::writeText(out, text);
+    velhls::writeText(out, buffer.text());
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ bool VELHLSProtectionData::readAttribute(std::string_view name, std::string_view
     } else if (name == velhls::attribute::keyFormat) {
         keyFormat = value;
     } else if (name == velhls::attribute::keyFormatVersions) {
-        if (!velhls::holdsOnly(value, "0123456789/")) return false;
+        if (!velhls::holdsOnly(value, velhls::digitsAndSlash)) return false;
         keyFormatVersions = velhls::splitKeyFormatVersions(value);
     }
     return true;
