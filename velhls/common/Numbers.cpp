@@ -37,7 +37,6 @@ constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
 /// The text from its number on, in the form that std::from_chars reads: it knows no "+".
 std::string_view withoutSpaceAndPlus(std::string_view text) {
-    if (!text.empty() && isDigit(text.front())) return text;
     const std::size_t start = text.find_first_not_of(whiteSpace);
     if (start == std::string_view::npos) return {};
     text.remove_prefix(start);
@@ -46,8 +45,21 @@ std::string_view withoutSpaceAndPlus(std::string_view text) {
     return text;
 }
 
+/// The number that nothing but digits make, so few of them that every type holds it.
+std::optional<std::int32_t> plainInteger(std::string_view text) {
+    constexpr std::size_t mostDigits = 9;
+    if (text.empty() || text.size() > mostDigits) return std::nullopt;
+    std::int32_t number = 0;
+    for (const char character : text) {
+        if (!isDigit(character)) return std::nullopt;
+        number = number * 10 + (character - '0');
+    }
+    return number;
+}
+
 template <typename Integer>
 Integer toInteger(std::string_view text) {
+    if (const std::optional<std::int32_t> number = plainInteger(text)) return *number;
     const std::string_view digits = withoutSpaceAndPlus(text);
     Integer number = 0;
     const std::from_chars_result result =

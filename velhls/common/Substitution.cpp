@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "velhls/common/TextScan.h"
+
 namespace velhls {
 namespace {
 
@@ -148,7 +150,7 @@ class Substituter {
 }  // namespace
 
 Substitution substitute(std::string_view text, const VELHLSDefineMap& defines) {
-    if (text.find_first_of("{$") == std::string_view::npos) return {std::string(text), 0};
+    if (holdsNone(text, referenceStarts)) return {std::string(text), 0};
     return Substituter(text, defines).run();
 }
 

@@ -29,6 +29,8 @@ inline constexpr CharacterSet digitsPointAndSigns("+-0123456789.");
 inline constexpr CharacterSet hexadecimalDigits("0123456789ABCDEFabcdef");
 inline constexpr CharacterSet blanks(" \t\n\r");
 inline constexpr CharacterSet lineEnds("\n\r");
+/// What begins a reference to a variable.
+inline constexpr CharacterSet referenceStarts("{$");
 
 [[nodiscard]] constexpr bool isDigit(char character) {
     return character >= '0' && character <= '9';
@@ -42,6 +44,13 @@ inline constexpr CharacterSet lineEnds("\n\r");
 [[nodiscard]] constexpr bool holdsOnly(std::string_view text, const CharacterSet& allowed) {
     for (const char character : text) {
         if (!allowed.holds(character)) return false;
+    }
+    return true;
+}
+
+[[nodiscard]] constexpr bool holdsNone(std::string_view text, const CharacterSet& unwanted) {
+    for (const char character : text) {
+        if (unwanted.holds(character)) return false;
     }
     return true;
 }

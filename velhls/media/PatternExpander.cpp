@@ -1,6 +1,7 @@
 #include "velhls/media/PatternExpander.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <istream>
 #include <streambuf>
@@ -10,6 +11,7 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/Substitution.h"
+#include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
 
 namespace velhls {
@@ -18,7 +20,7 @@ namespace {
 /// A stream over a text that is not copied.
 class TextStream : private std::streambuf, public std::istream {
   public:
-    explicit TextStream(const std::string& text) : std::istream(static_cast<std::streambuf*>(this)) {
+    explicit TextStream(std::string_view text) : std::istream(static_cast<std::streambuf*>(this)) {
         // A get area is declared as text that may be changed; nothing in it ever is.
         char* const begin = const_cast<char*>(text.data());
         setg(begin, begin, begin + text.size());
@@ -30,6 +32,7 @@ class TextStream : private std::streambuf, public std::istream {
 bool PatternExpander::expand() {
     if (pattern_.body.empty()) return true;
     if (!fits()) return false;
+    readBody();
     for (std::uint64_t pass = 0; pass <= pattern_.repeatCount; ++pass) {
         if (!expandOnce()) return false;
     }
@@ -42,60 +45,139 @@ bool PatternExpander::fits() const {
     return pattern_.repeatCount < allowance_.left() / pattern_.body.size();
 }
 
+void PatternExpander::readBody() {
+    restOfBody_ = pattern_.body;
+    while (!restOfBody_.empty() && steps_.size() < mostSteps)
+        steps_.push_back(takeStep(restOfBody_));
+}
+
+/// The step of the first line, which is taken off the text.
+PatternExpander::Step PatternExpander::takeStep(std::string_view& text) const {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    Step step = stepOf(line);
+    step.bytes = line.size() + 1;
+    return step;
+}
+
+PatternExpander::Step PatternExpander::stepOf(std::string_view line) const {
+    if (isVendorTag(line)) return vendorTagStep(line);
+    Step step;
+    step.kind = isTagOrComment(line) ? Kind::copied : Kind::uri;
+    step.line = line;
+    if (step.kind == Kind::copied) return step;
+    step.line = withoutTrailing(line, blanks);
+    if (step.line.empty()) step.kind = Kind::failing;
+    const bool isPlain = defines_ == nullptr || holdsNone(step.line, referenceStarts);
+    if (isPlain && step.kind == Kind::uri) step.kind = Kind::copied;
+    if (step.kind == Kind::uri) findReferences(step);
+    return step;
+}
+
+PatternExpander::Step PatternExpander::vendorTagStep(std::string_view line) const {
+    Step step;
+    step.line = line;
+    const TagLine tagLine(line);
+    if (!tagLine.hasColon) step.kind = Kind::copied;
+    const std::size_t comma = tagLine.value.find(',');
+    const bool isIncrement = tagLine.hasColon && tagLine.name == tag::zorDefineIncrement;
+    if (!isIncrement || comma == std::string_view::npos || defines_ == nullptr) return step;
+    const auto define = defines_->find(std::string(tagLine.value.substr(0, comma)));
+    if (define == defines_->end()) return step;
+    step.kind = Kind::increment;
+    step.variable = &define->second;
+    step.amount = tagLine.value.substr(comma + 1);
+    return step;
+}
+
+/// Leaves the list empty when one of the references does not name a variable.
+void PatternExpander::findReferences(Step& step) const {
+    std::vector<Reference> references;
+    std::string_view rest = step.line;
+    for (std::size_t start = rest.find_first_of("{$"); start != std::string_view::npos;
+         start = rest.find_first_of("{$")) {
+        const std::size_t close = rest.find('}', start);
+        if (close == std::string_view::npos || close < start + 2) return;
+        const auto define = defines_->find(std::string(rest.substr(start + 2, close - start - 2)));
+        if (define == defines_->end()) return;
+        references.push_back({rest.substr(0, start), &define->second});
+        rest.remove_prefix(close + 1);
+    }
+    step.references = std::move(references);
+    step.textBehind = rest;
+}
+
 bool PatternExpander::expandOnce() {
-    std::string_view rest = pattern_.body;
+    for (const Step& step : steps_) {
+        if (!take(step)) return false;
+    }
+    std::string_view rest = restOfBody_;
     while (!rest.empty()) {
-        const std::size_t end = rest.find('\n');
-        const std::string_view line = rest.substr(0, end);
-        if (!allowance_.spend(line.size() + 1)) return false;
-        if (!expandLine(line)) return false;
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        if (!take(takeStep(rest))) return false;
     }
     return true;
 }
 
-bool PatternExpander::expandLine(std::string_view line) {
-    if (!isTagOrComment(line)) return expandUri(line);
-    if (isVendorTag(line)) return expandVendorTag(line);
-    append(line);
+bool PatternExpander::take(const Step& step) {
+    if (!allowance_.spend(step.bytes)) return false;
+    switch (step.kind) {
+        case Kind::copied:
+            append(step.line);
+            return true;
+        case Kind::uri:
+            return putUri(step);
+        case Kind::increment:
+            return increment(step);
+        case Kind::failing:
+            break;
+    }
+    return false;
+}
+
+bool PatternExpander::putUri(const Step& step) {
+    std::size_t length = step.textBehind.size();
+    bool isPlain = !step.references.empty();
+    for (const Reference& reference : step.references) {
+        // A value that holds a reference in turn takes the long way.
+        isPlain = isPlain && holdsNone(*reference.value, referenceStarts);
+        length += reference.textBefore.size() + reference.value->size();
+    }
+    isPlain = isPlain && length <= VELHLSUtility::maximumSubstitutedBytes;
+    return isPlain ? putPlainUri(step, length) : putSubstitutedUri(step.line);
+}
+
+bool PatternExpander::putPlainUri(const Step& step, std::size_t length) {
+    if (length == 0) return false;
+    char* end = text_.room(length + 1);
+    for (const Reference& reference : step.references) {
+        if (!allowance_.spend(reference.value->size() + 1)) return false;
+        end = put(end, reference.textBefore);
+        end = put(end, *reference.value);
+    }
+    end = put(end, step.textBehind);
+    text_.endAt(put(end, '\n'));
     return true;
 }
 
-bool PatternExpander::expandUri(std::string_view line) {
-    const std::string_view uri = withoutTrailing(line, blanks);
-    if (defines_ == nullptr) {
-        append(uri);
-        return !uri.empty();
-    }
+bool PatternExpander::putSubstitutedUri(std::string_view uri) {
     const Substitution substitution = substitute(uri, *defines_);
     if (!allowance_.spend(substitution.insertedBytes)) return false;
     append(substitution.text);
     return !substitution.text.empty();
 }
 
-bool PatternExpander::expandVendorTag(std::string_view line) {
-    const TagLine tagLine(line);
-    if (tagLine.hasColon) return tagLine.name == tag::zorDefineIncrement && increment(tagLine);
-    append(line);
-    return true;
-}
-
-bool PatternExpander::increment(const TagLine& tagLine) {
-    const std::size_t comma = tagLine.value.find(',');
-    if (comma == std::string_view::npos || defines_ == nullptr) return false;
-    const auto define = defines_->find(std::string(tagLine.value.substr(0, comma)));
-    if (define == defines_->end()) return false;
+bool PatternExpander::increment(const Step& step) {
     // Two 32-bit numbers: their sum fits 64 bits.
-    const std::int64_t current = toInt32(define->second);
-    const std::int64_t amount = toInt32(tagLine.value.substr(comma + 1));
-    define->second.clear();
-    appendDecimal(define->second, current + amount);
+    const std::int64_t current = toInt32(*step.variable);
+    const std::int64_t amount = toInt32(step.amount);
+    std::array<char, mostDecimalBytes> text;
+    step.variable->assign(text.data(), putDecimal(text.data(), current + amount));
     return true;
 }
 
 void PatternExpander::append(std::string_view line) {
-    text_ += line;
-    text_ += '\n';
+    char* const end = put(text_.room(line.size() + 1), line);
+    text_.endAt(put(end, '\n'));
 }
 
 std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(

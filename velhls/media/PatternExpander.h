@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velhls/common/TagLine.h"
+#include "velhls/common/TextBuffer.h"
 #include "velhls/common/VELHLSUtility.h"
 #include "velhls/media/SegmentMaker.h"
 #include "velhls/media/SegmentReader.h"
@@ -43,6 +43,9 @@ class ExpansionAllowance {
 };
 
 /// Expands one pattern. See VELHLSMediaPattern::expandMediaPattern.
+///
+/// What each line of the body is, and which variables it names, is found out once and not in every pass. The
+/// body and the define map must stay as they are but for what the expansion itself changes.
 class PatternExpander {
   public:
     PatternExpander(const VELHLSMediaPattern& pattern, VELHLSDefineMap* defines,
@@ -52,21 +55,53 @@ class PatternExpander {
     /// False when the expansion fails. The text is then not to be used.
     [[nodiscard]] bool expand();
 
-    [[nodiscard]] const std::string& text() const { return text_; }
+    [[nodiscard]] std::string_view text() const { return text_.text(); }
 
   private:
+    enum class Kind { copied, uri, increment, failing };
+
+    /// A reference and the text in front of it. The value may change from pass to pass.
+    struct Reference {
+        std::string_view textBefore;
+        const std::string* value;
+    };
+
+    /// One line of the body.
+    struct Step {
+        Kind kind = Kind::failing;
+        /// How many bytes of the body it is.
+        std::size_t bytes = 0;
+        std::string_view line;
+        /// Of a URI whose references all name variables; empty otherwise.
+        std::vector<Reference> references;
+        std::string_view textBehind;
+        /// Of an increment; null for a variable that is not defined.
+        std::string* variable = nullptr;
+        std::string_view amount;
+    };
+
     [[nodiscard]] bool fits() const;
+    void readBody();
+    Step takeStep(std::string_view& text) const;
+    [[nodiscard]] Step stepOf(std::string_view line) const;
+    [[nodiscard]] Step vendorTagStep(std::string_view line) const;
+    void findReferences(Step& step) const;
     bool expandOnce();
-    bool expandLine(std::string_view line);
-    bool expandUri(std::string_view line);
-    bool expandVendorTag(std::string_view line);
-    bool increment(const TagLine& tagLine);
+    bool take(const Step& step);
+    bool putUri(const Step& step);
+    bool putPlainUri(const Step& step, std::size_t length);
+    bool putSubstitutedUri(std::string_view uri);
+    static bool increment(const Step& step);
     void append(std::string_view line);
 
     const VELHLSMediaPattern& pattern_;
     VELHLSDefineMap* defines_;
     ExpansionAllowance& allowance_;
-    std::string text_;
+    /// A step takes much more memory than its line: those of a very long body are made anew in each pass.
+    static constexpr std::size_t mostSteps = 4096;
+    std::vector<Step> steps_;
+    std::string_view restOfBody_;
+    TextBuffer text_;
 };
 
 /// See VELHLSMediaPattern::createMediaSegments. Null when the expansion fails or goes beyond the allowance.

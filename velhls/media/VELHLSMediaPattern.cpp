@@ -32,7 +32,7 @@ std::shared_ptr<std::stringstream> VELHLSMediaPattern::expandMediaPattern(
     velhls::ExpansionAllowance allowance(maximumExpansionBytes);
     velhls::PatternExpander expander(*this, defines.get(), allowance);
     if (!expander.expand()) return nullptr;
-    return std::make_shared<std::stringstream>(expander.text());
+    return std::make_shared<std::stringstream>(std::string(expander.text()));
 }
 
 std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> VELHLSMediaPattern::createMediaSegments(

@@ -1,0 +1,53 @@
+// Internal to the library, not installed: long texts made of many small pieces.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+namespace velhls {
+
+/// Copies a piece of text and returns the place behind it. There must be room.
+inline char* put(char* to, std::string_view piece) {
+    std::memcpy(to, piece.data(), piece.size());
+    return to + piece.size();
+}
+
+inline char* put(char* to, char character) {
+    *to = character;
+    return to + 1;
+}
+
+/// A text that grows. Unlike std::string it asks for room once for all the pieces of a segment, and does not
+/// fill that room with zeros first: writing is mostly copying, and these two are half of its cost.
+class TextBuffer {
+  public:
+    /// A place at the text's end with room for so many bytes.
+    [[nodiscard]] char* room(std::size_t bytes) {
+        if (capacity_ - size_ < bytes) grow(bytes);
+        return text_.get() + size_;
+    }
+
+    /// What was put into the room ends here.
+    void endAt(const char* end) { size_ = static_cast<std::size_t>(end - text_.get()); }
+
+    [[nodiscard]] std::string_view text() const { return {text_.get(), size_}; }
+    void clear() { size_ = 0; }
+
+  private:
+    void grow(std::size_t bytes) {
+        const std::size_t capacity = std::max(2 * capacity_, size_ + bytes);
+        std::unique_ptr<char[]> text(new char[capacity]);
+        if (size_ > 0) std::memcpy(text.get(), text_.get(), size_);
+        text_ = std::move(text);
+        capacity_ = capacity;
+    }
+
+    std::unique_ptr<char[]> text_;
+    std::size_t size_ = 0;
+    std::size_t capacity_ = 0;
+};
+
+}  // namespace velhls
