@@ -14,7 +14,8 @@ constexpr std::size_t none = std::string_view::npos;
 /// end within the attribute that they serve, or end the scan.
 class AttributeScanner {
   public:
-    explicit AttributeScanner(std::string_view text) : text_(text), ended_(text.empty()) {}
+    AttributeScanner(std::string_view text, Recorder* recorder)
+        : text_(text), recorder_(recorder), ended_(text.empty()) {}
 
     [[nodiscard]] bool ended() const { return ended_; }
 
@@ -29,17 +30,25 @@ class AttributeScanner {
             if (comma != none) {
                 // The comma may be part of the quoted value. What ends the attribute is a comma right after
                 // it.
-                if (closing == none) return std::nullopt;
+                if (closing == none) return malformed(Rule::attributeQuoteUnclosed, text_.substr(quote_));
                 comma = text_.find(',', closing);
-                if (comma != none && comma != closing + 1) return std::nullopt;
+                if (comma != none && comma != closing + 1) {
+                    return malformed(Rule::attributeTextAfterQuote, between(closing + 1, comma));
+                }
             }
         }
 
         const std::size_t equals = text_.find('=', position_);
         const std::size_t nameLimit = quoted ? quote_ : comma;
-        if (equals == none || equals > nameLimit || equals == position_) return std::nullopt;
         const std::size_t limit = std::min(comma, text_.size());
-        if (!quoted && equals + 1 == limit) return std::nullopt;
+        if (equals == none || equals > nameLimit) {
+            return malformed(Rule::attributeEqualsMissing, between(position_, limit));
+        }
+        if (equals == position_) return malformed(Rule::attributeNameEmpty, between(position_, limit));
+        if (!quoted && equals + 1 == limit) {
+            return malformed(Rule::attributeValueEmpty, between(position_, limit));
+        }
+        if (quoted && recorder_ != nullptr) tellOfTextAroundQuotes(equals, closing, comma == none);
 
         Attribute attribute;
         attribute.name = text_.substr(position_, equals - position_);
@@ -55,11 +64,30 @@ class AttributeScanner {
         quote_ = text_.find('"', position_);
     }
 
+    std::optional<Attribute> malformed(Rule rule, std::string_view where) const {
+        if (where.empty()) {
+            tellMissing(recorder_, rule, where);
+        } else {
+            tell(recorder_, rule, where);
+        }
+        return std::nullopt;
+    }
+
+    void tellOfTextAroundQuotes(std::size_t equals, std::size_t closing, bool isLast) const {
+        if (equals + 1 != quote_) tell(recorder_, Rule::attributeTextBeforeQuote, between(equals + 1, quote_));
+        if (closing == none) {
+            tell(recorder_, Rule::attributeQuoteUnclosedAtEnd, text_.substr(quote_));
+        } else if (isLast && closing + 1 != text_.size()) {
+            tell(recorder_, Rule::attributeTextAfterLastQuote, text_.substr(closing + 1));
+        }
+    }
+
     [[nodiscard]] std::string_view between(std::size_t start, std::size_t end) const {
         return text_.substr(start, end - start);
     }
 
     std::string_view text_;
+    Recorder* recorder_;
     bool ended_;
     std::size_t position_ = 0;
     std::size_t quote_ = text_.find('"');
@@ -67,44 +95,56 @@ class AttributeScanner {
 
 }  // namespace
 
-std::optional<AttributeList> AttributeList::parse(std::string_view text) {
+std::optional<AttributeList> AttributeList::parse(std::string_view text, Recorder* recorder) {
     AttributeList list;
-    AttributeScanner scanner(text);
+    AttributeScanner scanner(text, recorder);
     while (!scanner.ended()) {
         const std::optional<Attribute> attribute = scanner.next();
         if (!attribute) return std::nullopt;
-        list.add(*attribute);
+        list.add(*attribute, recorder);
     }
-    list.sortMany();
+    list.sortMany(recorder);
     return list;
 }
 
-void AttributeList::add(const Attribute& attribute) {
+void AttributeList::add(const Attribute& attribute, Recorder* recorder) {
     if (!isLong() && fewCount_ < mostFew) {
-        insertAmongFew(attribute);
+        insertAmongFew(attribute, recorder);
         return;
     }
     if (!isLong()) many_.assign(few_.begin(), few_.end());
     many_.push_back(attribute);
 }
 
-void AttributeList::insertAmongFew(const Attribute& attribute) {
+void AttributeList::insertAmongFew(const Attribute& attribute, Recorder* recorder) {
     std::size_t position = fewCount_;
     while (position > 0 && attribute.name < few_[position - 1].name)
         --position;
-    if (position > 0 && few_[position - 1].name == attribute.name) return;
+    if (position > 0 && few_[position - 1].name == attribute.name) {
+        tell(recorder, Rule::attributeRepeated, attribute.name);
+        return;
+    }
     std::copy_backward(few_.data() + position, few_.data() + fewCount_, few_.data() + fewCount_ + 1);
     few_[position] = attribute;
     ++fewCount_;
 }
 
-void AttributeList::sortMany() {
+void AttributeList::sortMany(Recorder* recorder) {
     std::stable_sort(many_.begin(), many_.end(),
                      [](const Attribute& left, const Attribute& right) { return left.name < right.name; });
+    if (recorder != nullptr) tellOfRepeatedNames(*recorder);
     const auto sameName = [](const Attribute& left, const Attribute& right) {
         return left.name == right.name;
     };
     many_.erase(std::unique(many_.begin(), many_.end(), sameName), many_.end());
+}
+
+/// Called when the many are in order.
+void AttributeList::tellOfRepeatedNames(Recorder& recorder) const {
+    for (std::size_t index = 1; index < many_.size(); ++index) {
+        const bool isRepeated = many_[index].name == many_[index - 1].name;
+        if (isRepeated) recorder.report(Rule::attributeRepeated, many_[index].name, {});
+    }
 }
 
 std::optional<std::string_view> AttributeList::find(std::string_view name) const {

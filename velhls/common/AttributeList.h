@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "velhls/common/Recorder.h"
+
 namespace velhls {
 
 /// One NAME=value pair. Both views look into the text that was scanned; a quoted value comes without its
@@ -21,7 +23,8 @@ class AttributeList {
   public:
     /// Scans a whole list, in time linear in its length but for the sorting of the names. Nothing comes back
     /// when the text is malformed; an empty text is an empty list. The result looks into `text`.
-    [[nodiscard]] static std::optional<AttributeList> parse(std::string_view text);
+    [[nodiscard]] static std::optional<AttributeList> parse(std::string_view text,
+                                                            Recorder* recorder = nullptr);
 
     [[nodiscard]] bool empty() const { return begin() == end(); }
     [[nodiscard]] const Attribute* begin() const { return isLong() ? many_.data() : few_.data(); }
@@ -32,9 +35,10 @@ class AttributeList {
 
   private:
     [[nodiscard]] bool isLong() const { return !many_.empty(); }
-    void add(const Attribute& attribute);
-    void insertAmongFew(const Attribute& attribute);
-    void sortMany();
+    void add(const Attribute& attribute, Recorder* recorder);
+    void insertAmongFew(const Attribute& attribute, Recorder* recorder);
+    void sortMany(Recorder* recorder);
+    void tellOfRepeatedNames(Recorder& recorder) const;
 
     /// As long as there are few they are kept in order, without memory of their own: no tag of RFC 8216 has
     /// more. Once there are many, all of them are in `many_`, to be sorted at the end.

@@ -1,19 +1,27 @@
 #include "velhls/common/DefineTag.h"
 
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/Names.h"
 
 namespace velhls {
 
-bool takeDefineTag(std::string_view attributes, VELHLSDefineMap& defines) {
-    const std::optional<AttributeList> list = AttributeList::parse(attributes);
+bool takeDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Recorder* recorder) {
+    const std::optional<AttributeList> list = AttributeList::parse(tagLine.value, recorder);
     if (!list) return false;
+    if (recorder != nullptr) recorder->attributesRead(tagLine.name, *list);
     const std::optional<std::string_view> name = list->find(attribute::name);
+    if (!name) return rejectMissing(recorder, Rule::defineNameMissing, tagLine.name);
     const std::optional<std::string_view> value = list->find(attribute::value);
-    if (!name || !value) return false;
-    defines.insert_or_assign(std::string(*name), std::string(*value));
+    if (!value) return rejectMissing(recorder, Rule::defineValueMissing, tagLine.name);
+    const bool isNew = defines.insert_or_assign(std::string(*name), std::string(*value)).second;
+    if (recorder != nullptr) {
+        if (!isNew) recorder->report(Rule::defineReplaced, *name, {});
+        recorder->report(Rule::defineNotWritten, tagLine.name, {});
+    }
     return true;
 }
 

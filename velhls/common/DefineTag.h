@@ -2,14 +2,14 @@
 // tags.
 #pragma once
 
-#include <string_view>
-
+#include "velhls/common/Recorder.h"
+#include "velhls/common/TagLine.h"
 #include "velhls/common/VELHLSUtility.h"
 
 namespace velhls {
 
-/// Reads what stands behind the tag's colon and sets the variable, replacing an earlier value. False, with
+/// Reads the attributes of the tag and sets the variable, replacing an earlier value. False, with
 /// the map as it was, when it is no attribute list or lacks NAME or VALUE.
-[[nodiscard]] bool takeDefineTag(std::string_view attributes, VELHLSDefineMap& defines);
+[[nodiscard]] bool takeDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Recorder* recorder);
 
 }  // namespace velhls

@@ -3,6 +3,7 @@
 #include <locale>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/LineWriter.h"
@@ -24,14 +25,43 @@ std::string inFormatOf(const std::ostream& out, double number) {
     return text.str();
 }
 
+/// What writing does not keep of an offset, for a stream with the default format.
+void tellOfWriting(Recorder& recorder, std::string_view text, double offset) {
+    if (offset == 0.0) {
+        recorder.report(Rule::startZeroNotWritten, text, {});
+        return;
+    }
+    const std::string written = inFormatOf(std::ostringstream(), offset);
+    if (toDouble(written) == offset && holdsOnly(written, digitsPointAndSigns)) return;
+    recorder.report(Rule::startOffsetRounded, text, quoted(text) + ", written as " + written);
+}
+
+void tellOfPrecise(Recorder& recorder, std::string_view text) {
+    if (text != fixed::yes && text != fixed::no) recorder.report(Rule::startPreciseInvalid, text, {});
+}
+
 }  // namespace
 
-std::optional<StartTag> parseStartTag(std::string_view attributes) {
-    const std::optional<AttributeList> list = AttributeList::parse(attributes);
+std::optional<StartTag> parseStartTag(const TagLine& tagLine, Recorder* recorder) {
+    const std::optional<AttributeList> list = AttributeList::parse(tagLine.value, recorder);
     if (!list) return std::nullopt;
+    if (recorder != nullptr) recorder->attributesRead(tagLine.name, *list);
     const std::optional<std::string_view> offset = list->find(attribute::timeOffset);
-    if (!offset || offset->empty() || !holdsOnly(*offset, digitsPointAndSigns)) return std::nullopt;
-    return StartTag{toDouble(*offset), list->find(attribute::precise) == fixed::yes};
+    if (!offset) {
+        tellMissing(recorder, Rule::startTimeOffsetMissing, tagLine.name);
+        return std::nullopt;
+    }
+    if (offset->empty() || !holdsOnly(*offset, digitsPointAndSigns)) {
+        tell(recorder, Rule::startTimeOffsetMalformed, *offset);
+        return std::nullopt;
+    }
+    const double seconds = toDouble(number(recorder, *offset, NumberForm::signedDecimal));
+    const std::optional<std::string_view> precise = list->find(attribute::precise);
+    if (recorder != nullptr) {
+        tellOfWriting(*recorder, *offset, seconds);
+        if (precise) tellOfPrecise(*recorder, *precise);
+    }
+    return StartTag{seconds, precise == fixed::yes};
 }
 
 void writeStartTag(std::ostream& out, const StartTag& start) {

@@ -4,7 +4,9 @@
 
 #include <optional>
 #include <ostream>
-#include <string_view>
+
+#include "velhls/common/Recorder.h"
+#include "velhls/common/TagLine.h"
 
 namespace velhls {
 
@@ -15,9 +17,9 @@ struct StartTag {
     bool precise = false;
 };
 
-/// Reads what stands behind the tag's colon. Nothing when it is no attribute list, or has no TIME-OFFSET made
+/// Reads the attributes of the tag. Nothing when it is no attribute list, or has no TIME-OFFSET made
 /// of digits, points and signs; such a TIME-OFFSET that is no number throws.
-[[nodiscard]] std::optional<StartTag> parseStartTag(std::string_view attributes);
+[[nodiscard]] std::optional<StartTag> parseStartTag(const TagLine& tagLine, Recorder* recorder);
 
 /// Writes the tag's line, with the stream's own precision and floating-point flags; nothing for an offset of
 /// 0.

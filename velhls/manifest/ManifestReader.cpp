@@ -7,42 +7,62 @@
 #include "velhls/common/Numbers.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/manifest/RecordParsers.h"
+#include "velhls/media/RecordParsers.h"
 
 namespace velhls {
 
 std::shared_ptr<VELHLSParsedManifest> ManifestReader::read() {
     while (lines_.good()) {
-        line_ = lines_.next();
-        const Outcome outcome = takeLine();
-        if (outcome == Outcome::rejected) return nullptr;
+        readNextLine(line_);
+        const Outcome outcome = recorder_ == nullptr ? takeLine() : takeLineWithoutThrowing();
+        if (outcome == Outcome::rejected && recorder_ == nullptr) return nullptr;
         if (outcome == Outcome::playlistEnds) break;
     }
     return std::move(manifest_);
 }
 
+void ManifestReader::readNextLine(std::string& line) {
+    line = lines_.next();
+    if (recorder_ != nullptr) recorder_->lineRead(line);
+}
+
+ManifestReader::Outcome ManifestReader::takeLineWithoutThrowing() {
+    return withoutThrowing(*recorder_, Outcome::rejected, [this] { return takeLine(); });
+}
+
 ManifestReader::Outcome ManifestReader::takeLine() {
     if (isStandardTag(line_)) {
         const TagLine tagLine(line_);
-        return tagLine.hasColon ? takeTag(tagLine) : takeBareTag();
+        if (recorder_ != nullptr) recorder_->tagRead(tagLine);
+        return tagLine.hasColon ? takeTag(tagLine) : takeBareTag(tagLine);
     }
     if (isVendorTag(line_)) return takeVendorTag(TagLine(line_));
-    if (isTagOrComment(line_)) return Outcome::goOn;
+    if (isTagOrComment(line_)) {
+        tell(recorder_, Rule::commentNotWritten, line_);
+        return Outcome::goOn;
+    }
+    if (isBlank(line_)) return Outcome::goOn;
     // A variant's URI was read together with its tag. Any other is out of place.
-    return isBlank(line_) ? Outcome::goOn : Outcome::rejected;
+    tell(recorder_, Rule::uriWithoutTag, line_);
+    return Outcome::rejected;
 }
 
-ManifestReader::Outcome ManifestReader::takeBareTag() {
-    const std::string_view name = TagLine(line_).name;
-    if (name == tag::extM3U) {
+ManifestReader::Outcome ManifestReader::takeBareTag(const TagLine& tagLine) {
+    if (tagLine.name == tag::extM3U) {
         // The header of a second playlist ends the first.
-        if (manifest_->hasHeader) return Outcome::playlistEnds;
+        if (manifest_->hasHeader) {
+            tell(recorder_, Rule::headerEndsPlaylist, line_);
+            return Outcome::playlistEnds;
+        }
         manifest_->hasHeader = true;
         return Outcome::goOn;
     }
-    if (name == tag::independentSegments) {
+    if (tagLine.name == tag::independentSegments) {
         manifest_->independentSegments = true;
         return Outcome::goOn;
     }
+    tell(recorder_, Rule::masterBareTagUnknown, tagLine.name);
     return Outcome::rejected;
 }
 
@@ -53,40 +73,55 @@ ManifestReader::Outcome ManifestReader::takeTag(const TagLine& tagLine) {
     if (tagLine.name == tag::sessionData) return takeSessionData();
     if (tagLine.name == tag::sessionKey) return takeSessionKey();
     if (tagLine.name == tag::start) return takeStart(tagLine);
-    if (tagLine.name == tag::version) manifest_->version = toInt32(tagLine.value);
+    if (tagLine.name == tag::version) {
+        manifest_->version = toInt32(number(recorder_, tagLine.value));
+        return Outcome::goOn;
+    }
+    if (recorder_ != nullptr) recorder_->tagIgnored(tagLine);
     return Outcome::goOn;
 }
 
 ManifestReader::Outcome ManifestReader::takeVendorTag(const TagLine& tagLine) {
-    if (tagLine.name != tag::zorStreamInf) return Outcome::goOn;
-    if (auto information = VELHLSZORStreamInformation::parse(line_)) {
+    if (recorder_ != nullptr) recorder_->tagRead(tagLine);
+    if (tagLine.name != tag::zorStreamInf) {
+        if (recorder_ != nullptr) recorder_->tagIgnored(tagLine);
+        return Outcome::goOn;
+    }
+    if (auto information = parseStreamInformation(line_, recorder_)) {
+        if (recorder_ != nullptr) recorder_->recordRead(information.get(), TagLine(line_).name);
         manifest_->zorStreamInformation.push_back(std::move(information));
     }
     return Outcome::goOn;
 }
 
 ManifestReader::Outcome ManifestReader::takeRendition() {
-    auto rendition = VELHLSMediaStreamRendition::parse(line_);
+    auto rendition = parseRendition(line_, recorder_);
     if (rendition == nullptr) return Outcome::rejected;
+    if (recorder_ != nullptr) recorder_->recordRead(rendition.get(), TagLine(line_).name);
     // The first rendition with a name stays.
     auto& group = manifest_->renditions[rendition->type][rendition->groupId];
-    group.emplace(rendition->name, rendition);
+    const bool isNew = group.emplace(rendition->name, rendition).second;
+    if (!isNew && recorder_ != nullptr) {
+        recorder_->reportRecord(Rule::renditionRepeated, rendition.get(), attribute::name, {});
+    }
     return Outcome::goOn;
 }
 
 ManifestReader::Outcome ManifestReader::takeVariant(bool isIFrame) {
     std::string uriLine;
-    if (!isIFrame) uriLine = lines_.next();
-    auto variant = VELHLSMediaVariant::parseVariant(line_, uriLine);
+    if (!isIFrame) readNextLine(uriLine);
+    auto variant = parseVariant(line_, uriLine, recorder_);
     if (variant == nullptr) return Outcome::rejected;
+    if (recorder_ != nullptr) recorder_->recordRead(variant.get(), TagLine(line_).name);
     manifest_->variants.emplace(variant->bandwidth, variant);
     if (!isIFrame) manifest_->streamVariants.push_back(std::move(variant));
     return Outcome::goOn;
 }
 
 ManifestReader::Outcome ManifestReader::takeSessionData() {
-    auto entry = VELHLSManifestSessionData::parseSessionData(line_);
+    auto entry = parseSessionData(line_, recorder_);
     if (entry == nullptr) return Outcome::rejected;
+    if (recorder_ != nullptr) recorder_->recordRead(entry.get(), TagLine(line_).name);
     manifest_->sessionData.push_back(std::move(entry));
     return Outcome::goOn;
 }
@@ -94,17 +129,22 @@ ManifestReader::Outcome ManifestReader::takeSessionData() {
 ManifestReader::Outcome ManifestReader::takeSessionKey() {
     auto key = std::make_shared<VELHLSProtectionData>(VELHLSProtectionData::None, "", "", "",
                                                       std::vector<std::int32_t>());
-    if (key->parse(line_) != 0) return Outcome::rejected;
+    if (!parseKey(line_, *key, recorder_)) return Outcome::rejected;
+    if (recorder_ != nullptr) {
+        recorder_->recordRead(key.get(), TagLine(line_).name);
+        recorder_->reportRecord(Rule::sessionKeyNotWritten, key.get(), {}, {});
+    }
     manifest_->sessionKeys.push_back(std::move(key));
     return Outcome::goOn;
 }
 
 ManifestReader::Outcome ManifestReader::takeStart(const TagLine& tagLine) {
-    const std::optional<StartTag> start = parseStartTag(tagLine.value);
+    const std::optional<StartTag> start = parseStartTag(tagLine, recorder_);
     if (!start) return Outcome::rejected;
     manifest_->startTimeOffset = start->timeOffset;
     // A later tag does not take PRECISE=YES back.
     if (start->precise) manifest_->startPrecise = true;
+    if (manifest_->startPrecise && !start->precise) tell(recorder_, Rule::startPreciseKept, tagLine.name);
     return Outcome::goOn;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/Recorder.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 
@@ -15,17 +16,20 @@ namespace velhls {
 /// to each other is not looked at here.
 class ManifestReader {
   public:
-    explicit ManifestReader(std::istream& input) : lines_(input) {}
+    ManifestReader(std::istream& input, Recorder* recorder) : lines_(input), recorder_(recorder) {}
 
-    /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line.
+    /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line. With a
+    /// recorder it goes on, and what was not rejected comes back.
     [[nodiscard]] std::shared_ptr<VELHLSParsedManifest> read();
 
   private:
     /// What a line means for the lines behind it.
     enum class Outcome { goOn, playlistEnds, rejected };
 
+    void readNextLine(std::string& line);
     Outcome takeLine();
-    Outcome takeBareTag();
+    Outcome takeLineWithoutThrowing();
+    Outcome takeBareTag(const TagLine& tagLine);
     Outcome takeTag(const TagLine& tagLine);
     Outcome takeVendorTag(const TagLine& tagLine);
     Outcome takeRendition();
@@ -35,6 +39,7 @@ class ManifestReader {
     Outcome takeStart(const TagLine& tagLine);
 
     LineReader lines_;
+    Recorder* recorder_;
     std::string line_;
     std::shared_ptr<VELHLSParsedManifest> manifest_ = std::make_shared<VELHLSParsedManifest>();
 };

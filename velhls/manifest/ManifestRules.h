@@ -2,13 +2,16 @@
 // other.
 #pragma once
 
+#include "velhls/common/Recorder.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 
 namespace velhls {
 
-[[nodiscard]] bool groupReferencesResolve(const VELHLSParsedManifest& manifest);
-[[nodiscard]] bool groupsOfEachTypeAgree(const VELHLSParsedManifest& manifest);
-[[nodiscard]] bool sessionDataIsUnique(const VELHLSParsedManifest& manifest);
-[[nodiscard]] bool sessionKeysAreUnique(const VELHLSParsedManifest& manifest);
+/// See VELHLSParsedManifest::validate. With a recorder all rules are looked at, and each group at most once for
+/// what it lacks.
+[[nodiscard]] bool keepsRules(const VELHLSParsedManifest& manifest, Recorder* recorder);
+
+/// See VELHLSParsedManifest::sanitize.
+void pairStreamInformation(VELHLSParsedManifest& manifest, Recorder* recorder);
 
 }  // namespace velhls

@@ -6,6 +6,7 @@
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
+#include "velhls/manifest/RecordParsers.h"
 
 namespace {
 
@@ -17,7 +18,55 @@ std::string_view attributeText(std::string_view line) {
     return line.substr(velhls::tagLength(velhls::tag::sessionData) - 1);
 }
 
+/// The rules of an entry, in the order in which they are looked at.
+std::optional<velhls::Rule> brokenRule(const VELHLSManifestSessionData& entry) {
+    if (entry.dataId.empty()) return velhls::Rule::sessionDataIdMissing;
+    if (entry.value.empty() && entry.uri.empty()) return velhls::Rule::sessionDataValueMissing;
+    if (!entry.value.empty() && !entry.uri.empty()) return velhls::Rule::sessionDataValueAndUri;
+    return std::nullopt;
+}
+
+/// The attribute that was lost; the colon in front of its name is what it was lost for.
+void tellOfLostAttribute(velhls::Recorder* recorder, const velhls::AttributeList& attributes) {
+    if (recorder == nullptr || attributes.empty()) return;
+    for (const velhls::Attribute& attribute : attributes) {
+        if (!velhls::startsWith(attribute.name, ":")) continue;
+        recorder->report(velhls::Rule::sessionDataAttributeLost, attribute.name.substr(1), {});
+        return;
+    }
+}
+
 }  // namespace
+
+std::shared_ptr<VELHLSManifestSessionData> velhls::parseSessionData(const std::string& line,
+                                                                    Recorder* recorder) {
+    if (!isTagLine(line, tag::sessionData)) return nullptr;
+    const std::string_view tagName = TagLine(line).name;
+    const std::optional<AttributeList> attributes = AttributeList::parse(attributeText(line), recorder);
+    if (!attributes) return nullptr;
+    if (recorder != nullptr) recorder->attributesRead(tagName, *attributes);
+
+    auto entry = std::make_shared<VELHLSManifestSessionData>("", "", "", "");
+    for (const Attribute& attribute : *attributes) {
+        if (attribute.name == attribute::dataId) {
+            entry->dataId = attribute.value;
+        } else if (attribute.name == attribute::value) {
+            entry->value = attribute.value;
+        } else if (attribute.name == attribute::uri) {
+            entry->uri = attribute.value;
+        } else if (attribute.name == attribute::language) {
+            entry->language = attribute.value;
+        } else if (!startsWith(attribute.name, ":")) {
+            tell(recorder, Rule::attributeIgnored, attribute.name);
+        }
+    }
+    if (const std::optional<Rule> broken = brokenRule(*entry)) {
+        tell(recorder, *broken, tagName, entry->value.empty() ? "none" : "both");
+        return nullptr;
+    }
+    tellOfLostAttribute(recorder, *attributes);
+    return entry;
+}
 
 VELHLSManifestSessionData::VELHLSManifestSessionData(const std::string& dataId, const std::string& value,
                                                      const std::string& uri, const std::string& language)
@@ -25,18 +74,7 @@ VELHLSManifestSessionData::VELHLSManifestSessionData(const std::string& dataId, 
 
 std::shared_ptr<VELHLSManifestSessionData> VELHLSManifestSessionData::parseSessionData(
     const std::string& line) {
-    if (!velhls::isTagLine(line, velhls::tag::sessionData)) return nullptr;
-    const std::optional<velhls::AttributeList> attributes = velhls::AttributeList::parse(attributeText(line));
-    if (!attributes) return nullptr;
-
-    auto entry = std::make_shared<VELHLSManifestSessionData>("", "", "", "");
-    for (const velhls::Attribute& attribute : *attributes) {
-        if (attribute.name == attribute::dataId) entry->dataId = attribute.value;
-        if (attribute.name == attribute::value) entry->value = attribute.value;
-        if (attribute.name == attribute::uri) entry->uri = attribute.value;
-        if (attribute.name == attribute::language) entry->language = attribute.value;
-    }
-    return entry->validate() ? entry : nullptr;
+    return velhls::parseSessionData(line, nullptr);
 }
 
 std::int32_t VELHLSManifestSessionData::render(std::string& out) const {
@@ -58,6 +96,5 @@ std::int32_t VELHLSManifestSessionData::render(std::string& out) const {
 }
 
 bool VELHLSManifestSessionData::validate() const {
-    if (dataId.empty()) return false;
-    return value.empty() != uri.empty();
+    return !brokenRule(*this);
 }

@@ -6,16 +6,112 @@
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
+#include "velhls/manifest/RecordParsers.h"
 #include "velhls/manifest/RenditionTypeText.h"
 
 namespace {
 
 namespace attribute = velhls::attribute;
 
+using velhls::Attribute;
+using velhls::Recorder;
+using velhls::Rule;
+
 /// Sets the flag; false for a value that is neither of the two.
-bool readFlag(std::string_view value, bool& flag) {
+bool readFlag(std::string_view value, bool& flag, Recorder* recorder) {
     flag = value == velhls::fixed::yes;
-    return flag || value == velhls::fixed::no;
+    if (flag || value == velhls::fixed::no) return true;
+    return velhls::reject(recorder, Rule::renditionFlagInvalid, value);
+}
+
+bool readType(std::string_view value, VELHLSMediaStreamRendition::RenditionType& type, Recorder* recorder) {
+    const auto named = velhls::renditionTypeNamed(value);
+    type = named.value_or(VELHLSMediaStreamRendition::Unknown);
+    return named || velhls::reject(recorder, Rule::renditionTypeUnknown, value);
+}
+
+/// The last piece that was read is a view into the value, so that what a set makes of the order can be told.
+void readCharacteristics(std::string_view value, std::set<std::string>& characteristics, Recorder* recorder) {
+    std::string_view last;
+    for (std::size_t start = 0;;) {
+        const std::size_t comma = value.find(',', start);
+        const std::string_view piece = value.substr(start, comma - start);
+        characteristics.emplace(piece);
+        if (start != 0 && piece <= last) tell(recorder, Rule::renditionCharacteristicsChanged, piece);
+        if (comma == std::string_view::npos) return;
+        last = piece;
+        start = comma + 1;
+    }
+}
+
+bool readAttribute(VELHLSMediaStreamRendition& rendition, const Attribute& read, Recorder* recorder) {
+    if (read.name == attribute::type) return readType(read.value, rendition.type, recorder);
+    if (read.name == attribute::defaultFlag) return readFlag(read.value, rendition.isDefault, recorder);
+    if (read.name == attribute::autoSelect) return readFlag(read.value, rendition.autoSelect, recorder);
+    if (read.name == attribute::forced) return readFlag(read.value, rendition.forced, recorder);
+    if (read.name == attribute::uri) {
+        rendition.uri = read.value;
+    } else if (read.name == attribute::groupId) {
+        rendition.groupId = read.value;
+    } else if (read.name == attribute::language) {
+        rendition.language = read.value;
+    } else if (read.name == attribute::assocLanguage) {
+        rendition.assocLanguage = read.value;
+    } else if (read.name == attribute::name) {
+        rendition.name = read.value;
+    } else if (read.name == attribute::instreamId) {
+        rendition.instreamId = read.value;
+    } else if (read.name == attribute::audioTrackType) {
+        rendition.audioTrackType = read.value;
+        tell(recorder, Rule::renditionAudioTrackTypeNotWritten, read.name);
+    } else if (read.name == attribute::characteristics) {
+        readCharacteristics(read.value, rendition.characteristics, recorder);
+    } else {
+        tell(recorder, Rule::attributeIgnored, read.name);
+    }
+    return true;
+}
+
+/// A default rendition may always be chosen without asking.
+void implyAutoSelect(VELHLSMediaStreamRendition& rendition, const velhls::AttributeList& attributes,
+                     Recorder* recorder) {
+    if (!rendition.isDefault || rendition.autoSelect) return;
+    rendition.autoSelect = true;
+    if (recorder == nullptr) return;
+    const std::optional<std::string_view> said = attributes.find(attribute::autoSelect);
+    if (said) {
+        recorder->report(Rule::renditionAutoselectOverruled, *said, {});
+    } else {
+        recorder->report(Rule::renditionAutoselectImplied, *attributes.find(attribute::defaultFlag), "none");
+    }
+}
+
+struct BrokenRule {
+    Rule rule;
+    /// The attribute that breaks it, where it is there.
+    std::string_view attributeName;
+};
+
+/// The rules of a rendition, in the order in which they are looked at. No rule says that DEFAULT implies
+/// AUTOSELECT: reading a rendition makes it so, and `validate` looks at it for callers.
+std::optional<BrokenRule> brokenRule(const VELHLSMediaStreamRendition& rendition) {
+    const bool captions = rendition.type == VELHLSMediaStreamRendition::ClosedCaptions;
+    const bool subtitles = rendition.type == VELHLSMediaStreamRendition::Subtitles;
+    const bool hasInstreamId = !rendition.instreamId.empty();
+    if (rendition.type == VELHLSMediaStreamRendition::Unknown) {
+        return BrokenRule{Rule::renditionTypeMissing, attribute::type};
+    }
+    if (rendition.groupId.empty()) return BrokenRule{Rule::renditionGroupIdMissing, attribute::groupId};
+    if (rendition.name.empty()) return BrokenRule{Rule::renditionNameMissing, attribute::name};
+    if (!captions && hasInstreamId) {
+        return BrokenRule{Rule::renditionInstreamIdUnexpected, attribute::instreamId};
+    }
+    if (rendition.forced && !subtitles) return BrokenRule{Rule::renditionForcedUnexpected, attribute::forced};
+    if (captions && !rendition.uri.empty()) return BrokenRule{Rule::renditionCaptionsUri, attribute::uri};
+    if (captions && !hasInstreamId) {
+        return BrokenRule{Rule::renditionInstreamIdMissing, attribute::instreamId};
+    }
+    return std::nullopt;
 }
 
 void appendQuotedUnlessEmpty(std::string& out, std::string_view name, std::string_view value) {
@@ -41,6 +137,29 @@ std::string joinedByCommas(const std::set<std::string>& pieces) {
 
 }  // namespace
 
+std::shared_ptr<VELHLSMediaStreamRendition> velhls::parseRendition(const std::string& line,
+                                                                   Recorder* recorder) {
+    if (!isTagLine(line, tag::media)) return nullptr;
+    const TagLine tagLine(line);
+    const std::optional<AttributeList> attributes = AttributeList::parse(tagLine.value, recorder);
+    if (!attributes) return nullptr;
+    if (recorder != nullptr) recorder->attributesRead(tagLine.name, *attributes);
+
+    auto rendition = std::make_shared<VELHLSMediaStreamRendition>(
+        VELHLSMediaStreamRendition::Unknown, "", nullptr, "", "", "", "", false, false, false, "", "");
+    for (const Attribute& attribute : *attributes) {
+        if (!readAttribute(*rendition, attribute, recorder)) return nullptr;
+    }
+    implyAutoSelect(*rendition, *attributes, recorder);
+    if (const std::optional<BrokenRule> broken = brokenRule(*rendition)) {
+        const std::optional<std::string_view> value = attributes->find(broken->attributeName);
+        if (value) tell(recorder, broken->rule, *value);
+        if (!value) tellMissing(recorder, broken->rule, tagLine.name);
+        return nullptr;
+    }
+    return rendition;
+}
+
 VELHLSMediaStreamRendition::VELHLSMediaStreamRendition(
     RenditionType type, const std::string& uri, std::shared_ptr<VELHLSMediaStream> mediaStream,
     const std::string& groupId, const std::string& language, const std::string& assocLanguage,
@@ -60,48 +179,7 @@ VELHLSMediaStreamRendition::VELHLSMediaStreamRendition(
       audioTrackType(audioTrackType) {}
 
 std::shared_ptr<VELHLSMediaStreamRendition> VELHLSMediaStreamRendition::parse(const std::string& line) {
-    if (!velhls::isTagLine(line, velhls::tag::media)) return nullptr;
-    const std::optional<velhls::AttributeList> attributes =
-        velhls::AttributeList::parse(velhls::TagLine(line).value);
-    if (!attributes) return nullptr;
-
-    auto rendition = std::make_shared<VELHLSMediaStreamRendition>(Unknown, "", nullptr, "", "", "", "", false,
-                                                                  false, false, "", "");
-    for (const velhls::Attribute& attribute : *attributes) {
-        if (!rendition->readAttribute(attribute.name, attribute.value)) return nullptr;
-    }
-    if (rendition->isDefault) rendition->autoSelect = true;
-    return rendition->validate() ? rendition : nullptr;
-}
-
-bool VELHLSMediaStreamRendition::readAttribute(std::string_view attributeName, std::string_view value) {
-    if (attributeName == attribute::type) {
-        const std::optional<RenditionType> named = velhls::renditionTypeNamed(value);
-        type = named.value_or(Unknown);
-        return named.has_value();
-    }
-    if (attributeName == attribute::defaultFlag) return readFlag(value, isDefault);
-    if (attributeName == attribute::autoSelect) return readFlag(value, autoSelect);
-    if (attributeName == attribute::forced) return readFlag(value, forced);
-    if (attributeName == attribute::uri) uri = value;
-    if (attributeName == attribute::groupId) groupId = value;
-    if (attributeName == attribute::language) language = value;
-    if (attributeName == attribute::assocLanguage) assocLanguage = value;
-    if (attributeName == attribute::name) name = value;
-    if (attributeName == attribute::instreamId) instreamId = value;
-    if (attributeName == attribute::audioTrackType) audioTrackType = value;
-    if (attributeName == attribute::characteristics) readCharacteristics(value);
-    return true;
-}
-
-void VELHLSMediaStreamRendition::readCharacteristics(std::string_view value) {
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t comma = value.find(',', start);
-        characteristics.emplace(value.substr(start, comma - start));
-        if (comma == std::string_view::npos) return;
-        start = comma + 1;
-    }
+    return velhls::parseRendition(line, nullptr);
 }
 
 std::int32_t VELHLSMediaStreamRendition::render(std::string& out) const {
@@ -131,17 +209,8 @@ std::int32_t VELHLSMediaStreamRendition::render(std::string& out) const {
 }
 
 bool VELHLSMediaStreamRendition::validate() const {
-    const bool captions = type == ClosedCaptions;
-    if (type == Unknown) return false;
-    if (groupId.empty()) return false;
-    if (name.empty()) return false;
-    if (!captions && !instreamId.empty()) return false;
-    if (!captions && forced && type != Subtitles) return false;
-    if (captions && !uri.empty()) return false;
-    if (captions && instreamId.empty()) return false;
-    if (captions && forced) return false;
-    if (isDefault && !autoSelect) return false;
-    return true;
+    if (brokenRule(*this)) return false;
+    return autoSelect || !isDefault;
 }
 
 bool VELHLSMediaStreamRendition::equalExceptURIAndGroupID(

@@ -103,8 +103,4 @@ class VELHLS_API VELHLSMediaStreamRendition {
 
     /// CHARACTERISTICS, cut at its commas.
     std::set<std::string> characteristics;
-
-  private:
-    bool readAttribute(std::string_view attributeName, std::string_view value);
-    void readCharacteristics(std::string_view value);
 };

@@ -7,12 +7,15 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
+#include "velhls/manifest/RecordParsers.h"
 #include "velhls/manifest/RenditionTypeText.h"
 #include "velhls/media/VELHLSMediaStream.h"
 
 namespace {
 
 namespace attribute = velhls::attribute;
+using velhls::Recorder;
+using velhls::Rule;
 
 void appendNumber(std::string& out, std::string_view name, std::uint64_t number) {
     velhls::appendAttribute(out, name, "");
@@ -26,7 +29,89 @@ std::string_view attributeText(std::string_view tagLine, bool isVariant) {
     return tagLine.empty() ? tagLine : tagLine.substr(1);
 }
 
+void readGroup(VELHLSMediaVariant& variant, VELHLSMediaStreamRendition::RenditionType type,
+               std::string_view value, Recorder* recorder) {
+    if (type == VELHLSMediaStreamRendition::ClosedCaptions && value == velhls::fixed::none) {
+        // What is quoted stands behind a quote.
+        const bool isQuoted = recorder != nullptr && value.data()[-1] == '"';
+        if (isQuoted) recorder->report(Rule::variantCaptionsQuotedNone, value, {});
+        return;
+    }
+    variant.groupIds.emplace(type, value);
+}
+
+void readAttribute(VELHLSMediaVariant& variant, const velhls::Attribute& read, Recorder* recorder) {
+    if (read.name == attribute::bandwidth) {
+        variant.bandwidth = velhls::toInt64AsUnsigned(number(recorder, read.value));
+    } else if (read.name == attribute::averageBandwidth) {
+        variant.averageBandwidth = velhls::toInt64AsUnsigned(number(recorder, read.value));
+    } else if (read.name == attribute::codecs) {
+        variant.codecs = read.value;
+    } else if (read.name == attribute::resolution) {
+        variant.resolution = read.value;
+    } else if (read.name == attribute::programId) {
+        variant.programId = static_cast<std::uint32_t>(velhls::toInt32(number(recorder, read.value)));
+    } else if (read.name == attribute::uri) {
+        if (variant.isIFrame) {
+            variant.uri = read.value;
+        } else {
+            tell(recorder, Rule::variantUriAttributeIgnored, read.value);
+        }
+    } else if (const auto type = velhls::renditionTypeNamed(read.name)) {
+        readGroup(variant, *type, read.value, recorder);
+    } else {
+        tell(recorder, Rule::attributeIgnored, read.name);
+    }
+}
+
+/// Why a variant that was read does not validate.
+void tellWhyInvalid(Recorder& recorder, const VELHLSMediaVariant& variant,
+                    const velhls::AttributeList& attributes, std::string_view tagName) {
+    if (variant.uri.empty()) {
+        recorder.report(Rule::variantUriAttributeMissing, tagName, "none");
+    } else if (const auto bandwidth = attributes.find(attribute::bandwidth)) {
+        recorder.report(Rule::variantBandwidthZero, *bandwidth, {});
+    } else {
+        recorder.report(Rule::variantBandwidthMissing, tagName, "none");
+    }
+}
+
+/// What is read of a variant otherwise than it seems to be meant.
+void tellOfSurprises(Recorder& recorder, const velhls::AttributeList& attributes, std::string_view tagName,
+                     std::string_view uriLine) {
+    if (velhls::isTagOrComment(uriLine)) recorder.report(Rule::variantUriIsTag, uriLine, {});
+    const bool saysCaptions = attributes.find(attribute::closedCaptions).has_value();
+    if (!saysCaptions) recorder.report(Rule::variantCaptionsNoneAdded, tagName, "none");
+}
+
 }  // namespace
+
+std::shared_ptr<VELHLSMediaVariant> velhls::parseVariant(const std::string& tagLine,
+                                                         const std::string& uriLine, Recorder* recorder) {
+    const bool isStream = isTagLine(tagLine, tag::streamInf);
+    const bool isIFrame = isTagLine(tagLine, tag::iFrameStreamInf);
+    if (isStream && uriLine.empty()) {
+        tellMissing(recorder, Rule::variantUriMissing, TagLine(tagLine).name);
+        return nullptr;
+    }
+    if (isIFrame && !uriLine.empty()) return nullptr;
+
+    const std::optional<AttributeList> attributes =
+        AttributeList::parse(attributeText(tagLine, isStream || isIFrame), recorder);
+    if (!attributes) return nullptr;
+    if (recorder != nullptr) recorder->attributesRead(TagLine(tagLine).name, *attributes);
+    auto variant = std::make_shared<VELHLSMediaVariant>(0, 0, "", "", "", nullptr, isIFrame, 0);
+    if (isStream) variant->uri = uriLine;
+    for (const Attribute& attribute : *attributes) {
+        readAttribute(*variant, attribute, recorder);
+    }
+    if (!variant->validate()) {
+        if (recorder != nullptr) tellWhyInvalid(*recorder, *variant, *attributes, TagLine(tagLine).name);
+        return nullptr;
+    }
+    if (recorder != nullptr) tellOfSurprises(*recorder, *attributes, TagLine(tagLine).name, uriLine);
+    return variant;
+}
 
 VELHLSMediaVariant::VELHLSMediaVariant(std::uint64_t bandwidth, std::uint64_t averageBandwidth,
                                        const std::string& codecs, const std::string& resolution,
@@ -43,40 +128,7 @@ VELHLSMediaVariant::VELHLSMediaVariant(std::uint64_t bandwidth, std::uint64_t av
 
 std::shared_ptr<VELHLSMediaVariant> VELHLSMediaVariant::parseVariant(const std::string& tagLine,
                                                                      const std::string& uriLine) {
-    const bool isStream = velhls::isTagLine(tagLine, velhls::tag::streamInf);
-    const bool isIFrame = velhls::isTagLine(tagLine, velhls::tag::iFrameStreamInf);
-    if (isStream && uriLine.empty()) return nullptr;
-    if (isIFrame && !uriLine.empty()) return nullptr;
-
-    const std::optional<velhls::AttributeList> attributes =
-        velhls::AttributeList::parse(attributeText(tagLine, isStream || isIFrame));
-    if (!attributes) return nullptr;
-    auto variant = std::make_shared<VELHLSMediaVariant>(0, 0, "", "", "", nullptr, isIFrame, 0);
-    if (isStream) variant->uri = uriLine;
-    for (const velhls::Attribute& attribute : *attributes) {
-        variant->readAttribute(attribute.name, attribute.value);
-    }
-    return variant->validate() ? variant : nullptr;
-}
-
-void VELHLSMediaVariant::readAttribute(std::string_view name, std::string_view value) {
-    if (name == attribute::bandwidth) {
-        bandwidth = velhls::toInt64AsUnsigned(value);
-    } else if (name == attribute::averageBandwidth) {
-        averageBandwidth = velhls::toInt64AsUnsigned(value);
-    } else if (name == attribute::codecs) {
-        codecs = value;
-    } else if (name == attribute::resolution) {
-        resolution = value;
-    } else if (name == attribute::programId) {
-        programId = static_cast<std::uint32_t>(velhls::toInt32(value));
-    } else if (name == attribute::uri) {
-        if (isIFrame) uri = value;
-    } else if (const auto type = velhls::renditionTypeNamed(name)) {
-        const bool noCaptions =
-            type == VELHLSMediaStreamRendition::ClosedCaptions && value == velhls::fixed::none;
-        if (!noCaptions) groupIds.emplace(*type, value);
-    }
+    return velhls::parseVariant(tagLine, uriLine, nullptr);
 }
 
 std::int32_t VELHLSMediaVariant::render(std::string& out) const {

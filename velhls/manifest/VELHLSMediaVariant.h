@@ -100,6 +100,5 @@ class VELHLS_API VELHLSMediaVariant {
     std::uint64_t nominalAudioBitrate = 0;
 
   private:
-    void readAttribute(std::string_view name, std::string_view value);
     void appendGroups(std::string& out) const;
 };

@@ -59,7 +59,7 @@ std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::i
 
 std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::internalParseManifest(
     std::istream& input, VELHLSParsingStatus* status) {
-    std::shared_ptr<VELHLSParsedManifest> manifest = velhls::ManifestReader(input).read();
+    std::shared_ptr<VELHLSParsedManifest> manifest = velhls::ManifestReader(input, nullptr).read();
     if (manifest == nullptr) return nullptr;
     manifest->sanitize();
     if (!manifest->validate()) return nullptr;
@@ -80,23 +80,11 @@ std::int32_t VELHLSParsedManifest::render(std::ostream& out) const {
 }
 
 bool VELHLSParsedManifest::validate() const {
-    if (variants.empty()) return false;
-    if (!velhls::groupReferencesResolve(*this)) return false;
-    if (!velhls::groupsOfEachTypeAgree(*this)) return false;
-    if (!velhls::sessionDataIsUnique(*this)) return false;
-    return velhls::sessionKeysAreUnique(*this);
+    return velhls::keepsRules(*this, nullptr);
 }
 
 void VELHLSParsedManifest::sanitize() {
-    if (zorStreamInformation.empty()) return;
-    const auto streams = std::count_if(variants.begin(), variants.end(), [](const auto& variant) {
-        return variant.second != nullptr && !variant.second->isIFrame;
-    });
-    if (static_cast<std::size_t>(streams) != zorStreamInformation.size()) {
-        zorStreamInformation.clear();
-        return;
-    }
-    hasZORStreamInformation = true;
+    velhls::pairStreamInformation(*this, nullptr);
 }
 
 void VELHLSParsedManifest::populateMetaData() {

@@ -66,8 +66,8 @@ bool MediaStreamReader::takeTag(const TagLine& tagLine) {
         return takeCount(tagLine.value, stream_->discontinuitySequence);
     }
     if (tagLine.name == tag::playlistType) return takePlaylistType(tagLine.value);
-    if (tagLine.name == tag::start) return takeStart(tagLine.value);
-    if (tagLine.name == tag::define) return takeDefineTag(tagLine.value, *stream_->hlsDefineMap);
+    if (tagLine.name == tag::start) return takeStart(tagLine);
+    if (tagLine.name == tag::define) return takeDefineTag(tagLine, *stream_->hlsDefineMap, nullptr);
     if (tagLine.name == tag::version) stream_->version = toInt32(tagLine.value);
     return true;
 }
@@ -84,8 +84,8 @@ bool MediaStreamReader::takePlaylistType(std::string_view value) {
     return true;
 }
 
-bool MediaStreamReader::takeStart(std::string_view value) {
-    const std::optional<StartTag> start = parseStartTag(value);
+bool MediaStreamReader::takeStart(const TagLine& tagLine) {
+    const std::optional<StartTag> start = parseStartTag(tagLine, nullptr);
     if (!start) return false;
     stream_->startTimeOffset = start->timeOffset;
     // A later tag does not take PRECISE=YES back.

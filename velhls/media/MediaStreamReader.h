@@ -32,7 +32,7 @@ class MediaStreamReader {
     bool takeTag(const TagLine& tagLine);
     bool takeTargetDuration(std::string_view value);
     bool takePlaylistType(std::string_view value);
-    bool takeStart(std::string_view value);
+    bool takeStart(const TagLine& tagLine);
     bool takeSegment(bool afterDiscontinuity);
     bool takePattern();
     bool appendPattern();

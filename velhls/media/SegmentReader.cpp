@@ -107,7 +107,7 @@ bool SegmentReader::takeTag(const TagLine& tagLine, std::string_view line) {
     if (tagLine.name == tag::key) return takeKey(line);
     if (tagLine.name == tag::map) return takeMap(line);
     if (tagLine.name == tag::programDateTime) return takeProgramDateTime(tagLine.value);
-    if (tagLine.name == tag::define) return takeDefine(tagLine.value);
+    if (tagLine.name == tag::define) return takeDefine(tagLine);
     if (tagLine.name == tag::cueOut) {
         tags_.cueOut = tagLine.value;
         return true;
@@ -150,9 +150,9 @@ bool SegmentReader::takeProgramDateTime(std::string_view value) {
     return !(tags_.programDateTime < 0.0);
 }
 
-bool SegmentReader::takeDefine(std::string_view value) {
+bool SegmentReader::takeDefine(const TagLine& tagLine) {
     if (defines_ == nullptr) defines_ = std::make_shared<VELHLSDefineMap>();
-    return takeDefineTag(value, *defines_);
+    return takeDefineTag(tagLine, *defines_, nullptr);
 }
 
 void SegmentReader::notePattern() {

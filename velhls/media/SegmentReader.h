@@ -72,7 +72,7 @@ class SegmentReader {
     bool takeKey(std::string_view line);
     bool takeMap(std::string_view line);
     bool takeProgramDateTime(std::string_view value);
-    bool takeDefine(std::string_view value);
+    bool takeDefine(const TagLine& tagLine);
     void notePattern();
     [[nodiscard]] bool isComplete();
     [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> build(const SegmentOrigin& origin);

@@ -8,7 +8,7 @@
 
 std::int32_t VELHLSMISMap::parse(const std::string& line) {
     if (!velhls::isTagLine(line, velhls::tag::map)) return -1;
-    const std::optional<velhls::AttributeList> attributes = velhls::parseNonEmptyAttributes(line);
+    const std::optional<velhls::AttributeList> attributes = velhls::parseNonEmptyAttributes(line, nullptr);
     if (!attributes) return -1;
 
     const std::optional<std::string_view> uriValue = attributes->find(velhls::attribute::uri);

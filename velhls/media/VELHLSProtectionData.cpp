@@ -8,8 +8,13 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/media/KeyFormatVersions.h"
+#include "velhls/media/RecordParsers.h"
 
 namespace {
+
+namespace attribute = velhls::attribute;
+using velhls::Recorder;
+using velhls::Rule;
 
 constexpr std::string_view ivStart = "0x";
 constexpr std::size_t ivLength = 34;
@@ -26,7 +31,64 @@ std::optional<VELHLSProtectionData::ProtectionMethod> encryptingMethodNamed(std:
     return std::nullopt;
 }
 
+bool readAttribute(VELHLSProtectionData& key, const velhls::Attribute& read, Recorder* recorder) {
+    if (read.name == attribute::uri) {
+        key.uri = read.value;
+    } else if (read.name == attribute::iv) {
+        if (!isInitializationVector(read.value)) return reject(recorder, Rule::keyIvMalformed, read.value);
+        key.iv = read.value;
+    } else if (read.name == attribute::keyFormat) {
+        key.keyFormat = read.value;
+    } else if (read.name == attribute::keyFormatVersions) {
+        if (!velhls::holdsOnly(read.value, velhls::digitsAndSlash)) {
+            return reject(recorder, Rule::keyFormatVersionsMalformed, read.value);
+        }
+        key.keyFormatVersions = velhls::splitKeyFormatVersions(read.value, recorder);
+    } else if (read.name != attribute::method) {
+        tell(recorder, Rule::attributeIgnored, read.name);
+    }
+    return true;
+}
+
+bool readAttributes(VELHLSProtectionData& key, const velhls::AttributeList& attributes, Recorder* recorder) {
+    for (const velhls::Attribute& attribute : attributes) {
+        if (!readAttribute(key, attribute, recorder)) return false;
+    }
+    return true;
+}
+
+void tellOfIgnoredAttributes(Recorder* recorder, const velhls::AttributeList& attributes) {
+    if (recorder == nullptr) return;
+    for (const velhls::Attribute& read : attributes) {
+        if (read.name != attribute::method) recorder->report(Rule::keyAttributesIgnored, read.name, {});
+    }
+}
+
 }  // namespace
+
+bool velhls::parseKey(const std::string& line, VELHLSProtectionData& key, Recorder* recorder) {
+    const bool isSessionKey = isTagLine(line, tag::sessionKey);
+    if (!isSessionKey && !isTagLine(line, tag::key)) return false;
+    const std::string_view tagName = TagLine(line).name;
+    const std::optional<AttributeList> attributes = parseNonEmptyAttributes(line, recorder);
+    if (!attributes) return false;
+    const std::optional<std::string_view> methodName = attributes->find(attribute::method);
+    if (!methodName) return rejectMissing(recorder, Rule::keyMethodMissing, tagName);
+
+    const bool encrypts = *methodName != fixed::none;
+    if (!encrypts && isSessionKey) return reject(recorder, Rule::sessionKeyMethodNone, *methodName);
+    const auto encryptingMethod = encryptingMethodNamed(*methodName);
+    if (encrypts && !encryptingMethod) return reject(recorder, Rule::keyMethodUnknown, *methodName);
+
+    // Apart from the key, since the line may be a text that it holds.
+    VELHLSProtectionData read(encryptingMethod.value_or(VELHLSProtectionData::None), "", "", "", {});
+    if (encrypts && !readAttributes(read, *attributes, recorder)) return false;
+    if (!encrypts) tellOfIgnoredAttributes(recorder, *attributes);
+    // The one rule that may still be broken: the vector was looked at when it was read.
+    if (!read.validate()) return rejectMissing(recorder, Rule::keyUriMissing, tagName);
+    key = std::move(read);
+    return true;
+}
 
 VELHLSProtectionData::VELHLSProtectionData(ProtectionMethod method, const std::string& uri,
                                            const std::string& iv, const std::string& keyFormat,
@@ -38,43 +100,7 @@ VELHLSProtectionData::VELHLSProtectionData(ProtectionMethod method, const std::s
       keyFormatVersions(versions.empty() ? std::vector<std::int32_t>{1} : std::move(versions)) {}
 
 std::int32_t VELHLSProtectionData::parse(const std::string& line) {
-    const bool isSessionKey = velhls::isTagLine(line, velhls::tag::sessionKey);
-    if (!isSessionKey && !velhls::isTagLine(line, velhls::tag::key)) return -1;
-    const std::optional<velhls::AttributeList> attributes = velhls::parseNonEmptyAttributes(line);
-    if (!attributes) return -1;
-    const std::optional<std::string_view> methodName = attributes->find(velhls::attribute::method);
-    if (!methodName) return -1;
-
-    const bool encrypts = *methodName != velhls::fixed::none;
-    if (!encrypts && isSessionKey) return -1;
-    const std::optional<ProtectionMethod> encryptingMethod = encryptingMethodNamed(*methodName);
-    if (encrypts && !encryptingMethod) return -1;
-
-    // Apart from this record, since the line may be a text that it holds.
-    VELHLSProtectionData key(encryptingMethod.value_or(None), "", "", "", {});
-    if (encrypts) {
-        for (const velhls::Attribute& attribute : *attributes) {
-            if (!key.readAttribute(attribute.name, attribute.value)) return -1;
-        }
-    }
-    if (!key.validate()) return -1;
-    *this = std::move(key);
-    return 0;
-}
-
-bool VELHLSProtectionData::readAttribute(std::string_view name, std::string_view value) {
-    if (name == velhls::attribute::uri) {
-        uri = value;
-    } else if (name == velhls::attribute::iv) {
-        if (!isInitializationVector(value)) return false;
-        iv = value;
-    } else if (name == velhls::attribute::keyFormat) {
-        keyFormat = value;
-    } else if (name == velhls::attribute::keyFormatVersions) {
-        if (!velhls::holdsOnly(value, velhls::digitsAndSlash)) return false;
-        keyFormatVersions = velhls::splitKeyFormatVersions(value);
-    }
-    return true;
+    return velhls::parseKey(line, *this, nullptr) ? 0 : -1;
 }
 
 bool VELHLSProtectionData::validate() const {

@@ -69,6 +69,5 @@ class VELHLS_API VELHLSProtectionData {
     std::vector<std::int32_t> keyFormatVersions;
 
   private:
-    bool readAttribute(std::string_view name, std::string_view value);
     void appendEncryptingKey(std::string& out, std::string_view methodName) const;
 };

@@ -1,0 +1,31 @@
+#include "velhls/common/Recorder.h"
+
+#include <cstddef>
+
+namespace velhls {
+namespace {
+
+/// Where a text of UTF-8 may be cut: not inside a character.
+std::size_t cutAtCharacter(std::string_view text, std::size_t length) {
+    constexpr unsigned char continuationMask = 0xC0;
+    constexpr unsigned char continuation = 0x80;
+    constexpr std::size_t longestCharacter = 4;
+    std::size_t cut = length;
+    while (cut + longestCharacter > length &&
+           (static_cast<unsigned char>(text[cut]) & continuationMask) == continuation)
+        --cut;
+    return cut;
+}
+
+}  // namespace
+
+std::string quoted(std::string_view text) {
+    constexpr std::size_t longest = 80;
+    const bool isLong = text.size() > longest;
+    std::string quotedText = "\"";
+    quotedText += isLong ? text.substr(0, cutAtCharacter(text, longest)) : text;
+    quotedText += isLong ? "...\"" : "\"";
+    return quotedText;
+}
+
+}  // namespace velhls

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// One thing that is wrong with a playlist, or that the library does with it and that may surprise.
+///
+///     #EXTM3U
+///     #EXT-X-STREAM-INF:BANDWIDTH=0      line 2, column 29, length 1: the "0"
+///     low.m3u8                           ruleId     variant-bandwidth-zero
+///                                        severity   Error: the library rejects the playlist for it
+///                                        message    EXT-X-STREAM-INF: expected a BANDWIDTH above 0, seen "0"
+///                                        source     RFC 8216, section 4.3.4.2
+struct VELHLSFinding {
+    /// How much a finding weighs. A larger number weighs more.
+    enum Severity : std::int32_t {
+        Note = 0,     ///< what the library writes differs from what it read, and nothing is lost by it
+        Warning = 1,  ///< against RFC 8216; or dropped, changed or read otherwise than it seems to say
+        Error = 2,    ///< a reason why the library rejects the playlist
+    };
+
+    Severity severity = Note;
+
+    /// The stable name of the rule: see VELHLSDiagnostics::ruleNamed.
+    std::string ruleId;
+
+    /// The line in the text that was given, counted from 1. Lines end at line feeds.
+    std::size_t line = 1;
+
+    /// The byte in that line where the finding begins, counted from 1.
+    std::size_t column = 1;
+
+    /// The number of bytes; 0 where something is missing. Never beyond the end of the line.
+    std::size_t length = 0;
+
+    /// What was expected, what was seen. Text of the playlist in it is shortened; it may hold any bytes, control
+    /// characters among them.
+    std::string message;
+
+    /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
+    std::string source;
+
+    /// How many more findings this rule had behind this one that are not listed. Other than 0 in the last listed
+    /// finding of a rule that had more than VELHLSDiagnostics::maximumFindingsPerRule.
+    std::size_t suppressed = 0;
+};
