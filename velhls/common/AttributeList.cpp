@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "velhls/common/TextScan.h"
+
 namespace velhls {
 namespace {
 
@@ -13,6 +15,9 @@ constexpr std::size_t none = std::string_view::npos;
 /// on: the position of the next quote is therefore kept from one attribute to the next. All other searches
 /// end within the attribute that they serve, or end the scan.
 class AttributeScanner {
+    static constexpr CharacterSet nameEnds{"=,\""};
+    static constexpr CharacterSet valueEnds{",\""};
+
   public:
     AttributeScanner(std::string_view text, Recorder* recorder)
         : text_(text), recorder_(recorder), ended_(text.empty()) {}
@@ -21,6 +26,39 @@ class AttributeScanner {
 
     /// The next attribute; nothing when the rest of the list is malformed.
     std::optional<Attribute> next() {
+        if (const std::optional<Attribute> attribute = nextOfUsualForm()) return attribute;
+        return nextByTheRules();
+    }
+
+  private:
+    /// An attribute as nearly all are written, NAME=value or NAME="value" and then a comma or the end, is
+    /// taken in one walk over its characters. Nothing, and nothing done, for any other.
+    std::optional<Attribute> nextOfUsualForm() {
+        const std::size_t equals = endOfRun(position_, nameEnds);
+        const bool isNamed = equals < text_.size() && text_[equals] == '=' && equals > position_;
+        if (!isNamed) return std::nullopt;
+        const std::size_t start = equals + 1;
+        const bool quoted = start < text_.size() && text_[start] == '"';
+        const std::size_t valueStart = quoted ? start + 1 : start;
+        const std::size_t valueEnd = quoted ? text_.find('"', valueStart) : endOfRun(start, valueEnds);
+        if (valueEnd == none || (!quoted && valueEnd == start)) return std::nullopt;
+        const std::size_t end = quoted ? valueEnd + 1 : valueEnd;
+        if (end < text_.size() && text_[end] != ',') return std::nullopt;
+
+        const Attribute attribute{between(position_, equals), between(valueStart, valueEnd)};
+        ended_ = end == text_.size();
+        position_ = end + 1;
+        return attribute;
+    }
+
+    /// The position of the first character in `ends` from a position on, or the end of the text.
+    [[nodiscard]] std::size_t endOfRun(std::size_t position, const CharacterSet& ends) const {
+        while (position < text_.size() && !ends.holds(text_[position]))
+            ++position;
+        return position;
+    }
+
+    std::optional<Attribute> nextByTheRules() {
         findNextQuote();
         std::size_t comma = text_.find(',', position_);
         const bool quoted = quote_ < comma;
@@ -58,10 +96,10 @@ class AttributeScanner {
         return attribute;
     }
 
-  private:
     void findNextQuote() {
-        if (quote_ >= position_) return;
+        if (quoteKnown_ && quote_ >= position_) return;
         quote_ = text_.find('"', position_);
+        quoteKnown_ = true;
     }
 
     std::optional<Attribute> malformed(Rule rule, std::string_view where) const {
@@ -74,7 +112,8 @@ class AttributeScanner {
     }
 
     void tellOfTextAroundQuotes(std::size_t equals, std::size_t closing, bool isLast) const {
-        if (equals + 1 != quote_) tell(recorder_, Rule::attributeTextBeforeQuote, between(equals + 1, quote_));
+        if (equals + 1 != quote_)
+            tell(recorder_, Rule::attributeTextBeforeQuote, between(equals + 1, quote_));
         if (closing == none) {
             tell(recorder_, Rule::attributeQuoteUnclosedAtEnd, text_.substr(quote_));
         } else if (isLast && closing + 1 != text_.size()) {
@@ -90,20 +129,33 @@ class AttributeScanner {
     Recorder* recorder_;
     bool ended_;
     std::size_t position_ = 0;
-    std::size_t quote_ = text_.find('"');
+    /// Found when it is asked for.
+    std::size_t quote_ = 0;
+    bool quoteKnown_ = false;
 };
+
+/// The byte-wise order of two names, neither of them empty. Most differ in their first character.
+bool isBefore(std::string_view left, std::string_view right) {
+    const auto leftFirst = static_cast<unsigned char>(left.front());
+    const auto rightFirst = static_cast<unsigned char>(right.front());
+    return leftFirst != rightFirst ? leftFirst < rightFirst : left < right;
+}
 
 }  // namespace
 
 std::optional<AttributeList> AttributeList::parse(std::string_view text, Recorder* recorder) {
-    AttributeList list;
+    // Made in place: a list is large, and costly to move.
+    std::optional<AttributeList> list(std::in_place);
     AttributeScanner scanner(text, recorder);
     while (!scanner.ended()) {
         const std::optional<Attribute> attribute = scanner.next();
-        if (!attribute) return std::nullopt;
-        list.add(*attribute, recorder);
+        if (!attribute) {
+            list.reset();
+            return list;
+        }
+        list->add(*attribute, recorder);
     }
-    list.sortMany(recorder);
+    if (list->isLong()) list->sortMany(recorder);
     return list;
 }
 
@@ -118,7 +170,7 @@ void AttributeList::add(const Attribute& attribute, Recorder* recorder) {
 
 void AttributeList::insertAmongFew(const Attribute& attribute, Recorder* recorder) {
     std::size_t position = fewCount_;
-    while (position > 0 && attribute.name < few_[position - 1].name)
+    while (position > 0 && isBefore(attribute.name, few_[position - 1].name))
         --position;
     if (position > 0 && few_[position - 1].name == attribute.name) {
         tell(recorder, Rule::attributeRepeated, attribute.name);

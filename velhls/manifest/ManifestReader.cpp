@@ -14,7 +14,9 @@ namespace velhls {
 
 std::shared_ptr<VELHLSParsedManifest> ManifestReader::read() {
     while (lines_.good()) {
-        readNextLine(line_);
+        // Kept, since a variant's URI is read while its tag is still needed.
+        line_ = lines_.next();
+        noteLine(line_);
         const Outcome outcome = recorder_ == nullptr ? takeLine() : takeLineWithoutThrowing();
         if (outcome == Outcome::rejected && recorder_ == nullptr) return nullptr;
         if (outcome == Outcome::playlistEnds) break;
@@ -22,8 +24,7 @@ std::shared_ptr<VELHLSParsedManifest> ManifestReader::read() {
     return std::move(manifest_);
 }
 
-void ManifestReader::readNextLine(std::string& line) {
-    line = lines_.next();
+void ManifestReader::noteLine(std::string_view line) {
     if (recorder_ != nullptr) recorder_->lineRead(line);
 }
 
@@ -108,12 +109,16 @@ ManifestReader::Outcome ManifestReader::takeRendition() {
 }
 
 ManifestReader::Outcome ManifestReader::takeVariant(bool isIFrame) {
-    std::string uriLine;
-    if (!isIFrame) readNextLine(uriLine);
+    std::string_view uriLine;
+    if (!isIFrame) {
+        uriLine = lines_.next();
+        noteLine(uriLine);
+    }
     auto variant = parseVariant(line_, uriLine, recorder_);
     if (variant == nullptr) return Outcome::rejected;
     if (recorder_ != nullptr) recorder_->recordRead(variant.get(), TagLine(line_).name);
-    manifest_->variants.emplace(variant->bandwidth, variant);
+    // Behind all others of no more bandwidth: the hint only says where that often is.
+    manifest_->variants.emplace_hint(manifest_->variants.end(), variant->bandwidth, variant);
     if (!isIFrame) manifest_->streamVariants.push_back(std::move(variant));
     return Outcome::goOn;
 }

@@ -26,7 +26,7 @@ class ManifestReader {
     /// What a line means for the lines behind it.
     enum class Outcome { goOn, playlistEnds, rejected };
 
-    void readNextLine(std::string& line);
+    void noteLine(std::string_view line);
     Outcome takeLine();
     Outcome takeLineWithoutThrowing();
     Outcome takeBareTag(const TagLine& tagLine);

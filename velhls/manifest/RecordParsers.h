@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "velhls/common/Recorder.h"
 #include "velhls/manifest/VELHLSManifestSessionData.h"
@@ -18,9 +19,8 @@ namespace velhls {
                                                                          Recorder* recorder);
 
 /// See VELHLSMediaVariant::parseVariant.
-[[nodiscard]] std::shared_ptr<VELHLSMediaVariant> parseVariant(const std::string& tagLine,
-                                                               const std::string& uriLine,
-                                                               Recorder* recorder);
+[[nodiscard]] std::shared_ptr<VELHLSMediaVariant> parseVariant(std::string_view tagLine,
+                                                               std::string_view uriLine, Recorder* recorder);
 
 /// See VELHLSManifestSessionData::parseSessionData.
 [[nodiscard]] std::shared_ptr<VELHLSManifestSessionData> parseSessionData(const std::string& line,

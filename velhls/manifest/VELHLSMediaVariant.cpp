@@ -86,8 +86,8 @@ void tellOfSurprises(Recorder& recorder, const velhls::AttributeList& attributes
 
 }  // namespace
 
-std::shared_ptr<VELHLSMediaVariant> velhls::parseVariant(const std::string& tagLine,
-                                                         const std::string& uriLine, Recorder* recorder) {
+std::shared_ptr<VELHLSMediaVariant> velhls::parseVariant(std::string_view tagLine, std::string_view uriLine,
+                                                         Recorder* recorder) {
     const bool isStream = isTagLine(tagLine, tag::streamInf);
     const bool isIFrame = isTagLine(tagLine, tag::iFrameStreamInf);
     if (isStream && uriLine.empty()) {
