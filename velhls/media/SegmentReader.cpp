@@ -43,7 +43,7 @@ void SegmentReader::reset() {
     openedPattern_ = false;
     pattern_ = nullptr;
     tags_.clear();
-    title_.clear();
+    title_ = {};
     uri_ = {};
 }
 
@@ -124,8 +124,19 @@ bool SegmentReader::takeDuration(std::string_view value) {
     if (comma == 0) return false;
     tags_.duration = toDouble(value.substr(0, comma));
     // The title keeps its comma, and gets another one when it is written: both are part of the interface.
-    title_ = comma == std::string_view::npos ? std::string_view() : value.substr(comma);
+    takeTitle(comma == std::string_view::npos ? std::string_view() : value.substr(comma));
     return true;
+}
+
+/// Most titles are nothing but their comma, which is not worth a copy.
+void SegmentReader::takeTitle(std::string_view title) {
+    constexpr std::string_view comma = ",";
+    if (title == comma) {
+        title_ = comma;
+        return;
+    }
+    titleMemory_ = title;
+    title_ = titleMemory_;
 }
 
 bool SegmentReader::takeByteRange(std::string_view value) {

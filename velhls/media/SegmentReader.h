@@ -68,6 +68,7 @@ class SegmentReader {
     bool takeBareTag(const TagLine& tagLine);
     bool takeTag(const TagLine& tagLine, std::string_view line);
     bool takeDuration(std::string_view value);
+    void takeTitle(std::string_view title);
     bool takeByteRange(std::string_view value);
     bool takeKey(std::string_view line);
     bool takeMap(std::string_view line);
@@ -88,8 +89,9 @@ class SegmentReader {
     std::shared_ptr<VELHLSMediaPattern> pattern_;
 
     Tags tags_;
-    /// Kept from segment to segment for its memory.
-    std::string title_;
+    std::string_view title_;
+    /// Where the title stands when it is not always the same.
+    std::string titleMemory_;
     /// Looks into the line that was read last.
     std::string_view uri_;
 };
