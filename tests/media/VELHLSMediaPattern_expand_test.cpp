@@ -4,6 +4,7 @@
 #include <exception>
 #include <limits>
 #include <memory>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -626,6 +627,109 @@ TEST(VELHLSMediaPatternExpand, GivesTheSegmentsOfItsTextReadOneByOne) {
         EXPECT_EQ(segment->startTime, single->startTime);
         previous = single;
     }
+}
+
+/// The expansion in its plainest form: line by line in every pass, by the public substitution. "null" when it
+/// fails, and the exception's type when it throws.
+std::string expandedByTheRules(const std::string& body, std::uint64_t repeatCount, const Defines& defines) {
+    std::string text;
+    for (std::uint64_t pass = 0; pass <= repeatCount; ++pass) {
+        std::istringstream lines(body);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.substr(0, 1) != "#") {
+                line.erase(line.find_last_not_of(" \t\n\r") + 1);
+                line = VELHLSUtility::substituteVariables(line, defines);
+                if (line.empty()) return "null";
+            } else if (line.substr(1, 3) == "ZOR" && line.find(':') != std::string::npos) {
+                const std::string start = "#ZOR-DEFINE_INCREMENT:";
+                const std::size_t comma = line.find(',', line.find(':'));
+                if (line.substr(0, start.size()) != start || comma == std::string::npos) return "null";
+                const auto define = defines->find(line.substr(start.size(), comma - start.size()));
+                if (define == defines->end()) return "null";
+                const std::int64_t current = std::stoi(define->second);
+                define->second = std::to_string(current + std::stoi(line.substr(comma + 1)));
+                continue;
+            }
+            text += line + "\n";
+        }
+    }
+    return text;
+}
+
+template <typename Expand>
+std::string outcomeWithDefines(const Defines& defines, Expand expand) {
+    std::string outcome;
+    try {
+        outcome = expand();
+    } catch (const std::invalid_argument&) {
+        outcome = "invalid_argument";
+    } catch (const std::out_of_range&) {
+        outcome = "out_of_range";
+    }
+    for (const char* name : {"n", "m", "x"}) {
+        const auto define = defines->find(name);
+        outcome += "\n" + std::string(name) + "=" + (define == defines->end() ? "none" : define->second);
+    }
+    return outcome;
+}
+
+TEST(VELHLSMediaPatternExpand, AgreesWithTheRulesOnRandomBodies) {
+    const std::vector<std::string> pieces = {
+        "#EXTINF:4,\n",
+        "seg{$n}.ts\n",
+        "{$m}{$n}\n",
+        "plain.ts \r\n",
+        "a{$x}b\n",
+        "{$m}{$m}{$x}c\n",
+        "#EXT-X-KEY:{$n}\n",
+        "#ZOR-DEFINE_INCREMENT:n,1\n",
+        "#ZOR-DEFINE_INCREMENT:m,-7\n",
+        "#ZOR-BARE\n",
+    };
+    const std::vector<std::string> rare = {"#ZOR-DEFINE_INCREMENT:x,1\n",
+                                           "#ZOR-DEFINE_INCREMENT:n\n",
+                                           "#ZOR-DEFINE_INCREMENT:u,1\n",
+                                           "#ZOR-OTHER:1\n",
+                                           "\n",
+                                           "{$u}\n",
+                                           "lone{\n",
+                                           "a$\n",
+                                           "{$n\n",
+                                           "{}\n",
+                                           "#ZOR-DEFINE_INCREMENT:n,2147483647\n",
+                                           "#ZOR-DEFINE_INCREMENT:n,z\n"};
+    const std::vector<std::string> values = {"1", "0",  "",           "{$n}", "{$m}0",
+                                             "a", " 9", "2147483600", "$",    "z{$n}z"};
+    std::mt19937 random(5);
+    const auto pick = [&random](const std::vector<std::string>& from) {
+        return from[random() % from.size()];
+    };
+    int expandedCount = 0;
+    for (int round = 0; round < 30000; ++round) {
+        std::string body;
+        for (std::size_t count = 1 + random() % 6; count > 0; --count)
+            body += pick(random() % 12 == 0 ? rare : pieces);
+        const std::uint64_t repeatCount = random() % 4;
+        const Defines one = defining({{"n", random() % 4 == 0 ? pick(values) : "1"}, {"m", "20"}});
+        if (random() % 2 == 0) (*one)["x"] = pick(values);
+        const Defines other = std::make_shared<VELHLSDefineMap>(*one);
+        const std::string expected =
+            outcomeWithDefines(one, [&] { return expandedByTheRules(body, repeatCount, one); });
+        ASSERT_EQ(outcomeWithDefines(other, [&] { return expanded(body, repeatCount, other); }), expected)
+            << body;
+        if (expected.find(".ts") != std::string::npos) ++expandedCount;
+    }
+    EXPECT_GT(expandedCount, 5000);
+}
+
+// The lines of a body this long are looked at anew in each pass.
+TEST(VELHLSMediaPatternExpand, AgreesWithTheRulesOnABodyOfManyLines) {
+    std::string body;
+    for (int line = 0; line < 5000; ++line)
+        body += "#EXTINF:4,\nseg{$n}.ts\n#ZOR-DEFINE_INCREMENT:n,1\n";
+    const std::string expected = expandedByTheRules(body, 2, defining({{"n", "1"}}));
+    EXPECT_TRUE(expanded(body, 2, defining({{"n", "1"}})) == expected);
+    EXPECT_NE(expected.find("seg15000.ts"), std::string::npos);
 }
 
 }  // namespace

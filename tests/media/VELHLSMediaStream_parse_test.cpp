@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <exception>
 #include <iostream>
+#include <iterator>
 #include <limits>
 #include <memory>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <streambuf>
@@ -1318,6 +1320,44 @@ TEST(VELHLSMediaStreamParse, SharesTheDefineMapOfTheCaller) {
     EXPECT_EQ(first.hlsDefineMap, nullptr);
     EXPECT_EQ(second.hlsDefineMap, map);
     EXPECT_TRUE(first.validate());
+}
+
+/// A playlist of so many segments, with URIs that need memory of their own.
+Stream streamOfSegments(std::size_t count) {
+    std::string text;
+    for (std::size_t index = 0; index < count; ++index)
+        text += "#EXTINF:4,\na/segment/with/a/long/uri/" + std::to_string(index) + ".ts\n";
+    return playlist::parsedMedia(text);
+}
+
+TEST(VELHLSMediaStreamParse, EachSegmentLivesAsLongAsItIsHeld) {
+    Stream stream = streamOfSegments(300);
+    ASSERT_NE(stream, nullptr);
+    std::vector<std::weak_ptr<VELHLSMediaSegment>> watched(stream->segments.begin(), stream->segments.end());
+    const std::shared_ptr<VELHLSMediaSegment> held = stream->segments[150];
+    EXPECT_EQ(held.use_count(), 2);
+    stream = nullptr;
+    EXPECT_EQ(held.use_count(), 1);
+    EXPECT_EQ(held->uri, "a/segment/with/a/long/uri/150.ts");
+    for (std::size_t index = 0; index < watched.size(); ++index)
+        EXPECT_EQ(watched[index].expired(), index != 150) << index;
+}
+
+TEST(VELHLSMediaStreamParse, SegmentsMayBeReleasedInAnyOrderFromAnyThread) {
+    for (const std::size_t count : {1, 2, 4, 5, 12, 63, 64, 65, 1000}) {
+        Stream stream = streamOfSegments(count);
+        ASSERT_NE(stream, nullptr);
+        auto segments = std::move(stream->segments);
+        stream = nullptr;
+        std::shuffle(segments.begin(), segments.end(), std::mt19937(3));
+        const auto middle = segments.begin() + static_cast<std::ptrdiff_t>(count / 2);
+        std::vector<std::shared_ptr<VELHLSMediaSegment>> others(std::make_move_iterator(middle),
+                                                                std::make_move_iterator(segments.end()));
+        segments.erase(middle, segments.end());
+        std::thread other([&others] { others.clear(); });
+        segments.clear();
+        other.join();
+    }
 }
 
 }  // namespace

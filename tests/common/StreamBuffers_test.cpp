@@ -1,0 +1,165 @@
+// However a stream hands its text out, in one piece, in small ones that lie in the same memory, or byte by byte
+// without showing any, the same playlist is read, and the same is left unread.
+#include <cstddef>
+#include <random>
+#include <sstream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "velhls/VELHLS.h"
+
+#include "tests/support/PlaylistText.h"
+
+namespace {
+
+/// Hands its text out in pieces of a size, one after the other in the same memory.
+class PieceByPiece : public std::streambuf {
+  public:
+    PieceByPiece(std::string text, std::size_t size) : text_(std::move(text)), piece_(size, ' ') {}
+
+  protected:
+    int_type underflow() override {
+        const std::size_t length = text_.copy(piece_.data(), piece_.size(), position_);
+        if (length == 0) return traits_type::eof();
+        position_ += length;
+        setg(piece_.data(), piece_.data(), piece_.data() + length);
+        return traits_type::to_int_type(piece_.front());
+    }
+
+  private:
+    std::string text_;
+    std::string piece_;
+    std::size_t position_ = 0;
+};
+
+/// Shows no get area at all.
+class Hidden : public std::streambuf {
+  public:
+    explicit Hidden(std::string text) : text_(std::move(text)) {}
+
+  protected:
+    int_type underflow() override {
+        return position_ == text_.size() ? traits_type::eof() : traits_type::to_int_type(text_[position_]);
+    }
+    int_type uflow() override {
+        const int_type character = underflow();
+        if (character != traits_type::eof()) ++position_;
+        return character;
+    }
+
+  private:
+    std::string text_;
+    std::size_t position_ = 0;
+};
+
+template <typename Playlist>
+std::string renderedOf(const Playlist& playlist) {
+    if (playlist == nullptr) return "rejected\n";
+    std::ostringstream text;
+    EXPECT_EQ(playlist->render(text), 0);
+    return text.str();
+}
+
+/// All that can be seen of a parse: what was read, the stream's state, and what is left in it.
+template <typename Parse>
+std::string outcomeOf(std::istream& input, Parse parse) {
+    VELHLSParsingStatus status;
+    std::ostringstream outcome;
+    try {
+        outcome << renderedOf(parse(input, &status));
+    } catch (const std::logic_error& error) {
+        outcome << error.what() << "\n";
+    }
+    outcome << "error " << status.error << ", message " << status.message << ", state " << input.rdstate();
+    input.clear();
+    outcome << ", unread " << input.rdbuf();
+    return outcome.str();
+}
+
+template <typename Parse>
+void expectTheSameFromEveryBuffer(const std::string& text, Parse parse) {
+    std::istringstream whole(text);
+    const std::string expected = outcomeOf(whole, parse);
+    Hidden hidden(text);
+    std::istream hiddenInput(&hidden);
+    EXPECT_EQ(outcomeOf(hiddenInput, parse), expected) << text;
+    for (const std::size_t size : {1, 2, 3, 7, 16, 64, 1000, 1030}) {
+        PieceByPiece pieces(text, size);
+        std::istream input(&pieces);
+        EXPECT_EQ(outcomeOf(input, parse), expected) << "pieces of " << size << ":\n" << text;
+    }
+    std::ostringstream tied;
+    std::istringstream tiedInput(text);
+    tiedInput.tie(&tied);
+    EXPECT_EQ(outcomeOf(tiedInput, parse), expected) << "tied:\n" << text;
+}
+
+void expectTheSameFromEveryBuffer(const std::string& text) {
+    expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
+    expectTheSameFromEveryBuffer(text, VELHLSParsedManifest::parseManifest);
+}
+
+std::string withCarriageReturns(const std::string& text) {
+    std::string result;
+    for (const char character : text) {
+        if (character == '\n') result += '\r';
+        result += character;
+    }
+    return result;
+}
+
+TEST(StreamBuffers, EveryExampleIsReadTheSame) {
+    for (const char* name : {"master-adaptive", "master-radio", "master-small", "media-ad-break",
+                             "media-encrypted-ranges", "media-live", "media-pattern", "media-vod"}) {
+        SCOPED_TRACE(name);
+        const std::string text =
+            playlist::contentOf(std::string(VELHLS_EXAMPLE_PLAYLISTS) + "/" + name + ".m3u8");
+        ASSERT_FALSE(text.empty());
+        expectTheSameFromEveryBuffer(text);
+        expectTheSameFromEveryBuffer(withCarriageReturns(text));
+    }
+}
+
+TEST(StreamBuffers, EndsOfTheInputAreReadTheSame) {
+    const std::string text = "#EXTM3U\n#EXTINF:4,Title\nfirst.ts\n#EXT-X-ENDLIST\nbehind\n";
+    for (std::size_t length = 0; length <= text.size(); ++length)
+        expectTheSameFromEveryBuffer(text.substr(0, length));
+}
+
+/// Lines of many lengths, some with carriage returns far apart from each other.
+TEST(StreamBuffers, RandomLinesAreReadTheSame) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 300; ++round) {
+        std::string text = "#EXTM3U\n";
+        for (int line = 0; line < 20; ++line) {
+            text += "#EXTINF:4," + std::string(random() % 200, 't') + (random() % 8 == 0 ? "\r\n" : "\n");
+            if (random() % 8 == 0) text += "# a comment" + std::string(random() % 2000, 'c') + "\n";
+            text += "segment" + std::string(random() % 40, 'u') + (random() % 8 == 0 ? "\rv" : "") + ".ts\n";
+        }
+        if (random() % 4 == 0) text.pop_back();
+        expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
+    }
+}
+
+TEST(StreamBuffers, TiedStreamIsFlushedBeforeReading) {
+    class Flushes : public std::stringbuf {
+      public:
+        int count = 0;
+
+      protected:
+        int sync() override { return ++count, 0; }
+    };
+    Flushes flushes;
+    std::ostream output(&flushes);
+    std::istringstream input("#EXTM3U\n#EXTINF:4,\nfirst.ts\n");
+    input.tie(&output);
+    ASSERT_NE(VELHLSMediaStream::parseMediaStream(input, nullptr), nullptr);
+    EXPECT_GE(flushes.count, 3);
+}
+
+}  // namespace
