@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <limits>
 #include <locale.h>
 #include <new>
 #include <optional>
@@ -45,11 +46,11 @@ std::string_view withoutSpaceAndPlus(std::string_view text) {
     return text;
 }
 
-/// The number that nothing but digits make, so few of them that every type holds it.
-std::optional<std::int32_t> plainInteger(std::string_view text) {
-    constexpr std::size_t mostDigits = 9;
-    if (text.empty() || text.size() > mostDigits) return std::nullopt;
-    std::int32_t number = 0;
+/// The number that nothing but digits make, so few of them that the type holds every one.
+template <typename Integer>
+std::optional<Integer> plainInteger(std::string_view text) {
+    if (text.empty() || text.size() > std::numeric_limits<Integer>::digits10) return std::nullopt;
+    Integer number = 0;
     for (const char character : text) {
         if (!isDigit(character)) return std::nullopt;
         number = number * 10 + (character - '0');
@@ -59,7 +60,7 @@ std::optional<std::int32_t> plainInteger(std::string_view text) {
 
 template <typename Integer>
 Integer toInteger(std::string_view text) {
-    if (const std::optional<std::int32_t> number = plainInteger(text)) return *number;
+    if (const std::optional<Integer> number = plainInteger<Integer>(text)) return *number;
     const std::string_view digits = withoutSpaceAndPlus(text);
     Integer number = 0;
     const std::from_chars_result result =

@@ -56,39 +56,10 @@ std::optional<Separators> findSeparators(std::string_view text) {
     return at;
 }
 
-/// The same for "2026-11-21T10:00:05.250Z" and "2026-11-21T10:00:05.250+02:00", as nearly all are written:
-/// fields of the usual widths, known to hold only digits, with nothing behind them. Nothing for all others.
-std::optional<Separators> separatorsOfUsualForm(std::string_view text) {
-    constexpr std::string_view form = "dddd-dd-ddTdd:dd:d";
-    if (text.size() <= form.size()) return std::nullopt;
-    for (std::size_t position = 0; position < form.size(); ++position) {
-        const bool fits = form[position] == 'd' ? isDigit(text[position]) : text[position] == form[position];
-        if (!fits) return std::nullopt;
-    }
-    Separators at{4, 7, 10, 13, 16, form.size(), none};
-    while (at.zone < text.size() && digitsAndPoint.holds(text[at.zone]))
-        ++at.zone;
-    const std::string_view zone = text.substr(at.zone);
-    if (zone == "Z") return at;
-    const bool isOffset = zone.size() == 6 && (zone[0] == '+' || zone[0] == '-') && zone[3] == ':' &&
-                          holdsOnly(zone.substr(1, 2), digits) && holdsOnly(zone.substr(4, 2), digits);
-    if (!isOffset) return std::nullopt;
-    at.offsetHourEnd = at.zone + 3;
-    return at;
-}
-
 /// The text behind position `before` and in front of position `after`.
 std::string_view between(std::string_view text, std::size_t before, std::size_t after) {
     const std::size_t start = before + 1;
     return text.substr(start, after - start);
-}
-
-/// The number that a few digits make.
-std::int32_t numberOfDigits(std::string_view text) {
-    std::int32_t number = 0;
-    for (const char digit : text)
-        number = number * 10 + (digit - '0');
-    return number;
 }
 
 /// Reads the offset as numbers, so that what is none throws. The offset does not change a timestamp.
@@ -145,29 +116,76 @@ std::string dateText(const CivilTime& date) {
     return text;
 }
 
-}  // namespace
-
-double parseTimestamp(std::string_view text) {
-    std::optional<Separators> at = separatorsOfUsualForm(text);
-    const bool isUsual = at.has_value();
-    if (!isUsual) at = findSeparators(text);
-    if (!at) return noTimestamp;
-    const auto field = isUsual ? numberOfDigits : toInt32;
+/// The fields of a date and time as nearly all are written, "2026-11-21T10:00:05.250Z" or with an offset such
+/// as "+02:00" instead of the "Z": of the usual widths, with nothing behind them. Nothing for all others.
+struct UsualForm {
     CivilTime time;
-    time.year = field(text.substr(0, at->yearEnd));
-    time.month = field(between(text, at->yearEnd, at->monthEnd));
-    time.day = field(between(text, at->monthEnd, at->dayEnd));
-    time.hour = field(between(text, at->dayEnd, at->hourEnd));
-    time.minute = field(between(text, at->hourEnd, at->minuteEnd));
-    const double seconds = toDouble(between(text, at->minuteEnd, at->zone));
-    if (!isUsual && at->offsetHourEnd != none) readOffset(text, *at);
+    std::string_view seconds;
+};
 
+/// The number of so many digits from a position on; negative when not all of them are digits.
+std::int32_t digitsAt(std::string_view text, std::size_t position, std::size_t count) {
+    std::int32_t number = 0;
+    for (std::size_t index = position; index < position + count; ++index) {
+        if (!isDigit(text[index])) return -1;
+        number = number * 10 + (text[index] - '0');
+    }
+    return number;
+}
+
+bool isUsualZone(std::string_view zone) {
+    if (zone == "Z") return true;
+    return zone.size() == 6 && (zone[0] == '+' || zone[0] == '-') && zone[3] == ':' &&
+           digitsAt(zone, 1, 2) >= 0 && digitsAt(zone, 4, 2) >= 0;
+}
+
+std::optional<UsualForm> readUsualForm(std::string_view text) {
+    constexpr std::size_t secondsStart = 17;
+    if (text.size() <= secondsStart) return std::nullopt;
+    const bool isSeparated =
+        text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' && text[16] == ':';
+    if (!isSeparated || !isDigit(text[secondsStart])) return std::nullopt;
+    const std::array<std::int32_t, 5> fields = {digitsAt(text, 0, 4), digitsAt(text, 5, 2),
+                                                digitsAt(text, 8, 2), digitsAt(text, 11, 2),
+                                                digitsAt(text, 14, 2)};
+    for (const std::int32_t field : fields) {
+        if (field < 0) return std::nullopt;
+    }
+    std::size_t zone = secondsStart;
+    while (zone < text.size() && digitsAndPoint.holds(text[zone]))
+        ++zone;
+    if (!isUsualZone(text.substr(zone))) return std::nullopt;
+    return UsualForm{{fields[0], fields[1], fields[2], fields[3], fields[4], 0},
+                     text.substr(secondsStart, zone - secondsStart)};
+}
+
+/// The date and time with its seconds, or the value for none.
+double timestampOf(CivilTime time, double seconds) {
     const std::optional<std::int32_t> whole = wholeSeconds(seconds);
     if (!whole) return noTimestamp;
     time.second = *whole;
     const std::optional<std::int64_t> sinceEpoch = secondsSinceEpoch(time);
     if (!sinceEpoch) return noTimestamp;
     return (seconds - *whole) + static_cast<double>(*sinceEpoch);
+}
+
+}  // namespace
+
+double parseTimestamp(std::string_view text) {
+    if (const std::optional<UsualForm> usual = readUsualForm(text)) {
+        return timestampOf(usual->time, toDouble(usual->seconds));
+    }
+    const std::optional<Separators> at = findSeparators(text);
+    if (!at) return noTimestamp;
+    CivilTime time;
+    time.year = toInt32(text.substr(0, at->yearEnd));
+    time.month = toInt32(between(text, at->yearEnd, at->monthEnd));
+    time.day = toInt32(between(text, at->monthEnd, at->dayEnd));
+    time.hour = toInt32(between(text, at->dayEnd, at->hourEnd));
+    time.minute = toInt32(between(text, at->hourEnd, at->minuteEnd));
+    const double seconds = toDouble(between(text, at->minuteEnd, at->zone));
+    if (at->offsetHourEnd != none) readOffset(text, *at);
+    return timestampOf(time, seconds);
 }
 
 char* TimestampWriter::put(char* to, double seconds) {
