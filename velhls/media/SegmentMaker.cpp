@@ -106,16 +106,21 @@ SegmentMaker::~SegmentMaker() {
 }
 
 std::shared_ptr<VELHLSMediaSegment> SegmentMaker::make(std::string_view title, std::string_view uri) {
-    if (slab_ == nullptr || !slab_->hasRoom()) openSlab();
-    return std::allocate_shared<ReadSegment>(SlabAllocator<ReadSegment>(slab_), title, uri);
+    return std::allocate_shared<ReadSegment>(SlabAllocator<ReadSegment>(slabWithRoom()), title, uri);
 }
 
-void SegmentMaker::openSlab() {
+std::shared_ptr<VELHLSByteRange> SegmentMaker::make(const VELHLSByteRange& range) {
+    return std::allocate_shared<VELHLSByteRange>(SlabAllocator<VELHLSByteRange>(slabWithRoom()), range);
+}
+
+SegmentSlab* SegmentMaker::slabWithRoom() {
     constexpr std::size_t mostSegments = 64;
+    if (slab_ != nullptr && slab_->hasRoom()) return slab_;
     SegmentSlab* const slab = SegmentSlab::make(nextSize_);
     if (slab_ != nullptr) slab_->close();
     slab_ = slab;
     nextSize_ = std::min(2 * nextSize_, mostSegments);
+    return slab_;
 }
 
 std::shared_ptr<VELHLSMediaSegment> SegmentMaker::makeAlone(std::string_view title, std::string_view uri) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "velhls/media/VELHLSByteRange.h"
 #include "velhls/media/VELHLSMediaSegment.h"
 
 namespace velhls {
@@ -13,7 +14,7 @@ namespace velhls {
 /// its blocks is in use or can still be taken; the segments themselves come and go one by one.
 class SegmentSlab;
 
-/// Makes segments, one after the other, out of slabs: a fraction of the calls to the heap, and
+/// Makes segments and their byte ranges, one after the other, out of slabs: a fraction of the calls to the heap, and
 /// neighbours in the playlist are neighbours in memory. The first slab is small, since most playlists that
 /// are parsed are a live window of a few segments; the next ones grow.
 ///
@@ -28,12 +29,14 @@ class SegmentMaker {
     /// A segment with this title and URI, and all else empty.
     [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> make(std::string_view title, std::string_view uri);
 
-    /// The same with memory of its own.
+    [[nodiscard]] std::shared_ptr<VELHLSByteRange> make(const VELHLSByteRange& range);
+
+    /// A segment with memory of its own.
     [[nodiscard]] static std::shared_ptr<VELHLSMediaSegment> makeAlone(std::string_view title,
                                                                        std::string_view uri);
 
   private:
-    void openSlab();
+    SegmentSlab* slabWithRoom();
 
     SegmentSlab* slab_ = nullptr;
     std::size_t nextSize_ = 4;

@@ -140,8 +140,10 @@ void SegmentReader::takeTitle(std::string_view title) {
 }
 
 bool SegmentReader::takeByteRange(std::string_view value) {
-    tags_.byteRange = std::make_shared<VELHLSByteRange>();
-    return parseRange(value, '@', false, *tags_.byteRange);
+    VELHLSByteRange range;
+    if (!parseRange(value, '@', false, range)) return false;
+    tags_.byteRange = maker_ != nullptr ? maker_->make(range) : std::make_shared<VELHLSByteRange>(range);
+    return true;
 }
 
 bool SegmentReader::takeKey(std::string_view line) {
