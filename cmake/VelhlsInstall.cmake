@@ -1,6 +1,5 @@
 # What cmake --install puts where, in three components: runtime (the shared library), development (headers, link
-# library, CMake and pkg-config files) and tool (the command).
-include(GNUInstallDirs)
+# library, CMake and pkg-config files) and tool (the command, in tool/CMakeLists.txt).
 include(CMakePackageConfigHelpers)
 
 set(velhls_cmake_folder "${CMAKE_INSTALL_LIBDIR}/cmake/velhls")
@@ -62,10 +61,3 @@ list(TRANSFORM velhls_runtime_libraries PREPEND " -l")
 string(CONCAT velhls_pc_private_libraries ${velhls_runtime_libraries})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/velhls.pc.in ${velhls_BINARY_DIR}/velhls.pc @ONLY)
 install(FILES ${velhls_BINARY_DIR}/velhls.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
-
-if(VELHLS_BUILD_TOOL)
-    file(RELATIVE_PATH velhls_libraries_from_command
-        "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-    set_target_properties(velhls_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${velhls_libraries_from_command}")
-    install(TARGETS velhls_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
-endif()
