@@ -60,10 +60,10 @@ std::string quoted(std::string_view text, std::string_view quoteInside) {
 void writeBashValues(std::ostream& out, const CommandOutline& command, const std::string& subcommand) {
     for (const OptionOutline& option : command.options) {
         if (option.isArgument || !option.takesValue) continue;
-        std::string pattern;
+        out << "        ";
         for (const std::string& name : option.names)
-            pattern += (pattern.empty() ? "" : "|") + subcommand + "," + name;
-        out << "        " << pattern << ") ";
+            out << (&name == &option.names.front() ? "" : "|") << subcommand << "," << name;
+        out << ") ";
         if (option.takesFile()) {
             out << "_velhls_files \"$current\"";
         } else {

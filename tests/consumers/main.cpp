@@ -10,17 +10,19 @@
 
 namespace {
 
-const char* const masterText = "#EXTM3U\n"
-                               "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"aac\",NAME=\"English\",URI=\"en.m3u8\"\n"
-                               "#EXT-X-STREAM-INF:BANDWIDTH=800000,AUDIO=\"aac\"\n"
-                               "low.m3u8\n";
+const char* const masterText =
+    "#EXTM3U\n"
+    "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"aac\",NAME=\"English\",URI=\"en.m3u8\"\n"
+    "#EXT-X-STREAM-INF:BANDWIDTH=800000,AUDIO=\"aac\"\n"
+    "low.m3u8\n";
 
-const char* const mediaText = "#EXTM3U\n"
-                              "#EXT-X-VERSION:3\n"
-                              "#EXT-X-TARGETDURATION:6\n"
-                              "#EXTINF:6.006,\n"
-                              "segment0.ts\n"
-                              "#EXT-X-ENDLIST\n";
+const char* const mediaText =
+    "#EXTM3U\n"
+    "#EXT-X-VERSION:3\n"
+    "#EXT-X-TARGETDURATION:6\n"
+    "#EXTINF:6.006,\n"
+    "segment0.ts\n"
+    "#EXT-X-ENDLIST\n";
 
 template <typename Playlist>
 bool writeBack(const std::shared_ptr<Playlist>& playlist) {
