@@ -1,7 +1,12 @@
 # What this project's own targets have in common.
 
-# The warnings under which they are built. They are private: a user's build never sees them.
+# The warnings under which they are built. They are private: a user's build never sees them. As a part of another
+# project velhls is built without any, so that no flag of that project, and no newer compiler, breaks its build.
 function(velhls_set_warnings target)
+    if(NOT velhls_IS_TOP_LEVEL)
+        target_compile_options(${target} PRIVATE -w)
+        return()
+    endif()
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion)
     if(VELHLS_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE -Werror)

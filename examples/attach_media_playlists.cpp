@@ -25,7 +25,7 @@ double lengthOf(const VELHLSMediaStream& stream) {
     return stream.segments.back()->startTime + stream.segments.back()->duration;
 }
 
-/// Attaching a media playlist is a plain assignment. From then on the owner's validate checks it too.
+/// Attaching a media playlist is a plain assignment. From then on a variant's validate checks it too.
 template <typename Owner>
 bool attach(Owner& owner, const std::string& folder) {
     owner.mediaStream = readMediaPlaylist(folder + "/" + owner.uri);

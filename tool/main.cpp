@@ -15,6 +15,7 @@
 #include "tool/OutputFile.h"
 #include "tool/Playlist.h"
 #include "tool/PlaylistKind.h"
+#include "tool/SelfDescription.h"
 
 namespace {
 
@@ -81,6 +82,7 @@ int run(int argumentCount, char** arguments) {
     addInputOptions(*inspectCommand, request);
     inspectCommand->callback([&request] { inspect(request); });
 
+    tool::addSelfDescription(app);
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {

@@ -6,6 +6,12 @@
 /// A static library needs no mark. A build of velhls as a shared library defines VELHLS_SHARED for itself and
 /// for its users (the CMake target and the pkg-config file do so), and VELHLS_BUILDING for itself alone.
 
+/// @def VELHLS_API
+/// Marks what users of a shared libvelhls may call.
+
+/// @def VELHLS_HIDDEN
+/// Marks a private member of a class that is handed out: it stays inside the shared library.
+
 #if defined(VELHLS_SHARED) && defined(_WIN32)
 #if defined(VELHLS_BUILDING)
 #define VELHLS_API __declspec(dllexport)
@@ -16,4 +22,10 @@
 #define VELHLS_API __attribute__((visibility("default")))
 #else
 #define VELHLS_API
+#endif
+
+#if defined(VELHLS_SHARED) && !defined(_WIN32)
+#define VELHLS_HIDDEN __attribute__((visibility("hidden")))
+#else
+#define VELHLS_HIDDEN
 #endif

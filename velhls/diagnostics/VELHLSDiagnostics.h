@@ -23,8 +23,8 @@ class VELHLS_API VELHLSDiagnostics {
     /// What a text is read as.
     enum PlaylistKind : std::int32_t {
         Detect = 0,  ///< what its tags tell
-        Master = 1,
-        Media = 2,
+        Master = 1,  ///< a master playlist
+        Media = 2,   ///< a media playlist
     };
 
     /// The most findings of one rule that are listed. The last of them tells how many more there were. So the
@@ -57,9 +57,11 @@ class VELHLS_API VELHLSDiagnostics {
 
     /// What a text was taken for, and why.
     struct Detection {
+        /// Master or Media.
         PlaylistKind kind = Detect;
-        /// The name of the tag that decided, and its line, counted from 1.
+        /// The name of the tag that decided.
         std::string tag;
+        /// The line of that tag, counted from 1.
         std::size_t line = 1;
     };
 

@@ -20,6 +20,7 @@ struct VELHLSFinding {
         Error = 2,    ///< a reason why the library rejects the playlist
     };
 
+    /// How much the finding weighs.
     Severity severity = Note;
 
     /// The stable name of the rule: see VELHLSDiagnostics::ruleNamed.

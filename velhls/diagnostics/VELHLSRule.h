@@ -9,6 +9,7 @@ struct VELHLSRule {
     /// The rule's stable name: "variant-bandwidth-zero".
     std::string_view id;
 
+    /// How much its findings weigh.
     VELHLSFinding::Severity severity;
 
     /// One sentence: what the rule finds.

@@ -100,5 +100,5 @@ class VELHLS_API VELHLSMediaVariant {
     std::uint64_t nominalAudioBitrate = 0;
 
   private:
-    void appendGroups(std::string& out) const;
+    VELHLS_HIDDEN void appendGroups(std::string& out) const;
 };

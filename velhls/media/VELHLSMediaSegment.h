@@ -140,5 +140,6 @@ class VELHLS_API VELHLSMediaSegment {
 
   protected:
     /// For the library's own reader, which sets all other members in place.
-    VELHLSMediaSegment(std::string_view title, std::string_view uri) : title(title), uri(uri) {}
+    VELHLSMediaSegment(std::string_view titleText, std::string_view uriText)
+        : title(titleText), uri(uriText) {}
 };

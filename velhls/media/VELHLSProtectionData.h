@@ -69,5 +69,5 @@ class VELHLS_API VELHLSProtectionData {
     std::vector<std::int32_t> keyFormatVersions;
 
   private:
-    void appendEncryptingKey(std::string& out, std::string_view methodName) const;
+    VELHLS_HIDDEN void appendEncryptingKey(std::string& out, std::string_view methodName) const;
 };

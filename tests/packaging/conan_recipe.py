@@ -1,0 +1,103 @@
+"""Runs the Conan recipe's steps without Conan: a few stand-ins take the calls that the recipe makes.
+
+    conan_recipe.py REPOSITORY WORK_FOLDER
+
+It fails unless the exported sources build and install, and the package holds what package_info says.
+"""
+
+import fnmatch
+import importlib.util
+import os
+import shutil
+import subprocess
+import sys
+import types
+
+repository, work = (os.path.abspath(argument) for argument in sys.argv[1:3])
+
+
+def copy(_recipe, pattern, src, dst):
+    for folder, _, names in os.walk(src):
+        for name in names:
+            path = os.path.relpath(os.path.join(folder, name), src)
+            if fnmatch.fnmatch(path, pattern):
+                os.makedirs(os.path.dirname(os.path.join(dst, path)), exist_ok=True)
+                shutil.copy(os.path.join(src, path), os.path.join(dst, path))
+
+
+class CMakeToolchain:
+    def __init__(self, recipe):
+        self.recipe, self.cache_variables = recipe, {}
+
+    def generate(self):
+        self.recipe.cache_variables = self.cache_variables
+
+
+class CMake:
+    def __init__(self, recipe):
+        self.recipe, self.folder = recipe, os.path.join(work, "build")
+
+    def configure(self):
+        variables = dict(self.recipe.cache_variables, BUILD_SHARED_LIBS=self.recipe.options.shared)
+        subprocess.run(
+            ["cmake", "-G", "Ninja", "-S", self.recipe.source_folder, "-B", self.folder,
+             f"-DCMAKE_INSTALL_PREFIX={self.recipe.package_folder}", "-DCMAKE_INSTALL_LIBDIR=lib"]
+            + [f"-D{name}={'ON' if value else 'OFF'}" for name, value in variables.items()],
+            check=True, stdout=subprocess.DEVNULL)
+
+    def build(self):
+        subprocess.run(["cmake", "--build", self.folder], check=True, stdout=subprocess.DEVNULL)
+
+    def install(self):
+        subprocess.run(["cmake", "--install", self.folder], check=True, stdout=subprocess.DEVNULL)
+
+
+def stand_in(name, **members):
+    sys.modules[name] = types.ModuleType(name)
+    vars(sys.modules[name]).update(members)
+
+
+def load(_recipe, path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+stand_in("conan", ConanFile=type("ConanFile", (), {}))
+stand_in("conan.tools")
+stand_in("conan.tools.build", check_min_cppstd=lambda recipe, standard: None)
+stand_in("conan.tools.cmake", CMake=CMake, CMakeToolchain=CMakeToolchain, cmake_layout=lambda recipe: None)
+stand_in("conan.tools.files", copy=copy, load=load, rmdir=lambda recipe, path: shutil.rmtree(path))
+
+folder = os.path.join(repository, "packaging", "conan")
+specification = importlib.util.spec_from_file_location("recipe", os.path.join(folder, "conanfile.py"))
+module = importlib.util.module_from_spec(specification)
+specification.loader.exec_module(module)
+
+recipe = module.VelhlsRecipe()
+recipe.recipe_folder = folder
+recipe.settings = types.SimpleNamespace(os="Linux")
+recipe.options = types.SimpleNamespace(shared=True, fPIC=True, rm_safe=lambda name: None)
+recipe.export_sources_folder = recipe.source_folder = os.path.join(work, "source")
+recipe.package_folder = os.path.join(work, "package")
+properties = {}
+recipe.cpp_info = types.SimpleNamespace(set_property=properties.__setitem__)
+
+recipe.set_version()
+for step in ("export_sources", "config_options", "configure", "validate", "layout", "generate", "build", "package",
+             "package_info"):
+    getattr(recipe, step)()
+
+assert recipe.version.count(".") == 2, recipe.version
+assert recipe.cpp_info.libs == ["velhls"] and recipe.cpp_info.defines == ["VELHLS_SHARED"]
+assert properties["cmake_target_name"] == "velhls::velhls"
+package = recipe.package_folder
+assert os.path.exists(os.path.join(package, "lib", "libvelhls.so." + recipe.version))
+assert os.path.exists(os.path.join(package, "licenses", "LICENSE"))
+assert not os.path.exists(os.path.join(package, "lib", "cmake"))
+
+program = os.path.join(work, "consumer")
+subprocess.run(["g++", "-std=c++17", os.path.join(repository, "tests", "consumers", "main.cpp"), "-o", program,
+                "-I" + os.path.join(package, "include"), "-L" + os.path.join(package, "lib"), "-DVELHLS_SHARED",
+                "-lvelhls", "-Wl,-rpath," + os.path.join(package, "lib")], check=True)
+output = subprocess.run([program], check=True, capture_output=True, text=True).stdout
+assert output == load(None, os.path.join(repository, "tests", "consumers", "expected.txt")), output

@@ -1,0 +1,116 @@
+#include "tool/ManualPage.h"
+
+#include <cctype>
+#include <sstream>
+#include <string_view>
+
+namespace tool {
+
+namespace {
+
+/// Text as roff takes it: hyphens that can be copied as such, and no line that begins with a control character.
+std::string roff(std::string_view text) {
+    std::string result;
+    for (const char character : text) {
+        if (character == '-') {
+            result += "\\-";
+        } else if (character == '\\') {
+            result += "\\e";
+        } else if ((character == '.' || character == '\'') && (result.empty() || result.back() == '\n')) {
+            result += std::string("\\&") + character;
+        } else {
+            result += character;
+        }
+    }
+    return result;
+}
+
+std::string bold(std::string_view text) {
+    return "\\fB" + roff(text) + "\\fR";
+}
+
+std::string italic(std::string_view text) {
+    return "\\fI" + roff(text) + "\\fR";
+}
+
+std::string upperCase(std::string text) {
+    for (char& character : text)
+        character = static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
+    return text;
+}
+
+/// "[-o|--output TEXT]" in the synopsis, "[FILE]" for an argument.
+std::string synopsisOf(const OptionOutline& option) {
+    if (option.isArgument) return "[" + italic(option.names[0]) + (option.repeats ? " ...]" : "]");
+    std::string text = "[";
+    for (const std::string& name : option.names)
+        text += (text.size() > 1 ? "|" : "") + bold(name);
+    if (option.takesValue) text += " " + italic(option.valueName);
+    return text + "]";
+}
+
+void writeSynopsis(std::ostream& out, const CommandOutline& command, const CommandOutline& subcommand) {
+    if (&subcommand != &command.subcommands.front()) out << ".br\n";
+    out << bold(command.name + " " + subcommand.name);
+    for (const OptionOutline& option : subcommand.options)
+        out << " " << synopsisOf(option);
+    out << "\n";
+}
+
+std::string headOf(const OptionOutline& option) {
+    if (option.isArgument) return italic(option.names[0]);
+    std::string text;
+    for (const std::string& name : option.names)
+        text += (text.empty() ? "" : ", ") + bold(name);
+    return option.takesValue ? text + " " + italic(option.valueName) : text;
+}
+
+void writeOption(std::ostream& out, const OptionOutline& option) {
+    out << ".TP\n" << headOf(option) << "\n" << roff(option.description) << ".\n";
+    if (!option.choices.empty()) {
+        out << "One of";
+        for (const std::string& choice : option.choices)
+            out << (&choice == &option.choices.front() ? " " : ", ") << bold(choice);
+        out << ".\n";
+    }
+    if (!option.defaultValue.empty()) out << "The default is " << bold(option.defaultValue) << ".\n";
+}
+
+/// The footer, without the words that the section's heading says already.
+std::string exitStatusOf(const CommandOutline& command) {
+    const std::string heading = "Exit status: ";
+    const std::string& footer = command.footer;
+    return footer.compare(0, heading.size(), heading) == 0 ? footer.substr(heading.size()) : footer;
+}
+
+}  // namespace
+
+std::string manualPage(const CommandOutline& command, const std::string& version) {
+    std::ostringstream out;
+    out << ".\\\" Made from the command's own description: do not edit.\n"
+        << ".TH " << upperCase(command.name) << " 1 \"\" \"" << roff(version) << "\" \"User Commands\"\n"
+        << ".SH NAME\n"
+        << roff(command.name) << " \\- " << roff(command.description) << "\n.SH SYNOPSIS\n";
+    for (const CommandOutline& subcommand : command.subcommands)
+        writeSynopsis(out, command, subcommand);
+    out << ".SH DESCRIPTION\n"
+        << bold(command.name)
+        << " reads playlists of HTTP Live Streaming (M3U8, RFC 8216), master playlists and media\n"
+        << "playlists alike. Without a file, or with " << bold("-") << ", it reads standard input.\n"
+        << "A playlist that is rejected is told of on standard error as\n"
+        << italic("file") << ":" << italic("line") << ": error: " << italic("reason")
+        << ".\nAn output file is replaced wholly or not at all.\n.SH COMMANDS\n";
+    for (const CommandOutline& subcommand : command.subcommands) {
+        out << ".SS " << roff(command.name + " " + subcommand.name) << "\n"
+            << roff(subcommand.description) << ".\n";
+        for (const OptionOutline& option : subcommand.options)
+            writeOption(out, option);
+    }
+    out << ".SH OPTIONS\n";
+    for (const OptionOutline& option : command.options)
+        writeOption(out, option);
+    out << ".SH \"EXIT STATUS\"\n" << roff(exitStatusOf(command)) << "\n";
+    return out.str();
+}
+
+}  // namespace tool
