@@ -6,6 +6,7 @@
 
 #include "velhls/common/Numbers.h"
 #include "velhls/common/Recorder.h"
+#include "velhls/common/TextScan.h"
 #include "velhls/media/VELHLSByteRange.h"
 
 namespace velhls {
@@ -19,6 +20,14 @@ inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 /// Puts the text of a range of no negative length to where there is room for `mostRangeBytes`, and returns
 /// the place behind it. See VELHLSByteRange::render.
 [[nodiscard]] char* putRange(char* to, const VELHLSByteRange& range);
+
+/// Where the range begins in a URI without its marker.
+inline constexpr std::size_t rangeStartWithoutMarker = 6;
+
+/// False for nearly all URIs, those that neither end in a digit, as every range does, nor are too short.
+[[nodiscard]] inline bool mayHoldRange(std::string_view uri) {
+    return uri.size() < rangeStartWithoutMarker || isDigit(uri.back());
+}
 
 /// See getByteRangeFromUri.
 [[nodiscard]] std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* recorder);

@@ -129,7 +129,8 @@ bool SegmentReader::takeLine(std::string_view line) {
 
 bool SegmentReader::takePlainLine(std::string_view line) {
     if (!isTagOrComment(line)) {
-        takeUri(line);
+        uri_ = withoutTrailing(line, blanks);
+        if (recorder_ != nullptr && !uri_.empty()) tellOfUri(line);
         return true;
     }
     if (isTagLine(line, tag::extInf)) {
@@ -142,9 +143,7 @@ bool SegmentReader::takePlainLine(std::string_view line) {
     return tagLine.hasColon ? takeTag(tagLine, line) : takeBareTag(tagLine);
 }
 
-void SegmentReader::takeUri(std::string_view line) {
-    uri_ = withoutTrailing(line, blanks);
-    if (recorder_ == nullptr || uri_.empty()) return;
+void SegmentReader::tellOfUri(std::string_view line) const {
     if (uri_.size() != line.size()) {
         recorder_->report(Rule::segmentUriTrimmed, line.substr(uri_.size()), {});
     }
@@ -271,7 +270,7 @@ void SegmentReader::notePattern() {
 /// empty.
 bool SegmentReader::isComplete() {
     if (tags_.duration == 0.0 || uri_.empty()) return recorder_ != nullptr && tellWhyIncomplete();
-    if (tags_.byteRange == nullptr) tags_.byteRange = rangeInUri(uri_, recorder_);
+    if (tags_.byteRange == nullptr && mayHoldRange(uri_)) tags_.byteRange = rangeInUri(uri_, recorder_);
     if (tags_.byteRange != nullptr && tags_.byteRange->length < 0) return false;
     if (tags_.map == nullptr || tags_.map->validate()) return true;
     if (recorder_ != nullptr) recorder_->reportRecord(Rule::mapUriEmpty, &tags_.map, {}, {});

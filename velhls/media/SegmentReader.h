@@ -71,7 +71,7 @@ class SegmentReader {
     bool takePlainLine(std::string_view line);
     bool takeLineWithoutThrowing(std::string_view line);
     [[nodiscard]] bool goesOnBehindRejection();
-    void takeUri(std::string_view line);
+    void tellOfUri(std::string_view line) const;
     bool takeVendorTagOrComment(std::string_view line);
     bool takeBareTag(const TagLine& tagLine);
     bool takeTag(const TagLine& tagLine, std::string_view line);
