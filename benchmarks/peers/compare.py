@@ -25,7 +25,7 @@ def command(peer, playlist, work):
     file = FOLDER / "inputs" / f"{playlist}.m3u8"
     if peer == OURS:
         return [PROGRAMS / "velhls_peer", file, work]
-    if peer == DEBIAN_PEER:
+    if peer == DEBIAN_PEER:  # only Debian's own interpreter sees Debian's modules
         return ["/usr/bin/python3", HERE / "peer.py", file, work]
     return ["node", HERE / "peer.mjs", FOLDER, peer, file, work]
 
@@ -58,15 +58,15 @@ def measure(processes):
     return runs
 
 
+def three_digits(number):
+    return f"{number:.3g}" if number < 100 else f"{number:.0f}"
+
+
 def readable(seconds):
     for unit, of_a_second in [("s", 1), ("ms", 1e-3)]:
         if seconds >= of_a_second:
-            return f"{seconds / of_a_second:.3g} {unit}"
-    return f"{seconds * 1e6:.3g} µs"
-
-
-def least(runs, figure):
-    return min(run[figure] for run in runs)
+            return f"{three_digits(seconds / of_a_second)} {unit}"
+    return f"{three_digits(seconds * 1e6)} µs"
 
 
 def least(runs, figure):
@@ -82,7 +82,7 @@ def cell(of_peers, peer, figure, items):
     if peer == OURS:
         return readable(seconds)
     lost = "" if runs[0]["items"] == items else f" ({runs[0]['items']} of {items} read)"
-    return f"{readable(seconds)}, {seconds / least(of_peers[OURS], figure):.1f} ×{lost}"
+    return f"{readable(seconds)}, {three_digits(seconds / least(of_peers[OURS], figure))} ×{lost}"
 
 
 def table(runs, versions):
