@@ -111,7 +111,8 @@ def main():
     runs = measure(options.processes)
     if options.json:
         options.json.write_text(json.dumps({"machine": here, "versions": versions, "runs": runs}, indent=2) + "\n")
-    report = f"{machine_line(here)}, node {here['node']}, {here['python']}\n\n{table(runs, versions)}"
+    report = (f"{machine_line(here)}, node {here['node']}, {here['python']}; "
+              f"the least of {options.processes} processes.\n\n{table(runs, versions)}")
     print(report)
     if options.record:
         record("README.md", "peers", report)
