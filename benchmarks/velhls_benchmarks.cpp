@@ -1,12 +1,12 @@
 // Times each work beside its floor, pair by pair in one process, so that their ratio means something on a noisy
-// machine. WARM: the allocator keeps what it was given back, as it does in a service that has run for a while.
+// machine. WARM: the allocator keeps what it was given back.
 #include <algorithm>
 #include <chrono>
-#include <malloc.h>
 #include <thread>
 
 #include <benchmark/benchmark.h>
 
+#include "Warm.h"
 #include "Works.h"
 
 namespace {
@@ -45,10 +45,26 @@ void besideItsFloor(benchmark::State& state, const std::string& name) {
         state.SetIterationTime(work);
     }
     const double seconds = medianOf(workSeconds);
+    state.counters["items"] = static_cast<double>(measurement.items);
     state.counters["ns_per_item"] = seconds * 1e9 / static_cast<double>(measurement.items);
     state.counters["MB_per_second"] = static_cast<double>(measurement.bytes) / seconds / 1e6;
     state.counters["ratio"] = medianOf(ratios);
     state.SetLabel(measurement.floorName);
+}
+
+/// The time of one segment among a million over that of one among a hundred thousand.
+void growth(benchmark::State& state) {
+    const Measurement many = makeMeasurement("parse/vod/100000");
+    const Measurement million = makeMeasurement("parse/vod/1000000");
+    std::vector<double> ratios;
+    for ([[maybe_unused]] auto iteration : state) {
+        const double secondsOfMillion = timed(*million.work, 1);
+        ratios.push_back(secondsOfMillion / static_cast<double>(million.items) /
+                         (timed(*many.work, 1) / static_cast<double>(many.items)));
+        state.SetIterationTime(secondsOfMillion);
+    }
+    state.counters["ratio"] = medianOf(ratios);
+    state.SetLabel("a tenth of it");
 }
 
 /// How much faster two threads read a playlist each than one thread reads both.
@@ -78,14 +94,12 @@ void twoThreads(benchmark::State& state) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    constexpr int gibibyte = 1 << 30;
-    mallopt(M_TRIM_THRESHOLD, gibibyte);
-    mallopt(M_TOP_PAD, gibibyte / 8);
-    mallopt(M_MMAP_THRESHOLD, gibibyte);
+    keepFreedMemory();
 
     for (const std::string& name : measurementNames()) {
         benchmark::RegisterBenchmark(name.c_str(), besideItsFloor, name)->UseManualTime()->Iterations(pairs);
     }
+    benchmark::RegisterBenchmark("parse/growth", growth)->UseManualTime()->Iterations(pairs);
     benchmark::RegisterBenchmark("parse/two-threads", twoThreads)->UseManualTime()->Iterations(pairs);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;

@@ -1,0 +1,69 @@
+"""Compares the instructions of every parse and render with the committed figures. See scripts/instructions."""
+
+import argparse
+import json
+import platform
+from pathlib import Path
+
+from benchmarks.measuring import (ROOT, c_library, compiler, instructions_of_all, is_a_million, markdown_table,
+                                  output_of, work_names)
+
+FIGURES = ROOT / "benchmarks" / "instructions.json"
+MOST_DEARER = 0.03
+
+
+def architecture():
+    """The C library copies memory with AVX2 where there is such a thing."""
+    flags = Path("/proc/cpuinfo").read_text().split()
+    return platform.machine() + (" with AVX2" if "avx2" in flags else "")
+
+
+def circumstances():
+    """What the figures depend on beside the library's own code."""
+    return {
+        "architecture": architecture(),
+        "compiler": compiler(),
+        "c_library": c_library(),
+        "valgrind": output_of("valgrind", "--version").strip(),
+    }
+
+
+def count():
+    works = [name for name in work_names() if not is_a_million(name)]
+    return dict(zip(works, instructions_of_all([[name] for name in works])))
+
+
+def compare(counted, committed):
+    """Prints the table. Returns the works that are dearer than allowed, and those that only one side has."""
+    rows, failures = [], sorted(committed.keys() - counted.keys())
+    for name, now in counted.items():
+        before = committed.get(name)
+        change = None if before is None else now / before - 1
+        if change is None or change > MOST_DEARER:
+            failures.append(name)
+        rows.append([name, f"{now:,}", "none" if before is None else f"{before:,}",
+                     "" if change is None else f"{change:+.2%}"])
+    print(markdown_table(["work", "instructions", "committed", "change"], rows))
+    return failures
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="scripts/instructions")
+    parser.add_argument("--renew", action="store_true", help="write what was counted into benchmarks/instructions.json")
+    renew = parser.parse_args().renew
+
+    figures = json.loads(FIGURES.read_text()) if FIGURES.exists() else {"circumstances": {}, "instructions": {}}
+    here, counted = circumstances(), count()
+    failures = compare(counted, figures["instructions"])
+    if renew:
+        FIGURES.write_text(json.dumps({"circumstances": here, "instructions": counted}, indent=2) + "\n")
+        print(f"renewed {FIGURES.relative_to(ROOT)}")
+    elif here != figures["circumstances"]:
+        print(f"not compared: the figures are for {figures['circumstances']}, and this is {here}")
+    elif failures:
+        raise SystemExit("error: more than 3% dearer, or not on both sides: " + ", ".join(failures) +
+                         "\nMake it cheaper, or commit what scripts/instructions --renew writes and say why.")
+
+
+if __name__ == "__main__":
+    main()
