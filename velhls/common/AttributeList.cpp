@@ -103,11 +103,7 @@ class AttributeScanner {
     }
 
     std::optional<Attribute> malformed(Rule rule, std::string_view where) const {
-        if (where.empty()) {
-            tellMissing(recorder_, rule, where);
-        } else {
-            tell(recorder_, rule, where);
-        }
+        tell(recorder_, rule, where);
         return std::nullopt;
     }
 

@@ -1,19 +1,20 @@
 // Internal to the library, not installed: how the readers say why they decide what they decide.
 #pragma once
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "velhls/common/Rule.h"
+#include "velhls/common/TagLine.h"
 
 namespace velhls {
 
 class AttributeList;
-struct TagLine;
 
 /// What a number may be made of, by RFC 8216, section 4.2.
-enum class NumberForm { integer, decimal, signedDecimal };
+enum class NumberForm { integer, decimal, signedDecimal, any };
 
 /// Takes down what the readers decide, and where.
 ///
@@ -57,11 +58,29 @@ class Recorder {
     virtual void reportRecord(Rule rule, const void* record, std::string_view attribute,
                               const std::string& seen) = 0;
 
-    /// The text is about to be converted to a number: if that throws, this is what could not be converted.
-    virtual void converting(std::string_view number, NumberForm form) = 0;
+    /// The text is about to be converted to a number: if that throws, this is what could not be converted, and
+    /// where it was given.
+    virtual void converting(std::string_view number, NumberForm form, std::string_view where) = 0;
 
     /// The last conversion threw.
     virtual void conversionFailed(Rule rule) = 0;
+
+    /// A media pattern begins at the line that was read last. Its body begins with so many lines in front of that
+    /// one.
+    virtual void patternBegins(std::size_t linesInFront) = 0;
+
+    /// The line that was read last belongs to the body of the pattern.
+    virtual void patternLineKept() = 0;
+
+    /// The body is expanded: views into it tell a place in the lines that it was made of, until expansionEnds.
+    virtual void expansionBegins(std::string_view body) = 0;
+
+    /// In the first pass: this line of the body made a line of the expanded text.
+    virtual void lineExpanded(std::string_view bodyLine) = 0;
+
+    /// The lines that are read from here on are those of the expanded text, pass after pass.
+    virtual void expandedTextBegins() = 0;
+    virtual void expansionEnds() = 0;
 };
 
 /// The text in double quotes, for messages; of a long one its start.
@@ -88,10 +107,20 @@ inline void tellMissing(Recorder* recorder, Rule rule, std::string_view where) {
     return false;
 }
 
+/// A line that begins with "#" and is no tag that is read. Vendor tags are more than comments.
+inline void tellOfComment(Recorder* recorder, std::string_view line) {
+    if (recorder == nullptr) return;
+    if (isVendorTag(line)) {
+        recorder->tagIgnored(TagLine(line));
+    } else {
+        recorder->report(Rule::commentNotWritten, line, {});
+    }
+}
+
 /// The text itself, for a conversion that may throw.
 [[nodiscard]] inline std::string_view number(Recorder* recorder, std::string_view text,
                                              NumberForm form = NumberForm::integer) {
-    if (recorder != nullptr) recorder->converting(text, form);
+    if (recorder != nullptr) recorder->converting(text, form, text);
     return text;
 }
 

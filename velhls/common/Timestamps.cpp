@@ -62,9 +62,22 @@ std::string_view between(std::string_view text, std::size_t before, std::size_t 
     return text.substr(start, after - start);
 }
 
+double rejectTimestamp(Recorder* recorder, Rule rule, std::string_view text) {
+    tell(recorder, rule, text);
+    return noTimestamp;
+}
+
+/// Two digits, and a fraction or none.
+bool areSecondsOfTwoDigits(std::string_view seconds) {
+    if (seconds.size() == 2) return holdsOnly(seconds, digits);
+    return seconds.size() > 3 && seconds[2] == '.' && holdsOnly(seconds.substr(0, 2), digits) &&
+           holdsOnly(seconds.substr(3), digits);
+}
+
 /// Reads the offset as numbers, so that what is none throws. The offset does not change a timestamp.
-void readOffset(std::string_view text, const Separators& at) {
-    static_cast<void>(toInt32(between(text, at.zone, at.offsetHourEnd)));
+void readOffset(std::string_view text, const Separators& at, Recorder* recorder) {
+    const std::string_view hours = between(text, at.zone, at.offsetHourEnd);
+    static_cast<void>(toInt32(number(recorder, hours, NumberForm::any)));
     std::size_t end = at.offsetHourEnd + 1;
     while (end < text.size() && isDigit(text[end]))
         ++end;
@@ -159,33 +172,60 @@ std::optional<UsualForm> readUsualForm(std::string_view text) {
                      text.substr(secondsStart, zone - secondsStart)};
 }
 
-/// The date and time with its seconds, or the value for none.
-double timestampOf(CivilTime time, double seconds) {
+/// The date and time with its seconds, or the value for none. The text is what both were read from.
+double timestampOf(std::string_view text, CivilTime time, double seconds, Recorder* recorder) {
     const std::optional<std::int32_t> whole = wholeSeconds(seconds);
-    if (!whole) return noTimestamp;
+    if (!whole) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
     time.second = *whole;
     const std::optional<std::int64_t> sinceEpoch = secondsSinceEpoch(time);
-    if (!sinceEpoch) return noTimestamp;
-    return (seconds - *whole) + static_cast<double>(*sinceEpoch);
+    if (!sinceEpoch) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
+    const double result = (seconds - *whole) + static_cast<double>(*sinceEpoch);
+    if (result < 0.0) tell(recorder, Rule::dateTimeBefore1970, text);
+    return result;
 }
 
 }  // namespace
 
-double parseTimestamp(std::string_view text) {
+double parseTimestamp(std::string_view text, Recorder* recorder) {
+    const auto field = [recorder](std::string_view piece) { return number(recorder, piece, NumberForm::any); };
     if (const std::optional<UsualForm> usual = readUsualForm(text)) {
-        return timestampOf(usual->time, toDouble(usual->seconds));
+        return timestampOf(text, usual->time, toDouble(field(usual->seconds)), recorder);
     }
     const std::optional<Separators> at = findSeparators(text);
-    if (!at) return noTimestamp;
+    if (!at) return rejectTimestamp(recorder, Rule::dateTimeMalformed, text);
     CivilTime time;
-    time.year = toInt32(text.substr(0, at->yearEnd));
-    time.month = toInt32(between(text, at->yearEnd, at->monthEnd));
-    time.day = toInt32(between(text, at->monthEnd, at->dayEnd));
-    time.hour = toInt32(between(text, at->dayEnd, at->hourEnd));
-    time.minute = toInt32(between(text, at->hourEnd, at->minuteEnd));
-    const double seconds = toDouble(between(text, at->minuteEnd, at->zone));
-    if (at->offsetHourEnd != none) readOffset(text, *at);
-    return timestampOf(time, seconds);
+    time.year = toInt32(field(text.substr(0, at->yearEnd)));
+    time.month = toInt32(field(between(text, at->yearEnd, at->monthEnd)));
+    time.day = toInt32(field(between(text, at->monthEnd, at->dayEnd)));
+    time.hour = toInt32(field(between(text, at->dayEnd, at->hourEnd)));
+    time.minute = toInt32(field(between(text, at->hourEnd, at->minuteEnd)));
+    const double seconds = toDouble(field(between(text, at->minuteEnd, at->zone)));
+    if (at->offsetHourEnd != none) readOffset(text, *at, recorder);
+    return timestampOf(text, time, seconds, recorder);
+}
+
+void tellOfTimestamp(Recorder& recorder, std::string_view text, double seconds) {
+    if (seconds == 0.0) recorder.report(Rule::dateTimeZeroNotWritten, text, {});
+    std::array<char, mostTimestampBytes> buffer;
+    const char* const end = TimestampWriter().put(buffer.data(), seconds);
+    const std::string_view written(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+    const std::optional<UsualForm> usual = readUsualForm(text);
+    constexpr std::size_t minuteLength = std::string_view("2026-11-21T10:00").size();
+    if (!usual || !areSecondsOfTwoDigits(usual->seconds) ||
+        text.substr(0, minuteLength) != written.substr(0, minuteLength)) {
+        recorder.report(Rule::dateTimeNotIso8601, text, quoted(text) + ", read as " + std::string(written));
+        return;
+    }
+    const std::string_view zone = text.substr(minuteLength + 1 + usual->seconds.size());
+    if (!holdsNone(zone, CharacterSet("123456789"))) {
+        recorder.report(Rule::dateTimeOffsetNotApplied, zone, {});
+    }
+    constexpr double millisecond = 0.001;
+    const double lost = std::abs(parseTimestamp(written) - seconds);
+    if (lost > millisecond / 100) recorder.report(Rule::dateTimeRounded, text, {});
+    // The first digit of the seconds stands two behind the minute.
+    const bool isShortened = written[minuteLength + 2] == '.';
+    if (isShortened) recorder.report(Rule::dateTimeSecondsShortened, text, {});
 }
 
 char* TimestampWriter::put(char* to, double seconds) {

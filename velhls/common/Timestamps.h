@@ -7,10 +7,15 @@
 #include <string>
 #include <string_view>
 
+#include "velhls/common/Recorder.h"
+
 namespace velhls {
 
 /// See VELHLSUtility::parseTimestamp.
-[[nodiscard]] double parseTimestamp(std::string_view text);
+[[nodiscard]] double parseTimestamp(std::string_view text, Recorder* recorder = nullptr);
+
+/// Tells of what was read otherwise than it was written, and of what writing does not keep.
+void tellOfTimestamp(Recorder& recorder, std::string_view text, double seconds);
 
 inline constexpr std::size_t mostTimestampBytes = 31;
 

@@ -34,6 +34,12 @@ std::optional<std::string> textAsRead(std::string_view number, NumberForm form) 
     return text;
 }
 
+std::string withoutCarriageReturns(std::string_view line) {
+    std::string text(line);
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
 constexpr bool isByteOrderMark(std::string_view line) {
     return startsWith(line, "\xEF\xBB\xBF");
 }
@@ -41,28 +47,50 @@ constexpr bool isByteOrderMark(std::string_view line) {
 }  // namespace
 
 void FindingRecorder::lineRead(std::string_view line) {
-    ++linesRead_;
+    const std::size_t lineNumber = nextLineNumber();
     std::move_backward(buffers_.begin(), buffers_.end() - 1, buffers_.end());
-    buffers_.front() = {line.data(), line.size(), std::clamp<std::size_t>(linesRead_, 1, lines_.count())};
+    buffers_.front() = {line.data(), line.size(), lineNumber, false};
     // What stood in the same memory stands there no more.
     for (auto older = buffers_.begin() + 1; older != buffers_.end(); ++older) {
         if (older->start == line.data()) older->start = nullptr;
     }
-    if (linesRead_ <= lines_.count()) standardRules_.lineRead(linesRead_);
-    converted_.reset();
+    converted_ = {};
+    if (source_ == Source::expandedText) {
+        buffers_.front().isSubstituted =
+            withoutCarriageReturns(line) != withoutCarriageReturns(lines_.line(lineNumber));
+    } else if (linesRead_ <= lines_.count()) {
+        standardRules_.lineRead(linesRead_);
+    }
+}
+
+/// Of a line that is read when nothing is left, the last line.
+std::size_t FindingRecorder::nextLineNumber() {
+    if (source_ == Source::expandedText) {
+        if (expandedLines_.empty()) return lines_.count();
+        return expandedLines_[expandedLinesRead_++ % expandedLines_.size()];
+    }
+    ++linesRead_;
+    return std::min(linesRead_, lines_.count());
+}
+
+/// A media pattern repeats its lines: what is to be said of them was said in the first pass.
+bool FindingRecorder::isRepeated() const {
+    return source_ == Source::expandedText && expandedLinesRead_ > expandedLines_.size();
 }
 
 void FindingRecorder::tagRead(const TagLine& tagLine) {
+    if (isRepeated()) return;
     inRendition_ = tagLine.name == tag::media;
     inVariant_ = tagLine.name == tag::streamInf || tagLine.name == tag::iFrameStreamInf;
     standardRules_.tagRead(tagLine, placeOf(tagLine.name), placeOf(tagLine.value));
 }
 
 void FindingRecorder::tagIgnored(const TagLine& tagLine) {
-    standardRules_.tagIgnored(tagLine, placeOf(tagLine.name));
+    if (!isRepeated()) standardRules_.tagIgnored(tagLine, placeOf(tagLine.name));
 }
 
 void FindingRecorder::attributesRead(std::string_view tagName, const AttributeList& attributes) {
+    if (isRepeated()) return;
     for (const Attribute& attribute : attributes) {
         standardRules_.attributeRead(tagName, attribute, placeOf(attribute.name), placeOf(attribute.value));
     }
@@ -74,17 +102,21 @@ void FindingRecorder::recordRead(const void* record, std::string_view where) {
 }
 
 void FindingRecorder::recordMade(const void* record, const void* madeOf) {
-    records_[record] = placeOfRecord(madeOf);
+    if (isRepeated()) return;
+    const std::optional<Place> place = placeOfRecord(madeOf);
+    if (place) records_[record] = *place;
 }
 
-Place FindingRecorder::placeOfRecord(const void* record) const {
+std::optional<Place> FindingRecorder::placeOfRecord(const void* record) const {
     const auto found = records_.find(record);
-    return found == records_.end() ? Place() : found->second;
+    if (found == records_.end()) return std::nullopt;
+    return found->second;
 }
 
 void FindingRecorder::report(Rule rule, std::string_view where, const std::string& seen) {
-    converted_.reset();
-    if (followsFromEarlierError(rule)) return;
+    converted_ = {};
+    const bool isError = rowOf(rule).severity == VELHLSFinding::Error;
+    if (followsFromEarlierError(rule) || (isRepeated() && !isError)) return;
     noteRejection(rule);
     const Place place = placeOf(where);
     const bool marked = rule == Rule::uriWithoutTag && place.line == 1 && isByteOrderMark(lines_.line(1));
@@ -98,13 +130,13 @@ void FindingRecorder::report(Rule rule, std::string_view where, const std::strin
 
 void FindingRecorder::reportRecord(Rule rule, const void* record, std::string_view attributeName,
                                    const std::string& seen) {
-    converted_.reset();
-    if (followsFromEarlierError(rule)) return;
+    converted_ = {};
+    const bool isError = rowOf(rule).severity == VELHLSFinding::Error;
+    if (followsFromEarlierError(rule) || (isRepeated() && !isError)) return;
     noteRejection(rule);
-    Place place = placeOfRecord(record);
+    Place place = placeOfRecord(record).value_or(Place());
     if (!attributeName.empty()) {
-        std::string line(lines_.line(place.line));
-        line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
+        const std::string line = withoutCarriageReturns(lines_.line(place.line));
         const std::optional<AttributeList> attributes = AttributeList::parse(TagLine(line).value);
         const auto value = attributes ? attributes->find(attributeName) : std::nullopt;
         if (value) {
@@ -115,20 +147,56 @@ void FindingRecorder::reportRecord(Rule rule, const void* record, std::string_vi
     findings_.add(rule, place, seen);
 }
 
-void FindingRecorder::converting(std::string_view number, NumberForm form) {
-    if (!hasForm(number, form)) {
+void FindingRecorder::converting(std::string_view number, NumberForm form, std::string_view where) {
+    if (form != NumberForm::any && !hasForm(number, form)) {
         const std::optional<std::string> read = textAsRead(number, form);
-        if (read) report(Rule::numberNotDecimal, number, quoted(number) + ", read as " + *read);
+        if (read) report(Rule::numberNotDecimal, where, quoted(number) + ", read as " + *read);
     }
-    converted_ = placeOf(number);
+    converted_ = number;
+    convertedAt_ = where;
 }
 
 void FindingRecorder::conversionFailed(Rule rule) {
     // Where none was under way the reader has told why it would throw.
-    if (!converted_) return;
+    if (converted_.data() == nullptr) return;
     noteRejection(rule);
-    findings_.add(rule, *converted_);
-    converted_.reset();
+    findings_.add(rule, placeOf(convertedAt_), converted_.empty() ? "nothing" : quoted(converted_));
+    converted_ = {};
+}
+
+void FindingRecorder::patternBegins(std::size_t linesInFront) {
+    if (source_ != Source::playlist) return;
+    bodyLines_.clear();
+    const std::size_t current = buffers_.front().lineNumber;
+    for (std::size_t line = current - std::min(linesInFront, current - 1); line < current; ++line)
+        bodyLines_.push_back(line);
+}
+
+void FindingRecorder::patternLineKept() {
+    if (source_ == Source::playlist) bodyLines_.push_back(buffers_.front().lineNumber);
+}
+
+void FindingRecorder::expansionBegins(std::string_view body) {
+    source_ = Source::patternBody;
+    body_ = body;
+    expandedLines_.clear();
+    expandedLinesRead_ = 0;
+    bodyLineStarts_.clear();
+    for (std::size_t start = 0; start < body.size(); start = body.find('\n', start) + 1)
+        bodyLineStarts_.push_back(start);
+}
+
+void FindingRecorder::lineExpanded(std::string_view bodyLine) {
+    expandedLines_.push_back(placeInBody(bodyLine).line);
+}
+
+void FindingRecorder::expandedTextBegins() {
+    source_ = Source::expandedText;
+}
+
+void FindingRecorder::expansionEnds() {
+    source_ = Source::playlist;
+    body_ = {};
 }
 
 const FindingRecorder::Buffer* FindingRecorder::bufferWith(std::string_view view) const {
@@ -144,10 +212,30 @@ const FindingRecorder::Buffer* FindingRecorder::bufferWith(std::string_view view
 }
 
 Place FindingRecorder::placeOf(std::string_view view) const {
-    const Buffer* buffer = view.data() == nullptr ? nullptr : bufferWith(view);
+    if (view.data() == nullptr) return {};
+    const std::less_equal<const char*> notBehind;
+    const bool inBody = source_ == Source::patternBody && notBehind(body_.data(), view.data()) &&
+                        notBehind(view.data() + view.size(), body_.data() + body_.size());
+    if (inBody) return placeInBody(view);
+    const Buffer* buffer = bufferWith(view);
     if (buffer == nullptr) return {};
+    if (buffer->isSubstituted) return wholeLine(buffer->lineNumber);
     const auto start = static_cast<std::size_t>(view.data() - buffer->start);
     return placeIn(buffer->lineNumber, buffer->size, start, view.size());
+}
+
+Place FindingRecorder::placeInBody(std::string_view view) const {
+    const auto position = static_cast<std::size_t>(view.data() - body_.data());
+    const auto behind = std::upper_bound(bodyLineStarts_.begin(), bodyLineStarts_.end(), position);
+    const auto index = static_cast<std::size_t>(behind - bodyLineStarts_.begin()) - 1;
+    if (behind == bodyLineStarts_.begin() || index >= bodyLines_.size()) return {};
+    const std::size_t start = bodyLineStarts_[index];
+    const std::size_t size = body_.find('\n', start) - start;
+    return placeIn(bodyLines_[index], size, position - start, view.size());
+}
+
+Place FindingRecorder::wholeLine(std::size_t lineNumber) const {
+    return {lineNumber, 1, withoutTrailing(lines_.line(lineNumber), lineEnds).size()};
 }
 
 /// The place of a piece of a line as it was read. Carriage returns behind the piece do not belong to it.

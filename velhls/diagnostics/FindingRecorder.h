@@ -32,11 +32,17 @@ class FindingRecorder final : public Recorder {
     void report(Rule rule, std::string_view where, const std::string& seen) override;
     void reportRecord(Rule rule, const void* record, std::string_view attribute,
                       const std::string& seen) override;
-    void converting(std::string_view number, NumberForm form) override;
+    void converting(std::string_view number, NumberForm form, std::string_view where) override;
     void conversionFailed(Rule rule) override;
+    void patternBegins(std::size_t linesInFront) override;
+    void patternLineKept() override;
+    void expansionBegins(std::string_view body) override;
+    void lineExpanded(std::string_view bodyLine) override;
+    void expandedTextBegins() override;
+    void expansionEnds() override;
 
-    /// Where the record stands; the beginning of the text for an unknown one.
-    [[nodiscard]] Place placeOfRecord(const void* record) const;
+    /// Where the record stands. Nothing for an unknown one, and for those that a media pattern repeats.
+    [[nodiscard]] std::optional<Place> placeOfRecord(const void* record) const;
 
   private:
     /// A line as a reader holds it.
@@ -44,7 +50,11 @@ class FindingRecorder final : public Recorder {
         const char* start = nullptr;
         std::size_t size = 0;
         std::size_t lineNumber = 1;
+        /// The line holds what was put in the place of variables: it has no columns in the text.
+        bool isSubstituted = false;
     };
+
+    enum class Source { playlist, patternBody, expandedText };
 
     [[nodiscard]] std::size_t positionInText(std::size_t lineNumber, std::size_t sizeAsRead,
                                              std::size_t position) const;
@@ -54,6 +64,10 @@ class FindingRecorder final : public Recorder {
     [[nodiscard]] Place placeOf(std::string_view view) const;
     [[nodiscard]] bool followsFromEarlierError(Rule rule) const;
     void noteRejection(Rule rule);
+    [[nodiscard]] bool isRepeated() const;
+    [[nodiscard]] std::size_t nextLineNumber();
+    [[nodiscard]] Place placeInBody(std::string_view view) const;
+    [[nodiscard]] Place wholeLine(std::size_t lineNumber) const;
 
     const TextLines& lines_;
     FindingList& findings_;
@@ -65,7 +79,16 @@ class FindingRecorder final : public Recorder {
     mutable std::size_t scannedLine_ = 0;
     mutable std::vector<std::size_t> carriageReturns_;
     std::unordered_map<const void*, Place> records_;
-    std::optional<Place> converted_;
+    /// What is being converted, and where it was given.
+    std::string_view converted_;
+    std::string_view convertedAt_;
+    Source source_ = Source::playlist;
+    std::string_view body_;
+    std::vector<std::size_t> bodyLineStarts_;
+    /// The lines of the text that the lines of the pattern's body and of one pass of the expanded text are.
+    std::vector<std::size_t> bodyLines_;
+    std::vector<std::size_t> expandedLines_;
+    std::size_t expandedLinesRead_ = 0;
     bool inVariant_ = false;
     bool inRendition_ = false;
     bool variantRejected_ = false;

@@ -102,7 +102,10 @@ void StandardRules::tagRead(const TagLine& tagLine, const Place& name, const Pla
     if (tagLine.name == tag::start) startSeen_ = true;
     if (tagLine.name == tag::version) version_ = value;
     if (kind_ != VELHLSDiagnostics::Media) return;
-    if (tagLine.name == tag::targetDuration) targetDuration_ = value;
+    if (tagLine.name == tag::targetDuration) {
+        targetDuration_ = value;
+        targetDurationIsKnown_ = !tagLine.value.empty() && holdsOnly(tagLine.value, digitsAndPoint);
+    }
     if (tagLine.name == tag::mediaSequence) mediaSequence_ = value;
     if (tagLine.name == tag::discontinuitySequence) discontinuitySequence_ = value;
     const bool isSequence = tagLine.name == tag::mediaSequence || tagLine.name == tag::discontinuitySequence;
@@ -220,7 +223,7 @@ void StandardRules::checkVersion(int version) {
         if (version < 1 || version > newest) findings_.add(Rule::versionUnknown, *version_);
         if (version == 1) findings_.add(Rule::defaultNotWritten, *version_);
     }
-    if (need_.version <= version) return;
+    if (need_.version <= std::max(version, 1)) return;
     const std::string why = need_.feature + " in line " + std::to_string(need_.place.line) + " needs " +
                             std::to_string(need_.version);
     findings_.add(Rule::versionTooLow, version_ ? *version_ : need_.place,
@@ -234,7 +237,7 @@ void StandardRules::masterRead(const VELHLSParsedManifest& manifest, const Findi
 
     std::size_t lastLine = 0;
     for (const auto& [bandwidth, variant] : manifest.variants) {
-        const Place place = places.placeOfRecord(variant.get());
+        const Place place = places.placeOfRecord(variant.get()).value_or(Place());
         if (place.line < lastLine) {
             findings_.add(Rule::variantsReordered, place, "a variant that is written behind a later one");
             break;
@@ -252,7 +255,7 @@ void StandardRules::checkOrderOfRenditions(const VELHLSParsedManifest& manifest,
             for (const bool forced : {false, true}) {
                 for (const auto& [name, rendition] : group) {
                     if (rendition->forced != forced) continue;
-                    const Place place = places.placeOfRecord(rendition.get());
+                    const Place place = places.placeOfRecord(rendition.get()).value_or(Place());
                     if (place.line < lastLine) {
                         findings_.add(Rule::renditionsReordered, place,
                                       "a rendition that is written behind a later one");
@@ -281,18 +284,16 @@ void StandardRules::checkTargetDuration(const VELHLSMediaStream& stream, const F
         findings_.add(Rule::targetDurationMissing, {}, "none");
         return;
     }
+    if (!targetDurationIsKnown_) return;
     if (stream.targetDuration != std::trunc(stream.targetDuration)) {
         findings_.add(Rule::targetDurationCut, *targetDuration_);
     }
-    std::size_t lastLine = 0;
     for (const auto& segment : stream.segments) {
         // RFC 8216, section 4.3.3.1: rounded to the nearest integer.
         if (!(std::floor(segment->duration + 0.5) > stream.targetDuration)) continue;
-        const Place place = places.placeOfRecord(segment.get());
-        // A media pattern makes many segments of one line.
-        if (place.line <= lastLine) continue;
-        lastLine = place.line;
-        findings_.add(Rule::targetDurationTooSmall, place,
+        const std::optional<Place> place = places.placeOfRecord(segment.get());
+        if (!place) continue;
+        findings_.add(Rule::targetDurationTooSmall, *place,
                       inSeconds(segment->duration) + " against a target duration of " +
                           inSeconds(stream.targetDuration));
     }

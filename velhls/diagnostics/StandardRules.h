@@ -65,6 +65,8 @@ class StandardRules {
     bool segmentSeen_ = false;
     bool startSeen_ = false;
     bool iFramesOnly_ = false;
+    /// False when the last target duration was rejected.
+    bool targetDurationIsKnown_ = false;
     /// One bit for each tag that may stand once.
     std::bitset<16> seenTags_;
     std::optional<Place> version_;

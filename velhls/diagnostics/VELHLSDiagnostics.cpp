@@ -13,6 +13,7 @@
 #include "velhls/diagnostics/TextLines.h"
 #include "velhls/manifest/ManifestReader.h"
 #include "velhls/manifest/ManifestRules.h"
+#include "velhls/media/MediaStreamReader.h"
 
 namespace {
 
@@ -34,6 +35,13 @@ class RecordedReading {
         velhls::pairStreamInformation(*manifest, &recorder_);
         static_cast<void>(velhls::keepsRules(*manifest, &recorder_));
         standardRules_.masterRead(*manifest, recorder_);
+        return findings_.takeAll();
+    }
+
+    std::vector<VELHLSFinding> readMedia() {
+        const auto stream = velhls::MediaStreamReader(input_, nullptr, &recorder_).read();
+        findings_.readingEnded();
+        standardRules_.mediaRead(*stream, recorder_);
         return findings_.takeAll();
     }
 
@@ -62,7 +70,7 @@ std::vector<VELHLSFinding> VELHLSDiagnostics::check(const std::string& text, Pla
         kind = detection->kind;
     }
     RecordedReading reading(text, kind);
-    return reading.readMaster();
+    return kind == Master ? reading.readMaster() : reading.readMedia();
 }
 
 std::vector<VELHLSFinding> VELHLSDiagnostics::check(std::istream& input, PlaylistKind kind) {

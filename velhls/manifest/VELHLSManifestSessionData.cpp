@@ -26,6 +26,25 @@ std::optional<velhls::Rule> brokenRule(const VELHLSManifestSessionData& entry) {
     return std::nullopt;
 }
 
+std::string_view nameOfAttributeOf(velhls::Rule rule) {
+    return rule == velhls::Rule::sessionDataIdMissing ? attribute::dataId : attribute::value;
+}
+
+/// Most often the attribute is there, and was lost as the first one.
+void tellWhyInvalid(velhls::Recorder& recorder, velhls::Rule rule, const velhls::AttributeList& attributes,
+                    std::string_view tagName) {
+    for (const velhls::Attribute& attribute : attributes) {
+        if (!velhls::startsWith(attribute.name, ":")) continue;
+        const std::string_view lost = attribute.name.substr(1);
+        const bool isMissed = lost == nameOfAttributeOf(rule) || lost == attribute::uri;
+        const bool isUriForId = lost == attribute::uri && rule == velhls::Rule::sessionDataIdMissing;
+        if (!isMissed || isUriForId) break;
+        recorder.report(rule, lost, std::string(lost) + " as the first attribute, which is lost");
+        return;
+    }
+    recorder.report(rule, tagName, rule == velhls::Rule::sessionDataValueAndUri ? "both" : "none");
+}
+
 /// The attribute that was lost; the colon in front of its name is what it was lost for.
 void tellOfLostAttribute(velhls::Recorder* recorder, const velhls::AttributeList& attributes) {
     if (recorder == nullptr || attributes.empty()) return;
@@ -61,7 +80,7 @@ std::shared_ptr<VELHLSManifestSessionData> velhls::parseSessionData(const std::s
         }
     }
     if (const std::optional<Rule> broken = brokenRule(*entry)) {
-        tell(recorder, *broken, tagName, entry->value.empty() ? "none" : "both");
+        if (recorder != nullptr) tellWhyInvalid(*recorder, *broken, *attributes, tagName);
         return nullptr;
     }
     tellOfLostAttribute(recorder, *attributes);

@@ -14,12 +14,6 @@
 namespace velhls {
 namespace {
 
-bool takeCount(std::string_view value, std::int64_t& count) {
-    if (value.empty() || !holdsOnly(value, digits)) return false;
-    count = toInt64(value);
-    return true;
-}
-
 bool opensSegment(std::string_view name) {
     return name == tag::byteRange || name == tag::key || name == tag::map || name == tag::programDateTime ||
            name == tag::cueOut || name == tag::cueOutCont;
@@ -29,11 +23,22 @@ bool opensSegment(std::string_view name) {
 
 std::shared_ptr<VELHLSMediaStream> MediaStreamReader::read() {
     while (lines_.good()) {
-        line_ = lines_.next();
-        if (!takeLine()) return nullptr;
+        readNextLine();
+        const bool taken = recorder_ == nullptr ? takeLine() : takeLineWithoutThrowing();
+        if (!taken && recorder_ == nullptr) return nullptr;
         if (stream_->endList && stream_->hasExtM3U) break;
     }
+    if (recorder_ != nullptr) tellOfUnreadLines();
     return std::move(stream_);
+}
+
+void MediaStreamReader::readNextLine() {
+    line_ = lines_.next();
+    if (recorder_ != nullptr) recorder_->lineRead(line_);
+}
+
+bool MediaStreamReader::takeLineWithoutThrowing() {
+    return withoutThrowing(*recorder_, false, [this] { return takeLine(); });
 }
 
 bool MediaStreamReader::takeLine() {
@@ -41,55 +46,106 @@ bool MediaStreamReader::takeLine() {
     if (isTagLine(line_, tag::extInf)) return takeSegment(false);
     if (isStandardTag(line_)) {
         const TagLine tagLine(line_);
-        return tagLine.hasColon ? takeTag(tagLine) : takeBareTag(tagLine.name);
+        return tagLine.hasColon ? takeTag(tagLine) : takeBareTag(tagLine);
     }
     if (startsPattern(line_)) return takePattern();
-    if (isTagOrComment(line_)) return true;
+    if (isTagOrComment(line_)) {
+        tellOfComment(recorder_, line_);
+        return true;
+    }
     // A segment's URI was read together with its tags. Any other is out of place.
-    return isBlank(line_);
+    return isBlank(line_) || reject(recorder_, Rule::uriWithoutTag, line_);
 }
 
-bool MediaStreamReader::takeBareTag(std::string_view name) {
-    if (name == tag::extM3U) stream_->hasExtM3U = true;
-    if (name == tag::endList) stream_->endList = true;
-    if (name == tag::iFramesOnly) stream_->iFramesOnly = true;
-    if (name == tag::independentSegments) stream_->independentSegments = true;
-    if (name == tag::discontinuity) return takeSegment(true);
+bool MediaStreamReader::takeBareTag(const TagLine& tagLine) {
+    if (tagLine.name == tag::discontinuity) return takeSegment(true);
+    if (recorder_ != nullptr) recorder_->tagRead(tagLine);
+    if (tagLine.name == tag::extM3U) {
+        stream_->hasExtM3U = true;
+    } else if (tagLine.name == tag::endList) {
+        stream_->endList = true;
+    } else if (tagLine.name == tag::iFramesOnly) {
+        stream_->iFramesOnly = true;
+    } else if (tagLine.name == tag::independentSegments) {
+        stream_->independentSegments = true;
+    } else if (recorder_ != nullptr) {
+        tellOfIgnoredTag(tagLine);
+    }
     return true;
 }
 
 bool MediaStreamReader::takeTag(const TagLine& tagLine) {
     if (opensSegment(tagLine.name)) return takeSegment(false);
+    if (recorder_ != nullptr) recorder_->tagRead(tagLine);
     if (tagLine.name == tag::targetDuration) return takeTargetDuration(tagLine.value);
-    if (tagLine.name == tag::mediaSequence) return takeCount(tagLine.value, stream_->mediaSequence);
+    if (tagLine.name == tag::mediaSequence) {
+        return takeCount(Rule::mediaSequenceMalformed, tagLine.value, stream_->mediaSequence);
+    }
     if (tagLine.name == tag::discontinuitySequence) {
-        return takeCount(tagLine.value, stream_->discontinuitySequence);
+        return takeCount(Rule::discontinuitySequenceMalformed, tagLine.value, stream_->discontinuitySequence);
     }
     if (tagLine.name == tag::playlistType) return takePlaylistType(tagLine.value);
     if (tagLine.name == tag::start) return takeStart(tagLine);
-    if (tagLine.name == tag::define) return takeDefineTag(tagLine, *stream_->hlsDefineMap, nullptr);
-    if (tagLine.name == tag::version) stream_->version = toInt32(tagLine.value);
+    if (tagLine.name == tag::define) return takeDefineTag(tagLine, *stream_->hlsDefineMap, recorder_);
+    if (tagLine.name == tag::version) {
+        stream_->version = toInt32(number(recorder_, tagLine.value));
+        return true;
+    }
+    if (recorder_ != nullptr) tellOfIgnoredTag(tagLine);
+    return true;
+}
+
+/// Cue markers are tags of segments where they stand among a segment's.
+void MediaStreamReader::tellOfIgnoredTag(const TagLine& tagLine) {
+    if (tagLine.name == tag::cueIn) {
+        recorder_->report(Rule::cueInDropped, tagLine.name, {});
+    } else if (tagLine.name == tag::cueOut) {
+        recorder_->report(Rule::cueOutIgnored, tagLine.name, {});
+    } else {
+        recorder_->tagIgnored(tagLine);
+    }
+}
+
+/// What stands behind the end of the playlist, but for blank lines and comments.
+void MediaStreamReader::tellOfUnreadLines() {
+    while (lines_.good()) {
+        readNextLine();
+        if (isBlank(line_) || (isTagOrComment(line_) && !isStandardTag(line_) && !isVendorTag(line_)))
+            continue;
+        recorder_->report(Rule::contentAfterEnd, line_, {});
+        return;
+    }
+}
+
+bool MediaStreamReader::takeCount(Rule rule, std::string_view value, std::int64_t& count) {
+    if (value.empty() || !holdsOnly(value, digits)) return reject(recorder_, rule, value);
+    count = toInt64(number(recorder_, value));
     return true;
 }
 
 bool MediaStreamReader::takeTargetDuration(std::string_view value) {
-    if (value.empty() || !holdsOnly(value, digitsAndPoint)) return false;
-    stream_->targetDuration = toDouble(value);
+    if (value.empty() || !holdsOnly(value, digitsAndPoint)) {
+        return reject(recorder_, Rule::targetDurationMalformed, value);
+    }
+    stream_->targetDuration = toDouble(number(recorder_, value, NumberForm::decimal));
     return true;
 }
 
 bool MediaStreamReader::takePlaylistType(std::string_view value) {
-    if (value != fixed::event && value != fixed::vod) return false;
+    if (value != fixed::event && value != fixed::vod) {
+        return reject(recorder_, Rule::playlistTypeUnknown, value);
+    }
     stream_->playlistType = value == fixed::vod ? VELHLSMediaStream::Vod : VELHLSMediaStream::Event;
     return true;
 }
 
 bool MediaStreamReader::takeStart(const TagLine& tagLine) {
-    const std::optional<StartTag> start = parseStartTag(tagLine, nullptr);
+    const std::optional<StartTag> start = parseStartTag(tagLine, recorder_);
     if (!start) return false;
     stream_->startTimeOffset = start->timeOffset;
     // A later tag does not take PRECISE=YES back.
     if (start->precise) stream_->startPrecise = true;
+    if (stream_->startPrecise && !start->precise) tell(recorder_, Rule::startPreciseKept, tagLine.name);
     return true;
 }
 
@@ -109,8 +165,13 @@ bool MediaStreamReader::takePattern() {
 
 bool MediaStreamReader::appendPattern() {
     const auto segments = createSegments(*segmentReader_.pattern(), nextOrigin(), stream_->hlsDefineMap,
-                                         segmentMaker_, allowance_);
+                                         segmentMaker_, allowance_, recorder_);
     if (segments == nullptr) return false;
+    if (recorder_ != nullptr) {
+        const void* const pattern = segmentReader_.pattern().get();
+        recorder_->reportRecord(Rule::patternNotWritten, pattern, {}, "one");
+        if (segments->empty()) recorder_->reportRecord(Rule::patternWithoutSegments, pattern, {}, "none");
+    }
     stream_->segments.insert(stream_->segments.end(), std::make_move_iterator(segments->begin()),
                              std::make_move_iterator(segments->end()));
     return true;

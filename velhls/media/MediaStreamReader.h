@@ -19,16 +19,23 @@ namespace velhls {
 /// readers.
 class MediaStreamReader {
   public:
-    MediaStreamReader(std::istream& input, VELHLSParsingStatus* status)
-        : lines_(input), segmentReader_(lines_, &segmentMaker_, stream_->hlsDefineMap, status) {}
+    MediaStreamReader(std::istream& input, VELHLSParsingStatus* status, Recorder* recorder)
+        : recorder_(recorder),
+          lines_(input),
+          segmentReader_(lines_, &segmentMaker_, stream_->hlsDefineMap, status, recorder) {}
 
     /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line. All
-    /// segments are valid.
+    /// segments are valid. With a recorder it goes on, and what was not rejected comes back.
     [[nodiscard]] std::shared_ptr<VELHLSMediaStream> read();
 
   private:
+    void readNextLine();
     bool takeLine();
-    bool takeBareTag(std::string_view name);
+    bool takeLineWithoutThrowing();
+    bool takeBareTag(const TagLine& tagLine);
+    void tellOfIgnoredTag(const TagLine& tagLine);
+    void tellOfUnreadLines();
+    bool takeCount(Rule rule, std::string_view value, std::int64_t& count);
     bool takeTag(const TagLine& tagLine);
     bool takeTargetDuration(std::string_view value);
     bool takePlaylistType(std::string_view value);
@@ -39,6 +46,7 @@ class MediaStreamReader {
     [[nodiscard]] SegmentOrigin nextOrigin() const;
 
     std::shared_ptr<VELHLSMediaStream> stream_ = std::make_shared<VELHLSMediaStream>();
+    Recorder* recorder_;
     LineReader lines_;
     std::string_view line_;
     SegmentMaker segmentMaker_;

@@ -27,14 +27,39 @@ class TextStream : private std::streambuf, public std::istream {
     }
 };
 
+/// Tells the recorder where the lines come from as long as a pattern is dealt with.
+class RecordedExpansion {
+  public:
+    RecordedExpansion(Recorder* recorder, std::string_view body) : recorder_(recorder) {
+        if (recorder_ != nullptr) recorder_->expansionBegins(body);
+    }
+    ~RecordedExpansion() {
+        if (recorder_ != nullptr) recorder_->expansionEnds();
+    }
+    RecordedExpansion(const RecordedExpansion&) = delete;
+    RecordedExpansion& operator=(const RecordedExpansion&) = delete;
+
+    void textBegins() {
+        if (recorder_ != nullptr) recorder_->expandedTextBegins();
+    }
+
+  private:
+    Recorder* recorder_;
+};
+
+void tellOfPattern(Recorder* recorder, Rule rule, const VELHLSMediaPattern& pattern) {
+    if (recorder != nullptr) recorder->reportRecord(rule, &pattern, {}, "one");
+}
+
 }  // namespace
 
 bool PatternExpander::expand() {
     if (pattern_.body.empty()) return true;
-    if (!fits()) return false;
+    if (!fits()) return rejectAsTooLarge();
     readBody();
     for (std::uint64_t pass = 0; pass <= pattern_.repeatCount; ++pass) {
         if (!expandOnce()) return false;
+        isFirstPass_ = false;
     }
     return true;
 }
@@ -67,7 +92,10 @@ PatternExpander::Step PatternExpander::stepOf(std::string_view line) const {
     step.line = line;
     if (step.kind == Kind::copied) return step;
     step.line = withoutTrailing(line, blanks);
-    if (step.line.empty()) step.kind = Kind::failing;
+    if (step.line.empty()) {
+        step.kind = Kind::failing;
+        step.rule = Rule::patternUriEmpty;
+    }
     const bool isPlain = defines_ == nullptr || holdsNone(step.line, referenceStarts);
     if (isPlain && step.kind == Kind::uri) step.kind = Kind::copied;
     if (step.kind == Kind::uri) findReferences(step);
@@ -81,7 +109,10 @@ PatternExpander::Step PatternExpander::vendorTagStep(std::string_view line) cons
     if (!tagLine.hasColon) step.kind = Kind::copied;
     const std::size_t comma = tagLine.value.find(',');
     const bool isIncrement = tagLine.hasColon && tagLine.name == tag::zorDefineIncrement;
-    if (!isIncrement || comma == std::string_view::npos || defines_ == nullptr) return step;
+    if (!isIncrement) return step;
+    step.rule =
+        comma == std::string_view::npos ? Rule::patternIncrementMalformed : Rule::patternIncrementUndefined;
+    if (comma == std::string_view::npos || defines_ == nullptr) return step;
     const auto define = defines_->find(std::string(tagLine.value.substr(0, comma)));
     if (define == defines_->end()) return step;
     step.kind = Kind::increment;
@@ -119,7 +150,9 @@ bool PatternExpander::expandOnce() {
 }
 
 bool PatternExpander::take(const Step& step) {
-    if (!allowance_.spend(step.bytes)) return false;
+    if (!allowance_.spend(step.bytes)) return rejectAsTooLarge();
+    if (recorder_ != nullptr && isFirstPass_ && (step.kind == Kind::copied || step.kind == Kind::uri))
+        recorder_->lineExpanded(step.line);
     switch (step.kind) {
         case Kind::copied:
             append(step.line);
@@ -131,6 +164,11 @@ bool PatternExpander::take(const Step& step) {
         case Kind::failing:
             break;
     }
+    return reject(recorder_, step.rule, step.line);
+}
+
+bool PatternExpander::rejectAsTooLarge() {
+    tellOfPattern(recorder_, Rule::patternTooLarge, pattern_);
     return false;
 }
 
@@ -147,10 +185,10 @@ bool PatternExpander::putUri(const Step& step) {
 }
 
 bool PatternExpander::putPlainUri(const Step& step, std::size_t length) {
-    if (length == 0) return false;
+    if (length == 0) return reject(recorder_, Rule::patternVariableUnresolved, step.line);
     char* end = text_.room(length + 1);
     for (const Reference& reference : step.references) {
-        if (!allowance_.spend(reference.value->size() + 1)) return false;
+        if (!allowance_.spend(reference.value->size() + 1)) return rejectAsTooLarge();
         end = put(end, reference.textBefore);
         end = put(end, *reference.value);
     }
@@ -161,15 +199,16 @@ bool PatternExpander::putPlainUri(const Step& step, std::size_t length) {
 
 bool PatternExpander::putSubstitutedUri(std::string_view uri) {
     const Substitution substitution = substitute(uri, *defines_);
-    if (!allowance_.spend(substitution.insertedBytes)) return false;
+    if (!allowance_.spend(substitution.insertedBytes)) return rejectAsTooLarge();
     append(substitution.text);
-    return !substitution.text.empty();
+    return !substitution.text.empty() || reject(recorder_, Rule::patternVariableUnresolved, uri);
 }
 
 bool PatternExpander::increment(const Step& step) {
     // Two 32-bit numbers: their sum fits 64 bits.
+    if (recorder_ != nullptr) recorder_->converting(*step.variable, NumberForm::any, step.line);
     const std::int64_t current = toInt32(*step.variable);
-    const std::int64_t amount = toInt32(step.amount);
+    const std::int64_t amount = toInt32(number(recorder_, step.amount, NumberForm::any));
     std::array<char, mostDecimalBytes> text;
     step.variable->assign(text.data(), putDecimal(text.data(), current + amount));
     return true;
@@ -182,18 +221,30 @@ void PatternExpander::append(std::string_view line) {
 
 std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
     const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-    const std::shared_ptr<VELHLSDefineMap>& defines, SegmentMaker& maker, ExpansionAllowance& allowance) {
-    PatternExpander expander(pattern, defines.get(), allowance);
+    const std::shared_ptr<VELHLSDefineMap>& defines, SegmentMaker& maker, ExpansionAllowance& allowance,
+    Recorder* recorder) {
+    RecordedExpansion recorded(recorder, pattern.body);
+    PatternExpander expander(pattern, defines.get(), allowance, recorder);
     if (!expander.expand()) return nullptr;
+    recorded.textBegins();
 
     auto segments = std::make_shared<std::vector<std::shared_ptr<VELHLSMediaSegment>>>();
     TextStream input(expander.text());
     LineReader lines(input);
-    SegmentReader reader(lines, &maker, defines, nullptr);
+    SegmentReader reader(lines, &maker, defines, nullptr, recorder);
     SegmentOrigin next = origin;
     for (std::string_view line = lines.nextRaw(); lines.good(); line = lines.nextRaw()) {
+        if (recorder != nullptr) recorder->lineRead(line);
         auto segment = reader.read(line, next);
-        if (segment == nullptr || !allowance.spendSegment()) return nullptr;
+        if (segment == nullptr) {
+            // What a variable held has begun a pattern of its own.
+            if (reader.openedPattern()) tell(recorder, Rule::patternStartRepeated, line);
+            return nullptr;
+        }
+        if (!allowance.spendSegment()) {
+            tellOfPattern(recorder, Rule::patternTooLarge, pattern);
+            return nullptr;
+        }
         next.previous = segment.get();
         segments->push_back(std::move(segment));
     }

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velhls/common/Recorder.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/VELHLSUtility.h"
 #include "velhls/media/SegmentMaker.h"
@@ -49,8 +50,8 @@ class ExpansionAllowance {
 class PatternExpander {
   public:
     PatternExpander(const VELHLSMediaPattern& pattern, VELHLSDefineMap* defines,
-                    ExpansionAllowance& allowance)
-        : pattern_(pattern), defines_(defines), allowance_(allowance) {}
+                    ExpansionAllowance& allowance, Recorder* recorder)
+        : pattern_(pattern), defines_(defines), allowance_(allowance), recorder_(recorder) {}
 
     /// False when the expansion fails. The text is then not to be used.
     [[nodiscard]] bool expand();
@@ -69,6 +70,8 @@ class PatternExpander {
     /// One line of the body.
     struct Step {
         Kind kind = Kind::failing;
+        /// Why a failing line fails.
+        Rule rule = Rule::patternTagUnknown;
         /// How many bytes of the body it is.
         std::size_t bytes = 0;
         std::string_view line;
@@ -91,12 +94,15 @@ class PatternExpander {
     bool putUri(const Step& step);
     bool putPlainUri(const Step& step, std::size_t length);
     bool putSubstitutedUri(std::string_view uri);
-    static bool increment(const Step& step);
+    bool increment(const Step& step);
+    bool rejectAsTooLarge();
     void append(std::string_view line);
 
     const VELHLSMediaPattern& pattern_;
     VELHLSDefineMap* defines_;
     ExpansionAllowance& allowance_;
+    Recorder* recorder_;
+    bool isFirstPass_ = true;
     /// A step takes much more memory than its line: those of a very long body are made anew in each pass.
     static constexpr std::size_t mostSteps = 4096;
     std::vector<Step> steps_;
@@ -107,6 +113,7 @@ class PatternExpander {
 /// See VELHLSMediaPattern::createMediaSegments. Null when the expansion fails or goes beyond the allowance.
 [[nodiscard]] std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
     const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-    const std::shared_ptr<VELHLSDefineMap>& defines, SegmentMaker& maker, ExpansionAllowance& allowance);
+    const std::shared_ptr<VELHLSDefineMap>& defines, SegmentMaker& maker, ExpansionAllowance& allowance,
+    Recorder* recorder);
 
 }  // namespace velhls

@@ -13,7 +13,7 @@ namespace {
 /// Reads the lines of one pattern.
 class PatternReader {
   public:
-    explicit PatternReader(std::string head) : body_(std::move(head)) {}
+    PatternReader(std::string head, Recorder* recorder) : recorder_(recorder), body_(std::move(head)) {}
 
     /// What a line means for the pattern.
     enum class Outcome { goOn, patternEnds, rejected };
@@ -21,19 +21,27 @@ class PatternReader {
     Outcome takeLine(std::string_view line) {
         if (!isTagOrComment(line)) return keep(line);
         const TagLine tagLine(line);
-        if (!tagLine.hasColon) return tagLine.name == tag::discontinuity ? keep(line) : Outcome::rejected;
-        if (tagLine.name == tag::zorPatternStart) return takeStart(tagLine.value);
-        if (tagLine.name == tag::zorPatternEnd) return outcomeOf(tagLine.value == name_);
-        if (tagLine.name == tag::zorPatternRepeat) return takeRepeat(tagLine.value);
-        return mayStandInBody(tagLine.name) ? keep(line) : Outcome::rejected;
+        if (!tagLine.hasColon) {
+            return tagLine.name == tag::discontinuity ? keep(line)
+                                                      : rejectAt(Rule::patternLineNotAllowed, line);
+        }
+        if (tagLine.name == tag::zorPatternStart) return takeStart(tagLine);
+        if (tagLine.name == tag::zorPatternEnd) return takeEnd(tagLine.value);
+        if (tagLine.name == tag::zorPatternRepeat) return takeRepeat(tagLine);
+        return mayStandInBody(tagLine.name) ? keep(line) : rejectAt(Rule::patternLineNotAllowed, line);
     }
 
     [[nodiscard]] std::shared_ptr<VELHLSMediaPattern> pattern() const {
-        return std::make_shared<VELHLSMediaPattern>(name_, body_, repeatCount_);
+        auto pattern = std::make_shared<VELHLSMediaPattern>(name_, body_, repeatCount_);
+        if (recorder_ != nullptr) recorder_->recordMade(pattern.get(), this);
+        return pattern;
     }
 
   private:
-    static Outcome outcomeOf(bool accepted) { return accepted ? Outcome::goOn : Outcome::rejected; }
+    Outcome rejectAt(Rule rule, std::string_view where) {
+        tell(recorder_, rule, where);
+        return Outcome::rejected;
+    }
 
     static bool mayStandInBody(std::string_view tagName) {
         return tagName == tag::extInf || tagName == tag::byteRange || tagName == tag::key ||
@@ -44,44 +52,86 @@ class PatternReader {
     Outcome keep(std::string_view line) {
         body_ += line;
         body_ += '\n';
+        if (recorder_ != nullptr) tellOfKept(line);
         return Outcome::goOn;
     }
 
-    Outcome takeStart(std::string_view name) {
-        if (!name_.empty()) return Outcome::rejected;
-        name_ = name;
+    void tellOfKept(std::string_view line) {
+        recorder_->patternLineKept();
+        if (endSeen_) recorder_->report(Rule::patternLinesAfterEnd, line, {});
+        endSeen_ = false;
+        const bool endsInCarriageReturn = !line.empty() && line.back() == '\r';
+        if (endsInCarriageReturn) {
+            recorder_->report(Rule::patternCarriageReturnKept, line.substr(line.size() - 1), "one");
+        }
+    }
+
+    Outcome takeStart(const TagLine& tagLine) {
+        if (!name_.empty()) return rejectAt(Rule::patternStartRepeated, tagLine.name);
+        name_ = tagLine.value;
+        if (recorder_ != nullptr) recorder_->recordRead(this, tagLine.name);
         return Outcome::goOn;
     }
 
-    Outcome takeRepeat(std::string_view value) {
+    Outcome takeEnd(std::string_view name) {
+        if (name != name_) return rejectAt(Rule::patternEndMismatch, name);
+        endSeen_ = true;
+        return Outcome::goOn;
+    }
+
+    Outcome takeRepeat(const TagLine& tagLine) {
+        const std::string_view value = tagLine.value;
         const std::size_t comma = value.find(',');
-        if (comma == std::string_view::npos || value.substr(0, comma) != name_) return Outcome::rejected;
-        repeatCount_ = toInt64AsUnsigned(value.substr(comma + 1));
+        if (comma == std::string_view::npos) return rejectAt(Rule::patternRepeatMalformed, tagLine.name);
+        const std::string_view name = value.substr(0, comma);
+        if (name != name_) return rejectAt(Rule::patternRepeatMismatch, name);
+        repeatCount_ = toInt64AsUnsigned(number(recorder_, value.substr(comma + 1)));
         return Outcome::patternEnds;
     }
 
+    Recorder* recorder_;
     std::string name_;
     std::string body_;
     std::uint64_t repeatCount_ = 0;
+    /// A ZOR-PATTERN_END was read, and nothing was kept since.
+    bool endSeen_ = false;
 };
+
+/// With a recorder a rejected pattern is read to its end, so that the lines behind it are read as what they are.
+void skipPattern(std::string_view rejectedLine, LineReader& lines, Recorder& recorder) {
+    std::string_view line = rejectedLine;
+    while (lines.good() && !isTagLine(line, tag::zorPatternRepeat)) {
+        line = lines.nextRaw();
+        recorder.lineRead(line);
+    }
+}
 
 }  // namespace
 
 std::shared_ptr<VELHLSMediaPattern> readPattern(std::string_view startLine, std::string head,
-                                                LineReader& lines, VELHLSParsingStatus* status) {
-    PatternReader reader(std::move(head));
+                                                LineReader& lines, VELHLSParsingStatus* status,
+                                                Recorder* recorder) {
+    PatternReader reader(std::move(head), recorder);
     std::string_view line = startLine;
-    while (lines.good()) {
+    bool ended = false;
+    while (lines.good() && !ended) {
         const PatternReader::Outcome outcome = reader.takeLine(line);
         if (outcome == PatternReader::Outcome::rejected) {
             VELHLSUtility::updateParsingStatusWithError(status, VELHLSParsingErrorMediaPattern,
                                                         std::string(line));
+            if (recorder != nullptr) skipPattern(line, lines, *recorder);
             return nullptr;
         }
-        if (outcome == PatternReader::Outcome::patternEnds) break;
+        ended = outcome == PatternReader::Outcome::patternEnds;
+        if (ended) break;
         line = lines.nextRaw();
+        if (recorder != nullptr) recorder->lineRead(line);
     }
-    return reader.pattern();
+    auto pattern = reader.pattern();
+    if (!ended && recorder != nullptr) {
+        recorder->reportRecord(Rule::patternRepeatMissing, pattern.get(), {}, "none");
+    }
+    return pattern;
 }
 
 }  // namespace velhls

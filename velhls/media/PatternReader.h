@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/Recorder.h"
 #include "velhls/common/VELHLSParsingStatus.h"
 #include "velhls/media/VELHLSMediaPattern.h"
 
@@ -14,6 +15,7 @@ namespace velhls {
 /// Reads a pattern from its start line on. `head` is what its body begins with. See
 /// VELHLSMediaPattern::parseMediaPattern.
 [[nodiscard]] std::shared_ptr<VELHLSMediaPattern> readPattern(std::string_view startLine, std::string head,
-                                                              LineReader& lines, VELHLSParsingStatus* status);
+                                                              LineReader& lines, VELHLSParsingStatus* status,
+                                                              Recorder* recorder);
 
 }  // namespace velhls

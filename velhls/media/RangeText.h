@@ -5,13 +5,14 @@
 #include <string_view>
 
 #include "velhls/common/Numbers.h"
+#include "velhls/common/Recorder.h"
 #include "velhls/media/VELHLSByteRange.h"
 
 namespace velhls {
 
 /// See VELHLSByteRange::parse. False when the text is no range; `range` is then left as it was.
 [[nodiscard]] bool parseRange(std::string_view text, char separator, bool inclusiveRange,
-                              VELHLSByteRange& range);
+                              VELHLSByteRange& range, Recorder* recorder);
 
 inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 
@@ -20,6 +21,6 @@ inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 [[nodiscard]] char* putRange(char* to, const VELHLSByteRange& range);
 
 /// See getByteRangeFromUri.
-[[nodiscard]] std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri);
+[[nodiscard]] std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* recorder);
 
 }  // namespace velhls

@@ -1,5 +1,8 @@
 #include "velhls/media/SegmentReader.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -11,17 +14,37 @@
 #include "velhls/common/Timestamps.h"
 #include "velhls/media/PatternReader.h"
 #include "velhls/media/RangeText.h"
+#include "velhls/media/RecordParsers.h"
 
 namespace velhls {
+namespace {
+
+/// The tags that describe a segment, each of which it can have once; EXTINF is the first.
+constexpr std::array<std::string_view, 9> segmentTags = {
+    tag::extInf, tag::byteRange,  tag::key,   tag::map,          tag::programDateTime,
+    tag::cueOut, tag::cueOutCont, tag::cueIn, tag::discontinuity};
+
+bool isKeptByWriting(double duration) {
+    constexpr int decimals = 6;
+    std::array<char, mostFixedBytes> text;
+    const char* const end = putFixed(text.data(), duration, decimals);
+    return toDouble({text.data(), static_cast<std::size_t>(end - text.data())}) == duration;
+}
+
+}  // namespace
 
 SegmentReader::SegmentReader(LineReader& lines, SegmentMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
-                             VELHLSParsingStatus* status)
-    : lines_(lines), maker_(maker), defines_(std::move(defines)), status_(status) {}
+                             VELHLSParsingStatus* status, Recorder* recorder)
+    : lines_(lines), maker_(maker), defines_(std::move(defines)), status_(status), recorder_(recorder) {}
 
 std::shared_ptr<VELHLSMediaSegment> SegmentReader::read(std::string_view firstLine,
                                                         const SegmentOrigin& origin) {
     reset();
-    if (!gather(firstLine) || !isComplete()) return nullptr;
+    if (!gather(firstLine)) return nullptr;
+    const bool complete = recorder_ == nullptr
+                              ? isComplete()
+                              : withoutThrowing(*recorder_, false, [this] { return isComplete(); });
+    if (!complete) return nullptr;
     return build(origin);
 }
 
@@ -45,48 +68,108 @@ void SegmentReader::reset() {
     tags_.clear();
     title_ = {};
     uri_ = {};
+    if (recorder_ != nullptr) recorded_ = {};
+}
+
+void SegmentReader::recordStart(std::string_view firstLine) {
+    recorder_->recordRead(this, isTagOrComment(firstLine) ? TagLine(firstLine).name : firstLine);
+    // A first line that ends the input is not looked at.
+    if (!lines_.good()) static_cast<void>(tellWhyIncomplete());
+}
+
+void SegmentReader::recordTag(const TagLine& tagLine) {
+    recorder_->tagRead(tagLine);
+    const auto found = std::find(segmentTags.begin(), segmentTags.end(), tagLine.name);
+    if (found == segmentTags.end()) return;
+    const auto index = static_cast<std::size_t>(found - segmentTags.begin());
+    if (recorded_.tags.test(index)) recorder_->report(Rule::segmentTagReplaced, tagLine.name, {});
+    recorded_.tags.set(index);
 }
 
 /// Reads on to the URI. False when the lines hold no segment.
 bool SegmentReader::gather(std::string_view firstLine) {
+    if (recorder_ != nullptr) recordStart(firstLine);
     if (!lines_.good()) return false;
     std::string_view line = firstLine;
-    while (takeLine(line)) {
-        if (!uri_.empty()) return true;
+    while (takeLine(line) || goesOnBehindRejection()) {
+        if (!uri_.empty()) return !recorded_.lineWasRejected;
         takenLines_ += line;
         takenLines_ += '\n';
-        line = lines_.next();
+        line = nextLine();
         // A line that ends the input without a line feed is not looked at.
-        if (!lines_.good()) return true;
+        if (!lines_.good()) return !recorded_.lineWasRejected;
     }
     return false;
 }
 
+std::string_view SegmentReader::nextLine() {
+    const std::string_view line = lines_.next();
+    if (recorder_ != nullptr) {
+        recorder_->lineRead(line);
+        ++recorded_.linesTaken;
+        recorded_.unreadLine = line;
+    }
+    return line;
+}
+
+/// With a recorder the segment is read to its end, so that the lines behind it are read as what they are.
+bool SegmentReader::goesOnBehindRejection() {
+    if (recorder_ == nullptr || openedPattern_) return false;
+    recorded_.lineWasRejected = true;
+    return true;
+}
+
+bool SegmentReader::takeLineWithoutThrowing(std::string_view line) {
+    return withoutThrowing(*recorder_, false, [this, line] { return takePlainLine(line); });
+}
+
 bool SegmentReader::takeLine(std::string_view line) {
+    return recorder_ == nullptr ? takePlainLine(line) : takeLineWithoutThrowing(line);
+}
+
+bool SegmentReader::takePlainLine(std::string_view line) {
     if (!isTagOrComment(line)) {
-        uri_ = withoutTrailing(line, blanks);
+        takeUri(line);
         return true;
     }
-    if (isTagLine(line, tag::extInf)) return takeDuration(line.substr(tagLength(tag::extInf)));
+    if (isTagLine(line, tag::extInf)) {
+        if (recorder_ != nullptr) recordTag(TagLine(line));
+        return takeDuration(line.substr(tagLength(tag::extInf)));
+    }
     if (!isStandardTag(line)) return takeVendorTagOrComment(line);
     const TagLine tagLine(line);
+    if (recorder_ != nullptr) recordTag(tagLine);
     return tagLine.hasColon ? takeTag(tagLine, line) : takeBareTag(tagLine);
+}
+
+void SegmentReader::takeUri(std::string_view line) {
+    uri_ = withoutTrailing(line, blanks);
+    if (recorder_ == nullptr || uri_.empty()) return;
+    if (uri_.size() != line.size()) {
+        recorder_->report(Rule::segmentUriTrimmed, line.substr(uri_.size()), {});
+    }
+    const std::size_t reference = uri_.find("{$");
+    if (reference != std::string_view::npos) {
+        recorder_->report(Rule::variableNotReplaced, uri_.substr(reference), {});
+    }
 }
 
 bool SegmentReader::takeVendorTagOrComment(std::string_view line) {
     if (startsPattern(line)) {
         notePattern();
-        if (!TagLine(line).hasColon) return false;
+        if (!TagLine(line).hasColon) return reject(recorder_, Rule::patternStartWithoutColon, line);
         openedPattern_ = true;
-        pattern_ = readPattern(line, takenLines_, lines_, status_);
+        if (recorder_ != nullptr) recorder_->patternBegins(recorded_.linesTaken);
+        pattern_ = readPattern(line, takenLines_, lines_, status_, recorder_);
         return false;
     }
     if (isPatternTag(line)) {
         notePattern();
         VELHLSUtility::updateParsingStatusWithError(status_, VELHLSParsingErrorMediaPattern,
                                                     std::string(line));
-        return false;
+        return reject(recorder_, Rule::patternTagMisplaced, line);
     }
+    tellOfComment(recorder_, line);
     return true;
 }
 
@@ -96,10 +179,12 @@ bool SegmentReader::takeBareTag(const TagLine& tagLine) {
         return true;
     }
     if (tagLine.name == tag::cueIn) {
+        tell(recorder_, Rule::cueNotWritten, tagLine.name);
         tags_.cueIn = true;
         return true;
     }
-    return tagLine.name == tag::extM3U;
+    if (tagLine.name == tag::extM3U) return true;
+    return reject(recorder_, Rule::segmentBareTagUnknown, tagLine.name);
 }
 
 bool SegmentReader::takeTag(const TagLine& tagLine, std::string_view line) {
@@ -109,22 +194,26 @@ bool SegmentReader::takeTag(const TagLine& tagLine, std::string_view line) {
     if (tagLine.name == tag::programDateTime) return takeProgramDateTime(tagLine.value);
     if (tagLine.name == tag::define) return takeDefine(tagLine);
     if (tagLine.name == tag::cueOut) {
+        tell(recorder_, Rule::cueNotWritten, tagLine.name);
         tags_.cueOut = tagLine.value;
         return true;
     }
     if (tagLine.name == tag::cueOutCont) {
+        tell(recorder_, Rule::cueNotWritten, tagLine.name);
         tags_.cueOutCont = tagLine.value;
         return true;
     }
-    return false;
+    return reject(recorder_, Rule::segmentTagUnknown, tagLine.name);
 }
 
 bool SegmentReader::takeDuration(std::string_view value) {
     const std::size_t comma = value.find(',');
-    if (comma == 0) return false;
-    tags_.duration = toDouble(value.substr(0, comma));
+    if (comma == 0) return reject(recorder_, Rule::segmentDurationEmpty, value);
+    const std::string_view duration = value.substr(0, comma);
+    tags_.duration = toDouble(number(recorder_, duration, NumberForm::decimal));
     // The title keeps its comma, and gets another one when it is written: both are part of the interface.
     takeTitle(comma == std::string_view::npos ? std::string_view() : value.substr(comma));
+    if (recorder_ != nullptr) tellOfDuration(duration, value.substr(duration.size()));
     return true;
 }
 
@@ -141,7 +230,10 @@ void SegmentReader::takeTitle(std::string_view title) {
 
 bool SegmentReader::takeByteRange(std::string_view value) {
     VELHLSByteRange range;
-    if (!parseRange(value, '@', false, range)) return false;
+    if (!parseRange(value, '@', false, range, recorder_)) {
+        return reject(recorder_, Rule::byteRangeMalformed, value);
+    }
+    if (range.length == 0) tell(recorder_, Rule::byteRangeEmptyNotWritten, value);
     tags_.byteRange = maker_ != nullptr ? maker_->make(range) : std::make_shared<VELHLSByteRange>(range);
     return true;
 }
@@ -149,23 +241,26 @@ bool SegmentReader::takeByteRange(std::string_view value) {
 bool SegmentReader::takeKey(std::string_view line) {
     tags_.key = std::make_shared<VELHLSProtectionData>(VELHLSProtectionData::None, "", "", "",
                                                        std::vector<std::int32_t>());
-    return tags_.key->parse(std::string(line)) == 0;
+    return parseKey(line, *tags_.key, recorder_);
 }
 
 bool SegmentReader::takeMap(std::string_view line) {
     tags_.map = std::make_shared<VELHLSMISMap>();
-    return tags_.map->parse(std::string(line)) == 0;
+    if (recorder_ != nullptr) recorder_->recordRead(&tags_.map, TagLine(line).name);
+    return parseMap(line, *tags_.map, recorder_);
 }
 
 bool SegmentReader::takeProgramDateTime(std::string_view value) {
-    tags_.programDateTime = parseTimestamp(value);
+    tags_.programDateTime = parseTimestamp(value, recorder_);
     tags_.hasProgramDateTime = true;
-    return !(tags_.programDateTime < 0.0);
+    if (tags_.programDateTime < 0.0) return false;
+    if (recorder_ != nullptr) tellOfTimestamp(*recorder_, value, tags_.programDateTime);
+    return true;
 }
 
 bool SegmentReader::takeDefine(const TagLine& tagLine) {
     if (defines_ == nullptr) defines_ = std::make_shared<VELHLSDefineMap>();
-    return takeDefineTag(tagLine, *defines_, nullptr);
+    return takeDefineTag(tagLine, *defines_, recorder_);
 }
 
 void SegmentReader::notePattern() {
@@ -175,10 +270,55 @@ void SegmentReader::notePattern() {
 /// False when what was gathered is no valid segment. A key that parses is valid; a map is not when its URI is
 /// empty.
 bool SegmentReader::isComplete() {
-    if (tags_.duration == 0.0 || uri_.empty()) return false;
-    if (tags_.byteRange == nullptr) tags_.byteRange = rangeInUri(uri_);
+    if (tags_.duration == 0.0 || uri_.empty()) return recorder_ != nullptr && tellWhyIncomplete();
+    if (tags_.byteRange == nullptr) tags_.byteRange = rangeInUri(uri_, recorder_);
     if (tags_.byteRange != nullptr && tags_.byteRange->length < 0) return false;
-    return tags_.map == nullptr || tags_.map->validate();
+    if (tags_.map == nullptr || tags_.map->validate()) return true;
+    if (recorder_ != nullptr) recorder_->reportRecord(Rule::mapUriEmpty, &tags_.map, {}, {});
+    return false;
+}
+
+/// Called for a segment without a duration or a URI.
+bool SegmentReader::tellWhyIncomplete() const {
+    const std::string_view unread = lines_.good() ? std::string_view() : recorded_.unreadLine;
+    if (uri_.empty() && !isBlank(unread) && !isTagOrComment(unread)) {
+        recorder_->report(Rule::segmentUriWithoutLineFeed, unread, {});
+    } else if (uri_.empty()) {
+        recorder_->reportRecord(Rule::segmentUriMissing, this, {}, "the end of the playlist");
+    } else if (recorded_.tags.test(0)) {
+        recorder_->reportRecord(Rule::segmentDurationZero, &tags_.duration, {}, {});
+    } else {
+        recorder_->report(Rule::segmentDurationMissing, uri_, "none");
+    }
+    return false;
+}
+
+void SegmentReader::tellOfDuration(std::string_view text, std::string_view title) const {
+    recorder_->recordRead(&tags_.duration, text);
+    if (tags_.duration < 0.0) recorder_->report(Rule::segmentDurationNegative, text, {});
+    if (std::isfinite(tags_.duration) && !isKeptByWriting(tags_.duration)) {
+        recorder_->report(Rule::segmentDurationRounded, text, {});
+    }
+    if (title.empty()) {
+        recorder_->report(Rule::segmentCommaMissing, text, {});
+    } else if (title == ",") {
+        recorder_->report(Rule::segmentEmptyTitleGainsComma, title, "one");
+    } else {
+        recorder_->report(Rule::segmentTitleGainsComma, title.substr(1), {});
+    }
+}
+
+/// What the segment got from the one in front of it, and the playlist did not say.
+void SegmentReader::recordMade(const VELHLSMediaSegment& segment, const VELHLSMediaSegment* previous) const {
+    recorder_->recordMade(&segment, &tags_.duration);
+    if (previous == nullptr) return;
+    if (!tags_.hasProgramDateTime && segment.programDateTime > 0.0) {
+        recorder_->report(Rule::dateTimeAdded, uri_, "none");
+    }
+    const bool inherits =
+        (segment.protectionData != nullptr && segment.protectionData == previous->protectionData) ||
+        (segment.misMap != nullptr && segment.misMap == previous->misMap);
+    if (inherits) recorder_->report(Rule::keyAndMapRepeated, uri_, "a segment without");
 }
 
 std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const SegmentOrigin& origin) {
@@ -208,6 +348,7 @@ std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const SegmentOrigin& or
         if (segment.misMap == nullptr) segment.misMap = previous->misMap;
     }
     if (segment.discontinuity) ++segment.discontinuitySequenceNumber;
+    if (recorder_ != nullptr) recordMade(segment, origin.previous);
     return made;
 }
 

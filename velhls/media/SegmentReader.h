@@ -1,12 +1,15 @@
 // Internal to the library, not installed: the lines of one media segment.
 #pragma once
 
+#include <bitset>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/Recorder.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/VELHLSParsingStatus.h"
 #include "velhls/common/VELHLSUtility.h"
@@ -31,7 +34,7 @@ class SegmentReader {
     /// All three are used as long as the reader is. The maker may be null: each segment then has memory of
     /// its own. Variables go into `defines`, which is made on demand when it is null.
     SegmentReader(LineReader& lines, SegmentMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
-                  VELHLSParsingStatus* status);
+                  VELHLSParsingStatus* status, Recorder* recorder);
 
     /// Reads a segment from its first line on. Null when there is none; the lines may have opened a pattern
     /// instead. A segment is valid as long as the key and the map that it takes over from the previous one
@@ -63,7 +66,12 @@ class SegmentReader {
 
     void reset();
     bool gather(std::string_view firstLine);
+    [[nodiscard]] std::string_view nextLine();
     bool takeLine(std::string_view line);
+    bool takePlainLine(std::string_view line);
+    bool takeLineWithoutThrowing(std::string_view line);
+    [[nodiscard]] bool goesOnBehindRejection();
+    void takeUri(std::string_view line);
     bool takeVendorTagOrComment(std::string_view line);
     bool takeBareTag(const TagLine& tagLine);
     bool takeTag(const TagLine& tagLine, std::string_view line);
@@ -75,6 +83,11 @@ class SegmentReader {
     bool takeProgramDateTime(std::string_view value);
     bool takeDefine(const TagLine& tagLine);
     void notePattern();
+    void recordStart(std::string_view firstLine);
+    void recordTag(const TagLine& tagLine);
+    void tellOfDuration(std::string_view text, std::string_view title) const;
+    [[nodiscard]] bool tellWhyIncomplete() const;
+    void recordMade(const VELHLSMediaSegment& segment, const VELHLSMediaSegment* previous) const;
     [[nodiscard]] bool isComplete();
     [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> build(const SegmentOrigin& origin);
 
@@ -82,6 +95,7 @@ class SegmentReader {
     SegmentMaker* maker_;
     std::shared_ptr<VELHLSDefineMap> defines_;
     VELHLSParsingStatus* status_;
+    Recorder* recorder_;
 
     /// All lines that were taken, each with a line feed: a pattern that begins behind them repeats them.
     std::string takenLines_;
@@ -94,6 +108,15 @@ class SegmentReader {
     std::string titleMemory_;
     /// Looks into the line that was read last.
     std::string_view uri_;
+
+    /// What only a recorder needs to be told.
+    struct Recorded {
+        bool lineWasRejected = false;
+        std::bitset<16> tags;
+        std::size_t linesTaken = 0;
+        std::string_view unreadLine;
+    };
+    Recorded recorded_;
 };
 
 }  // namespace velhls

@@ -30,7 +30,8 @@ std::int64_t lengthFromTo(std::int64_t first, std::int64_t last) {
 
 namespace velhls {
 
-bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range) {
+bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range,
+                Recorder* recorder) {
     const std::size_t separatorPosition = text.find(separator);
     const bool hasSeparator = separatorPosition != std::string_view::npos;
     const std::string_view before = text.substr(0, separatorPosition);
@@ -39,12 +40,12 @@ bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELH
     if (hasSeparator && (after.empty() || !holdsOnly(after, digits))) return false;
 
     if (!hasSeparator) {
-        range.length = toInt64(before);
+        range.length = toInt64(number(recorder, before));
         range.offset = -1;
         return true;
     }
-    const std::int64_t first = toInt64(before);
-    const std::int64_t second = toInt64(after);
+    const std::int64_t first = toInt64(number(recorder, before));
+    const std::int64_t second = toInt64(number(recorder, after));
     range.length = inclusiveRange ? lengthFromTo(first, second) : first;
     range.offset = inclusiveRange ? first : second;
     return true;
@@ -57,27 +58,35 @@ char* putRange(char* to, const VELHLSByteRange& range) {
     return putDecimal(end, range.offset);
 }
 
-std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri) {
+std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* recorder) {
     constexpr std::string_view marker = "/range/";
     // Where "not found" plus the length of the marker wraps around to: one less than that length. Kept as it
     // is: which URIs are read as ranges is part of the interface.
     constexpr std::size_t startWithoutMarker = marker.size() - 1;
     if (uri.empty()) return nullptr;
-    if (uri.size() < startWithoutMarker) throwTooShort(uri);
+    if (uri.size() < startWithoutMarker) {
+        tell(recorder, Rule::segmentUriTooShort, uri);
+        throwTooShort(uri);
+    }
     // Every range ends in a digit. Few URIs do, so that most are not searched for the marker.
     if (!isDigit(uri.back())) return nullptr;
     const std::size_t markerPosition = uri.rfind(marker);
     const bool hasMarker = markerPosition != std::string_view::npos;
     const std::size_t start = hasMarker ? markerPosition + marker.size() : startWithoutMarker;
     VELHLSByteRange range;
-    if (!parseRange(uri.substr(start), '-', true, range)) return nullptr;
+    if (!parseRange(uri.substr(start), '-', true, range, recorder)) return nullptr;
+    if (range.length < 0) {
+        tell(recorder, Rule::byteRangeNegative, uri.substr(start));
+    } else {
+        tell(recorder, Rule::byteRangeFromUri, uri.substr(start));
+    }
     return std::make_shared<VELHLSByteRange>(range);
 }
 
 }  // namespace velhls
 
 std::int32_t VELHLSByteRange::parse(const std::string& text, char separator, bool inclusiveRange) {
-    return velhls::parseRange(text, separator, inclusiveRange, *this) ? 0 : -1;
+    return velhls::parseRange(text, separator, inclusiveRange, *this, nullptr) ? 0 : -1;
 }
 
 std::int32_t VELHLSByteRange::render(std::string& out) const {
@@ -88,5 +97,5 @@ std::int32_t VELHLSByteRange::render(std::string& out) const {
 }
 
 std::shared_ptr<VELHLSByteRange> getByteRangeFromUri(std::string uri) {
-    return velhls::rangeInUri(uri);
+    return velhls::rangeInUri(uri, nullptr);
 }

@@ -5,25 +5,47 @@
 
 #include "velhls/common/AttributeTag.h"
 #include "velhls/common/Names.h"
+#include "velhls/media/RangeText.h"
+#include "velhls/media/RecordParsers.h"
+
+namespace {
+
+namespace attribute = velhls::attribute;
+
+void tellOfIgnoredAttributes(velhls::Recorder& recorder, const velhls::AttributeList& attributes) {
+    for (const velhls::Attribute& read : attributes) {
+        const bool isKept = read.name == attribute::uri || read.name == attribute::byteRange;
+        if (!isKept) recorder.report(velhls::Rule::attributeIgnored, read.name, {});
+    }
+}
+
+}  // namespace
+
+bool velhls::parseMap(std::string_view line, VELHLSMISMap& map, Recorder* recorder) {
+    if (!isTagLine(line, tag::map)) return false;
+    const std::optional<AttributeList> attributes = parseNonEmptyAttributes(line, recorder);
+    if (!attributes) return false;
+
+    const std::optional<std::string_view> uriValue = attributes->find(attribute::uri);
+    if (!uriValue) return rejectMissing(recorder, Rule::mapUriMissing, TagLine(line).name);
+    const std::optional<std::string_view> range = attributes->find(attribute::byteRange);
+    if (range) {
+        map.byteRange = std::make_shared<VELHLSByteRange>();
+        if (!parseRange(*range, '@', false, *map.byteRange, recorder)) {
+            tell(recorder, Rule::byteRangeMalformed, *range);
+            map.uri.clear();
+            return false;
+        }
+        if (map.byteRange->length == 0) tell(recorder, Rule::byteRangeEmptyNotWritten, *range);
+    }
+    if (recorder != nullptr) tellOfIgnoredAttributes(*recorder, *attributes);
+    // Last, since the line may be the one that this very member holds.
+    map.uri = *uriValue;
+    return true;
+}
 
 std::int32_t VELHLSMISMap::parse(const std::string& line) {
-    if (!velhls::isTagLine(line, velhls::tag::map)) return -1;
-    const std::optional<velhls::AttributeList> attributes = velhls::parseNonEmptyAttributes(line, nullptr);
-    if (!attributes) return -1;
-
-    const std::optional<std::string_view> uriValue = attributes->find(velhls::attribute::uri);
-    if (!uriValue) return -1;
-    const std::optional<std::string_view> range = attributes->find(velhls::attribute::byteRange);
-    if (range) {
-        byteRange = std::make_shared<VELHLSByteRange>();
-        if (byteRange->parse(std::string(*range), '@', false) != 0) {
-            uri.clear();
-            return -1;
-        }
-    }
-    // Last, since the line may be the one that this very member holds.
-    uri = *uriValue;
-    return 0;
+    return velhls::parseMap(line, *this, nullptr) ? 0 : -1;
 }
 
 bool VELHLSMISMap::validate() const {

@@ -24,13 +24,13 @@ std::shared_ptr<VELHLSMediaPattern> VELHLSMediaPattern::parseMediaPattern(const 
                                                                           std::istream& input,
                                                                           VELHLSParsingStatus* status) {
     velhls::LineReader lines(input);
-    return velhls::readPattern(startLine, allOf(prefix), lines, status);
+    return velhls::readPattern(startLine, allOf(prefix), lines, status, nullptr);
 }
 
 std::shared_ptr<std::stringstream> VELHLSMediaPattern::expandMediaPattern(
     const std::shared_ptr<VELHLSDefineMap>& defines) const {
     velhls::ExpansionAllowance allowance(maximumExpansionBytes);
-    velhls::PatternExpander expander(*this, defines.get(), allowance);
+    velhls::PatternExpander expander(*this, defines.get(), allowance, nullptr);
     if (!expander.expand()) return nullptr;
     return std::make_shared<std::stringstream>(std::string(expander.text()));
 }
@@ -43,7 +43,7 @@ std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> VELHLSMediaPat
     velhls::SegmentMaker maker;
     auto segments = velhls::createSegments(
         *this, {previous.get(), firstMediaSequenceNumber, firstDiscontinuitySequenceNumber}, defines, maker,
-        allowance);
+        allowance, nullptr);
     if (segments == nullptr) return nullptr;
     // The caller's previous segment may hold a key or a map that is not valid.
     const bool allValid = std::all_of(segments->begin(), segments->end(),

@@ -57,7 +57,7 @@ std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::istr
 
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::internalParseMediaStream(std::istream& input,
                                                                                VELHLSParsingStatus* status) {
-    std::shared_ptr<VELHLSMediaStream> stream = velhls::MediaStreamReader(input, status).read();
+    std::shared_ptr<VELHLSMediaStream> stream = velhls::MediaStreamReader(input, status, nullptr).read();
     if (stream == nullptr) return nullptr;
     if (status != nullptr) status->error = VELHLSParsingErrorNone;
     return stream;

@@ -66,7 +66,7 @@ void tellOfIgnoredAttributes(Recorder* recorder, const velhls::AttributeList& at
 
 }  // namespace
 
-bool velhls::parseKey(const std::string& line, VELHLSProtectionData& key, Recorder* recorder) {
+bool velhls::parseKey(std::string_view line, VELHLSProtectionData& key, Recorder* recorder) {
     const bool isSessionKey = isTagLine(line, tag::sessionKey);
     if (!isSessionKey && !isTagLine(line, tag::key)) return false;
     const std::string_view tagName = TagLine(line).name;
