@@ -169,7 +169,7 @@ bool MediaStreamReader::appendPattern() {
     if (segments == nullptr) return false;
     if (recorder_ != nullptr) {
         const void* const pattern = segmentReader_.pattern().get();
-        recorder_->reportRecord(Rule::patternNotWritten, pattern, {}, "one");
+        recorder_->reportRecord(Rule::patternNotWritten, pattern, {}, {});
         if (segments->empty()) recorder_->reportRecord(Rule::patternWithoutSegments, pattern, {}, "none");
     }
     stream_->segments.insert(stream_->segments.end(), std::make_move_iterator(segments->begin()),

@@ -302,7 +302,7 @@ void SegmentReader::tellOfDuration(std::string_view text, std::string_view title
     if (title.empty()) {
         recorder_->report(Rule::segmentCommaMissing, text, {});
     } else if (title == ",") {
-        recorder_->report(Rule::segmentEmptyTitleGainsComma, title, "one");
+        recorder_->report(Rule::segmentEmptyTitleGainsComma, title, "\",\" written as \",,\"");
     } else {
         recorder_->report(Rule::segmentTitleGainsComma, title.substr(1), {});
     }
