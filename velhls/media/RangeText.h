@@ -1,11 +1,13 @@
 // Internal to the library, not installed: byte ranges read from pieces of text.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
 #include "velhls/common/Numbers.h"
 #include "velhls/common/Recorder.h"
+#include "velhls/common/TextScan.h"
 #include "velhls/media/VELHLSByteRange.h"
 
 namespace velhls {
@@ -16,9 +18,20 @@ namespace velhls {
 
 inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 
+/// A range in a URI is looked for from here on where nothing marks it, one less than the length of the marker:
+/// what "not found" plus that length wraps around to. Kept as it is: which URIs are read as ranges, and that
+/// shorter ones throw, is part of the interface.
+inline constexpr std::size_t shortestUriWithoutRange = 6;
+
 /// Puts the text of a range of no negative length to where there is room for `mostRangeBytes`, and returns
 /// the place behind it. See VELHLSByteRange::render.
 [[nodiscard]] char* putRange(char* to, const VELHLSByteRange& range);
+
+/// False for most URIs: then there is no byte range in this one, and rangeInUri need not be asked. Every range
+/// ends in a digit; what is too short is for rangeInUri to throw for.
+[[nodiscard]] inline bool mayHoldRange(std::string_view uri) {
+    return uri.size() < shortestUriWithoutRange || isDigit(uri.back());
+}
 
 /// See getByteRangeFromUri.
 [[nodiscard]] std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* recorder);

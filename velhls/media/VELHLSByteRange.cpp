@@ -60,19 +60,15 @@ char* putRange(char* to, const VELHLSByteRange& range) {
 
 std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* recorder) {
     constexpr std::string_view marker = "/range/";
-    // Where "not found" plus the length of the marker wraps around to: one less than that length. Kept as it
-    // is: which URIs are read as ranges is part of the interface.
-    constexpr std::size_t startWithoutMarker = marker.size() - 1;
-    if (uri.empty()) return nullptr;
-    if (uri.size() < startWithoutMarker) {
+    static_assert(shortestUriWithoutRange == marker.size() - 1);
+    if (uri.empty() || !mayHoldRange(uri)) return nullptr;
+    if (uri.size() < shortestUriWithoutRange) {
         tell(recorder, Rule::segmentUriTooShort, uri);
         throwTooShort(uri);
     }
-    // Every range ends in a digit. Few URIs do, so that most are not searched for the marker.
-    if (!isDigit(uri.back())) return nullptr;
     const std::size_t markerPosition = uri.rfind(marker);
     const bool hasMarker = markerPosition != std::string_view::npos;
-    const std::size_t start = hasMarker ? markerPosition + marker.size() : startWithoutMarker;
+    const std::size_t start = hasMarker ? markerPosition + marker.size() : shortestUriWithoutRange;
     VELHLSByteRange range;
     if (!parseRange(uri.substr(start), '-', true, range, recorder)) return nullptr;
     if (range.length < 0) {
