@@ -13,16 +13,18 @@ function(velhls_set_warnings target)
     endif()
 endfunction()
 
-# Adds a folder when its option is on and the package that it needs is there. Without the package the library can still
-# be built, so that is said and not an error.
-macro(velhls_add_optional_subdirectory folder option package)
-    if(${option} AND NOT "${package}" STREQUAL "")
-        find_package(${package} QUIET)
-        if(NOT ${package}_FOUND)
-            message(NOTICE "velhls: ${folder}/ is not built, since ${package} was not found (see CONTRIBUTING.md)")
-            set(${option} OFF)
+# Adds a folder when its option is on and the packages that it needs are there. Without one of them the library can
+# still be built, so that is said and not an error.
+macro(velhls_add_optional_subdirectory folder option packages)
+    foreach(package ${packages})
+        if(${option})
+            find_package(${package} QUIET)
+            if(NOT ${package}_FOUND)
+                message(NOTICE "velhls: ${folder}/ is not built, since ${package} was not found (see CONTRIBUTING.md)")
+                set(${option} OFF)
+            endif()
         endif()
-    endif()
+    endforeach()
     if(${option})
         add_subdirectory(${folder})
     endif()

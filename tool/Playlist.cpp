@@ -1,111 +1,58 @@
 #include "tool/Playlist.h"
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 #include <stdexcept>
-#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "tool/Failure.h"
+#include "tool/FindingText.h"
 #include "tool/InputFile.h"
-#include "tool/Printable.h"
 
 namespace tool {
 namespace {
 
-/// How far a reader came in a text.
-struct ReadingStop {
-    std::size_t lineNumber;
-    std::string_view line;
-    /// Everything was read, and then a line more was asked for.
-    bool atEnd;
-};
-
-ReadingStop whereReadingStopped(std::istringstream& input, std::string_view text) {
-    const bool atEnd = input.eof();
-    input.clear();
-    const auto consumed = static_cast<std::size_t>(input.tellg());
-    // The line feed that ends the last line belongs to it.
-    const std::size_t lastCharacter = consumed == 0 ? 0 : consumed - 1;
-    const std::string_view before = text.substr(0, lastCharacter);
-    const std::size_t start = before.rfind('\n') + 1;
-    const std::size_t end = std::min(text.find('\n', start), text.size());
-    const auto feeds = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
-    return {feeds + 1, text.substr(start, end - start), atEnd};
+/// False when the playlist is rejected.
+bool parse(Playlist& playlist) {
+    std::istringstream input(playlist.text);
+    try {
+        if (playlist.kind == PlaylistKind::Master) {
+            playlist.model = VELHLSParsedManifest::parseManifest(input, &playlist.status);
+        } else {
+            playlist.model = VELHLSMediaStream::parseMediaStream(input, &playlist.status);
+        }
+    } catch (const std::logic_error&) {
+        // The exceptions of number conversion are the library's way to reject a number.
+        return false;
+    }
+    return std::visit([](const auto& model) { return model != nullptr; }, playlist.model);
 }
 
-/// Parses, and tells of a rejection where it stands.
-class Parser {
-  public:
-    Parser(std::string name, std::string_view text, KindDecision decision)
-        : name_(std::move(name)), text_(text), input_(std::string(text)), decision_(std::move(decision)) {}
-
-    Playlist parse() {
-        try {
-            if (decision_.kind == PlaylistKind::master) {
-                return accept(VELHLSParsedManifest::parseManifest(input_, &status_));
-            }
-            return accept(VELHLSMediaStream::parseMediaStream(input_, &status_));
-        } catch (const std::logic_error& error) {
-            // The exceptions of number conversion are the library's way to reject a number.
-            reject(error.what());
-        }
+[[noreturn]] void reject(const Playlist& playlist) {
+    std::string message;
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(playlist.text, playlist.kind)) {
+        if (finding.severity == VELHLSFinding::Error) message += describe(playlist.name, finding) + "\n";
     }
-
-  private:
-    template <typename Model>
-    Playlist accept(Model model) {
-        if (model == nullptr) reject(reasonOfNull());
-        return {std::move(model), status_};
+    if (playlist.kind == PlaylistKind::Detect) {
+        message += playlist.name + ": note: if it is a playlist, say of which kind with --kind\n";
+    } else {
+        message += playlist.name + ": note: read as a " + std::string(nameOf(playlist.kind)) + " playlist\n";
     }
-
-    [[noreturn]] void reject(const std::string& reason) {
-        const ReadingStop stop = whereReadingStopped(input_, text_);
-        throw Failure(rejected,
-                      name_ + ":" + std::to_string(stop.lineNumber) + ": error: " + printable(reason) +
-                          (stop.atEnd ? "" : ", reading " + quotedExcerpt(stop.line)) + "; read as a " +
-                          std::string(nameOf(decision_.kind)) + " playlist " + decision_.reason);
-    }
-
-    [[nodiscard]] std::string reasonOfNull() const {
-        if (status_.error == VELHLSParsingErrorMediaPattern) {
-            return "media pattern tag is malformed or out of place: " + quotedExcerpt(status_.message);
-        }
-        if (!input_.eof()) return "the playlist is rejected at this line";
-        if (decision_.kind == PlaylistKind::master) {
-            return "the playlist is rejected at its end: it needs at least one variant, every tag needs what "
-                   "belongs to it, the groups that variants name must exist, the groups of one type must "
-                   "hold the "
-                   "same renditions, and session data and session keys must not repeat";
-        }
-        return "the playlist is rejected at its end: the last segment needs a duration and a URI, and the "
-               "last URI "
-               "line needs a line feed";
-    }
-
-    std::string name_;
-    std::string_view text_;
-    std::istringstream input_;
-    KindDecision decision_;
-    VELHLSParsingStatus status_;
-};
-
-KindDecision decideKind(const std::string& path, std::string_view text,
-                        std::optional<PlaylistKind> askedKind) {
-    if (askedKind) return {*askedKind, "as asked for"};
-    std::optional<KindDecision> decision = detectKind(text);
-    if (decision) return *std::move(decision);
-    throw Failure(rejected,
-                  nameInMessages(path) +
-                      ":1: error: cannot tell whether this is a master or a media playlist: it has no tag "
-                      "that only one of them has; if it is one, say which with --kind");
+    message.pop_back();
+    throw Failure(rejected, message);
 }
 
 }  // namespace
 
-Playlist readPlaylist(const std::string& path, std::optional<PlaylistKind> askedKind) {
-    const std::string text = contentOf(path);
-    return Parser(nameInMessages(path), text, decideKind(path, text, askedKind)).parse();
+Playlist readPlaylist(const std::string& path, PlaylistKind askedKind) {
+    Playlist playlist;
+    playlist.name = nameInMessages(path);
+    playlist.text = contentOf(path);
+    playlist.kind = decideKind(playlist.text, askedKind);
+    if (playlist.kind == PlaylistKind::Detect || !parse(playlist)) reject(playlist);
+    return playlist;
 }
 
 std::string cleanText(const Playlist& playlist) {
@@ -114,6 +61,31 @@ std::string cleanText(const Playlist& playlist) {
         std::visit([&out](const auto& model) { return model->render(out); }, playlist.model);
     if (result != 0) throw Failure(rejected, "error: the parsed playlist cannot be written");
     return out.str();
+}
+
+std::string describeLosses(const Playlist& playlist) {
+    struct Loss {
+        VELHLSFinding first;
+        std::size_t more = 0;
+    };
+    std::vector<Loss> losses;
+    std::map<std::string, std::size_t> indices;
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(playlist.text, playlist.kind)) {
+        const auto rule = VELHLSDiagnostics::ruleNamed(finding.ruleId);
+        if (!rule || !rule->isLostWhenWritten) continue;
+        const auto [index, isNew] = indices.emplace(finding.ruleId, losses.size());
+        if (isNew) losses.push_back({finding, finding.suppressed});
+        if (!isNew) losses[index->second].more += 1 + finding.suppressed;
+    }
+    std::string text;
+    for (const Loss& loss : losses) {
+        const auto rule = VELHLSDiagnostics::ruleNamed(loss.first.ruleId);
+        text +=
+            playlist.name + ":" + std::to_string(loss.first.line) + ": lost: " + std::string(rule->summary);
+        if (loss.more != 0) text += " And " + std::to_string(loss.more) + " more.";
+        text += " [" + loss.first.ruleId + "]\n";
+    }
+    return text;
 }
 
 }  // namespace tool

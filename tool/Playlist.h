@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <variant>
 
@@ -13,6 +12,10 @@ namespace tool {
 
 /// A playlist that the library accepted.
 struct Playlist {
+    /// Its name in messages, its text as it was read, and what it was read as.
+    std::string name;
+    std::string text;
+    PlaylistKind kind = PlaylistKind::Detect;
     /// One of the two, never null.
     std::variant<std::shared_ptr<VELHLSParsedManifest>, std::shared_ptr<VELHLSMediaStream>> model;
     /// What the parse reported.
@@ -20,11 +23,14 @@ struct Playlist {
 };
 
 /// Reads the file ("-" for standard input) and parses it as the kind that was asked for, or else as the kind
-/// that its tags tell. Throws a Failure when it cannot be read or is rejected: "file:line: error: reason",
-/// with the line where the reader stopped.
-[[nodiscard]] Playlist readPlaylist(const std::string& path, std::optional<PlaylistKind> askedKind);
+/// that its tags tell. Throws a Failure when it cannot be read, or is rejected: then with all errors, as
+/// "file:line:column: error: message [rule]".
+[[nodiscard]] Playlist readPlaylist(const std::string& path, PlaylistKind askedKind);
 
 /// The playlist's clean text.
 [[nodiscard]] std::string cleanText(const Playlist& playlist);
+
+/// What the clean text no longer holds, a line for each rule; empty when it holds all.
+[[nodiscard]] std::string describeLosses(const Playlist& playlist);
 
 }  // namespace tool

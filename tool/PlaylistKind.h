@@ -1,27 +1,22 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "velhls/VELHLS.h"
+
 namespace tool {
 
-enum class PlaylistKind { master, media };
+using PlaylistKind = VELHLSDiagnostics::PlaylistKind;
 
 /// "master" or "media".
 [[nodiscard]] std::string_view nameOf(PlaylistKind kind);
 
-/// What a text was taken for, and why.
-struct KindDecision {
-    PlaylistKind kind;
-    /// For a person: "because of EXT-X-STREAM-INF in line 3".
-    std::string reason;
-};
+/// What "auto", "master" and "media" ask for.
+[[nodiscard]] PlaylistKind kindNamed(std::string_view name);
 
-/// Decides by the tags that only one kind of playlist has (RFC 8216, sections 4.3.2 to 4.3.4). Where both are
-/// there a variant makes it a master playlist, since no media playlist has one; otherwise the first such tag
-/// decides. Nothing when there is no such tag.
-[[nodiscard]] std::optional<KindDecision> detectKind(std::string_view text);
+/// What a text is read as: what was asked for, or else what its tags tell. Detect when they tell nothing.
+[[nodiscard]] PlaylistKind decideKind(const std::string& text, PlaylistKind asked);
 
 }  // namespace tool

@@ -28,4 +28,22 @@ std::string quoted(std::string_view text) {
     return quotedText;
 }
 
+void report(Recorder& recorder, Rule rule, std::string_view where) {
+    recorder.report(rule, where, {});
+}
+
+void reportMissing(Recorder& recorder, Rule rule, std::string_view where) {
+    recorder.report(rule, where, "none");
+}
+
+bool reject(Recorder* recorder, Rule rule, std::string_view where) {
+    tell(recorder, rule, where);
+    return false;
+}
+
+bool rejectMissing(Recorder* recorder, Rule rule, std::string_view where) {
+    tellMissing(recorder, rule, where);
+    return false;
+}
+
 }  // namespace velhls

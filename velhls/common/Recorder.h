@@ -86,26 +86,23 @@ class Recorder {
 /// The text in double quotes, for messages; of a long one its start.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-inline void tell(Recorder* recorder, Rule rule, std::string_view where, const std::string& seen = {}) {
-    if (recorder != nullptr) recorder->report(rule, where, seen);
-}
+/// What the functions below do when there is a recorder. Apart from them, so that where there is none it costs a
+/// test and nothing else.
+void report(Recorder& recorder, Rule rule, std::string_view where);
+void reportMissing(Recorder& recorder, Rule rule, std::string_view where);
 
-/// For `return reject(...)` where false means that the playlist is rejected.
-[[nodiscard]] inline bool reject(Recorder* recorder, Rule rule, std::string_view where,
-                                 const std::string& seen = {}) {
-    tell(recorder, rule, where, seen);
-    return false;
+inline void tell(Recorder* recorder, Rule rule, std::string_view where) {
+    if (recorder != nullptr) report(*recorder, rule, where);
 }
 
 /// For what should stand at a place, or beside it, and does not.
 inline void tellMissing(Recorder* recorder, Rule rule, std::string_view where) {
-    if (recorder != nullptr) recorder->report(rule, where, "none");
+    if (recorder != nullptr) reportMissing(*recorder, rule, where);
 }
 
-[[nodiscard]] inline bool rejectMissing(Recorder* recorder, Rule rule, std::string_view where) {
-    tellMissing(recorder, rule, where);
-    return false;
-}
+/// For `return reject(...)` where false means that the playlist is rejected.
+[[nodiscard]] bool reject(Recorder* recorder, Rule rule, std::string_view where);
+[[nodiscard]] bool rejectMissing(Recorder* recorder, Rule rule, std::string_view where);
 
 /// A line that begins with "#" and is no tag that is read. Vendor tags are more than comments.
 inline void tellOfComment(Recorder* recorder, std::string_view line) {

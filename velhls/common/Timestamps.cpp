@@ -187,7 +187,9 @@ double timestampOf(std::string_view text, CivilTime time, double seconds, Record
 }  // namespace
 
 double parseTimestamp(std::string_view text, Recorder* recorder) {
-    const auto field = [recorder](std::string_view piece) { return number(recorder, piece, NumberForm::any); };
+    const auto field = [recorder](std::string_view piece) {
+        return number(recorder, piece, NumberForm::any);
+    };
     if (const std::optional<UsualForm> usual = readUsualForm(text)) {
         return timestampOf(text, usual->time, toDouble(field(usual->seconds)), recorder);
     }

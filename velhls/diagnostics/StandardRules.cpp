@@ -106,8 +106,9 @@ void StandardRules::tagRead(const TagLine& tagLine, const Place& name, const Pla
         targetDuration_ = value;
         targetDurationIsKnown_ = !tagLine.value.empty() && holdsOnly(tagLine.value, digitsAndPoint);
     }
-    if (tagLine.name == tag::mediaSequence) mediaSequence_ = value;
-    if (tagLine.name == tag::discontinuitySequence) discontinuitySequence_ = value;
+    const bool isZero = !tagLine.value.empty() && holdsOnly(tagLine.value, CharacterSet("0"));
+    if (tagLine.name == tag::mediaSequence && isZero) mediaSequence_ = value;
+    if (tagLine.name == tag::discontinuitySequence && isZero) discontinuitySequence_ = value;
     const bool isSequence = tagLine.name == tag::mediaSequence || tagLine.name == tag::discontinuitySequence;
     if (isSequence && segmentSeen_) findings_.add(Rule::sequenceAfterSegment, name);
     if (tagLine.name == tag::extInf) {

@@ -22,23 +22,29 @@ bool opensSegment(std::string_view name) {
 }  // namespace
 
 std::shared_ptr<VELHLSMediaStream> MediaStreamReader::read() {
+    if (recorder_ != nullptr) return readRecorded();
     while (lines_.good()) {
-        readNextLine();
-        const bool taken = recorder_ == nullptr ? takeLine() : takeLineWithoutThrowing();
-        if (!taken && recorder_ == nullptr) return nullptr;
+        line_ = lines_.next();
+        if (!takeLine()) return nullptr;
         if (stream_->endList && stream_->hasExtM3U) break;
     }
-    if (recorder_ != nullptr) tellOfUnreadLines();
     return std::move(stream_);
 }
 
-void MediaStreamReader::readNextLine() {
-    line_ = lines_.next();
-    if (recorder_ != nullptr) recorder_->lineRead(line_);
+/// The same with a recorder, which is told why a line is rejected.
+std::shared_ptr<VELHLSMediaStream> MediaStreamReader::readRecorded() {
+    while (lines_.good()) {
+        readRecordedLine();
+        static_cast<void>(withoutThrowing(*recorder_, false, [this] { return takeLine(); }));
+        if (stream_->endList && stream_->hasExtM3U) break;
+    }
+    tellOfUnreadLines();
+    return std::move(stream_);
 }
 
-bool MediaStreamReader::takeLineWithoutThrowing() {
-    return withoutThrowing(*recorder_, false, [this] { return takeLine(); });
+void MediaStreamReader::readRecordedLine() {
+    line_ = lines_.next();
+    recorder_->lineRead(line_);
 }
 
 bool MediaStreamReader::takeLine() {
@@ -109,7 +115,7 @@ void MediaStreamReader::tellOfIgnoredTag(const TagLine& tagLine) {
 /// What stands behind the end of the playlist, but for blank lines and comments.
 void MediaStreamReader::tellOfUnreadLines() {
     while (lines_.good()) {
-        readNextLine();
+        readRecordedLine();
         if (isBlank(line_) || (isTagOrComment(line_) && !isStandardTag(line_) && !isVendorTag(line_)))
             continue;
         recorder_->report(Rule::contentAfterEnd, line_, {});
@@ -169,7 +175,7 @@ bool MediaStreamReader::appendPattern() {
     if (segments == nullptr) return false;
     if (recorder_ != nullptr) {
         const void* const pattern = segmentReader_.pattern().get();
-        recorder_->reportRecord(Rule::patternNotWritten, pattern, {}, "one");
+        recorder_->reportRecord(Rule::patternNotWritten, pattern, {}, {});
         if (segments->empty()) recorder_->reportRecord(Rule::patternWithoutSegments, pattern, {}, "none");
     }
     stream_->segments.insert(stream_->segments.end(), std::make_move_iterator(segments->begin()),

@@ -29,9 +29,9 @@ class MediaStreamReader {
     [[nodiscard]] std::shared_ptr<VELHLSMediaStream> read();
 
   private:
-    void readNextLine();
+    [[nodiscard]] std::shared_ptr<VELHLSMediaStream> readRecorded();
+    void readRecordedLine();
     bool takeLine();
-    bool takeLineWithoutThrowing();
     bool takeBareTag(const TagLine& tagLine);
     void tellOfIgnoredTag(const TagLine& tagLine);
     void tellOfUnreadLines();

@@ -48,7 +48,7 @@ class RecordedExpansion {
 };
 
 void tellOfPattern(Recorder* recorder, Rule rule, const VELHLSMediaPattern& pattern) {
-    if (recorder != nullptr) recorder->reportRecord(rule, &pattern, {}, "one");
+    if (recorder != nullptr) recorder->reportRecord(rule, &pattern, {}, "more");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Internal to the library, not installed: byte ranges read from pieces of text.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -17,16 +18,19 @@ namespace velhls {
 
 inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 
+/// A range in a URI is looked for from here on where nothing marks it, one less than the length of the marker:
+/// what "not found" plus that length wraps around to. Kept as it is: which URIs are read as ranges, and that
+/// shorter ones throw, is part of the interface.
+inline constexpr std::size_t shortestUriWithoutRange = 6;
+
 /// Puts the text of a range of no negative length to where there is room for `mostRangeBytes`, and returns
 /// the place behind it. See VELHLSByteRange::render.
 [[nodiscard]] char* putRange(char* to, const VELHLSByteRange& range);
 
-/// Where the range begins in a URI without its marker.
-inline constexpr std::size_t rangeStartWithoutMarker = 6;
-
-/// False for nearly all URIs, those that neither end in a digit, as every range does, nor are too short.
+/// False for most URIs: then there is no byte range in this one, and rangeInUri need not be asked. Every range
+/// ends in a digit; what is too short is for rangeInUri to throw for.
 [[nodiscard]] inline bool mayHoldRange(std::string_view uri) {
-    return uri.size() < rangeStartWithoutMarker || isDigit(uri.back());
+    return uri.size() < shortestUriWithoutRange || isDigit(uri.back());
 }
 
 /// See getByteRangeFromUri.

@@ -40,12 +40,19 @@ SegmentReader::SegmentReader(LineReader& lines, SegmentMaker* maker, std::shared
 std::shared_ptr<VELHLSMediaSegment> SegmentReader::read(std::string_view firstLine,
                                                         const SegmentOrigin& origin) {
     reset();
-    if (!gather(firstLine)) return nullptr;
-    const bool complete = recorder_ == nullptr
-                              ? isComplete()
-                              : withoutThrowing(*recorder_, false, [this] { return isComplete(); });
-    if (!complete) return nullptr;
+    if (recorder_ != nullptr) return readRecorded(firstLine, origin);
+    if (!gather(firstLine) || !isComplete()) return nullptr;
     return build(origin);
+}
+
+std::shared_ptr<VELHLSMediaSegment> SegmentReader::readRecorded(std::string_view firstLine,
+                                                                const SegmentOrigin& origin) {
+    recorded_ = {};
+    if (!gatherRecorded(firstLine)) return nullptr;
+    if (!withoutThrowing(*recorder_, false, [this] { return isComplete(); })) return nullptr;
+    auto segment = build(origin);
+    recordMade(*segment, origin.previous);
+    return segment;
 }
 
 void SegmentReader::Tags::clear() {
@@ -68,7 +75,6 @@ void SegmentReader::reset() {
     tags_.clear();
     title_ = {};
     uri_ = {};
-    if (recorder_ != nullptr) recorded_ = {};
 }
 
 void SegmentReader::recordStart(std::string_view firstLine) {
@@ -88,58 +94,59 @@ void SegmentReader::recordTag(const TagLine& tagLine) {
 
 /// Reads on to the URI. False when the lines hold no segment.
 bool SegmentReader::gather(std::string_view firstLine) {
-    if (recorder_ != nullptr) recordStart(firstLine);
     if (!lines_.good()) return false;
     std::string_view line = firstLine;
-    while (takeLine(line) || goesOnBehindRejection()) {
-        if (!uri_.empty()) return !recorded_.lineWasRejected;
+    while (takeLine(line)) {
+        if (!uri_.empty()) return true;
         takenLines_ += line;
         takenLines_ += '\n';
-        line = nextLine();
+        line = lines_.next();
         // A line that ends the input without a line feed is not looked at.
-        if (!lines_.good()) return !recorded_.lineWasRejected;
+        if (!lines_.good()) return true;
     }
     return false;
 }
 
-std::string_view SegmentReader::nextLine() {
-    const std::string_view line = lines_.next();
-    if (recorder_ != nullptr) {
+/// The same with a recorder. Behind a line that is rejected it goes on to the URI, so that the lines behind the
+/// segment are read as what they are.
+bool SegmentReader::gatherRecorded(std::string_view firstLine) {
+    recordStart(firstLine);
+    if (!lines_.good()) return false;
+    bool allTaken = true;
+    std::string_view line = firstLine;
+    while (true) {
+        allTaken = takeRecordedLine(line) && allTaken;
+        if (openedPattern_) return false;
+        if (!uri_.empty()) return allTaken;
+        takenLines_ += line;
+        takenLines_ += '\n';
+        line = lines_.next();
         recorder_->lineRead(line);
         ++recorded_.linesTaken;
         recorded_.unreadLine = line;
+        if (!lines_.good()) return allTaken;
     }
-    return line;
 }
 
-/// With a recorder the segment is read to its end, so that the lines behind it are read as what they are.
-bool SegmentReader::goesOnBehindRejection() {
-    if (recorder_ == nullptr || openedPattern_) return false;
-    recorded_.lineWasRejected = true;
-    return true;
-}
-
-bool SegmentReader::takeLineWithoutThrowing(std::string_view line) {
-    return withoutThrowing(*recorder_, false, [this, line] { return takePlainLine(line); });
+bool SegmentReader::takeRecordedLine(std::string_view line) {
+    if (isStandardTag(line)) recordTag(TagLine(line));
+    const bool taken = withoutThrowing(*recorder_, false, [this, line] { return takeLine(line); });
+    if (taken && isTagLine(line, tag::extInf)) tellOfDuration(TagLine(line).value);
+    if (taken && isTagLine(line, tag::byteRange) && tags_.byteRange->length == 0) {
+        recorder_->report(Rule::byteRangeEmptyNotWritten, TagLine(line).value, {});
+    }
+    if (!uri_.empty()) tellOfUri(line);
+    return taken;
 }
 
 bool SegmentReader::takeLine(std::string_view line) {
-    return recorder_ == nullptr ? takePlainLine(line) : takeLineWithoutThrowing(line);
-}
-
-bool SegmentReader::takePlainLine(std::string_view line) {
     if (!isTagOrComment(line)) {
         uri_ = withoutTrailing(line, blanks);
-        if (recorder_ != nullptr && !uri_.empty()) tellOfUri(line);
         return true;
     }
-    if (isTagLine(line, tag::extInf)) {
-        if (recorder_ != nullptr) recordTag(TagLine(line));
-        return takeDuration(line.substr(tagLength(tag::extInf)));
-    }
+    if (isTagLine(line, tag::extInf)) return takeDuration(line.substr(tagLength(tag::extInf)));
     if (!isStandardTag(line)) return takeVendorTagOrComment(line);
     const TagLine tagLine(line);
-    if (recorder_ != nullptr) recordTag(tagLine);
     return tagLine.hasColon ? takeTag(tagLine, line) : takeBareTag(tagLine);
 }
 
@@ -208,11 +215,9 @@ bool SegmentReader::takeTag(const TagLine& tagLine, std::string_view line) {
 bool SegmentReader::takeDuration(std::string_view value) {
     const std::size_t comma = value.find(',');
     if (comma == 0) return reject(recorder_, Rule::segmentDurationEmpty, value);
-    const std::string_view duration = value.substr(0, comma);
-    tags_.duration = toDouble(number(recorder_, duration, NumberForm::decimal));
+    tags_.duration = toDouble(number(recorder_, value.substr(0, comma), NumberForm::decimal));
     // The title keeps its comma, and gets another one when it is written: both are part of the interface.
     takeTitle(comma == std::string_view::npos ? std::string_view() : value.substr(comma));
-    if (recorder_ != nullptr) tellOfDuration(duration, value.substr(duration.size()));
     return true;
 }
 
@@ -232,7 +237,6 @@ bool SegmentReader::takeByteRange(std::string_view value) {
     if (!parseRange(value, '@', false, range, recorder_)) {
         return reject(recorder_, Rule::byteRangeMalformed, value);
     }
-    if (range.length == 0) tell(recorder_, Rule::byteRangeEmptyNotWritten, value);
     tags_.byteRange = maker_ != nullptr ? maker_->make(range) : std::make_shared<VELHLSByteRange>(range);
     return true;
 }
@@ -292,7 +296,9 @@ bool SegmentReader::tellWhyIncomplete() const {
     return false;
 }
 
-void SegmentReader::tellOfDuration(std::string_view text, std::string_view title) const {
+void SegmentReader::tellOfDuration(std::string_view value) const {
+    const std::string_view text = value.substr(0, value.find(','));
+    const std::string_view title = value.substr(text.size());
     recorder_->recordRead(&tags_.duration, text);
     if (tags_.duration < 0.0) recorder_->report(Rule::segmentDurationNegative, text, {});
     if (std::isfinite(tags_.duration) && !isKeptByWriting(tags_.duration)) {
@@ -301,7 +307,7 @@ void SegmentReader::tellOfDuration(std::string_view text, std::string_view title
     if (title.empty()) {
         recorder_->report(Rule::segmentCommaMissing, text, {});
     } else if (title == ",") {
-        recorder_->report(Rule::segmentEmptyTitleGainsComma, title, "one");
+        recorder_->report(Rule::segmentEmptyTitleGainsComma, title, "\",\" written as \",,\"");
     } else {
         recorder_->report(Rule::segmentTitleGainsComma, title.substr(1), {});
     }
@@ -347,7 +353,6 @@ std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const SegmentOrigin& or
         if (segment.misMap == nullptr) segment.misMap = previous->misMap;
     }
     if (segment.discontinuity) ++segment.discontinuitySequenceNumber;
-    if (recorder_ != nullptr) recordMade(segment, origin.previous);
     return made;
 }
 

@@ -66,12 +66,11 @@ class SegmentReader {
 
     void reset();
     bool gather(std::string_view firstLine);
-    [[nodiscard]] std::string_view nextLine();
+    [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> readRecorded(std::string_view firstLine,
+                                                                   const SegmentOrigin& origin);
+    bool gatherRecorded(std::string_view firstLine);
+    bool takeRecordedLine(std::string_view line);
     bool takeLine(std::string_view line);
-    bool takePlainLine(std::string_view line);
-    bool takeLineWithoutThrowing(std::string_view line);
-    [[nodiscard]] bool goesOnBehindRejection();
-    void tellOfUri(std::string_view line) const;
     bool takeVendorTagOrComment(std::string_view line);
     bool takeBareTag(const TagLine& tagLine);
     bool takeTag(const TagLine& tagLine, std::string_view line);
@@ -85,7 +84,8 @@ class SegmentReader {
     void notePattern();
     void recordStart(std::string_view firstLine);
     void recordTag(const TagLine& tagLine);
-    void tellOfDuration(std::string_view text, std::string_view title) const;
+    void tellOfUri(std::string_view line) const;
+    void tellOfDuration(std::string_view value) const;
     [[nodiscard]] bool tellWhyIncomplete() const;
     void recordMade(const VELHLSMediaSegment& segment, const VELHLSMediaSegment* previous) const;
     [[nodiscard]] bool isComplete();
@@ -111,7 +111,6 @@ class SegmentReader {
 
     /// What only a recorder needs to be told.
     struct Recorded {
-        bool lineWasRejected = false;
         std::bitset<16> tags;
         std::size_t linesTaken = 0;
         std::string_view unreadLine;

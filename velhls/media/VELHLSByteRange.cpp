@@ -60,17 +60,15 @@ char* putRange(char* to, const VELHLSByteRange& range) {
 
 std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* recorder) {
     constexpr std::string_view marker = "/range/";
-    // Where "not found" plus the length of the marker wraps around to: one less than that length. Kept as it
-    // is: which URIs are read as ranges is part of the interface.
-    static_assert(rangeStartWithoutMarker == marker.size() - 1);
+    static_assert(shortestUriWithoutRange == marker.size() - 1);
     if (uri.empty() || !mayHoldRange(uri)) return nullptr;
-    if (uri.size() < rangeStartWithoutMarker) {
+    if (uri.size() < shortestUriWithoutRange) {
         tell(recorder, Rule::segmentUriTooShort, uri);
         throwTooShort(uri);
     }
     const std::size_t markerPosition = uri.rfind(marker);
     const bool hasMarker = markerPosition != std::string_view::npos;
-    const std::size_t start = hasMarker ? markerPosition + marker.size() : rangeStartWithoutMarker;
+    const std::size_t start = hasMarker ? markerPosition + marker.size() : shortestUriWithoutRange;
     VELHLSByteRange range;
     if (!parseRange(uri.substr(start), '-', true, range, recorder)) return nullptr;
     if (range.length < 0) {

@@ -1,0 +1,104 @@
+#!/usr/bin/env python3
+"""Validates the command's JSON against the committed schemas, and its SARIF against what SARIF 2.1.0 demands.
+
+Usage: validate_json.py COMMAND SOURCE_FOLDER. Exits with 77, which ctest takes for skipped, without jsonschema.
+"""
+
+import glob
+import json
+import os
+import subprocess
+import sys
+
+try:
+    import jsonschema
+except ImportError:
+    print("skipped: python3-jsonschema is not installed")
+    sys.exit(77)
+
+command, source = sys.argv[1:3]
+findings = sorted(glob.glob(os.path.join(source, "examples/findings/*.m3u8")))
+playlists = sorted(glob.glob(os.path.join(source, "examples/playlists/*.m3u8")))
+
+
+def output(*arguments, stdin=b""):
+    result = subprocess.run([command, *arguments], input=stdin, capture_output=True, check=False)
+    return result.returncode, json.loads(result.stdout.decode("utf-8")) if result.stdout else None
+
+
+def validator(name):
+    with open(os.path.join(source, "docs/schemas", name), encoding="utf-8") as file:
+        schema = json.load(file)
+    jsonschema.Draft7Validator.check_schema(schema)
+    return jsonschema.Draft7Validator(schema)
+
+
+def check_findings():
+    status, report = output("check", "--format=json", "--severity=note", *findings, "no such file")
+    assert status == 2, status
+    validator("check-1.schema.json").validate(report)
+    assert len(report["files"]) == len(findings) + 1
+    assert "failure" in report["files"][-1]
+    for file in report["files"][:-1]:
+        rules = [finding["rule"] for finding in file["findings"]]
+        assert os.path.basename(file["path"])[: -len(".m3u8")] in rules, file["path"]
+
+
+def check_models():
+    schema = validator("inspect-1.schema.json")
+    accepted = 0
+    for path in playlists + findings:
+        status, model = output("inspect", "--json", path)
+        if status == 0:
+            schema.validate(model)
+            accepted += 1
+    assert accepted > len(playlists), accepted
+
+
+def check_large_numbers():
+    text = (
+        b"#EXTM3U\n#ZOR-STREAM-INF:NOMINAL_VIDEO_BITRATE=9223372036854775807\n"
+        b"#EXT-X-STREAM-INF:BANDWIDTH=-1,AVERAGE-BANDWIDTH=9007199254740993\na.m3u8\n"
+    )
+    variant = output("inspect", "--json", stdin=text)[1]["playlist"]["variants"][0]
+    assert variant["bandwidth"] == 2**64 - 1, variant
+    assert variant["averageBandwidth"] == 2**53 + 1, variant
+    assert variant["nominalVideoBitrate"] == 2**63 - 1, variant
+    text = b"#EXTM3U\n#EXT-X-MEDIA-SEQUENCE:9223372036854775807\n#EXTINF:nan,\nfirst.ts\n#EXTINF:-inf,\nsecond.ts\n"
+    playlist = output("inspect", "--json", stdin=text)[1]["playlist"]
+    assert playlist["mediaSequence"] == 2**63 - 1, playlist
+    assert [segment["duration"] for segment in playlist["segments"]] == ["NaN", "-Infinity"], playlist
+
+
+def check_sarif():
+    status, log = output("check", "--format=sarif", "--severity=note", *findings, "no such file")
+    assert log["version"] == "2.1.0"
+    assert log["$schema"].endswith("sarif-schema-2.1.0.json")
+    (run,) = log["runs"]
+    driver = run["tool"]["driver"]
+    assert driver["name"] == "velhls" and driver["version"]
+    assert run["invocations"][0]["exitCode"] == status == 2
+    assert run["invocations"][0]["executionSuccessful"] is False
+    assert run["invocations"][0]["toolExecutionNotifications"][0]["message"]["text"]
+    ids = [rule["id"] for rule in driver["rules"]]
+    assert len(set(ids)) == len(ids)
+    for rule in driver["rules"]:
+        assert rule["shortDescription"]["text"] and rule["help"]["markdown"].startswith("# " + rule["id"])
+        assert rule["defaultConfiguration"]["level"] in ("error", "warning", "note")
+        assert rule["properties"]["source"]
+    assert run["results"]
+    for result in run["results"]:
+        assert ids[result["ruleIndex"]] == result["ruleId"]
+        assert result["level"] in ("error", "warning", "note") and result["message"]["text"]
+        place = result["locations"][0]["physicalLocation"]
+        region = place["region"]
+        assert place["artifactLocation"]["uri"].startswith("file:///")
+        assert region["startLine"] >= 1 and region["startColumn"] >= 1
+        assert region["endLine"] == region["startLine"] and region["endColumn"] >= region["startColumn"]
+
+
+check_findings()
+check_models()
+check_large_numbers()
+check_sarif()
+print("all output is valid")

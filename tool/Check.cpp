@@ -1,0 +1,107 @@
+#include "tool/Check.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <unistd.h>
+
+#include "tool/FindingText.h"
+#include "tool/InputFile.h"
+#include "tool/JsonReport.h"
+#include "tool/OutputFile.h"
+#include "tool/SarifReport.h"
+
+namespace tool {
+namespace {
+
+CheckedFile checkFile(const std::string& path, const CheckRequest& request) {
+    CheckedFile file;
+    file.path = path;
+    file.name = nameInMessages(path);
+    try {
+        file.text = contentOf(path);
+    } catch (const Failure& failure) {
+        file.failure = failure.what();
+        return file;
+    }
+    file.kind = decideKind(file.text, request.kind);
+    for (VELHLSFinding& finding : VELHLSDiagnostics::check(file.text, file.kind)) {
+        if (request.disabledRules.count(finding.ruleId) != 0) continue;
+        const bool isWarning = finding.severity == VELHLSFinding::Warning;
+        if (request.warningsAreErrors && isWarning) finding.severity = VELHLSFinding::Error;
+        if (finding.severity >= request.least) file.findings.push_back(std::move(finding));
+    }
+    return file;
+}
+
+ExitStatus statusOf(const std::vector<CheckedFile>& files) {
+    const bool unreadable =
+        std::any_of(files.begin(), files.end(), [](const auto& file) { return !file.failure.empty(); });
+    const bool found =
+        std::any_of(files.begin(), files.end(), [](const auto& file) { return !file.findings.empty(); });
+    if (unreadable) return unusable;
+    return found ? rejected : success;
+}
+
+/// The start of every line, to find one by its number.
+std::vector<std::size_t> lineStarts(std::string_view text) {
+    std::vector<std::size_t> starts = {0};
+    for (std::size_t feed = text.find('\n'); feed != std::string_view::npos; feed = text.find('\n', feed + 1))
+        starts.push_back(feed + 1);
+    return starts;
+}
+
+bool isForTerminal(const CheckRequest& request) {
+    if (request.colour == "always") return true;
+    return ::isatty(STDOUT_FILENO) == 1;
+}
+
+/// NO_COLOR holds when it is set and not empty, as users of other commands expect.
+bool isInColour(const CheckRequest& request) {
+    if (request.colour == "always") return true;
+    if (request.colour == "never") return false;
+    const char* const noColour = std::getenv("NO_COLOR");
+    const bool isUnwanted = noColour != nullptr && noColour[0] != '\0';
+    return !isUnwanted && isForTerminal(request);
+}
+
+std::string textReport(const std::vector<CheckedFile>& files, const CheckRequest& request) {
+    const bool showsLines = isForTerminal(request);
+    const bool inColour = isInColour(request);
+    std::string report;
+    for (const CheckedFile& file : files) {
+        const std::vector<std::size_t> starts = lineStarts(file.text);
+        for (const VELHLSFinding& finding : file.findings) {
+            if (showsLines) {
+                const std::string_view rest = std::string_view(file.text).substr(starts[finding.line - 1]);
+                report += describeWithLine(file.name, finding, rest.substr(0, rest.find('\n')), inColour);
+            } else {
+                report += describe(file.name, finding) + "\n";
+            }
+        }
+    }
+    return report;
+}
+
+std::string reportOf(const std::vector<CheckedFile>& files, const CheckRequest& request, ExitStatus status) {
+    if (request.format == "json") return jsonReport(files);
+    if (request.format == "sarif") return sarifReport(files, status);
+    return textReport(files, request);
+}
+
+}  // namespace
+
+ExitStatus check(const CheckRequest& request) {
+    std::vector<CheckedFile> files;
+    for (const std::string& path : request.paths)
+        files.push_back(checkFile(path, request));
+    for (const CheckedFile& file : files) {
+        if (!file.failure.empty()) static_cast<void>(std::fprintf(stderr, "%s\n", file.failure.c_str()));
+    }
+    const ExitStatus status = statusOf(files);
+    writeToStandardOutput(reportOf(files, request, status));
+    return status;
+}
+
+}  // namespace tool

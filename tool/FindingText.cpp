@@ -1,0 +1,102 @@
+#include "tool/FindingText.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "tool/Printable.h"
+
+namespace tool {
+namespace {
+
+constexpr std::string_view bold = "\x1B[1m";
+constexpr std::string_view plain = "\x1B[0m";
+constexpr std::string_view green = "\x1B[1;32m";
+
+std::string_view colourOf(VELHLSFinding::Severity severity) {
+    if (severity == VELHLSFinding::Error) return "\x1B[1;31m";
+    return severity == VELHLSFinding::Warning ? "\x1B[1;35m" : "\x1B[1;36m";
+}
+
+std::string coloured(std::string_view text, std::string_view colour, bool inColour) {
+    if (!inColour) return std::string(text);
+    return std::string(colour) + std::string(text) + std::string(plain);
+}
+
+std::string placeOf(const std::string& name, const VELHLSFinding& finding) {
+    return name + ":" + std::to_string(finding.line) + ":" + std::to_string(finding.column) + ":";
+}
+
+bool continuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+/// How many columns a text takes that was made printable: one for each character of UTF-8.
+std::size_t widthOf(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char byte) { return !continuesCharacter(byte); }));
+}
+
+/// The part of the line around the place, which may be far to the right of a long one.
+struct Window {
+    std::string_view before;
+    std::string_view place;
+    std::string_view behind;
+    bool isCut = false;
+};
+
+Window windowOf(std::string_view line, const VELHLSFinding& finding) {
+    constexpr std::size_t mostBefore = 60;
+    constexpr std::size_t mostPlace = 60;
+    constexpr std::size_t mostBehind = 40;
+    const std::size_t position = std::min(finding.column - 1, line.size());
+    std::size_t start = position > mostBefore ? position - mostBefore : 0;
+    while (start < position && continuesCharacter(line[start]))
+        ++start;
+    Window window;
+    window.isCut = start != 0;
+    window.before = line.substr(start, position - start);
+    window.place = line.substr(position, std::min(finding.length, mostPlace));
+    std::string_view behind = line.substr(position + window.place.size());
+    if (!behind.empty() && behind.back() == '\r') behind.remove_suffix(1);
+    window.behind = behind.substr(0, mostBehind);
+    return window;
+}
+
+std::string suppressedNote(const std::string& name, const VELHLSFinding& finding) {
+    if (finding.suppressed == 0) return {};
+    return name + ": note: " + std::to_string(finding.suppressed) + " more of [" + finding.ruleId +
+           "] are not listed\n";
+}
+
+}  // namespace
+
+std::string_view nameOf(VELHLSFinding::Severity severity) {
+    if (severity == VELHLSFinding::Error) return "error";
+    return severity == VELHLSFinding::Warning ? "warning" : "note";
+}
+
+std::string describe(const std::string& name, const VELHLSFinding& finding) {
+    std::string text = placeOf(name, finding) + " " + std::string(nameOf(finding.severity)) + ": " +
+                       printable(finding.message) + " [" + finding.ruleId + "]";
+    const std::string note = suppressedNote(name, finding);
+    if (!note.empty()) text += "\n" + note.substr(0, note.size() - 1);
+    return text;
+}
+
+std::string describeWithLine(const std::string& name, const VELHLSFinding& finding, std::string_view line,
+                             bool inColour) {
+    const std::string_view colour = colourOf(finding.severity);
+    std::string text = coloured(placeOf(name, finding), bold, inColour) + " " +
+                       coloured(std::string(nameOf(finding.severity)) + ":", colour, inColour) + " " +
+                       printable(finding.message) + " [" + finding.ruleId + "]\n";
+    const Window window = windowOf(line, finding);
+    const std::string before = (window.isCut ? "..." : "") + printable(window.before);
+    const std::string place = printable(window.place);
+    const std::size_t width = std::max<std::size_t>(1, widthOf(place));
+    text += "    " + before + coloured(place, colour, inColour) + printable(window.behind) + "\n";
+    text += "    " + std::string(widthOf(before), ' ') +
+            coloured("^" + std::string(width - 1, '~'), green, inColour) + "\n";
+    return text + suppressedNote(name, finding);
+}
+
+}  // namespace tool

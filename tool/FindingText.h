@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "velhls/VELHLS.h"
+
+namespace tool {
+
+/// "error", "warning" or "note".
+[[nodiscard]] std::string_view nameOf(VELHLSFinding::Severity severity);
+
+/// "file:line:column: error: message [rule]", with control characters made visible.
+[[nodiscard]] std::string describe(const std::string& name, const VELHLSFinding& finding);
+
+/// The same for a terminal: in colours when they are asked for, with the line of the text and a caret below the
+/// place. Every line ends in a line feed.
+[[nodiscard]] std::string describeWithLine(const std::string& name, const VELHLSFinding& finding,
+                                           std::string_view line, bool inColour);
+
+}  // namespace tool
