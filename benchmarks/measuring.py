@@ -14,7 +14,12 @@ PROGRAMS = ROOT / "build" / "benchmarks" / "benchmarks"
 
 
 def output_of(*command, **options):
-    return subprocess.run([str(word) for word in command], check=True, capture_output=True, text=True, **options).stdout
+    """What a command prints; the script ends with what it says when it fails."""
+    words = [str(word) for word in command]
+    run = subprocess.run(words, capture_output=True, text=True, **options)
+    if run.returncode != 0:
+        raise SystemExit(f"error: {' '.join(words)} failed with {run.returncode}:\n{run.stderr}")
+    return run.stdout
 
 
 def work_names():
