@@ -108,11 +108,11 @@ void writeZshOptions(std::ostream& out, const CommandOutline& command, std::stri
             continue;
         }
         for (const std::string& name : option.names) {
-            std::string specification = "(" + withSpaces(option.names) + ")" + name;
-            if (option.takesValue && name.compare(0, 2, "--") == 0) specification += "=";
-            specification += "[" + zshDescription(option.description) + "]";
-            if (option.takesValue) specification += ":" + option.valueName + zshAction(option);
-            out << " \\\n" << indent << quoted(specification, "'\\''");
+            std::string argument = "(" + withSpaces(option.names) + ")" + name;
+            if (option.takesValue && name.compare(0, 2, "--") == 0) argument += "=";
+            argument += "[" + zshDescription(option.description) + "]";
+            if (option.takesValue) argument += ":" + option.valueName + zshAction(option);
+            out << " \\\n" << indent << quoted(argument, "'\\''");
         }
     }
 }

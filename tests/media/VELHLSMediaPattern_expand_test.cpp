@@ -1,7 +1,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <limits>
 #include <memory>
 #include <random>
@@ -10,7 +9,6 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <typeinfo>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -18,10 +16,12 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/PlaylistText.h"
+#include "tests/support/RecordText.h"
 
 namespace {
 
 using playlist::lines;
+using record::thrownBy;
 using namespace std::string_literals;
 
 using Defines = std::shared_ptr<VELHLSDefineMap>;
@@ -59,18 +59,6 @@ std::string expanded(const std::string& body, std::uint64_t repeatCount, const D
 /// The text of one pass with n = "1".
 std::string expandedOnce(const std::string& body) {
     return expanded(body, 0, defining({{"n", "1"}}));
-}
-
-template <typename Work>
-std::string thrownBy(Work work) {
-    try {
-        work();
-    } catch (const std::exception& error) {
-        if (typeid(error) == typeid(std::invalid_argument)) return "invalid_argument";
-        if (typeid(error) == typeid(std::out_of_range)) return "out_of_range";
-        return typeid(error).name();
-    }
-    return "nothing";
 }
 
 std::shared_ptr<VELHLSProtectionData> keyNamed(const std::string& uri) {

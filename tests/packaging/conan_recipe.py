@@ -69,9 +69,9 @@ stand_in("conan.tools.cmake", CMake=CMake, CMakeToolchain=CMakeToolchain, cmake_
 stand_in("conan.tools.files", copy=copy, load=load, rmdir=lambda recipe, path: shutil.rmtree(path))
 
 folder = os.path.join(repository, "packaging", "conan")
-specification = importlib.util.spec_from_file_location("recipe", os.path.join(folder, "conanfile.py"))
-module = importlib.util.module_from_spec(specification)
-specification.loader.exec_module(module)
+loading = importlib.util.spec_from_file_location("recipe", os.path.join(folder, "conanfile.py"))
+module = importlib.util.module_from_spec(loading)
+loading.loader.exec_module(module)
 
 recipe = module.VelhlsRecipe()
 recipe.recipe_folder = folder
