@@ -46,7 +46,7 @@ class VelhlsRecipe(ConanFile):
 
     def generate(self):
         toolchain = CMakeToolchain(self)
-        for part in ("TOOL", "TESTS", "BENCHMARKS", "EXAMPLES"):
+        for part in ("TOOL", "TESTS", "BENCHMARKS", "EXAMPLES", "DOCS"):
             toolchain.cache_variables[f"VELHLS_BUILD_{part}"] = False
         toolchain.generate()
 
