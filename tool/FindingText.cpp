@@ -22,8 +22,12 @@ std::string coloured(std::string_view text, std::string_view colour, bool inColo
     return std::string(colour) + std::string(text) + std::string(plain);
 }
 
+std::string lineOf(const std::string& name, const VELHLSFinding& finding) {
+    return name + ":" + std::to_string(finding.line) + ":";
+}
+
 std::string placeOf(const std::string& name, const VELHLSFinding& finding) {
-    return name + ":" + std::to_string(finding.line) + ":" + std::to_string(finding.column) + ":";
+    return lineOf(name, finding) + std::to_string(finding.column) + ":";
 }
 
 bool continuesCharacter(char byte) {
@@ -68,6 +72,14 @@ std::string suppressedNote(const std::string& name, const VELHLSFinding& finding
            "] are not listed\n";
 }
 
+std::string describeAt(const std::string& place, const std::string& name, const VELHLSFinding& finding) {
+    std::string text = place + " " + std::string(nameOf(finding.severity)) + ": " +
+                       printable(finding.message) + " [" + finding.ruleId + "]";
+    const std::string note = suppressedNote(name, finding);
+    if (!note.empty()) text += "\n" + note.substr(0, note.size() - 1);
+    return text;
+}
+
 }  // namespace
 
 std::string_view nameOf(VELHLSFinding::Severity severity) {
@@ -76,11 +88,11 @@ std::string_view nameOf(VELHLSFinding::Severity severity) {
 }
 
 std::string describe(const std::string& name, const VELHLSFinding& finding) {
-    std::string text = placeOf(name, finding) + " " + std::string(nameOf(finding.severity)) + ": " +
-                       printable(finding.message) + " [" + finding.ruleId + "]";
-    const std::string note = suppressedNote(name, finding);
-    if (!note.empty()) text += "\n" + note.substr(0, note.size() - 1);
-    return text;
+    return describeAt(placeOf(name, finding), name, finding);
+}
+
+std::string describeByLine(const std::string& name, const VELHLSFinding& finding) {
+    return describeAt(lineOf(name, finding), name, finding);
 }
 
 std::string describeWithLine(const std::string& name, const VELHLSFinding& finding, std::string_view line,

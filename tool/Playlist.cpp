@@ -33,7 +33,8 @@ bool parse(Playlist& playlist) {
 [[noreturn]] void reject(const Playlist& playlist) {
     std::string message;
     for (const VELHLSFinding& finding : VELHLSDiagnostics::check(playlist.text, playlist.kind)) {
-        if (finding.severity == VELHLSFinding::Error) message += describe(playlist.name, finding) + "\n";
+        if (finding.severity == VELHLSFinding::Error)
+            message += describeByLine(playlist.name, finding) + "\n";
     }
     if (playlist.kind == PlaylistKind::Detect) {
         message += playlist.name + ": note: if it is a playlist, say of which kind with --kind\n";

@@ -24,7 +24,7 @@ struct Playlist {
 
 /// Reads the file ("-" for standard input) and parses it as the kind that was asked for, or else as the kind
 /// that its tags tell. Throws a Failure when it cannot be read, or is rejected: then with all errors, as
-/// "file:line:column: error: message [rule]".
+/// "file:line: error: message [rule]".
 [[nodiscard]] Playlist readPlaylist(const std::string& path, PlaylistKind askedKind);
 
 /// The playlist's clean text.

@@ -17,9 +17,9 @@
 #include "tool/OutputFile.h"
 #include "tool/Playlist.h"
 #include "tool/PlaylistKind.h"
-#include "tool/SelfDescription.h"
 #include "tool/Printable.h"
 #include "tool/RulePages.h"
+#include "tool/SelfDescription.h"
 
 namespace {
 
