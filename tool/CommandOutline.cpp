@@ -21,6 +21,13 @@ std::vector<std::string> choicesIn(const std::string& typeName) {
     return choices;
 }
 
+/// "TEXT" of "TEXT" and of "TEXT:{auto,master}", and "RULE" of "TEXT:RULE".
+std::string valueNameIn(const std::string& typeName) {
+    const std::size_t colon = typeName.find(':');
+    if (colon == std::string::npos || typeName[colon + 1] == '{') return typeName.substr(0, colon);
+    return typeName.substr(colon + 1);
+}
+
 OptionOutline outlineOf(const CLI::Option& option) {
     OptionOutline outline;
     for (const std::string& name : option.get_snames())
@@ -32,8 +39,8 @@ OptionOutline outlineOf(const CLI::Option& option) {
     outline.takesValue = option.get_items_expected_max() > 0;
     outline.repeats = option.get_items_expected_max() > 1;
     const std::string typeName = option.get_type_name();
-    outline.valueName = typeName.substr(0, typeName.find(':'));
     outline.choices = choicesIn(typeName);
+    outline.valueName = valueNameIn(typeName);
     outline.defaultValue = option.get_default_str();
     outline.description = option.get_description();
     return outline;

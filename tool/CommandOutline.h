@@ -16,13 +16,15 @@ struct OptionOutline {
     bool isArgument = false;         ///< it stands for itself, behind no name
     bool takesValue = false;
     bool repeats = false;              ///< it takes any number of values
-    std::string valueName;             ///< what the help shows for the value: "TEXT"
+    std::string valueName;             ///< what the help calls the value: "TEXT", "RULE"
     std::vector<std::string> choices;  ///< the only values it takes; empty when there is no such list
     std::string defaultValue;
     std::string description;
 
-    /// A value that is a text without a list of choices is completed as a file.
-    [[nodiscard]] bool takesFile() const { return takesValue && choices.empty() && valueName == "TEXT"; }
+    /// A text without a list of choices and without a name of its own is completed as a file.
+    [[nodiscard]] bool takesFile() const {
+        return takesValue && choices.empty() && valueName == "TEXT" && (!isArgument || names[0] == "FILE");
+    }
 };
 
 /// A command or subcommand.
