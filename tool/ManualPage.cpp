@@ -98,8 +98,7 @@ std::string manualPage(const CommandOutline& command, const std::string& version
         << " reads playlists of HTTP Live Streaming (M3U8, RFC 8216), master playlists and media\n"
         << "playlists alike. Without a file, or with " << bold("-") << ", it reads standard input.\n"
         << "A playlist that is rejected is told of on standard error as\n"
-        << italic("file") << ":" << italic("line") << ":" << italic("column")
-        << ": error: " << italic("reason")
+        << italic("file") << ":" << italic("line") << ": error: " << italic("reason")
         << ".\nAn output file is replaced wholly or not at all.\n.SH COMMANDS\n";
     for (const CommandOutline& subcommand : command.subcommands) {
         out << ".SS " << roff(command.name + " " + subcommand.name) << "\n"
