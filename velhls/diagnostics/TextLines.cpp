@@ -15,8 +15,10 @@ TextLines::TextLines(std::string_view text) : text_(text) {
 }
 
 std::string_view TextLines::line(std::size_t number) const {
-    const std::string_view rest = text_.substr(starts_[std::min(number, count()) - 1]);
-    return rest.substr(0, rest.find('\n'));
+    const std::size_t index = std::min(number, count()) - 1;
+    const std::string_view rest = text_.substr(starts_[index]);
+    if (index + 1 < count()) return rest.substr(0, starts_[index + 1] - starts_[index] - 1);
+    return !rest.empty() && rest.back() == '\n' ? rest.substr(0, rest.size() - 1) : rest;
 }
 
 }  // namespace velhls
