@@ -153,14 +153,15 @@ void FindingRecorder::converting(std::string_view number, NumberForm form, std::
         if (read) report(Rule::numberNotDecimal, where, quoted(number) + ", read as " + *read);
     }
     converted_ = number;
-    convertedAt_ = where;
+    // Found now: the exception leaves what it is thrown in first.
+    convertedAt_ = placeOf(where);
 }
 
 void FindingRecorder::conversionFailed(Rule rule) {
     // Where none was under way the reader has told why it would throw.
     if (converted_.data() == nullptr) return;
     noteRejection(rule);
-    findings_.add(rule, placeOf(convertedAt_), converted_.empty() ? "nothing" : quoted(converted_));
+    findings_.add(rule, convertedAt_, converted_.empty() ? "nothing" : quoted(converted_));
     converted_ = {};
 }
 

@@ -81,7 +81,7 @@ class FindingRecorder final : public Recorder {
     std::unordered_map<const void*, Place> records_;
     /// What is being converted, and where it was given.
     std::string_view converted_;
-    std::string_view convertedAt_;
+    Place convertedAt_;
     Source source_ = Source::playlist;
     std::string_view body_;
     std::vector<std::size_t> bodyLineStarts_;

@@ -1,0 +1,144 @@
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "velhls/VELHLS.h"
+
+#include "tests/support/PlaylistText.h"
+
+namespace {
+
+using playlist::lines;
+
+/// "line:column+length rule" of each finding that weighs at least as much, with a space between.
+std::string found(const std::string& text, VELHLSDiagnostics::PlaylistKind kind = VELHLSDiagnostics::Detect,
+                  VELHLSFinding::Severity least = VELHLSFinding::Error) {
+    std::string list;
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, kind)) {
+        if (finding.severity < least) continue;
+        list += (list.empty() ? "" : " ") + std::to_string(finding.line) + ":" + std::to_string(finding.column) +
+                "+" + std::to_string(finding.length) + " " + finding.ruleId;
+    }
+    return list;
+}
+
+TEST(VELHLSDiagnostics, TellsWhatWasExpectedAndSeenAndTheSource) {
+    const auto findings =
+        VELHLSDiagnostics::check(lines({"#EXTM3U", "#EXT-X-STREAM-INF:CLOSED-CAPTIONS=NONE,BANDWIDTH=0", "a"}));
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[1].ruleId, "variant-bandwidth-zero");
+    EXPECT_EQ(findings[1].severity, VELHLSFinding::Error);
+    EXPECT_EQ(findings[1].message,
+              "EXT-X-STREAM-INF: BANDWIDTH: expected a BANDWIDTH above 0, seen \"0\"");
+    EXPECT_EQ(findings[1].source, "RFC 8216, section 4.3.4.2");
+    EXPECT_EQ(findings[1].suppressed, 0U);
+}
+
+TEST(VELHLSDiagnostics, GoesOnBehindWhatIsRejected) {
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=audio", "#EXT-X-STREAM-INF:BANDWIDTH=x", "a", "stray",
+                           "#EXT-X-ENDLIST", "#EXT-X-STREAM-INF:BANDWIDTH=1", "b"})),
+              "2:19+5 rendition-type-unknown 3:29+1 number-missing 5:1+5 uri-without-tag "
+              "6:2+13 master-bare-tag-unknown");
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-TARGETDURATION:x", "#EXTINF:y,", "#EXT-X-BYTERANGE:z", "first.ts",
+                           "#EXTINF:6,", "0.ts", "#EXTINF:6,"})),
+              "2:23+1 target-duration-malformed 3:9+1 number-missing 4:18+1 byte-range-malformed "
+              "7:1+4 segment-uri-too-short 8:2+6 segment-uri-missing");
+}
+
+TEST(VELHLSDiagnostics, LeavesOutWhatFollowsFromAnEarlierError) {
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=0", "a"})), "2:29+1 variant-bandwidth-zero");
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\"",
+                           "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"a\"", "a"})),
+              "2:2+11 rendition-name-missing");
+}
+
+TEST(VELHLSDiagnostics, PutsErrorsBetweenRecordsBehindThoseOfReading) {
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"a\"", "a", "stray"})),
+              "4:1+5 uri-without-tag 2:38+1 group-missing");
+}
+
+TEST(VELHLSDiagnostics, TellsEachGroupOnceWhatItLacks) {
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"1\"",
+                           "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"2\"",
+                           "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"b\",NAME=\"3\"",
+                           "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"c\",NAME=\"1\"", "#EXT-X-STREAM-INF:BANDWIDTH=1",
+                           "a"})),
+              "4:35+1 group-rendition-missing 5:35+1 group-rendition-missing");
+}
+
+TEST(VELHLSDiagnostics, CountsColumnsInTheTextWithItsCarriageReturns) {
+    EXPECT_EQ(found("#EXTM3U\r\n#EXT-X-STREAM-INF:BAND\rWIDTH=0\r\na\r\n"), "2:30+1 variant-bandwidth-zero");
+}
+
+TEST(VELHLSDiagnostics, PlacesErrorsOfExpandedPatternsInTheirBodies) {
+    EXPECT_EQ(found(lines({"#EXTM3U", "#ZOR-PATTERN_START:p", "#EXTINF:6,", "first.ts", "#EXTINF:0,", "second.ts",
+                           "#ZOR-PATTERN_REPEAT:p,3"})),
+              "5:9+1 segment-duration-zero");
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"x\"", "#ZOR-PATTERN_START:p", "#EXTINF:6,",
+                           "{$n}.ts", "#ZOR-PATTERN_END:p", "#ZOR-PATTERN_REPEAT:p,1"})),
+              "5:1+7 segment-uri-too-short");
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"x\"", "#ZOR-PATTERN_START:p", "#EXTINF:6,",
+                           "first{$n}.ts", "#ZOR-DEFINE_INCREMENT:n,1", "#ZOR-PATTERN_REPEAT:p,1"})),
+              "6:1+25 number-missing");
+}
+
+TEST(VELHLSDiagnostics, TellsOfARepeatedLineOnce) {
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#ZOR-PATTERN_START:p", "#EXTINF:7,Title",
+                           "first.ts", "#ZOR-PATTERN_REPEAT:p,50"}),
+                    VELHLSDiagnostics::Media, VELHLSFinding::Warning),
+              "3:2+17 pattern-not-written 4:9+1 target-duration-too-small 4:11+5 segment-title-gains-comma");
+}
+
+TEST(VELHLSDiagnostics, ListsABoundedNumberOfEachRule) {
+    std::string text = "#EXTM3U\n";
+    for (int count = 0; count < 5000; ++count)
+        text += "stray\n#EXT-X-ENDLIST\n";
+    const auto findings = VELHLSDiagnostics::check(text, VELHLSDiagnostics::Master);
+    std::map<std::string, std::size_t> listed;
+    std::map<std::string, std::size_t> suppressed;
+    for (const VELHLSFinding& finding : findings) {
+        ++listed[finding.ruleId];
+        suppressed[finding.ruleId] += finding.suppressed;
+    }
+    EXPECT_EQ(listed["uri-without-tag"], VELHLSDiagnostics::maximumFindingsPerRule);
+    EXPECT_EQ(suppressed["uri-without-tag"], 5000 - VELHLSDiagnostics::maximumFindingsPerRule);
+    EXPECT_EQ(suppressed["master-bare-tag-unknown"], 5000 - VELHLSDiagnostics::maximumFindingsPerRule);
+}
+
+TEST(VELHLSDiagnostics, ShortensWhatItQuotes) {
+    const std::string longName(100000, 'x');
+    for (const VELHLSFinding& finding :
+         VELHLSDiagnostics::check("#EXTM3U\n" + longName + "\n", VELHLSDiagnostics::Master)) {
+        EXPECT_LT(finding.message.size(), 300U) << finding.ruleId;
+    }
+}
+
+TEST(VELHLSDiagnostics, ReadsWhatIsLeftOfAStream) {
+    std::istringstream input("stray\n#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=0\na\n");
+    std::string first;
+    std::getline(input, first);
+    const auto findings = VELHLSDiagnostics::check(input);
+    EXPECT_EQ(findings.back().ruleId, "variant-bandwidth-zero");
+    EXPECT_EQ(findings.back().line, 2U);
+    EXPECT_EQ(found("", VELHLSDiagnostics::Master), "1:1+0 variants-missing");
+    EXPECT_EQ(VELHLSDiagnostics::check(input, VELHLSDiagnostics::Master).size(), 3U);
+}
+
+TEST(VELHLSDiagnostics, DetectsTheKindByTheTags) {
+    const auto kindOf = [](const std::string& text) {
+        const auto detection = VELHLSDiagnostics::detectKind(text);
+        return detection ? detection->tag + " in " + std::to_string(detection->line) : "none";
+    };
+    EXPECT_EQ(kindOf("#EXTM3U\r\n#EXT-X-ENDLIST\r\n"), "EXT-X-ENDLIST in 2");
+    EXPECT_EQ(kindOf("#EXTINF:4,\na\n#EXT-X-STREAM-INF:BANDWIDTH=1\nb\n"), "EXT-X-STREAM-INF in 3");
+    EXPECT_EQ(kindOf("#EXTINF:4,\na\n"), "EXTINF in 1");
+    EXPECT_EQ(kindOf("#EXTM3U\n#EXTINF:-1,\na\n"), "none");
+    EXPECT_EQ(kindOf("#EXT-X-VERSION:3\n#EXTINF:-1,\na\n"), "EXTINF in 2");
+    EXPECT_EQ(kindOf("#EXTM3U\n"), "none");
+    EXPECT_EQ(kindOf(""), "none");
+}
+
+}  // namespace
