@@ -88,7 +88,8 @@ void expectTheSameFromEveryBuffer(const std::string& text, Parse parse) {
     Hidden hidden(text);
     std::istream hiddenInput(&hidden);
     EXPECT_EQ(outcomeOf(hiddenInput, parse), expected) << text;
-    for (const std::size_t size : {1, 2, 3, 7, 16, 64, 1000, 1030}) {
+    constexpr std::size_t sizes[] = {1, 2, 3, 7, 16, 64, 1000, 1030};
+    for (const std::size_t size : sizes) {
         PieceByPiece pieces(text, size);
         std::istream input(&pieces);
         EXPECT_EQ(outcomeOf(input, parse), expected) << "pieces of " << size << ":\n" << text;

@@ -1344,7 +1344,8 @@ TEST(VELHLSMediaStreamParse, EachSegmentLivesAsLongAsItIsHeld) {
 }
 
 TEST(VELHLSMediaStreamParse, SegmentsMayBeReleasedInAnyOrderFromAnyThread) {
-    for (const std::size_t count : {1, 2, 4, 5, 12, 63, 64, 65, 1000}) {
+    constexpr std::size_t counts[] = {1, 2, 4, 5, 12, 63, 64, 65, 1000};
+    for (const std::size_t count : counts) {
         Stream stream = streamOfSegments(count);
         ASSERT_NE(stream, nullptr);
         auto segments = std::move(stream->segments);
