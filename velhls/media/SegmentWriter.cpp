@@ -43,8 +43,9 @@ bool SegmentWriter::isValid(const VELHLSMediaSegment& segment) {
 }
 
 void SegmentWriter::write(TextBuffer& out, const VELHLSMediaSegment& segment, bool writeKey, bool writeMap) {
-    std::string_view keyLine;
-    std::string_view mapLine;
+    // Empty, and not null: memcpy takes no null.
+    std::string_view keyLine = "";
+    std::string_view mapLine = "";
     if (segment.protectionData != nullptr && writeKey) {
         keyLine = lineOf(*segment.protectionData, writtenKey_, keyLine_);
     }
