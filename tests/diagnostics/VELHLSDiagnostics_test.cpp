@@ -19,37 +19,37 @@ std::string found(const std::string& text, VELHLSDiagnostics::PlaylistKind kind 
     std::string list;
     for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, kind)) {
         if (finding.severity < least) continue;
-        list += (list.empty() ? "" : " ") + std::to_string(finding.line) + ":" + std::to_string(finding.column) +
-                "+" + std::to_string(finding.length) + " " + finding.ruleId;
+        list += (list.empty() ? "" : " ") + std::to_string(finding.line) + ":" +
+                std::to_string(finding.column) + "+" + std::to_string(finding.length) + " " + finding.ruleId;
     }
     return list;
 }
 
 TEST(VELHLSDiagnostics, TellsWhatWasExpectedAndSeenAndTheSource) {
-    const auto findings =
-        VELHLSDiagnostics::check(lines({"#EXTM3U", "#EXT-X-STREAM-INF:CLOSED-CAPTIONS=NONE,BANDWIDTH=0", "a"}));
+    const auto findings = VELHLSDiagnostics::check(
+        lines({"#EXTM3U", "#EXT-X-STREAM-INF:CLOSED-CAPTIONS=NONE,BANDWIDTH=0", "a"}));
     ASSERT_EQ(findings.size(), 2U);
     EXPECT_EQ(findings[1].ruleId, "variant-bandwidth-zero");
     EXPECT_EQ(findings[1].severity, VELHLSFinding::Error);
-    EXPECT_EQ(findings[1].message,
-              "EXT-X-STREAM-INF: BANDWIDTH: expected a BANDWIDTH above 0, seen \"0\"");
+    EXPECT_EQ(findings[1].message, "EXT-X-STREAM-INF: BANDWIDTH: expected a BANDWIDTH above 0, seen \"0\"");
     EXPECT_EQ(findings[1].source, "RFC 8216, section 4.3.4.2");
     EXPECT_EQ(findings[1].suppressed, 0U);
 }
 
 TEST(VELHLSDiagnostics, GoesOnBehindWhatIsRejected) {
-    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=audio", "#EXT-X-STREAM-INF:BANDWIDTH=x", "a", "stray",
-                           "#EXT-X-ENDLIST", "#EXT-X-STREAM-INF:BANDWIDTH=1", "b"})),
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=audio", "#EXT-X-STREAM-INF:BANDWIDTH=x", "a",
+                           "stray", "#EXT-X-ENDLIST", "#EXT-X-STREAM-INF:BANDWIDTH=1", "b"})),
               "2:19+5 rendition-type-unknown 3:29+1 number-missing 5:1+5 uri-without-tag "
               "6:2+13 master-bare-tag-unknown");
-    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-TARGETDURATION:x", "#EXTINF:y,", "#EXT-X-BYTERANGE:z", "first.ts",
-                           "#EXTINF:6,", "0.ts", "#EXTINF:6,"})),
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-TARGETDURATION:x", "#EXTINF:y,", "#EXT-X-BYTERANGE:z",
+                           "first.ts", "#EXTINF:6,", "0.ts", "#EXTINF:6,"})),
               "2:23+1 target-duration-malformed 3:9+1 number-missing 4:18+1 byte-range-malformed "
               "7:1+4 segment-uri-too-short 8:2+6 segment-uri-missing");
 }
 
 TEST(VELHLSDiagnostics, LeavesOutWhatFollowsFromAnEarlierError) {
-    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=0", "a"})), "2:29+1 variant-bandwidth-zero");
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=0", "a"})),
+              "2:29+1 variant-bandwidth-zero");
     EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\"",
                            "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"a\"", "a"})),
               "2:2+11 rendition-name-missing");
@@ -64,8 +64,8 @@ TEST(VELHLSDiagnostics, TellsEachGroupOnceWhatItLacks) {
     EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"1\"",
                            "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"2\"",
                            "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"b\",NAME=\"3\"",
-                           "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"c\",NAME=\"1\"", "#EXT-X-STREAM-INF:BANDWIDTH=1",
-                           "a"})),
+                           "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"c\",NAME=\"1\"",
+                           "#EXT-X-STREAM-INF:BANDWIDTH=1", "a"})),
               "4:35+1 group-rendition-missing 5:35+1 group-rendition-missing");
 }
 
@@ -74,15 +74,16 @@ TEST(VELHLSDiagnostics, CountsColumnsInTheTextWithItsCarriageReturns) {
 }
 
 TEST(VELHLSDiagnostics, PlacesErrorsOfExpandedPatternsInTheirBodies) {
-    EXPECT_EQ(found(lines({"#EXTM3U", "#ZOR-PATTERN_START:p", "#EXTINF:6,", "first.ts", "#EXTINF:0,", "second.ts",
-                           "#ZOR-PATTERN_REPEAT:p,3"})),
+    EXPECT_EQ(found(lines({"#EXTM3U", "#ZOR-PATTERN_START:p", "#EXTINF:6,", "first.ts", "#EXTINF:0,",
+                           "second.ts", "#ZOR-PATTERN_REPEAT:p,3"})),
               "5:9+1 segment-duration-zero");
-    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"x\"", "#ZOR-PATTERN_START:p", "#EXTINF:6,",
-                           "{$n}.ts", "#ZOR-PATTERN_END:p", "#ZOR-PATTERN_REPEAT:p,1"})),
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"x\"", "#ZOR-PATTERN_START:p",
+                           "#EXTINF:6,", "{$n}.ts", "#ZOR-PATTERN_END:p", "#ZOR-PATTERN_REPEAT:p,1"})),
               "5:1+7 segment-uri-too-short");
-    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"x\"", "#ZOR-PATTERN_START:p", "#EXTINF:6,",
-                           "first{$n}.ts", "#ZOR-DEFINE_INCREMENT:n,1", "#ZOR-PATTERN_REPEAT:p,1"})),
-              "6:1+25 number-missing");
+    EXPECT_EQ(
+        found(lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"x\"", "#ZOR-PATTERN_START:p", "#EXTINF:6,",
+                     "first{$n}.ts", "#ZOR-DEFINE_INCREMENT:n,1", "#ZOR-PATTERN_REPEAT:p,1"})),
+        "6:1+25 number-missing");
 }
 
 TEST(VELHLSDiagnostics, TellsOfARepeatedLineOnce) {
