@@ -152,7 +152,7 @@ bool isUsualZone(std::string_view zone) {
            digitsAt(zone, 1, 2) >= 0 && digitsAt(zone, 4, 2) >= 0;
 }
 
-std::optional<UsualForm> readUsualForm(std::string_view text) {
+inline std::optional<UsualForm> readUsualForm(std::string_view text) {
     constexpr std::size_t secondsStart = 17;
     if (text.size() <= secondsStart) return std::nullopt;
     const bool isSeparated =
@@ -173,7 +173,7 @@ std::optional<UsualForm> readUsualForm(std::string_view text) {
 }
 
 /// The date and time with its seconds, or the value for none. The text is what both were read from.
-double timestampOf(std::string_view text, CivilTime time, double seconds, Recorder* recorder) {
+inline double timestampOf(std::string_view text, CivilTime time, double seconds, Recorder* recorder) {
     const std::optional<std::int32_t> whole = wholeSeconds(seconds);
     if (!whole) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
     time.second = *whole;
