@@ -23,11 +23,10 @@ constexpr std::int64_t daysToEpoch = 719468;
 constexpr std::int64_t daysToFirstOf(std::int64_t year, std::int64_t month) {
     const std::int64_t marchYear = month <= 2 ? year - 1 : year;
     const std::int64_t monthFromMarch = month <= 2 ? month + 9 : month - 3;
-    const std::int64_t era = floorDivide(marchYear, 400);
-    const std::int64_t yearOfEra = marchYear - era * 400;
+    const std::int64_t leapDays =
+        floorDivide(marchYear, 4) - floorDivide(marchYear, 100) + floorDivide(marchYear, 400);
     const std::int64_t dayOfYear = (153 * monthFromMarch + 2) / 5;
-    const std::int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-    return era * daysOfFourCenturies + dayOfEra - daysToEpoch;
+    return marchYear * 365 + leapDays + dayOfYear - daysToEpoch;
 }
 
 constexpr std::int64_t firstSecond = daysToFirstOf(firstYear, 1) * secondsOfDay;

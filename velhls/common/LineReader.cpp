@@ -1,7 +1,6 @@
 #include "velhls/common/LineReader.h"
 
 #include <algorithm>
-#include <cstring>
 #include <streambuf>
 
 namespace velhls {
@@ -25,48 +24,59 @@ const char* find(const char* begin, const char* end, char wanted) {
 
 }  // namespace
 
-std::string_view LineReader::nextRaw() {
-    if (const std::optional<std::string_view> line = lineInGetArea()) return *line;
+LineReader::LineReader(std::istream& input) : input_(input), lineFeed_(input.widen('\n')) {
+    borrowGetArea();
+}
+
+void LineReader::borrowGetArea() {
+    // A tied stream is flushed before each line is read: that is left to std::getline.
+    if (!input_.good() || input_.tie() != nullptr) return;
+    const std::streambuf& buffer = *input_.rdbuf();
+    if (GetArea::begin(buffer) == GetArea::end(buffer)) return;
+    position_ = GetArea::begin(buffer);
+    areaEnd_ = GetArea::end(buffer);
+    borrowed_ = true;
+}
+
+void LineReader::returnGetArea() {
+    if (!borrowed_) return;
+    GetArea::moveTo(*input_.rdbuf(), position_);
+    borrowed_ = false;
+    position_ = "";
+    areaEnd_ = position_;
     clearEnd_ = nullptr;
-    getAreaEnd_ = nullptr;
+}
+
+std::string_view LineReader::nextThroughStream() {
+    returnGetArea();
     // std::getline leaves the string alone when the stream is not good on entry.
     line_.clear();
     std::getline(input_, line_, lineFeed_);
+    borrowGetArea();
     return line_;
 }
 
-std::optional<std::string_view> LineReader::lineInGetArea() {
-    // A tied stream is flushed before each line is read: that is left to std::getline.
-    if (!input_.good() || input_.tie() != nullptr) return std::nullopt;
-    std::streambuf& buffer = *input_.rdbuf();
-    const char* const begin = GetArea::begin(buffer);
-    const char* const areaEnd = GetArea::end(buffer);
-    if (begin == areaEnd) return std::nullopt;
-    const char* const lineEnd = find(begin, areaEnd, lineFeed_);
-    if (lineEnd == nullptr) return std::nullopt;
-    GetArea::moveTo(buffer, lineEnd + 1);
-    getAreaEnd_ = areaEnd;
-    return std::string_view(begin, static_cast<std::size_t>(lineEnd - begin));
-}
-
-std::string_view LineReader::next() {
-    const std::string_view line = nextRaw();
-    if (!holdsCarriageReturn(line)) return line;
+std::string_view LineReader::withoutCarriageReturns(std::string_view line) {
+    const char* const carriageReturn = firstCarriageReturn(line);
+    if (carriageReturn == nullptr) return line;
+    const auto position = static_cast<std::size_t>(carriageReturn - line.data());
+    // The one at the end of each line, in playlists that have them, costs no copy.
+    if (position + 1 == line.size()) return line.substr(0, position);
     if (line.data() != line_.data()) line_ = line;
     line_.erase(std::remove(line_.begin(), line_.end(), '\r'), line_.end());
     return line_;
 }
 
-bool LineReader::holdsCarriageReturn(std::string_view line) {
+const char* LineReader::firstCarriageReturn(std::string_view line) {
     constexpr std::ptrdiff_t lookAhead = 1024;
     const char* const lineEnd = line.data() + line.size();
-    if (getAreaEnd_ == nullptr) return line.find('\r') != std::string_view::npos;
-    if (clearEnd_ != nullptr && lineEnd <= clearEnd_) return false;
+    const bool inGetArea = line.data() != line_.data();
+    if (!inGetArea) return find(line.data(), lineEnd, '\r');
     const char* const start = clearEnd_ == nullptr ? line.data() : std::max(line.data(), clearEnd_);
-    const char* const end = lineEnd + std::min(lookAhead, getAreaEnd_ - lineEnd);
+    const char* const end = lineEnd + std::min(lookAhead, areaEnd_ - lineEnd);
     const char* const carriageReturn = find(start, end, '\r');
     clearEnd_ = carriageReturn == nullptr ? end : carriageReturn;
-    return carriageReturn != nullptr && carriageReturn < lineEnd;
+    return carriageReturn != nullptr && carriageReturn < lineEnd ? carriageReturn : nullptr;
 }
 
 }  // namespace velhls

@@ -1,45 +1,76 @@
 // Internal to the library, not installed: the one place where lines are read from a stream.
 #pragma once
 
+#include <cstring>
 #include <istream>
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace velhls {
 
 /// Reads lines as std::getline does: up to the stream's own line feed, which is dropped; the last line of the
-/// input may lack it. The stream's state after each line, and what is left unread, are what std::getline
-/// leaves.
+/// input may lack it.
 ///
 /// A line comes back as a view, good until the next one is read. Where a stream buffer shows a whole line in
 /// its get area, as string and file streams nearly always do, the view looks right into it and nothing is
 /// copied: that is most of the speed of reading. Everything else goes through std::getline.
+///
+/// While the reader lives the stream is its own. When it goes, also by an exception, the stream's state and what
+/// is left unread are what std::getline would have left.
 class LineReader {
   public:
-    explicit LineReader(std::istream& input) : input_(input), lineFeed_(input.widen('\n')) {}
+    explicit LineReader(std::istream& input);
+    ~LineReader() { returnGetArea(); }
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
 
     /// The next line as it stands; empty when nothing is left or the stream was not good.
-    [[nodiscard]] std::string_view nextRaw();
+    [[nodiscard]] std::string_view nextRaw() {
+        const char* const lineEnd = nextLineFeed();
+        return lineEnd != nullptr ? takeUpTo(lineEnd) : nextThroughStream();
+    }
 
     /// The same, and removes every carriage return from the line, wherever it stands.
-    [[nodiscard]] std::string_view next();
+    [[nodiscard]] std::string_view next() {
+        const char* const lineEnd = nextLineFeed();
+        if (lineEnd != nullptr && lineEnd <= clearEnd_) return takeUpTo(lineEnd);
+        return withoutCarriageReturns(lineEnd != nullptr ? takeUpTo(lineEnd) : nextThroughStream());
+    }
 
     /// False once the stream has any state bit set.
     [[nodiscard]] bool good() const { return input_.good(); }
 
   private:
-    [[nodiscard]] std::optional<std::string_view> lineInGetArea();
-    [[nodiscard]] bool holdsCarriageReturn(std::string_view line);
+    void borrowGetArea();
+    void returnGetArea();
+    [[nodiscard]] std::string_view nextThroughStream();
+    [[nodiscard]] std::string_view withoutCarriageReturns(std::string_view line);
+    [[nodiscard]] const char* firstCarriageReturn(std::string_view line);
+
+    /// The end of the next line, where the get area shows it.
+    [[nodiscard]] const char* nextLineFeed() const {
+        const auto left = static_cast<std::size_t>(areaEnd_ - position_);
+        return static_cast<const char*>(std::memchr(position_, lineFeed_, left));
+    }
+
+    [[nodiscard]] std::string_view takeUpTo(const char* lineEnd) {
+        const std::string_view line(position_, static_cast<std::size_t>(lineEnd - position_));
+        position_ = lineEnd + 1;
+        return line;
+    }
 
     std::istream& input_;
     char lineFeed_;
+    /// The unread part of the stream's get area, which the stream itself is not told of line by line. Empty, and
+    /// not borrowed, when there is none to be seen.
+    const char* position_ = "";
+    const char* areaEnd_ = position_;
+    bool borrowed_ = false;
+    /// The part of the get area that is known to hold no carriage return: from the last line on up to here. Most
+    /// playlists hold none, so looking ahead in one go saves a search in every line.
+    const char* clearEnd_ = nullptr;
     /// Holds the lines that cannot be views.
     std::string line_;
-    /// The part of the get area that is known to hold no carriage return: from the last line on up to
-    /// `clearEnd_`. Most playlists hold none, so looking ahead in one go saves a search in every line.
-    const char* clearEnd_ = nullptr;
-    const char* getAreaEnd_ = nullptr;
 };
 
 }  // namespace velhls

@@ -6,7 +6,6 @@
 #include <limits>
 #include <locale.h>
 #include <new>
-#include <optional>
 #include <stdexcept>
 #include <stdlib.h>
 #include <system_error>
@@ -46,21 +45,29 @@ std::string_view withoutSpaceAndPlus(std::string_view text) {
     return text;
 }
 
-/// The number that nothing but digits make, so few of them that the type holds every one.
-template <typename Integer>
-std::optional<Integer> plainInteger(std::string_view text) {
-    if (text.empty() || text.size() > std::numeric_limits<Integer>::digits10) return std::nullopt;
-    Integer number = 0;
-    for (const char character : text) {
-        if (!isDigit(character)) return std::nullopt;
-        number = number * 10 + (character - '0');
+/// Goes on with a number over the digits from a position on, and returns where they end. Of more than 19 digits the
+/// number is worth nothing.
+const char* takeDigits(const char* position, const char* end, std::uint64_t& number) {
+    for (; position < end; ++position) {
+        const auto digit = static_cast<std::uint32_t>(*position - '0');
+        if (digit > 9) break;
+        number = number * 10 + digit;
     }
-    return number;
+    return position;
 }
+
+/// A double holds so many digits exactly, and the power of ten that they are divided by.
+constexpr std::size_t mostExactDigits = 15;
+constexpr std::array<double, mostExactDigits + 1> powersOfTen = {
+    1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 template <typename Integer>
 Integer toInteger(std::string_view text) {
-    if (const std::optional<Integer> number = plainInteger<Integer>(text)) return *number;
+    const LeadingNumber<std::int64_t> plain = leadingInteger(text);
+    const bool isPlain = plain.length == text.size() && plain.length > 0;
+    if (isPlain && plain.length <= std::numeric_limits<Integer>::digits10) {
+        return static_cast<Integer>(plain.number);
+    }
     const std::string_view digits = withoutSpaceAndPlus(text);
     Integer number = 0;
     const std::from_chars_result result =
@@ -85,31 +92,6 @@ class ClassicLocale {
   private:
     locale_t locale_;
 };
-
-/// Reads nothing but digits and at most one point, 15 digits at most: that many, and the power of ten that
-/// they are divided by, are exact as doubles, so that the quotient is rounded once, as strtod rounds it.
-std::optional<double> plainDecimal(std::string_view text) {
-    constexpr std::size_t mostDigits = 15;
-    constexpr std::array<double, mostDigits + 1> powersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                                1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    if (text.size() > mostDigits + 1) return std::nullopt;
-    std::int64_t digits = 0;
-    std::size_t pointPosition = text.size();
-    for (std::size_t position = 0; position < text.size(); ++position) {
-        if (isDigit(text[position])) {
-            digits = digits * 10 + (text[position] - '0');
-        } else if (text[position] == '.' && pointPosition == text.size()) {
-            pointPosition = position;
-        } else {
-            return std::nullopt;
-        }
-    }
-    const bool hasPoint = pointPosition < text.size();
-    const std::size_t digitCount = text.size() - (hasPoint ? 1 : 0);
-    if (digitCount == 0 || digitCount > mostDigits) return std::nullopt;
-    const std::size_t decimals = hasPoint ? digitCount - pointPosition : 0;
-    return static_cast<double>(digits) / powersOfTen[decimals];
-}
 
 template <typename Integer>
 void appendInteger(std::string& out, Integer number) {
@@ -158,6 +140,34 @@ char* putWithDecimals(char* to, double number) {
 
 }  // namespace
 
+LeadingNumber<double> leadingDecimal(std::string_view text) {
+    const char* const begin = text.data();
+    const char* const textEnd = begin + text.size();
+    std::uint64_t number = 0;
+    const char* end = takeDigits(begin, textEnd, number);
+    auto digitCount = static_cast<std::size_t>(end - begin);
+    std::size_t decimals = 0;
+    if (end < textEnd && *end == '.') {
+        const char* const decimalsBegin = end + 1;
+        end = takeDigits(decimalsBegin, textEnd, number);
+        decimals = static_cast<std::size_t>(end - decimalsBegin);
+        digitCount += decimals;
+    }
+    if (digitCount == 0 || digitCount > mostExactDigits) return {};
+    // Both are exact, so that the quotient is rounded once, as strtod rounds it.
+    const double quotient = static_cast<double>(static_cast<std::int64_t>(number)) / powersOfTen[decimals];
+    return {quotient, static_cast<std::size_t>(end - begin)};
+}
+
+LeadingNumber<std::int64_t> leadingInteger(std::string_view text) {
+    constexpr std::size_t mostDigits = std::numeric_limits<std::int64_t>::digits10;
+    const char* const begin = text.data();
+    std::uint64_t number = 0;
+    const auto length = static_cast<std::size_t>(takeDigits(begin, begin + text.size(), number) - begin);
+    if (length > mostDigits) return {};
+    return {static_cast<std::int64_t>(number), length};
+}
+
 std::int32_t toInt32(std::string_view text) {
     return toInteger<std::int32_t>(text);
 }
@@ -171,7 +181,8 @@ std::uint64_t toInt64AsUnsigned(std::string_view text) {
 }
 
 double toDouble(std::string_view text) {
-    if (const std::optional<double> number = plainDecimal(text)) return *number;
+    const LeadingNumber<double> plain = leadingDecimal(text);
+    if (plain.length > 0 && plain.length == text.size()) return plain.number;
     const std::string terminated(text);
     const ClassicLocale classic;
     char* end = nullptr;

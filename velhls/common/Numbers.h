@@ -25,6 +25,23 @@ namespace velhls {
 /// std::stod: also exponents, hexadecimal floats, "inf" and "nan".
 [[nodiscard]] double toDouble(std::string_view text);
 
+/// A number at the start of a text, and how many characters of it are the number's: 0 when there is none.
+template <typename Number>
+struct LeadingNumber {
+    Number number = 0;
+    std::size_t length = 0;
+};
+
+/// The number that a text begins with when it is nothing but digits and at most one point, as most are: in one walk
+/// that also finds its end. None for all others, and for those of more digits than are exact.
+///
+/// What follows the number may be the rest of one that is not plain, such as an exponent: the caller must know
+/// that it is not.
+[[nodiscard]] LeadingNumber<double> leadingDecimal(std::string_view text);
+
+/// The same for digits only. No digit follows.
+[[nodiscard]] LeadingNumber<std::int64_t> leadingInteger(std::string_view text);
+
 void appendDecimal(std::string& out, std::int64_t number);
 void appendDecimal(std::string& out, std::uint64_t number);
 

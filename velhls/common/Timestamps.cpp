@@ -129,70 +129,63 @@ std::string dateText(const CivilTime& date) {
     return text;
 }
 
-/// The fields of a date and time as nearly all are written, "2026-11-21T10:00:05.250Z" or with an offset such
-/// as "+02:00" instead of the "Z": of the usual widths, with nothing behind them. Nothing for all others.
-struct UsualForm {
-    CivilTime time;
-    std::string_view seconds;
-};
-
-/// The number of so many digits from a position on; negative when not all of them are digits.
-std::int32_t digitsAt(std::string_view text, std::size_t position, std::size_t count) {
-    std::int32_t number = 0;
-    for (std::size_t index = position; index < position + count; ++index) {
-        if (!isDigit(text[index])) return -1;
-        number = number * 10 + (text[index] - '0');
-    }
-    return number;
+/// The number of two digits at a position; negative when they are not.
+std::int32_t twoDigitsAt(std::string_view text, std::size_t position) {
+    const auto tens = static_cast<std::uint32_t>(text[position] - '0');
+    const auto ones = static_cast<std::uint32_t>(text[position + 1] - '0');
+    return tens <= 9 && ones <= 9 ? static_cast<std::int32_t>(tens * 10 + ones) : -1;
 }
 
 bool isUsualZone(std::string_view zone) {
-    if (zone == "Z") return true;
+    if (zone.size() == 1) return zone[0] == 'Z';
     return zone.size() == 6 && (zone[0] == '+' || zone[0] == '-') && zone[3] == ':' &&
-           digitsAt(zone, 1, 2) >= 0 && digitsAt(zone, 4, 2) >= 0;
+           twoDigitsAt(zone, 1) >= 0 && twoDigitsAt(zone, 4) >= 0;
 }
 
-inline std::optional<UsualForm> readUsualForm(std::string_view text) {
-    constexpr std::size_t secondsStart = 17;
-    if (text.size() <= secondsStart) return std::nullopt;
-    const bool isSeparated =
-        text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' && text[16] == ':';
-    if (!isSeparated || !isDigit(text[secondsStart])) return std::nullopt;
-    const std::array<std::int32_t, 5> fields = {digitsAt(text, 0, 4), digitsAt(text, 5, 2),
-                                                digitsAt(text, 8, 2), digitsAt(text, 11, 2),
-                                                digitsAt(text, 14, 2)};
-    for (const std::int32_t field : fields) {
-        if (field < 0) return std::nullopt;
+/// The pieces of a date and time as nearly all are written, "2026-11-21T10:00:05.250Z" or with an offset such as
+/// "+02:00" instead of the "Z": of the usual widths, with nothing behind them. The day is not looked at.
+struct UsualForm {
+    std::string_view day;
+    std::int32_t hour = 0;
+    std::int32_t minute = 0;
+    LeadingNumber<double> seconds;
+
+    static constexpr std::size_t dayLength = std::string_view("2026-11-21").size();
+    static constexpr std::size_t secondsStart = std::string_view("2026-11-21T10:00:").size();
+
+    /// Nothing for a text of any other form.
+    static std::optional<UsualForm> read(std::string_view text) {
+        if (text.size() <= secondsStart) return std::nullopt;
+        const bool isSeparated =
+            text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' && text[16] == ':';
+        if (!isSeparated || !isDigit(text[secondsStart])) return std::nullopt;
+        const std::string_view rest = text.substr(secondsStart);
+        const UsualForm usual{text.substr(0, dayLength), twoDigitsAt(text, 11), twoDigitsAt(text, 14),
+                              leadingDecimal(rest)};
+        const bool isUsual = usual.hour >= 0 && usual.minute >= 0 && usual.seconds.length > 0 &&
+                             isUsualZone(rest.substr(usual.seconds.length));
+        return isUsual ? std::optional(usual) : std::nullopt;
     }
-    std::size_t zone = secondsStart;
-    while (zone < text.size() && digitsAndPoint.holds(text[zone]))
-        ++zone;
-    if (!isUsualZone(text.substr(zone))) return std::nullopt;
-    return UsualForm{{fields[0], fields[1], fields[2], fields[3], fields[4], 0},
-                     text.substr(secondsStart, zone - secondsStart)};
-}
 
-/// The date and time with its seconds, or the value for none. The text is what both were read from.
-inline double timestampOf(std::string_view text, CivilTime time, double seconds, Recorder* recorder) {
-    const std::optional<std::int32_t> whole = wholeSeconds(seconds);
-    if (!whole) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
-    time.second = *whole;
-    const std::optional<std::int64_t> sinceEpoch = secondsSinceEpoch(time);
-    if (!sinceEpoch) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
-    const double result = (seconds - *whole) + static_cast<double>(*sinceEpoch);
+    [[nodiscard]] std::string_view secondsIn(std::string_view text) const {
+        return text.substr(secondsStart, seconds.length);
+    }
+};
+
+/// Seconds with their fraction behind a count of whole ones, or the value for none. The text is what both were read
+/// from.
+double timestampOf(std::string_view text, double seconds, std::int32_t wholeSeconds, std::int64_t sinceEpoch,
+                   Recorder* recorder) {
+    const double result = (seconds - wholeSeconds) + static_cast<double>(sinceEpoch);
     if (result < 0.0) tell(recorder, Rule::dateTimeBefore1970, text);
     return result;
 }
 
-}  // namespace
-
-double parseTimestamp(std::string_view text, Recorder* recorder) {
+/// Reads each field as a number, wherever its separators stand.
+double timestampByFields(std::string_view text, Recorder* recorder) {
     const auto field = [recorder](std::string_view piece) {
         return number(recorder, piece, NumberForm::any);
     };
-    if (const std::optional<UsualForm> usual = readUsualForm(text)) {
-        return timestampOf(text, usual->time, toDouble(field(usual->seconds)), recorder);
-    }
     const std::optional<Separators> at = findSeparators(text);
     if (!at) return rejectTimestamp(recorder, Rule::dateTimeMalformed, text);
     CivilTime time;
@@ -203,7 +196,42 @@ double parseTimestamp(std::string_view text, Recorder* recorder) {
     time.minute = toInt32(field(between(text, at->hourEnd, at->minuteEnd)));
     const double seconds = toDouble(field(between(text, at->minuteEnd, at->zone)));
     if (at->offsetHourEnd != none) readOffset(text, *at, recorder);
-    return timestampOf(text, time, seconds, recorder);
+    const std::optional<std::int32_t> whole = wholeSeconds(seconds);
+    if (!whole) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
+    time.second = *whole;
+    const std::optional<std::int64_t> sinceEpoch = secondsSinceEpoch(time);
+    if (!sinceEpoch) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
+    return timestampOf(text, seconds, *whole, *sinceEpoch, recorder);
+}
+
+}  // namespace
+
+double TimestampReader::read(std::string_view text, Recorder* recorder) {
+    const std::optional<UsualForm> usual = UsualForm::read(text);
+    if (!usual || !readDay(usual->day)) return timestampByFields(text, recorder);
+    const std::optional<std::int32_t> whole = wholeSeconds(usual->seconds.number);
+    if (!whole) return timestampByFields(text, recorder);
+    const std::int64_t sinceEpoch =
+        dayStart_ + std::int64_t{usual->hour} * 3600 + std::int64_t{usual->minute} * 60 + *whole;
+    return timestampOf(text, usual->seconds.number, *whole, sinceEpoch, recorder);
+}
+
+/// False when the day is none of four, two and two digits.
+bool TimestampReader::readDay(std::string_view day) {
+    if (day == std::string_view(day_.data(), day_.size())) return true;
+    const std::int32_t century = twoDigitsAt(day, 0);
+    const std::int32_t yearOfCentury = twoDigitsAt(day, 2);
+    const std::int32_t month = twoDigitsAt(day, 5);
+    const std::int32_t dayOfMonth = twoDigitsAt(day, 8);
+    if (century < 0 || yearOfCentury < 0 || month < 0 || dayOfMonth < 0) return false;
+    CivilTime time;
+    time.year = century * 100 + yearOfCentury;
+    time.month = month;
+    time.day = dayOfMonth;
+    // Years of four digits are all in the calendar.
+    dayStart_ = secondsSinceEpoch(time).value_or(0);
+    day.copy(day_.data(), day_.size());
+    return true;
 }
 
 void tellOfTimestamp(Recorder& recorder, std::string_view text, double seconds) {
@@ -211,14 +239,14 @@ void tellOfTimestamp(Recorder& recorder, std::string_view text, double seconds) 
     std::array<char, mostTimestampBytes> buffer;
     const char* const end = TimestampWriter().put(buffer.data(), seconds);
     const std::string_view written(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-    const std::optional<UsualForm> usual = readUsualForm(text);
+    const std::optional<UsualForm> usual = UsualForm::read(text);
     constexpr std::size_t minuteLength = std::string_view("2026-11-21T10:00").size();
-    if (!usual || !areSecondsOfTwoDigits(usual->seconds) ||
+    if (!usual || !areSecondsOfTwoDigits(usual->secondsIn(text)) ||
         text.substr(0, minuteLength) != written.substr(0, minuteLength)) {
         recorder.report(Rule::dateTimeNotIso8601, text, quoted(text) + ", read as " + std::string(written));
         return;
     }
-    const std::string_view zone = text.substr(minuteLength + 1 + usual->seconds.size());
+    const std::string_view zone = text.substr(minuteLength + 1 + usual->seconds.length);
     if (!holdsNone(zone, CharacterSet("123456789"))) {
         recorder.report(Rule::dateTimeOffsetNotApplied, zone, {});
     }

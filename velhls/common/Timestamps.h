@@ -1,6 +1,7 @@
 // Internal to the library, not installed: ISO 8601 dates and times.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -11,8 +12,25 @@
 
 namespace velhls {
 
+/// Reads the dates and times of segments that follow each other: most of them are of one day, whose first second is
+/// kept.
+class TimestampReader {
+  public:
+    /// See VELHLSUtility::parseTimestamp.
+    [[nodiscard]] double read(std::string_view text, Recorder* recorder);
+
+  private:
+    [[nodiscard]] bool readDay(std::string_view day);
+
+    /// "2026-11-21", and its first second. A text that is no date before any was read.
+    std::array<char, 10> day_ = {};
+    std::int64_t dayStart_ = 0;
+};
+
 /// See VELHLSUtility::parseTimestamp.
-[[nodiscard]] double parseTimestamp(std::string_view text, Recorder* recorder = nullptr);
+[[nodiscard]] inline double parseTimestamp(std::string_view text, Recorder* recorder = nullptr) {
+    return TimestampReader().read(text, recorder);
+}
 
 /// Tells of what was read otherwise than it was written, and of what writing does not keep.
 void tellOfTimestamp(Recorder& recorder, std::string_view text, double seconds);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -98,8 +99,7 @@ bool SegmentReader::gather(std::string_view firstLine) {
     std::string_view line = firstLine;
     while (takeLine(line)) {
         if (!uri_.empty()) return true;
-        takenLines_ += line;
-        takenLines_ += '\n';
+        keep(line);
         line = lines_.next();
         // A line that ends the input without a line feed is not looked at.
         if (!lines_.good()) return true;
@@ -118,14 +118,18 @@ bool SegmentReader::gatherRecorded(std::string_view firstLine) {
         allTaken = takeRecordedLine(line) && allTaken;
         if (openedPattern_) return false;
         if (!uri_.empty()) return allTaken;
-        takenLines_ += line;
-        takenLines_ += '\n';
+        keep(line);
         line = lines_.next();
         recorder_->lineRead(line);
         ++recorded_.linesTaken;
         recorded_.unreadLine = line;
         if (!lines_.good()) return allTaken;
     }
+}
+
+void SegmentReader::keep(std::string_view line) {
+    char* const end = put(takenLines_.room(line.size() + 1), line);
+    takenLines_.endAt(put(end, '\n'));
 }
 
 bool SegmentReader::takeRecordedLine(std::string_view line) {
@@ -144,8 +148,13 @@ bool SegmentReader::takeLine(std::string_view line) {
         uri_ = withoutTrailing(line, blanks);
         return true;
     }
+    // The tags that many segments have are told without looking for their colon.
     if (isTagLine(line, tag::extInf)) return takeDuration(line.substr(tagLength(tag::extInf)));
     if (!isStandardTag(line)) return takeVendorTagOrComment(line);
+    if (isTagLine(line, tag::byteRange)) return takeByteRange(line.substr(tagLength(tag::byteRange)));
+    if (isTagLine(line, tag::programDateTime)) {
+        return takeProgramDateTime(line.substr(tagLength(tag::programDateTime)));
+    }
     const TagLine tagLine(line);
     return tagLine.hasColon ? takeTag(tagLine, line) : takeBareTag(tagLine);
 }
@@ -166,7 +175,7 @@ bool SegmentReader::takeVendorTagOrComment(std::string_view line) {
         if (!TagLine(line).hasColon) return reject(recorder_, Rule::patternStartWithoutColon, line);
         openedPattern_ = true;
         if (recorder_ != nullptr) recorder_->patternBegins(recorded_.linesTaken);
-        pattern_ = readPattern(line, takenLines_, lines_, status_, recorder_);
+        pattern_ = readPattern(line, std::string(takenLines_.text()), lines_, status_, recorder_);
         return false;
     }
     if (isPatternTag(line)) {
@@ -194,10 +203,8 @@ bool SegmentReader::takeBareTag(const TagLine& tagLine) {
 }
 
 bool SegmentReader::takeTag(const TagLine& tagLine, std::string_view line) {
-    if (tagLine.name == tag::byteRange) return takeByteRange(tagLine.value);
     if (tagLine.name == tag::key) return takeKey(line);
     if (tagLine.name == tag::map) return takeMap(line);
-    if (tagLine.name == tag::programDateTime) return takeProgramDateTime(tagLine.value);
     if (tagLine.name == tag::define) return takeDefine(tagLine);
     if (tagLine.name == tag::cueOut) {
         tell(recorder_, Rule::cueNotWritten, tagLine.name);
@@ -213,12 +220,21 @@ bool SegmentReader::takeTag(const TagLine& tagLine, std::string_view line) {
 }
 
 bool SegmentReader::takeDuration(std::string_view value) {
-    const std::size_t comma = value.find(',');
-    if (comma == 0) return reject(recorder_, Rule::segmentDurationEmpty, value);
-    tags_.duration = toDouble(number(recorder_, value.substr(0, comma), NumberForm::decimal));
+    if (startsWith(value, ",")) return reject(recorder_, Rule::segmentDurationEmpty, value);
+    const std::size_t length = readDuration(value);
     // The title keeps its comma, and gets another one when it is written: both are part of the interface.
-    takeTitle(comma == std::string_view::npos ? std::string_view() : value.substr(comma));
+    takeTitle(value.substr(length));
     return true;
+}
+
+/// Reads the duration, and finds out where it ends: at the first comma or the end of the line.
+std::size_t SegmentReader::readDuration(std::string_view value) {
+    const LeadingNumber<double> plain = leadingDecimal(value);
+    const bool isAll = plain.length > 0 && (plain.length == value.size() || value[plain.length] == ',');
+    const std::size_t length = isAll ? plain.length : std::min(value.find(','), value.size());
+    const std::string_view text = number(recorder_, value.substr(0, length), NumberForm::decimal);
+    tags_.duration = isAll ? plain.number : toDouble(text);
+    return length;
 }
 
 /// Most titles are nothing but their comma, which is not worth a copy.
@@ -254,7 +270,7 @@ bool SegmentReader::takeMap(std::string_view line) {
 }
 
 bool SegmentReader::takeProgramDateTime(std::string_view value) {
-    tags_.programDateTime = parseTimestamp(value, recorder_);
+    tags_.programDateTime = timestamps_.read(value, recorder_);
     tags_.hasProgramDateTime = true;
     if (tags_.programDateTime < 0.0) return false;
     if (recorder_ != nullptr) tellOfTimestamp(*recorder_, value, tags_.programDateTime);

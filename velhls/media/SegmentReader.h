@@ -11,6 +11,8 @@
 #include "velhls/common/LineReader.h"
 #include "velhls/common/Recorder.h"
 #include "velhls/common/TagLine.h"
+#include "velhls/common/TextBuffer.h"
+#include "velhls/common/Timestamps.h"
 #include "velhls/common/VELHLSParsingStatus.h"
 #include "velhls/common/VELHLSUtility.h"
 #include "velhls/media/SegmentMaker.h"
@@ -69,12 +71,14 @@ class SegmentReader {
     [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> readRecorded(std::string_view firstLine,
                                                                    const SegmentOrigin& origin);
     bool gatherRecorded(std::string_view firstLine);
+    void keep(std::string_view line);
     bool takeRecordedLine(std::string_view line);
     bool takeLine(std::string_view line);
     bool takeVendorTagOrComment(std::string_view line);
     bool takeBareTag(const TagLine& tagLine);
     bool takeTag(const TagLine& tagLine, std::string_view line);
     bool takeDuration(std::string_view value);
+    std::size_t readDuration(std::string_view value);
     void takeTitle(std::string_view title);
     bool takeByteRange(std::string_view value);
     bool takeKey(std::string_view line);
@@ -98,10 +102,11 @@ class SegmentReader {
     Recorder* recorder_;
 
     /// All lines that were taken, each with a line feed: a pattern that begins behind them repeats them.
-    std::string takenLines_;
+    TextBuffer takenLines_;
     bool openedPattern_ = false;
     std::shared_ptr<VELHLSMediaPattern> pattern_;
 
+    TimestampReader timestamps_;
     Tags tags_;
     std::string_view title_;
     /// Where the title stands when it is not always the same.

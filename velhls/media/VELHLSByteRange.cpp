@@ -2,6 +2,7 @@
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 
@@ -19,6 +20,34 @@ std::int64_t lengthFromTo(std::int64_t first, std::int64_t last) {
     return distance == std::numeric_limits<std::int64_t>::max() ? distance : distance + 1;
 }
 
+/// The one or two numbers of a range's text.
+struct Bounds {
+    std::int64_t first = 0;
+    std::optional<std::int64_t> second;
+};
+
+/// Reads a text that is nothing but plain numbers, as most are, in one walk. Nothing for all others.
+std::optional<Bounds> plainBounds(std::string_view text, char separator) {
+    const velhls::LeadingNumber<std::int64_t> first = velhls::leadingInteger(text);
+    if (first.length == 0) return std::nullopt;
+    if (first.length == text.size()) return Bounds{first.number, std::nullopt};
+    const std::string_view rest = text.substr(first.length + 1);
+    const velhls::LeadingNumber<std::int64_t> second = velhls::leadingInteger(rest);
+    const bool isAll = text[first.length] == separator && second.length > 0 && second.length == rest.size();
+    if (!isAll) return std::nullopt;
+    return Bounds{first.number, second.number};
+}
+
+void setRange(VELHLSByteRange& range, const Bounds& bounds, bool inclusiveRange) {
+    if (inclusiveRange && bounds.second) {
+        range.length = lengthFromTo(bounds.first, *bounds.second);
+        range.offset = bounds.first;
+    } else {
+        range.length = bounds.first;
+        range.offset = bounds.second.value_or(-1);
+    }
+}
+
 [[noreturn]] void throwTooShort(std::string_view uri) {
     throw std::out_of_range(
         "segment URI \"" + std::string(uri) +
@@ -32,6 +61,10 @@ namespace velhls {
 
 bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range,
                 Recorder* recorder) {
+    if (const std::optional<Bounds> plain = plainBounds(text, separator)) {
+        setRange(range, *plain, inclusiveRange);
+        return true;
+    }
     const std::size_t separatorPosition = text.find(separator);
     const bool hasSeparator = separatorPosition != std::string_view::npos;
     const std::string_view before = text.substr(0, separatorPosition);
@@ -39,15 +72,9 @@ bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELH
     if (before.empty() || !holdsOnly(before, digits)) return false;
     if (hasSeparator && (after.empty() || !holdsOnly(after, digits))) return false;
 
-    if (!hasSeparator) {
-        range.length = toInt64(number(recorder, before));
-        range.offset = -1;
-        return true;
-    }
-    const std::int64_t first = toInt64(number(recorder, before));
-    const std::int64_t second = toInt64(number(recorder, after));
-    range.length = inclusiveRange ? lengthFromTo(first, second) : first;
-    range.offset = inclusiveRange ? first : second;
+    Bounds bounds{toInt64(number(recorder, before)), std::nullopt};
+    if (hasSeparator) bounds.second = toInt64(number(recorder, after));
+    setRange(range, bounds, inclusiveRange);
     return true;
 }
 

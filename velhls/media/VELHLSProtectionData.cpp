@@ -85,7 +85,7 @@ bool velhls::parseKey(std::string_view line, VELHLSProtectionData& key, Recorder
     if (encrypts && !readAttributes(read, *attributes, recorder)) return false;
     if (!encrypts) tellOfIgnoredAttributes(recorder, *attributes);
     // The one rule that may still be broken: the vector was looked at when it was read.
-    if (!read.validate()) return rejectMissing(recorder, Rule::keyUriMissing, tagName);
+    if (encrypts && read.uri.empty()) return rejectMissing(recorder, Rule::keyUriMissing, tagName);
     key = std::move(read);
     return true;
 }
