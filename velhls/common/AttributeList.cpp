@@ -89,8 +89,8 @@ class AttributeScanner {
         if (quoted && recorder_ != nullptr) tellOfTextAroundQuotes(equals, closing, comma == none);
 
         Attribute attribute;
-        attribute.name = text_.substr(position_, equals - position_);
-        attribute.value = quoted ? between(quote_ + 1, closing) : between(equals + 1, limit);
+        attribute.name = between(position_, equals);
+        attribute.value = quoted ? between(quote_ + 1, std::min(closing, text_.size())) : between(equals + 1, limit);
         ended_ = comma == none;
         position_ = comma + 1;
         return attribute;
@@ -118,7 +118,7 @@ class AttributeScanner {
     }
 
     [[nodiscard]] std::string_view between(std::size_t start, std::size_t end) const {
-        return text_.substr(start, end - start);
+        return behind(firstOf(text_, end), start);
     }
 
     std::string_view text_;

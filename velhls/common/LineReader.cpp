@@ -48,6 +48,7 @@ void LineReader::returnGetArea() {
 }
 
 std::string_view LineReader::nextThroughStream() {
+    if (keeper_ != nullptr) keeper_->viewsEnd();
     returnGetArea();
     // std::getline leaves the string alone when the stream is not good on entry.
     line_.clear();
@@ -62,7 +63,10 @@ std::string_view LineReader::withoutCarriageReturns(std::string_view line) {
     const auto position = static_cast<std::size_t>(carriageReturn - line.data());
     // The one at the end of each line, in playlists that have them, costs no copy.
     if (position + 1 == line.size()) return line.substr(0, position);
-    if (line.data() != line_.data()) line_ = line;
+    if (line.data() != line_.data()) {
+        if (keeper_ != nullptr) keeper_->viewsEnd();
+        line_ = line;
+    }
     line_.erase(std::remove(line_.begin(), line_.end(), '\r'), line_.end());
     return line_;
 }

@@ -19,6 +19,16 @@ namespace velhls {
 /// is left unread are what std::getline would have left.
 class LineReader {
   public:
+    /// Someone who keeps views of lines longer than until the next one is read.
+    class ViewKeeper {
+      public:
+        /// The views of all lines that were read so far are about to end: now is the time to copy them.
+        virtual void viewsEnd() = 0;
+
+      protected:
+        ~ViewKeeper() = default;
+    };
+
     explicit LineReader(std::istream& input);
     ~LineReader() { returnGetArea(); }
     LineReader(const LineReader&) = delete;
@@ -36,6 +46,9 @@ class LineReader {
         if (lineEnd != nullptr && lineEnd <= clearEnd_) return takeUpTo(lineEnd);
         return withoutCarriageReturns(lineEnd != nullptr ? takeUpTo(lineEnd) : nextThroughStream());
     }
+
+    /// The keeper is told as long as lines are read.
+    void tell(ViewKeeper& keeper) { keeper_ = &keeper; }
 
     /// False once the stream has any state bit set.
     [[nodiscard]] bool good() const { return input_.good(); }
@@ -71,6 +84,7 @@ class LineReader {
     const char* clearEnd_ = nullptr;
     /// Holds the lines that cannot be views.
     std::string line_;
+    ViewKeeper* keeper_ = nullptr;
 };
 
 }  // namespace velhls

@@ -15,8 +15,8 @@ struct TagLine {
     explicit TagLine(std::string_view line) {
         const std::size_t colon = line.find(':');
         hasColon = colon != std::string_view::npos;
-        name = line.substr(1, hasColon ? colon - 1 : std::string_view::npos);
-        if (hasColon) value = line.substr(colon + 1);
+        name = behind(firstOf(line, hasColon ? colon : line.size()), 1);
+        if (hasColon) value = behind(line, colon + 1);
     }
 
     /// The text between the "#" and the first colon; without a colon, all after the "#".

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 
 namespace velhls {
@@ -38,6 +39,18 @@ inline constexpr CharacterSet referenceStarts("{$");
 
 [[nodiscard]] constexpr bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
+}
+
+/// The text behind its first characters. There must be so many: unlike std::string_view::substr this asks nothing,
+/// since in the readers' hot paths a comparison has just shown it.
+[[nodiscard]] constexpr std::string_view behind(std::string_view text, std::size_t count) {
+    text.remove_prefix(count);
+    return text;
+}
+
+/// The first characters of the text. There must be so many.
+[[nodiscard]] constexpr std::string_view firstOf(std::string_view text, std::size_t count) {
+    return {text.data(), count};
 }
 
 /// True of an empty text too.

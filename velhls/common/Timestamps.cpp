@@ -153,18 +153,18 @@ struct UsualForm {
     static constexpr std::size_t dayLength = std::string_view("2026-11-21").size();
     static constexpr std::size_t secondsStart = std::string_view("2026-11-21T10:00:").size();
 
-    /// Nothing for a text of any other form.
-    static std::optional<UsualForm> read(std::string_view text) {
-        if (text.size() <= secondsStart) return std::nullopt;
+    /// False for a text of any other form.
+    bool read(std::string_view text) {
+        if (text.size() <= secondsStart) return false;
         const bool isSeparated =
             text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' && text[16] == ':';
-        if (!isSeparated || !isDigit(text[secondsStart])) return std::nullopt;
-        const std::string_view rest = text.substr(secondsStart);
-        const UsualForm usual{text.substr(0, dayLength), twoDigitsAt(text, 11), twoDigitsAt(text, 14),
-                              leadingDecimal(rest)};
-        const bool isUsual = usual.hour >= 0 && usual.minute >= 0 && usual.seconds.length > 0 &&
-                             isUsualZone(rest.substr(usual.seconds.length));
-        return isUsual ? std::optional(usual) : std::nullopt;
+        if (!isSeparated || !isDigit(text[secondsStart])) return false;
+        const std::string_view rest = behind(text, secondsStart);
+        day = firstOf(text, dayLength);
+        hour = twoDigitsAt(text, 11);
+        minute = twoDigitsAt(text, 14);
+        seconds = leadingDecimal(rest);
+        return hour >= 0 && minute >= 0 && seconds.length > 0 && isUsualZone(behind(rest, seconds.length));
     }
 
     [[nodiscard]] std::string_view secondsIn(std::string_view text) const {
@@ -207,13 +207,13 @@ double timestampByFields(std::string_view text, Recorder* recorder) {
 }  // namespace
 
 double TimestampReader::read(std::string_view text, Recorder* recorder) {
-    const std::optional<UsualForm> usual = UsualForm::read(text);
-    if (!usual || !readDay(usual->day)) return timestampByFields(text, recorder);
-    const std::optional<std::int32_t> whole = wholeSeconds(usual->seconds.number);
+    UsualForm usual;
+    if (!usual.read(text) || !readDay(usual.day)) return timestampByFields(text, recorder);
+    const std::optional<std::int32_t> whole = wholeSeconds(usual.seconds.number);
     if (!whole) return timestampByFields(text, recorder);
     const std::int64_t sinceEpoch =
-        dayStart_ + std::int64_t{usual->hour} * 3600 + std::int64_t{usual->minute} * 60 + *whole;
-    return timestampOf(text, usual->seconds.number, *whole, sinceEpoch, recorder);
+        dayStart_ + std::int64_t{usual.hour} * 3600 + std::int64_t{usual.minute} * 60 + *whole;
+    return timestampOf(text, usual.seconds.number, *whole, sinceEpoch, recorder);
 }
 
 /// False when the day is none of four, two and two digits.
@@ -239,14 +239,15 @@ void tellOfTimestamp(Recorder& recorder, std::string_view text, double seconds) 
     std::array<char, mostTimestampBytes> buffer;
     const char* const end = TimestampWriter().put(buffer.data(), seconds);
     const std::string_view written(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-    const std::optional<UsualForm> usual = UsualForm::read(text);
+    UsualForm usual;
+    const bool isUsual = usual.read(text);
     constexpr std::size_t minuteLength = std::string_view("2026-11-21T10:00").size();
-    if (!usual || !areSecondsOfTwoDigits(usual->secondsIn(text)) ||
+    if (!isUsual || !areSecondsOfTwoDigits(usual.secondsIn(text)) ||
         text.substr(0, minuteLength) != written.substr(0, minuteLength)) {
         recorder.report(Rule::dateTimeNotIso8601, text, quoted(text) + ", read as " + std::string(written));
         return;
     }
-    const std::string_view zone = text.substr(minuteLength + 1 + usual->seconds.length);
+    const std::string_view zone = text.substr(minuteLength + 1 + usual.seconds.length);
     if (!holdsNone(zone, CharacterSet("123456789"))) {
         recorder.report(Rule::dateTimeOffsetNotApplied, zone, {});
     }

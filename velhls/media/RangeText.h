@@ -33,7 +33,7 @@ inline constexpr std::size_t shortestUriWithoutRange = 6;
     return uri.size() < shortestUriWithoutRange || isDigit(uri.back());
 }
 
-/// See getByteRangeFromUri.
-[[nodiscard]] std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* recorder);
+/// See getByteRangeFromUri. False when there is no range; `range` is then left as it was.
+[[nodiscard]] bool rangeInUri(std::string_view uri, VELHLSByteRange& range, Recorder* recorder);
 
 }  // namespace velhls

@@ -36,7 +36,9 @@ bool isKeptByWriting(double duration) {
 
 SegmentReader::SegmentReader(LineReader& lines, SegmentMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
                              VELHLSParsingStatus* status, Recorder* recorder)
-    : lines_(lines), maker_(maker), defines_(std::move(defines)), status_(status), recorder_(recorder) {}
+    : lines_(lines), maker_(maker), defines_(std::move(defines)), status_(status), recorder_(recorder) {
+    lines_.tell(*this);
+}
 
 std::shared_ptr<VELHLSMediaSegment> SegmentReader::read(std::string_view firstLine,
                                                         const SegmentOrigin& origin) {
@@ -62,17 +64,18 @@ void SegmentReader::Tags::clear() {
     hasProgramDateTime = false;
     discontinuity = false;
     cueIn = false;
-    byteRange = nullptr;
-    key = nullptr;
-    map = nullptr;
+    hasByteRange = false;
+    if (key != nullptr) key = nullptr;
+    if (map != nullptr) map = nullptr;
     cueOut.clear();
     cueOutCont.clear();
 }
 
 void SegmentReader::reset() {
-    takenLines_.clear();
+    takenText_.clear();
+    takenLineCount_ = 0;
     openedPattern_ = false;
-    pattern_ = nullptr;
+    if (pattern_ != nullptr) pattern_ = nullptr;
     tags_.clear();
     title_ = {};
     uri_ = {};
@@ -128,15 +131,31 @@ bool SegmentReader::gatherRecorded(std::string_view firstLine) {
 }
 
 void SegmentReader::keep(std::string_view line) {
-    char* const end = put(takenLines_.room(line.size() + 1), line);
-    takenLines_.endAt(put(end, '\n'));
+    if (takenLineCount_ == takenLines_.size()) viewsEnd();
+    takenLines_[takenLineCount_] = line;
+    ++takenLineCount_;
+}
+
+void SegmentReader::viewsEnd() {
+    for (std::size_t index = 0; index < takenLineCount_; ++index) {
+        const std::string_view line = takenLines_[index];
+        char* const end = put(takenText_.room(line.size() + 1), line);
+        takenText_.endAt(put(end, '\n'));
+    }
+    takenLineCount_ = 0;
+}
+
+/// All lines that were taken, each with a line feed.
+std::string SegmentReader::textTaken() {
+    viewsEnd();
+    return std::string(takenText_.text());
 }
 
 bool SegmentReader::takeRecordedLine(std::string_view line) {
     if (isStandardTag(line)) recordTag(TagLine(line));
     const bool taken = withoutThrowing(*recorder_, false, [this, line] { return takeLine(line); });
     if (taken && isTagLine(line, tag::extInf)) tellOfDuration(TagLine(line).value);
-    if (taken && isTagLine(line, tag::byteRange) && tags_.byteRange->length == 0) {
+    if (taken && isTagLine(line, tag::byteRange) && tags_.byteRange.length == 0) {
         recorder_->report(Rule::byteRangeEmptyNotWritten, TagLine(line).value, {});
     }
     if (!uri_.empty()) tellOfUri(line);
@@ -149,11 +168,11 @@ bool SegmentReader::takeLine(std::string_view line) {
         return true;
     }
     // The tags that many segments have are told without looking for their colon.
-    if (isTagLine(line, tag::extInf)) return takeDuration(line.substr(tagLength(tag::extInf)));
+    if (isTagLine(line, tag::extInf)) return takeDuration(behind(line, tagLength(tag::extInf)));
     if (!isStandardTag(line)) return takeVendorTagOrComment(line);
-    if (isTagLine(line, tag::byteRange)) return takeByteRange(line.substr(tagLength(tag::byteRange)));
+    if (isTagLine(line, tag::byteRange)) return takeByteRange(behind(line, tagLength(tag::byteRange)));
     if (isTagLine(line, tag::programDateTime)) {
-        return takeProgramDateTime(line.substr(tagLength(tag::programDateTime)));
+        return takeProgramDateTime(behind(line, tagLength(tag::programDateTime)));
     }
     const TagLine tagLine(line);
     return tagLine.hasColon ? takeTag(tagLine, line) : takeBareTag(tagLine);
@@ -175,7 +194,7 @@ bool SegmentReader::takeVendorTagOrComment(std::string_view line) {
         if (!TagLine(line).hasColon) return reject(recorder_, Rule::patternStartWithoutColon, line);
         openedPattern_ = true;
         if (recorder_ != nullptr) recorder_->patternBegins(recorded_.linesTaken);
-        pattern_ = readPattern(line, std::string(takenLines_.text()), lines_, status_, recorder_);
+        pattern_ = readPattern(line, textTaken(), lines_, status_, recorder_);
         return false;
     }
     if (isPatternTag(line)) {
@@ -223,7 +242,7 @@ bool SegmentReader::takeDuration(std::string_view value) {
     if (startsWith(value, ",")) return reject(recorder_, Rule::segmentDurationEmpty, value);
     const std::size_t length = readDuration(value);
     // The title keeps its comma, and gets another one when it is written: both are part of the interface.
-    takeTitle(value.substr(length));
+    takeTitle(behind(value, length));
     return true;
 }
 
@@ -232,7 +251,7 @@ std::size_t SegmentReader::readDuration(std::string_view value) {
     const LeadingNumber<double> plain = leadingDecimal(value);
     const bool isAll = plain.length > 0 && (plain.length == value.size() || value[plain.length] == ',');
     const std::size_t length = isAll ? plain.length : std::min(value.find(','), value.size());
-    const std::string_view text = number(recorder_, value.substr(0, length), NumberForm::decimal);
+    const std::string_view text = number(recorder_, firstOf(value, length), NumberForm::decimal);
     tags_.duration = isAll ? plain.number : toDouble(text);
     return length;
 }
@@ -249,11 +268,10 @@ void SegmentReader::takeTitle(std::string_view title) {
 }
 
 bool SegmentReader::takeByteRange(std::string_view value) {
-    VELHLSByteRange range;
-    if (!parseRange(value, '@', false, range, recorder_)) {
+    if (!parseRange(value, '@', false, tags_.byteRange, recorder_)) {
         return reject(recorder_, Rule::byteRangeMalformed, value);
     }
-    tags_.byteRange = maker_ != nullptr ? maker_->make(range) : std::make_shared<VELHLSByteRange>(range);
+    tags_.hasByteRange = true;
     return true;
 }
 
@@ -290,8 +308,10 @@ void SegmentReader::notePattern() {
 /// empty.
 bool SegmentReader::isComplete() {
     if (tags_.duration == 0.0 || uri_.empty()) return recorder_ != nullptr && tellWhyIncomplete();
-    if (tags_.byteRange == nullptr && mayHoldRange(uri_)) tags_.byteRange = rangeInUri(uri_, recorder_);
-    if (tags_.byteRange != nullptr && tags_.byteRange->length < 0) return false;
+    if (!tags_.hasByteRange && mayHoldRange(uri_)) {
+        tags_.hasByteRange = rangeInUri(uri_, tags_.byteRange, recorder_);
+    }
+    if (tags_.hasByteRange && tags_.byteRange.length < 0) return false;
     if (tags_.map == nullptr || tags_.map->validate()) return true;
     if (recorder_ != nullptr) recorder_->reportRecord(Rule::mapUriEmpty, &tags_.map, {}, {});
     return false;
@@ -342,11 +362,16 @@ void SegmentReader::recordMade(const VELHLSMediaSegment& segment, const VELHLSMe
     if (inherits) recorder_->report(Rule::keyAndMapRepeated, uri_, "a segment without");
 }
 
+std::shared_ptr<VELHLSByteRange> SegmentReader::makeByteRange() {
+    const VELHLSByteRange& range = tags_.byteRange;
+    return maker_ != nullptr ? maker_->make(range) : std::make_shared<VELHLSByteRange>(range);
+}
+
 std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const SegmentOrigin& origin) {
     auto made = maker_ != nullptr ? maker_->make(title_, uri_) : SegmentMaker::makeAlone(title_, uri_);
     VELHLSMediaSegment& segment = *made;
     segment.duration = tags_.duration;
-    if (tags_.byteRange != nullptr) segment.byteRange = std::move(tags_.byteRange);
+    if (tags_.hasByteRange) segment.byteRange = makeByteRange();
     segment.discontinuity = tags_.discontinuity;
     if (tags_.key != nullptr) segment.protectionData = std::move(tags_.key);
     if (tags_.map != nullptr) segment.misMap = std::move(tags_.map);

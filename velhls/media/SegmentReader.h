@@ -1,6 +1,7 @@
 // Internal to the library, not installed: the lines of one media segment.
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
@@ -31,7 +32,7 @@ struct SegmentOrigin {
 
 /// Reads segments one by one: the tags of each up to and including its URI line, straight into a new record.
 /// See VELHLSMediaSegment::parseNextSegment.
-class SegmentReader {
+class SegmentReader : private LineReader::ViewKeeper {
   public:
     /// All three are used as long as the reader is. The maker may be null: each segment then has memory of
     /// its own. Variables go into `defines`, which is made on demand when it is null.
@@ -59,7 +60,8 @@ class SegmentReader {
         bool hasProgramDateTime = false;
         bool discontinuity = false;
         bool cueIn = false;
-        std::shared_ptr<VELHLSByteRange> byteRange;
+        bool hasByteRange = false;
+        VELHLSByteRange byteRange;
         std::shared_ptr<VELHLSProtectionData> key;
         std::shared_ptr<VELHLSMISMap> map;
         std::string cueOut;
@@ -72,6 +74,8 @@ class SegmentReader {
                                                                    const SegmentOrigin& origin);
     bool gatherRecorded(std::string_view firstLine);
     void keep(std::string_view line);
+    void viewsEnd() override;
+    [[nodiscard]] std::string textTaken();
     bool takeRecordedLine(std::string_view line);
     bool takeLine(std::string_view line);
     bool takeVendorTagOrComment(std::string_view line);
@@ -93,6 +97,7 @@ class SegmentReader {
     [[nodiscard]] bool tellWhyIncomplete() const;
     void recordMade(const VELHLSMediaSegment& segment, const VELHLSMediaSegment* previous) const;
     [[nodiscard]] bool isComplete();
+    [[nodiscard]] std::shared_ptr<VELHLSByteRange> makeByteRange();
     [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> build(const SegmentOrigin& origin);
 
     LineReader& lines_;
@@ -101,8 +106,11 @@ class SegmentReader {
     VELHLSParsingStatus* status_;
     Recorder* recorder_;
 
-    /// All lines that were taken, each with a line feed: a pattern that begins behind them repeats them.
-    TextBuffer takenLines_;
+    /// The lines that were taken, since a pattern that begins behind them repeats them: hardly ever, so that they are
+    /// kept as views, and copied when those end. What was copied stands in front of what was not.
+    TextBuffer takenText_;
+    std::array<std::string_view, 8> takenLines_;
+    std::size_t takenLineCount_ = 0;
     bool openedPattern_ = false;
     std::shared_ptr<VELHLSMediaPattern> pattern_;
 

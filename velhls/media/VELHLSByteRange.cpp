@@ -31,7 +31,7 @@ std::optional<Bounds> plainBounds(std::string_view text, char separator) {
     const velhls::LeadingNumber<std::int64_t> first = velhls::leadingInteger(text);
     if (first.length == 0) return std::nullopt;
     if (first.length == text.size()) return Bounds{first.number, std::nullopt};
-    const std::string_view rest = text.substr(first.length + 1);
+    const std::string_view rest = velhls::behind(text, first.length + 1);
     const velhls::LeadingNumber<std::int64_t> second = velhls::leadingInteger(rest);
     const bool isAll = text[first.length] == separator && second.length > 0 && second.length == rest.size();
     if (!isAll) return std::nullopt;
@@ -85,10 +85,10 @@ char* putRange(char* to, const VELHLSByteRange& range) {
     return putDecimal(end, range.offset);
 }
 
-std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* recorder) {
+bool rangeInUri(std::string_view uri, VELHLSByteRange& range, Recorder* recorder) {
     constexpr std::string_view marker = "/range/";
     static_assert(shortestUriWithoutRange == marker.size() - 1);
-    if (uri.empty() || !mayHoldRange(uri)) return nullptr;
+    if (uri.empty() || !mayHoldRange(uri)) return false;
     if (uri.size() < shortestUriWithoutRange) {
         tell(recorder, Rule::segmentUriTooShort, uri);
         throwTooShort(uri);
@@ -96,14 +96,13 @@ std::shared_ptr<VELHLSByteRange> rangeInUri(std::string_view uri, Recorder* reco
     const std::size_t markerPosition = uri.rfind(marker);
     const bool hasMarker = markerPosition != std::string_view::npos;
     const std::size_t start = hasMarker ? markerPosition + marker.size() : shortestUriWithoutRange;
-    VELHLSByteRange range;
-    if (!parseRange(uri.substr(start), '-', true, range, recorder)) return nullptr;
+    if (!parseRange(uri.substr(start), '-', true, range, recorder)) return false;
     if (range.length < 0) {
         tell(recorder, Rule::byteRangeNegative, uri.substr(start));
     } else {
         tell(recorder, Rule::byteRangeFromUri, uri.substr(start));
     }
-    return std::make_shared<VELHLSByteRange>(range);
+    return true;
 }
 
 }  // namespace velhls
@@ -120,5 +119,7 @@ std::int32_t VELHLSByteRange::render(std::string& out) const {
 }
 
 std::shared_ptr<VELHLSByteRange> getByteRangeFromUri(std::string uri) {
-    return velhls::rangeInUri(uri, nullptr);
+    VELHLSByteRange range;
+    if (!velhls::rangeInUri(uri, range, nullptr)) return nullptr;
+    return std::make_shared<VELHLSByteRange>(range);
 }
