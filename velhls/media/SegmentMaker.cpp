@@ -114,12 +114,15 @@ std::shared_ptr<VELHLSByteRange> SegmentMaker::make(const VELHLSByteRange& range
 }
 
 SegmentSlab* SegmentMaker::slabWithRoom() {
-    constexpr std::size_t mostSegments = 64;
+    // Up to about a kilobyte a block of the heap is had for next to nothing: two of these make a live window.
+    constexpr std::size_t fewestSegments = 3;
+    constexpr std::size_t mostSegments = 96;
     if (slab_ != nullptr && slab_->hasRoom()) return slab_;
-    SegmentSlab* const slab = SegmentSlab::make(nextSize_);
+    const std::size_t segments = std::clamp(room_, fewestSegments, mostSegments);
+    SegmentSlab* const slab = SegmentSlab::make(segments);
     if (slab_ != nullptr) slab_->close();
     slab_ = slab;
-    nextSize_ = std::min(2 * nextSize_, mostSegments);
+    room_ += segments;
     return slab_;
 }
 

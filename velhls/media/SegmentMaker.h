@@ -39,7 +39,8 @@ class SegmentMaker {
     SegmentSlab* slabWithRoom();
 
     SegmentSlab* slab_ = nullptr;
-    std::size_t nextSize_ = 4;
+    /// How many segments the slabs that were made so far had room for.
+    std::size_t room_ = 0;
 };
 
 }  // namespace velhls
