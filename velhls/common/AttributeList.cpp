@@ -1,6 +1,7 @@
 #include "velhls/common/AttributeList.h"
 
 #include <algorithm>
+#include <new>
 
 #include "velhls/common/TextScan.h"
 
@@ -24,31 +25,29 @@ class AttributeScanner {
 
     [[nodiscard]] bool ended() const { return ended_; }
 
-    /// The next attribute; nothing when the rest of the list is malformed.
-    std::optional<Attribute> next() {
-        if (const std::optional<Attribute> attribute = nextOfUsualForm()) return attribute;
-        return nextByTheRules();
-    }
+    /// Reads the next attribute. False when the rest of the list is malformed.
+    bool next(Attribute& attribute) { return nextOfUsualForm(attribute) || nextByTheRules(attribute); }
 
   private:
     /// An attribute as nearly all are written, NAME=value or NAME="value" and then a comma or the end, is
-    /// taken in one walk over its characters. Nothing, and nothing done, for any other.
-    std::optional<Attribute> nextOfUsualForm() {
+    /// taken in one walk over its characters. False, and nothing done, for any other.
+    bool nextOfUsualForm(Attribute& attribute) {
         const std::size_t equals = endOfRun(position_, nameEnds);
         const bool isNamed = equals < text_.size() && text_[equals] == '=' && equals > position_;
-        if (!isNamed) return std::nullopt;
+        if (!isNamed) return false;
         const std::size_t start = equals + 1;
         const bool quoted = start < text_.size() && text_[start] == '"';
         const std::size_t valueStart = quoted ? start + 1 : start;
         const std::size_t valueEnd = quoted ? text_.find('"', valueStart) : endOfRun(start, valueEnds);
-        if (valueEnd == none || (!quoted && valueEnd == start)) return std::nullopt;
+        if (valueEnd == none || (!quoted && valueEnd == start)) return false;
         const std::size_t end = quoted ? valueEnd + 1 : valueEnd;
-        if (end < text_.size() && text_[end] != ',') return std::nullopt;
+        if (end < text_.size() && text_[end] != ',') return false;
 
-        const Attribute attribute{between(position_, equals), between(valueStart, valueEnd)};
+        attribute.name = between(position_, equals);
+        attribute.value = between(valueStart, valueEnd);
         ended_ = end == text_.size();
         position_ = end + 1;
-        return attribute;
+        return true;
     }
 
     /// The position of the first character in `ends` from a position on, or the end of the text.
@@ -58,7 +57,7 @@ class AttributeScanner {
         return position;
     }
 
-    std::optional<Attribute> nextByTheRules() {
+    bool nextByTheRules(Attribute& attribute) {
         findNextQuote();
         std::size_t comma = text_.find(',', position_);
         const bool quoted = quote_ < comma;
@@ -88,12 +87,11 @@ class AttributeScanner {
         }
         if (quoted && recorder_ != nullptr) tellOfTextAroundQuotes(equals, closing, comma == none);
 
-        Attribute attribute;
         attribute.name = between(position_, equals);
         attribute.value = quoted ? between(quote_ + 1, std::min(closing, text_.size())) : between(equals + 1, limit);
         ended_ = comma == none;
         position_ = comma + 1;
-        return attribute;
+        return true;
     }
 
     void findNextQuote() {
@@ -102,9 +100,9 @@ class AttributeScanner {
         quoteKnown_ = true;
     }
 
-    std::optional<Attribute> malformed(Rule rule, std::string_view where) const {
+    bool malformed(Rule rule, std::string_view where) const {
         tell(recorder_, rule, where);
-        return std::nullopt;
+        return false;
     }
 
     void tellOfTextAroundQuotes(std::size_t equals, std::size_t closing, bool isLast) const {
@@ -139,41 +137,38 @@ bool isBefore(std::string_view left, std::string_view right) {
 
 }  // namespace
 
-std::optional<AttributeList> AttributeList::parse(std::string_view text, Recorder* recorder) {
-    // Made in place: a list is large, and costly to move.
-    std::optional<AttributeList> list(std::in_place);
+bool AttributeList::parse(std::string_view text, Recorder* recorder) {
     AttributeScanner scanner(text, recorder);
     while (!scanner.ended()) {
-        const std::optional<Attribute> attribute = scanner.next();
-        if (!attribute) {
-            list.reset();
-            return list;
-        }
-        list->add(*attribute, recorder);
+        if (!scanner.next(newAttribute())) return false;
+        keepNewAttribute(recorder);
     }
-    if (list->isLong()) list->sortMany(recorder);
-    return list;
+    if (isLong()) sortMany(recorder);
+    return true;
 }
 
-void AttributeList::add(const Attribute& attribute, Recorder* recorder) {
-    if (!isLong() && fewCount_ < mostFew) {
-        insertAmongFew(attribute, recorder);
-        return;
-    }
-    if (!isLong()) many_.assign(few_.begin(), few_.end());
-    many_.push_back(attribute);
+/// Where the next attribute is read to: attributes are not moved once they were read, since a copy of what has just
+/// been written in small pieces waits for all of them.
+Attribute& AttributeList::newAttribute() {
+    if (!isLong() && fewCount_ < mostFew) return *::new (&few_[fewCount_]) Attribute;
+    if (!isLong()) many_.assign(few_, few_ + fewCount_);
+    return many_.emplace_back();
 }
 
-void AttributeList::insertAmongFew(const Attribute& attribute, Recorder* recorder) {
+/// Gives the attribute that was read last its place in the order, unless there is one of its name.
+void AttributeList::keepNewAttribute(Recorder* recorder) {
+    if (isLong()) return;
+    const std::string_view name = few_[fewCount_].name;
     std::size_t position = fewCount_;
-    while (position > 0 && isBefore(attribute.name, few_[position - 1].name))
+    while (position > 0 && isBefore(name, few_[order_[position - 1]].name))
         --position;
-    if (position > 0 && few_[position - 1].name == attribute.name) {
-        tell(recorder, Rule::attributeRepeated, attribute.name);
+    if (position > 0 && few_[order_[position - 1]].name == name) {
+        tell(recorder, Rule::attributeRepeated, name);
         return;
     }
-    std::copy_backward(few_.data() + position, few_.data() + fewCount_, few_.data() + fewCount_ + 1);
-    few_[position] = attribute;
+    for (std::size_t index = fewCount_; index > position; --index)
+        order_[index] = order_[index - 1];
+    order_[position] = static_cast<std::uint8_t>(fewCount_);
     ++fewCount_;
 }
 
@@ -196,10 +191,17 @@ void AttributeList::tellOfRepeatedNames(Recorder& recorder) const {
 }
 
 std::optional<std::string_view> AttributeList::find(std::string_view name) const {
-    const Attribute* const found = std::lower_bound(
-        begin(), end(), name,
-        [](const Attribute& attribute, std::string_view wanted) { return attribute.name < wanted; });
-    if (found == end() || found->name != name) return std::nullopt;
+    if (!isLong()) {
+        const Attribute* const end = few_ + fewCount_;
+        const auto hasName = [name](const Attribute& attribute) { return attribute.name == name; };
+        const Attribute* const found = std::find_if(few_, end, hasName);
+        return found == end ? std::nullopt : std::optional(found->value);
+    }
+    const auto isBeforeName = [](const Attribute& attribute, std::string_view wanted) {
+        return attribute.name < wanted;
+    };
+    const auto found = std::lower_bound(many_.begin(), many_.end(), name, isBeforeName);
+    if (found == many_.end() || found->name != name) return std::nullopt;
     return found->value;
 }
 

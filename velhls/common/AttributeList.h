@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -19,33 +20,73 @@ struct Attribute {
 };
 
 /// The attributes of one tag in the byte-wise order of their names. Of several with one name the first holds.
+///
+/// As long as there are few they stand as they were written, in memory of the list's own, with the order beside them:
+/// no tag of RFC 8216 has more. Once there are many, all of them are sorted.
 class AttributeList {
   public:
-    /// Scans a whole list, in time linear in its length but for the sorting of the names. Nothing comes back
-    /// when the text is malformed; an empty text is an empty list. The result looks into `text`.
-    [[nodiscard]] static std::optional<AttributeList> parse(std::string_view text,
-                                                            Recorder* recorder = nullptr);
+    class Iterator;
 
-    [[nodiscard]] bool empty() const { return begin() == end(); }
-    [[nodiscard]] const Attribute* begin() const { return isLong() ? many_.data() : few_.data(); }
-    [[nodiscard]] const Attribute* end() const { return begin() + (isLong() ? many_.size() : fewCount_); }
+    /// Empty. The memory for attributes is left as it is: filling it would cost as much as scanning a short tag.
+    AttributeList() {}
+    AttributeList(const AttributeList&) = delete;
+    AttributeList& operator=(const AttributeList&) = delete;
+
+    /// Scans a whole list into one that is empty, in time linear in its length but for the sorting of the names. False
+    /// when the text is malformed; an empty text is an empty list. The attributes look into `text`.
+    [[nodiscard]] bool parse(std::string_view text, Recorder* recorder = nullptr);
+
+    [[nodiscard]] bool empty() const { return size() == 0; }
+    [[nodiscard]] std::size_t size() const { return isLong() ? many_.size() : fewCount_; }
+    /// By its position in the order of the names.
+    [[nodiscard]] const Attribute& operator[](std::size_t position) const {
+        return isLong() ? many_[position] : few_[order_[position]];
+    }
+    [[nodiscard]] Iterator begin() const;
+    [[nodiscard]] Iterator end() const;
 
     /// The value of the attribute with this name, if there is one.
     [[nodiscard]] std::optional<std::string_view> find(std::string_view name) const;
 
   private:
+    static constexpr std::size_t mostFew = 16;
+
     [[nodiscard]] bool isLong() const { return !many_.empty(); }
-    void add(const Attribute& attribute, Recorder* recorder);
-    void insertAmongFew(const Attribute& attribute, Recorder* recorder);
+    [[nodiscard]] Attribute& newAttribute();
+    void keepNewAttribute(Recorder* recorder);
     void sortMany(Recorder* recorder);
     void tellOfRepeatedNames(Recorder& recorder) const;
 
-    /// As long as there are few they are kept in order, without memory of their own: no tag of RFC 8216 has
-    /// more. Once there are many, all of them are in `many_`, to be sorted at the end.
-    static constexpr std::size_t mostFew = 16;
-    std::array<Attribute, mostFew> few_;
+    union {
+        Attribute few_[mostFew];
+    };
+    std::array<std::uint8_t, mostFew> order_;
     std::size_t fewCount_ = 0;
     std::vector<Attribute> many_;
 };
+
+class AttributeList::Iterator {
+  public:
+    Iterator(const AttributeList& list, std::size_t position) : list_(list), position_(position) {}
+
+    const Attribute& operator*() const { return list_[position_]; }
+    Iterator& operator++() {
+        ++position_;
+        return *this;
+    }
+    bool operator!=(const Iterator& other) const { return position_ != other.position_; }
+
+  private:
+    const AttributeList& list_;
+    std::size_t position_;
+};
+
+inline AttributeList::Iterator AttributeList::begin() const {
+    return {*this, 0};
+}
+
+inline AttributeList::Iterator AttributeList::end() const {
+    return {*this, size()};
+}
 
 }  // namespace velhls

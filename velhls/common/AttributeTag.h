@@ -1,7 +1,6 @@
 // Internal to the library, not installed: tags that are nothing without at least one attribute.
 #pragma once
 
-#include <optional>
 #include <string_view>
 
 #include "velhls/common/AttributeList.h"
@@ -10,19 +9,15 @@
 
 namespace velhls {
 
-/// The attributes of a tag line, whose trailing line ends are left out of it. Nothing when they are malformed
-/// or when there are none.
-[[nodiscard]] inline std::optional<AttributeList> parseNonEmptyAttributes(std::string_view line,
-                                                                          Recorder* recorder) {
+/// Reads the attributes of a tag line, whose trailing line ends are left out of it. False when they are malformed or
+/// when there are none.
+[[nodiscard]] inline bool parseNonEmptyAttributes(std::string_view line, AttributeList& attributes,
+                                                  Recorder* recorder) {
     const TagLine tagLine(withoutTrailing(line, lineEnds));
-    std::optional<AttributeList> attributes = AttributeList::parse(tagLine.value, recorder);
-    if (!attributes) return std::nullopt;
-    if (attributes->empty()) {
-        tellMissing(recorder, Rule::attributeListEmpty, tagLine.name);
-        return std::nullopt;
-    }
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, *attributes);
-    return attributes;
+    if (!attributes.parse(tagLine.value, recorder)) return false;
+    if (attributes.empty()) return rejectMissing(recorder, Rule::attributeListEmpty, tagLine.name);
+    if (recorder != nullptr) recorder->attributesRead(tagLine.name, attributes);
+    return true;
 }
 
 }  // namespace velhls

@@ -10,12 +10,12 @@
 namespace velhls {
 
 bool takeDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Recorder* recorder) {
-    const std::optional<AttributeList> list = AttributeList::parse(tagLine.value, recorder);
-    if (!list) return false;
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, *list);
-    const std::optional<std::string_view> name = list->find(attribute::name);
+    AttributeList list;
+    if (!list.parse(tagLine.value, recorder)) return false;
+    if (recorder != nullptr) recorder->attributesRead(tagLine.name, list);
+    const std::optional<std::string_view> name = list.find(attribute::name);
     if (!name) return rejectMissing(recorder, Rule::defineNameMissing, tagLine.name);
-    const std::optional<std::string_view> value = list->find(attribute::value);
+    const std::optional<std::string_view> value = list.find(attribute::value);
     if (!value) return rejectMissing(recorder, Rule::defineValueMissing, tagLine.name);
     const bool isNew = defines.insert_or_assign(std::string(*name), std::string(*value)).second;
     if (recorder != nullptr) {

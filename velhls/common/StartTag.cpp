@@ -43,10 +43,10 @@ void tellOfPrecise(Recorder& recorder, std::string_view text) {
 }  // namespace
 
 std::optional<StartTag> parseStartTag(const TagLine& tagLine, Recorder* recorder) {
-    const std::optional<AttributeList> list = AttributeList::parse(tagLine.value, recorder);
-    if (!list) return std::nullopt;
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, *list);
-    const std::optional<std::string_view> offset = list->find(attribute::timeOffset);
+    AttributeList list;
+    if (!list.parse(tagLine.value, recorder)) return std::nullopt;
+    if (recorder != nullptr) recorder->attributesRead(tagLine.name, list);
+    const std::optional<std::string_view> offset = list.find(attribute::timeOffset);
     if (!offset) {
         tellMissing(recorder, Rule::startTimeOffsetMissing, tagLine.name);
         return std::nullopt;
@@ -56,7 +56,7 @@ std::optional<StartTag> parseStartTag(const TagLine& tagLine, Recorder* recorder
         return std::nullopt;
     }
     const double seconds = toDouble(number(recorder, *offset, NumberForm::signedDecimal));
-    const std::optional<std::string_view> precise = list->find(attribute::precise);
+    const std::optional<std::string_view> precise = list.find(attribute::precise);
     if (recorder != nullptr) {
         tellOfWriting(*recorder, *offset, seconds);
         if (precise) tellOfPrecise(*recorder, *precise);

@@ -25,10 +25,10 @@ std::int64_t VELHLSUtility::getTimeNow() {
 }
 
 std::unique_ptr<VELHLSAttributeMap> VELHLSUtility::parseAttributeMap(const std::string& text) {
-    const std::optional<velhls::AttributeList> list = velhls::AttributeList::parse(text);
-    if (!list) return nullptr;
+    velhls::AttributeList list;
+    if (!list.parse(text)) return nullptr;
     auto map = std::make_unique<VELHLSAttributeMap>();
-    for (const velhls::Attribute& attribute : *list) {
+    for (const velhls::Attribute& attribute : list) {
         map->emplace_hint(map->end(), attribute.name, attribute.value);
     }
     return map;

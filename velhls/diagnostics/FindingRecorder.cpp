@@ -137,8 +137,9 @@ void FindingRecorder::reportRecord(Rule rule, const void* record, std::string_vi
     Place place = placeOfRecord(record).value_or(Place());
     if (!attributeName.empty()) {
         const std::string line = withoutCarriageReturns(lines_.line(place.line));
-        const std::optional<AttributeList> attributes = AttributeList::parse(TagLine(line).value);
-        const auto value = attributes ? attributes->find(attributeName) : std::nullopt;
+        AttributeList attributes;
+        const bool isList = attributes.parse(TagLine(line).value);
+        const auto value = isList ? attributes.find(attributeName) : std::nullopt;
         if (value) {
             const auto start = static_cast<std::size_t>(value->data() - line.data());
             place = placeIn(place.line, line.size(), start, value->size());

@@ -61,12 +61,12 @@ std::shared_ptr<VELHLSManifestSessionData> velhls::parseSessionData(const std::s
                                                                     Recorder* recorder) {
     if (!isTagLine(line, tag::sessionData)) return nullptr;
     const std::string_view tagName = TagLine(line).name;
-    const std::optional<AttributeList> attributes = AttributeList::parse(attributeText(line), recorder);
-    if (!attributes) return nullptr;
-    if (recorder != nullptr) recorder->attributesRead(tagName, *attributes);
+    AttributeList attributes;
+    if (!attributes.parse(attributeText(line), recorder)) return nullptr;
+    if (recorder != nullptr) recorder->attributesRead(tagName, attributes);
 
     auto entry = std::make_shared<VELHLSManifestSessionData>("", "", "", "");
-    for (const Attribute& attribute : *attributes) {
+    for (const Attribute& attribute : attributes) {
         if (attribute.name == attribute::dataId) {
             entry->dataId = attribute.value;
         } else if (attribute.name == attribute::value) {
@@ -80,10 +80,10 @@ std::shared_ptr<VELHLSManifestSessionData> velhls::parseSessionData(const std::s
         }
     }
     if (const std::optional<Rule> broken = brokenRule(*entry)) {
-        if (recorder != nullptr) tellWhyInvalid(*recorder, *broken, *attributes, tagName);
+        if (recorder != nullptr) tellWhyInvalid(*recorder, *broken, attributes, tagName);
         return nullptr;
     }
-    tellOfLostAttribute(recorder, *attributes);
+    tellOfLostAttribute(recorder, attributes);
     return entry;
 }
 

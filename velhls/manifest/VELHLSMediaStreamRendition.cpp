@@ -141,18 +141,18 @@ std::shared_ptr<VELHLSMediaStreamRendition> velhls::parseRendition(const std::st
                                                                    Recorder* recorder) {
     if (!isTagLine(line, tag::media)) return nullptr;
     const TagLine tagLine(line);
-    const std::optional<AttributeList> attributes = AttributeList::parse(tagLine.value, recorder);
-    if (!attributes) return nullptr;
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, *attributes);
+    AttributeList attributes;
+    if (!attributes.parse(tagLine.value, recorder)) return nullptr;
+    if (recorder != nullptr) recorder->attributesRead(tagLine.name, attributes);
 
     auto rendition = std::make_shared<VELHLSMediaStreamRendition>(
         VELHLSMediaStreamRendition::Unknown, "", nullptr, "", "", "", "", false, false, false, "", "");
-    for (const Attribute& attribute : *attributes) {
+    for (const Attribute& attribute : attributes) {
         if (!readAttribute(*rendition, attribute, recorder)) return nullptr;
     }
-    implyAutoSelect(*rendition, *attributes, recorder);
+    implyAutoSelect(*rendition, attributes, recorder);
     if (const std::optional<BrokenRule> broken = brokenRule(*rendition)) {
-        const std::optional<std::string_view> value = attributes->find(broken->attributeName);
+        const std::optional<std::string_view> value = attributes.find(broken->attributeName);
         if (value) tell(recorder, broken->rule, *value);
         if (!value) tellMissing(recorder, broken->rule, tagLine.name);
         return nullptr;

@@ -96,20 +96,19 @@ std::shared_ptr<VELHLSMediaVariant> velhls::parseVariant(std::string_view tagLin
     }
     if (isIFrame && !uriLine.empty()) return nullptr;
 
-    const std::optional<AttributeList> attributes =
-        AttributeList::parse(attributeText(tagLine, isStream || isIFrame), recorder);
-    if (!attributes) return nullptr;
-    if (recorder != nullptr) recorder->attributesRead(TagLine(tagLine).name, *attributes);
+    AttributeList attributes;
+    if (!attributes.parse(attributeText(tagLine, isStream || isIFrame), recorder)) return nullptr;
+    if (recorder != nullptr) recorder->attributesRead(TagLine(tagLine).name, attributes);
     auto variant = std::make_shared<VELHLSMediaVariant>(0, 0, "", "", "", nullptr, isIFrame, 0);
     if (isStream) variant->uri = uriLine;
-    for (const Attribute& attribute : *attributes) {
+    for (const Attribute& attribute : attributes) {
         readAttribute(*variant, attribute, recorder);
     }
     if (!variant->validate()) {
-        if (recorder != nullptr) tellWhyInvalid(*recorder, *variant, *attributes, TagLine(tagLine).name);
+        if (recorder != nullptr) tellWhyInvalid(*recorder, *variant, attributes, TagLine(tagLine).name);
         return nullptr;
     }
-    if (recorder != nullptr) tellOfSurprises(*recorder, *attributes, TagLine(tagLine).name, uriLine);
+    if (recorder != nullptr) tellOfSurprises(*recorder, attributes, TagLine(tagLine).name, uriLine);
     return variant;
 }
 

@@ -16,15 +16,15 @@ std::shared_ptr<VELHLSZORStreamInformation> velhls::parseStreamInformation(const
     }
     const TagLine tagLine(line);
     // A malformed list does not reject the playlist: why it is malformed is not told as an error.
-    const std::optional<AttributeList> attributes = AttributeList::parse(tagLine.value);
-    if (!attributes) {
+    AttributeList attributes;
+    if (!attributes.parse(tagLine.value)) {
         tell(recorder, Rule::vendorStreamInformationDropped, tagLine.value);
         return nullptr;
     }
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, *attributes);
+    if (recorder != nullptr) recorder->attributesRead(tagLine.name, attributes);
 
     auto entry = std::make_shared<VELHLSZORStreamInformation>();
-    for (const Attribute& attribute : *attributes) {
+    for (const Attribute& attribute : attributes) {
         if (attribute.name == attribute::nominalVideoBitrate) {
             entry->nominalVideoBitrate = toInt64AsUnsigned(number(recorder, attribute.value));
         } else if (attribute.name == attribute::nominalAudioBitrate) {

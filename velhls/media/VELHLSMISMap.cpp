@@ -23,12 +23,12 @@ void tellOfIgnoredAttributes(velhls::Recorder& recorder, const velhls::Attribute
 
 bool velhls::parseMap(std::string_view line, VELHLSMISMap& map, Recorder* recorder) {
     if (!isTagLine(line, tag::map)) return false;
-    const std::optional<AttributeList> attributes = parseNonEmptyAttributes(line, recorder);
-    if (!attributes) return false;
+    AttributeList attributes;
+    if (!parseNonEmptyAttributes(line, attributes, recorder)) return false;
 
-    const std::optional<std::string_view> uriValue = attributes->find(attribute::uri);
+    const std::optional<std::string_view> uriValue = attributes.find(attribute::uri);
     if (!uriValue) return rejectMissing(recorder, Rule::mapUriMissing, TagLine(line).name);
-    const std::optional<std::string_view> range = attributes->find(attribute::byteRange);
+    const std::optional<std::string_view> range = attributes.find(attribute::byteRange);
     if (range) {
         map.byteRange = std::make_shared<VELHLSByteRange>();
         if (!parseRange(*range, '@', false, *map.byteRange, recorder)) {
@@ -38,7 +38,7 @@ bool velhls::parseMap(std::string_view line, VELHLSMISMap& map, Recorder* record
         }
         if (map.byteRange->length == 0) tell(recorder, Rule::byteRangeEmptyNotWritten, *range);
     }
-    if (recorder != nullptr) tellOfIgnoredAttributes(*recorder, *attributes);
+    if (recorder != nullptr) tellOfIgnoredAttributes(*recorder, attributes);
     // Last, since the line may be the one that this very member holds.
     map.uri = *uriValue;
     return true;

@@ -70,9 +70,9 @@ bool velhls::parseKey(std::string_view line, VELHLSProtectionData& key, Recorder
     const bool isSessionKey = isTagLine(line, tag::sessionKey);
     if (!isSessionKey && !isTagLine(line, tag::key)) return false;
     const std::string_view tagName = TagLine(line).name;
-    const std::optional<AttributeList> attributes = parseNonEmptyAttributes(line, recorder);
-    if (!attributes) return false;
-    const std::optional<std::string_view> methodName = attributes->find(attribute::method);
+    AttributeList attributes;
+    if (!parseNonEmptyAttributes(line, attributes, recorder)) return false;
+    const std::optional<std::string_view> methodName = attributes.find(attribute::method);
     if (!methodName) return rejectMissing(recorder, Rule::keyMethodMissing, tagName);
 
     const bool encrypts = *methodName != fixed::none;
@@ -82,8 +82,8 @@ bool velhls::parseKey(std::string_view line, VELHLSProtectionData& key, Recorder
 
     // Apart from the key, since the line may be a text that it holds.
     VELHLSProtectionData read(encryptingMethod.value_or(VELHLSProtectionData::None), "", "", "", {});
-    if (encrypts && !readAttributes(read, *attributes, recorder)) return false;
-    if (!encrypts) tellOfIgnoredAttributes(recorder, *attributes);
+    if (encrypts && !readAttributes(read, attributes, recorder)) return false;
+    if (!encrypts) tellOfIgnoredAttributes(recorder, attributes);
     // The one rule that may still be broken: the vector was looked at when it was read.
     if (encrypts && read.uri.empty()) return rejectMissing(recorder, Rule::keyUriMissing, tagName);
     key = std::move(read);
