@@ -88,7 +88,8 @@ class AttributeScanner {
         if (quoted && recorder_ != nullptr) tellOfTextAroundQuotes(equals, closing, comma == none);
 
         attribute.name = between(position_, equals);
-        attribute.value = quoted ? between(quote_ + 1, std::min(closing, text_.size())) : between(equals + 1, limit);
+        attribute.value =
+            quoted ? between(quote_ + 1, std::min(closing, text_.size())) : between(equals + 1, limit);
         ended_ = comma == none;
         position_ = comma + 1;
         return true;
@@ -128,11 +129,22 @@ class AttributeScanner {
     bool quoteKnown_ = false;
 };
 
-/// The byte-wise order of two names, neither of them empty. Most differ in their first character.
-bool isBefore(std::string_view left, std::string_view right) {
-    const auto leftFirst = static_cast<unsigned char>(left.front());
-    const auto rightFirst = static_cast<unsigned char>(right.front());
-    return leftFirst != rightFirst ? leftFirst < rightFirst : left < right;
+constexpr unsigned indexBits = 8;
+
+/// The first four bytes of a name, and below them where its attribute stands. As numbers these are in the order of the
+/// names, but for names that begin alike.
+std::uint64_t placeOf(std::string_view name, std::size_t index) {
+    const auto byte = [name](std::size_t position) {
+        return std::uint64_t{static_cast<unsigned char>(name[position])};
+    };
+    std::uint64_t start = 0;
+    if (name.size() >= 4) {
+        start = byte(0) << 24 | byte(1) << 16 | byte(2) << 8 | byte(3);
+    } else {
+        for (std::size_t position = 0; position < name.size(); ++position)
+            start |= byte(position) << (24 - 8 * position);
+    }
+    return start << indexBits | index;
 }
 
 }  // namespace
@@ -155,21 +167,26 @@ Attribute& AttributeList::newAttribute() {
     return many_.emplace_back();
 }
 
+bool AttributeList::isBefore(std::uint64_t left, std::uint64_t right) const {
+    const bool beginAlike = (left ^ right) >> indexBits == 0;
+    return beginAlike ? fewAt(left).name < fewAt(right).name : left < right;
+}
+
 /// Gives the attribute that was read last its place in the order, unless there is one of its name.
 void AttributeList::keepNewAttribute(Recorder* recorder) {
     if (isLong()) return;
     const std::string_view name = few_[fewCount_].name;
+    const std::uint64_t place = placeOf(name, fewCount_);
     std::size_t position = fewCount_;
-    while (position > 0 && isBefore(name, few_[order_[position - 1]].name))
-        --position;
-    if (position > 0 && few_[order_[position - 1]].name == name) {
-        tell(recorder, Rule::attributeRepeated, name);
-        return;
-    }
-    for (std::size_t index = fewCount_; index > position; --index)
-        order_[index] = order_[index - 1];
-    order_[position] = static_cast<std::uint8_t>(fewCount_);
+    for (; position > 0 && isBefore(place, order_[position - 1]); --position)
+        order_[position] = order_[position - 1];
+    order_[position] = place;
     ++fewCount_;
+    if (position > 0 && fewAt(order_[position - 1]).name == name) {
+        std::copy(order_.begin() + position + 1, order_.begin() + fewCount_, order_.begin() + position);
+        --fewCount_;
+        tell(recorder, Rule::attributeRepeated, name);
+    }
 }
 
 void AttributeList::sortMany(Recorder* recorder) {

@@ -40,7 +40,7 @@ class AttributeList {
     [[nodiscard]] std::size_t size() const { return isLong() ? many_.size() : fewCount_; }
     /// By its position in the order of the names.
     [[nodiscard]] const Attribute& operator[](std::size_t position) const {
-        return isLong() ? many_[position] : few_[order_[position]];
+        return isLong() ? many_[position] : fewAt(order_[position]);
     }
     [[nodiscard]] Iterator begin() const;
     [[nodiscard]] Iterator end() const;
@@ -52,6 +52,8 @@ class AttributeList {
     static constexpr std::size_t mostFew = 16;
 
     [[nodiscard]] bool isLong() const { return !many_.empty(); }
+    [[nodiscard]] const Attribute& fewAt(std::uint64_t place) const { return few_[place % 256]; }
+    [[nodiscard]] bool isBefore(std::uint64_t left, std::uint64_t right) const;
     [[nodiscard]] Attribute& newAttribute();
     void keepNewAttribute(Recorder* recorder);
     void sortMany(Recorder* recorder);
@@ -60,7 +62,8 @@ class AttributeList {
     union {
         Attribute few_[mostFew];
     };
-    std::array<std::uint8_t, mostFew> order_;
+    /// Each with the start of its name above its index, so that most names are compared without being looked at.
+    std::array<std::uint64_t, mostFew> order_;
     std::size_t fewCount_ = 0;
     std::vector<Attribute> many_;
 };

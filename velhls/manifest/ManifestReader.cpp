@@ -96,7 +96,7 @@ ManifestReader::Outcome ManifestReader::takeVendorTag(const TagLine& tagLine) {
 }
 
 ManifestReader::Outcome ManifestReader::takeRendition() {
-    auto rendition = parseRendition(line_, recorder_);
+    auto rendition = parseRendition(line_, &recordMaker_, recorder_);
     if (rendition == nullptr) return Outcome::rejected;
     if (recorder_ != nullptr) recorder_->recordRead(rendition.get(), TagLine(line_).name);
     // The first rendition with a name stays.
@@ -114,7 +114,7 @@ ManifestReader::Outcome ManifestReader::takeVariant(bool isIFrame) {
         uriLine = lines_.next();
         noteLine(uriLine);
     }
-    auto variant = parseVariant(line_, uriLine, recorder_);
+    auto variant = parseVariant(line_, uriLine, &recordMaker_, recorder_);
     if (variant == nullptr) return Outcome::rejected;
     if (recorder_ != nullptr) recorder_->recordRead(variant.get(), TagLine(line_).name);
     // Behind all others of no more bandwidth: the hint only says where that often is.

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/RecordMaker.h"
 #include "velhls/common/Recorder.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
@@ -40,6 +41,7 @@ class ManifestReader {
 
     LineReader lines_;
     Recorder* recorder_;
+    RecordMaker recordMaker_;
     std::string line_;
     std::shared_ptr<VELHLSParsedManifest> manifest_ = std::make_shared<VELHLSParsedManifest>();
 };

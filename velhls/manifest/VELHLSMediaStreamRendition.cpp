@@ -17,6 +17,9 @@ using velhls::Attribute;
 using velhls::Recorder;
 using velhls::Rule;
 
+/// Gives access to the constructor that a reader needs.
+struct ReadRendition : VELHLSMediaStreamRendition {};
+
 /// Sets the flag; false for a value that is neither of the two.
 bool readFlag(std::string_view value, bool& flag, Recorder* recorder) {
     flag = value == velhls::fixed::yes;
@@ -138,15 +141,14 @@ std::string joinedByCommas(const std::set<std::string>& pieces) {
 }  // namespace
 
 std::shared_ptr<VELHLSMediaStreamRendition> velhls::parseRendition(const std::string& line,
-                                                                   Recorder* recorder) {
+                                                                   RecordMaker* maker, Recorder* recorder) {
     if (!isTagLine(line, tag::media)) return nullptr;
     const TagLine tagLine(line);
     AttributeList attributes;
     if (!attributes.parse(tagLine.value, recorder)) return nullptr;
     if (recorder != nullptr) recorder->attributesRead(tagLine.name, attributes);
 
-    auto rendition = std::make_shared<VELHLSMediaStreamRendition>(
-        VELHLSMediaStreamRendition::Unknown, "", nullptr, "", "", "", "", false, false, false, "", "");
+    auto rendition = makeRecord<ReadRendition>(maker);
     for (const Attribute& attribute : attributes) {
         if (!readAttribute(*rendition, attribute, recorder)) return nullptr;
     }
@@ -179,7 +181,7 @@ VELHLSMediaStreamRendition::VELHLSMediaStreamRendition(
       audioTrackType(audioTrackType) {}
 
 std::shared_ptr<VELHLSMediaStreamRendition> VELHLSMediaStreamRendition::parse(const std::string& line) {
-    return velhls::parseRendition(line, nullptr);
+    return velhls::parseRendition(line, nullptr, nullptr);
 }
 
 std::int32_t VELHLSMediaStreamRendition::render(std::string& out) const {

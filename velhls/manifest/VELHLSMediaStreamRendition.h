@@ -66,7 +66,7 @@ class VELHLS_API VELHLSMediaStreamRendition {
     [[nodiscard]] bool equalExceptURIAndGroupID(std::shared_ptr<VELHLSMediaStreamRendition> other) const;
 
     /// TYPE.
-    RenditionType type;
+    RenditionType type = Unknown;
 
     /// URI of the rendition's media playlist; empty when the media lies in the variants' own playlists.
     std::string uri;
@@ -87,13 +87,13 @@ class VELHLS_API VELHLSMediaStreamRendition {
     std::string name;
 
     /// DEFAULT.
-    bool isDefault;
+    bool isDefault = false;
 
     /// AUTOSELECT.
-    bool autoSelect;
+    bool autoSelect = false;
 
     /// FORCED.
-    bool forced;
+    bool forced = false;
 
     /// INSTREAM-ID of a closed-caption rendition; empty for all others.
     std::string instreamId;
@@ -103,4 +103,8 @@ class VELHLS_API VELHLSMediaStreamRendition {
 
     /// CHARACTERISTICS, cut at its commas.
     std::set<std::string> characteristics;
+
+  protected:
+    /// For the library's own reader, which sets all members in place.
+    VELHLSMediaStreamRendition() = default;
 };

@@ -64,6 +64,11 @@ void readAttribute(VELHLSMediaVariant& variant, const velhls::Attribute& read, R
     }
 }
 
+/// Gives access to the constructor that a reader needs.
+struct ReadVariant : VELHLSMediaVariant {
+    explicit ReadVariant(bool isIFrame) : VELHLSMediaVariant(isIFrame) {}
+};
+
 /// Why a variant that was read does not validate.
 void tellWhyInvalid(Recorder& recorder, const VELHLSMediaVariant& variant,
                     const velhls::AttributeList& attributes, std::string_view tagName) {
@@ -87,7 +92,7 @@ void tellOfSurprises(Recorder& recorder, const velhls::AttributeList& attributes
 }  // namespace
 
 std::shared_ptr<VELHLSMediaVariant> velhls::parseVariant(std::string_view tagLine, std::string_view uriLine,
-                                                         Recorder* recorder) {
+                                                         RecordMaker* maker, Recorder* recorder) {
     const bool isStream = isTagLine(tagLine, tag::streamInf);
     const bool isIFrame = isTagLine(tagLine, tag::iFrameStreamInf);
     if (isStream && uriLine.empty()) {
@@ -99,7 +104,7 @@ std::shared_ptr<VELHLSMediaVariant> velhls::parseVariant(std::string_view tagLin
     AttributeList attributes;
     if (!attributes.parse(attributeText(tagLine, isStream || isIFrame), recorder)) return nullptr;
     if (recorder != nullptr) recorder->attributesRead(TagLine(tagLine).name, attributes);
-    auto variant = std::make_shared<VELHLSMediaVariant>(0, 0, "", "", "", nullptr, isIFrame, 0);
+    auto variant = makeRecord<ReadVariant>(maker, isIFrame);
     if (isStream) variant->uri = uriLine;
     for (const Attribute& attribute : attributes) {
         readAttribute(*variant, attribute, recorder);
@@ -127,7 +132,7 @@ VELHLSMediaVariant::VELHLSMediaVariant(std::uint64_t bandwidth, std::uint64_t av
 
 std::shared_ptr<VELHLSMediaVariant> VELHLSMediaVariant::parseVariant(const std::string& tagLine,
                                                                      const std::string& uriLine) {
-    return velhls::parseVariant(tagLine, uriLine, nullptr);
+    return velhls::parseVariant(tagLine, uriLine, nullptr, nullptr);
 }
 
 std::int32_t VELHLSMediaVariant::render(std::string& out) const {

@@ -66,10 +66,10 @@ class VELHLS_API VELHLSMediaVariant {
     [[nodiscard]] double getCVBRRatio() const;
 
     /// BANDWIDTH: peak bits per second.
-    std::uint64_t bandwidth;
+    std::uint64_t bandwidth = 0;
 
     /// AVERAGE-BANDWIDTH: bits per second; 0 when absent.
-    std::uint64_t averageBandwidth;
+    std::uint64_t averageBandwidth = 0;
 
     /// CODECS, not split; empty when absent.
     std::string codecs;
@@ -78,7 +78,7 @@ class VELHLS_API VELHLSMediaVariant {
     std::string resolution;
 
     /// PROGRAM-ID (of protocol versions before RFC 8216); 0 when absent.
-    std::uint32_t programId;
+    std::uint32_t programId = 0;
 
     /// The GROUP-ID that the variant names for each rendition type: AUDIO, VIDEO, SUBTITLES, CLOSED-CAPTIONS.
     std::map<VELHLSMediaStreamRendition::RenditionType, std::string> groupIds;
@@ -98,6 +98,10 @@ class VELHLS_API VELHLSMediaVariant {
 
     /// Nominal audio bit rate in bits per second, likewise.
     std::uint64_t nominalAudioBitrate = 0;
+
+  protected:
+    /// For the library's own reader, which sets all other members in place.
+    explicit VELHLSMediaVariant(bool isIFrameVariant) : isIFrame(isIFrameVariant) {}
 
   private:
     VELHLS_HIDDEN void appendGroups(std::string& out) const;

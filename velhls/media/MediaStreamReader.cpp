@@ -171,7 +171,7 @@ bool MediaStreamReader::takePattern() {
 
 bool MediaStreamReader::appendPattern() {
     const auto segments = createSegments(*segmentReader_.pattern(), nextOrigin(), stream_->hlsDefineMap,
-                                         segmentMaker_, allowance_, recorder_);
+                                         recordMaker_, allowance_, recorder_);
     if (segments == nullptr) return false;
     if (recorder_ != nullptr) {
         const void* const pattern = segmentReader_.pattern().get();

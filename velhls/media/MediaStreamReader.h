@@ -6,10 +6,10 @@
 #include <string_view>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/RecordMaker.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/VELHLSParsingStatus.h"
 #include "velhls/media/PatternExpander.h"
-#include "velhls/media/SegmentMaker.h"
 #include "velhls/media/SegmentReader.h"
 #include "velhls/media/VELHLSMediaStream.h"
 
@@ -22,7 +22,7 @@ class MediaStreamReader {
     MediaStreamReader(std::istream& input, VELHLSParsingStatus* status, Recorder* recorder)
         : recorder_(recorder),
           lines_(input),
-          segmentReader_(lines_, &segmentMaker_, stream_->hlsDefineMap, status, recorder) {}
+          segmentReader_(lines_, &recordMaker_, stream_->hlsDefineMap, status, recorder) {}
 
     /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line. All
     /// segments are valid. With a recorder it goes on, and what was not rejected comes back.
@@ -49,7 +49,7 @@ class MediaStreamReader {
     Recorder* recorder_;
     LineReader lines_;
     std::string_view line_;
-    SegmentMaker segmentMaker_;
+    RecordMaker recordMaker_;
     SegmentReader segmentReader_;
     ExpansionAllowance allowance_{VELHLSMediaPattern::maximumExpansionBytesOfPlaylist};
 };

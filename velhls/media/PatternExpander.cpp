@@ -221,7 +221,7 @@ void PatternExpander::append(std::string_view line) {
 
 std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
     const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-    const std::shared_ptr<VELHLSDefineMap>& defines, SegmentMaker& maker, ExpansionAllowance& allowance,
+    const std::shared_ptr<VELHLSDefineMap>& defines, RecordMaker& maker, ExpansionAllowance& allowance,
     Recorder* recorder) {
     RecordedExpansion recorded(recorder, pattern.body);
     PatternExpander expander(pattern, defines.get(), allowance, recorder);

@@ -11,7 +11,6 @@
 #include "velhls/common/Recorder.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/VELHLSUtility.h"
-#include "velhls/media/SegmentMaker.h"
 #include "velhls/media/SegmentReader.h"
 #include "velhls/media/VELHLSMediaPattern.h"
 
@@ -113,7 +112,7 @@ class PatternExpander {
 /// See VELHLSMediaPattern::createMediaSegments. Null when the expansion fails or goes beyond the allowance.
 [[nodiscard]] std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
     const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-    const std::shared_ptr<VELHLSDefineMap>& defines, SegmentMaker& maker, ExpansionAllowance& allowance,
+    const std::shared_ptr<VELHLSDefineMap>& defines, RecordMaker& maker, ExpansionAllowance& allowance,
     Recorder* recorder);
 
 }  // namespace velhls

@@ -25,6 +25,11 @@ constexpr std::array<std::string_view, 9> segmentTags = {
     tag::extInf, tag::byteRange,  tag::key,   tag::map,          tag::programDateTime,
     tag::cueOut, tag::cueOutCont, tag::cueIn, tag::discontinuity};
 
+/// Gives access to the constructor that a reader needs.
+struct ReadSegment : VELHLSMediaSegment {
+    ReadSegment(std::string_view title, std::string_view uri) : VELHLSMediaSegment(title, uri) {}
+};
+
 bool isKeptByWriting(double duration) {
     constexpr int decimals = 6;
     std::array<char, mostFixedBytes> text;
@@ -34,7 +39,7 @@ bool isKeptByWriting(double duration) {
 
 }  // namespace
 
-SegmentReader::SegmentReader(LineReader& lines, SegmentMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
+SegmentReader::SegmentReader(LineReader& lines, RecordMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
                              VELHLSParsingStatus* status, Recorder* recorder)
     : lines_(lines), maker_(maker), defines_(std::move(defines)), status_(status), recorder_(recorder) {
     lines_.tell(*this);
@@ -362,16 +367,11 @@ void SegmentReader::recordMade(const VELHLSMediaSegment& segment, const VELHLSMe
     if (inherits) recorder_->report(Rule::keyAndMapRepeated, uri_, "a segment without");
 }
 
-std::shared_ptr<VELHLSByteRange> SegmentReader::makeByteRange() {
-    const VELHLSByteRange& range = tags_.byteRange;
-    return maker_ != nullptr ? maker_->make(range) : std::make_shared<VELHLSByteRange>(range);
-}
-
 std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const SegmentOrigin& origin) {
-    auto made = maker_ != nullptr ? maker_->make(title_, uri_) : SegmentMaker::makeAlone(title_, uri_);
+    auto made = makeRecord<ReadSegment>(maker_, title_, uri_);
     VELHLSMediaSegment& segment = *made;
     segment.duration = tags_.duration;
-    if (tags_.hasByteRange) segment.byteRange = makeByteRange();
+    if (tags_.hasByteRange) segment.byteRange = makeRecord<VELHLSByteRange>(maker_, tags_.byteRange);
     segment.discontinuity = tags_.discontinuity;
     if (tags_.key != nullptr) segment.protectionData = std::move(tags_.key);
     if (tags_.map != nullptr) segment.misMap = std::move(tags_.map);

@@ -10,13 +10,13 @@
 #include <string_view>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/RecordMaker.h"
 #include "velhls/common/Recorder.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/Timestamps.h"
 #include "velhls/common/VELHLSParsingStatus.h"
 #include "velhls/common/VELHLSUtility.h"
-#include "velhls/media/SegmentMaker.h"
 #include "velhls/media/VELHLSMediaPattern.h"
 #include "velhls/media/VELHLSMediaSegment.h"
 
@@ -36,7 +36,7 @@ class SegmentReader : private LineReader::ViewKeeper {
   public:
     /// All three are used as long as the reader is. The maker may be null: each segment then has memory of
     /// its own. Variables go into `defines`, which is made on demand when it is null.
-    SegmentReader(LineReader& lines, SegmentMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
+    SegmentReader(LineReader& lines, RecordMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
                   VELHLSParsingStatus* status, Recorder* recorder);
 
     /// Reads a segment from its first line on. Null when there is none; the lines may have opened a pattern
@@ -97,11 +97,10 @@ class SegmentReader : private LineReader::ViewKeeper {
     [[nodiscard]] bool tellWhyIncomplete() const;
     void recordMade(const VELHLSMediaSegment& segment, const VELHLSMediaSegment* previous) const;
     [[nodiscard]] bool isComplete();
-    [[nodiscard]] std::shared_ptr<VELHLSByteRange> makeByteRange();
     [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> build(const SegmentOrigin& origin);
 
     LineReader& lines_;
-    SegmentMaker* maker_;
+    RecordMaker* maker_;
     std::shared_ptr<VELHLSDefineMap> defines_;
     VELHLSParsingStatus* status_;
     Recorder* recorder_;

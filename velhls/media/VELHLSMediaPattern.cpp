@@ -40,7 +40,7 @@ std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> VELHLSMediaPat
     std::uint64_t firstDiscontinuitySequenceNumber, std::shared_ptr<VELHLSDefineMap> defines,
     VELHLSParsingStatus* /*status*/) const {
     velhls::ExpansionAllowance allowance(maximumExpansionBytes);
-    velhls::SegmentMaker maker;
+    velhls::RecordMaker maker;
     auto segments = velhls::createSegments(
         *this, {previous.get(), firstMediaSequenceNumber, firstDiscontinuitySequenceNumber}, defines, maker,
         allowance, nullptr);
