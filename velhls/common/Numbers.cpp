@@ -10,6 +10,7 @@
 #include <stdlib.h>
 #include <system_error>
 
+#include "velhls/common/TextBuffer.h"
 #include "velhls/common/TextScan.h"
 
 namespace velhls {
@@ -99,6 +100,26 @@ void appendInteger(std::string& out, Integer number) {
     out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr);
 }
 
+constexpr char digitOf(std::uint32_t number) {
+    return static_cast<char>('0' + number);
+}
+
+/// A number from 0 to 999.
+char* putThreeDigits(char* to, std::uint32_t number) {
+    to[0] = digitOf(number / 100);
+    to[1] = digitOf(number / 10 % 10);
+    to[2] = digitOf(number % 10);
+    return to + 3;
+}
+
+/// Durations and seconds have one or two digits in front of their point.
+char* putWhole(char* to, std::uint64_t number) {
+    if (number >= 100) return std::to_chars(to, to + mostDecimalBytes, number).ptr;
+    const auto small = static_cast<std::uint32_t>(number);
+    if (small >= 10) to = put(to, digitOf(small / 10));
+    return put(to, digitOf(small % 10));
+}
+
 constexpr std::uint64_t power(std::uint64_t base, int exponent) {
     return exponent == 0 ? 1 : base * power(base, exponent - 1);
 }
@@ -129,13 +150,11 @@ char* putWithDecimals(char* to, double number) {
         ++whole;
     }
 
-    char* const point = std::to_chars(to, to + mostDecimalBytes, whole).ptr;
-    *point = '.';
-    for (int position = decimals; position >= 1; --position) {
-        point[position] = static_cast<char>('0' + fraction % 10);
-        fraction /= 10;
-    }
-    return point + 1 + decimals;
+    to = putWhole(to, whole);
+    to = put(to, '.');
+    static_assert(decimals == 3 || decimals == 6);
+    if (decimals == 6) to = putThreeDigits(to, static_cast<std::uint32_t>(fraction / 1000));
+    return putThreeDigits(to, static_cast<std::uint32_t>(fraction % 1000));
 }
 
 }  // namespace

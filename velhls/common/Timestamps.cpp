@@ -117,6 +117,18 @@ char* putTwoDigits(char* to, std::int64_t number) {
     return to + 2;
 }
 
+/// "10:00:05.250+00:00"
+char* putTime(char* to, std::int64_t secondOfDay, double secondOfMinute) {
+    to = putTwoDigits(to, secondOfDay / 3600);
+    to = put(to, ':');
+    to = putTwoDigits(to, secondOfDay % 3600 / 60);
+    to = put(to, ':');
+    to = putFixed(to, secondOfMinute, 3);
+    return put(to, std::string_view("+00:00"));
+}
+
+constexpr std::size_t usualDateLength = std::string_view("2026-11-21T").size();
+
 /// "2026-11-21T"
 std::string dateText(const CivilTime& date) {
     std::string text;
@@ -270,16 +282,13 @@ char* TimestampWriter::put(char* to, double seconds) {
         date_ = dateText(dateOf(whole));
     }
     const std::int64_t secondOfDay = whole - dayStart_;
-    const double secondOfMinute = static_cast<double>(secondOfDay % 60);
-
+    const double secondOfMinute = (hasFraction ? fraction : 0.0) + static_cast<double>(secondOfDay % 60);
+    // The text of a year of four digits is never longer than there is room for.
+    if (date_.size() == usualDateLength) {
+        return putTime(velhls::put(to, firstOf(date_, usualDateLength)), secondOfDay, secondOfMinute);
+    }
     std::array<char, mostFixedBytes + 64> text;
-    char* end = velhls::put(text.data(), date_);
-    end = putTwoDigits(end, secondOfDay / 3600);
-    end = velhls::put(end, ':');
-    end = putTwoDigits(end, secondOfDay % 3600 / 60);
-    end = velhls::put(end, ':');
-    end = putFixed(end, (hasFraction ? fraction : 0.0) + secondOfMinute, 3);
-    end = velhls::put(end, "+00:00");
+    const char* const end = putTime(velhls::put(text.data(), date_), secondOfDay, secondOfMinute);
     const auto length = static_cast<std::size_t>(end - text.data());
     return velhls::put(to, std::string_view(text.data(), std::min(length, mostTimestampBytes)));
 }

@@ -1,6 +1,5 @@
 #include "velhls/media/MediaStreamReader.h"
 
-#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -170,16 +169,16 @@ bool MediaStreamReader::takePattern() {
 }
 
 bool MediaStreamReader::appendPattern() {
-    const auto segments = createSegments(*segmentReader_.pattern(), nextOrigin(), stream_->hlsDefineMap,
-                                         recordMaker_, allowance_, recorder_);
-    if (segments == nullptr) return false;
+    const std::size_t countBefore = stream_->segments.size();
+    const bool areCreated = createSegments(stream_->segments, *segmentReader_.pattern(), nextOrigin(),
+                                           stream_->hlsDefineMap, recordMaker_, allowance_, recorder_);
+    if (!areCreated) return false;
     if (recorder_ != nullptr) {
         const void* const pattern = segmentReader_.pattern().get();
         recorder_->reportRecord(Rule::patternNotWritten, pattern, {}, {});
-        if (segments->empty()) recorder_->reportRecord(Rule::patternWithoutSegments, pattern, {}, "none");
+        if (stream_->segments.size() == countBefore)
+            recorder_->reportRecord(Rule::patternWithoutSegments, pattern, {}, "none");
     }
-    stream_->segments.insert(stream_->segments.end(), std::make_move_iterator(segments->begin()),
-                             std::make_move_iterator(segments->end()));
     return true;
 }
 

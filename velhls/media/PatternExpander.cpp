@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <istream>
+#include <limits>
 #include <streambuf>
 #include <utility>
 
@@ -45,6 +46,25 @@ class RecordedExpansion {
 
   private:
     Recorder* recorder_;
+};
+
+/// Takes back what was appended to a list, unless all went well.
+class AppendedSegments {
+  public:
+    explicit AppendedSegments(std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments)
+        : segments_(segments), countBefore_(segments.size()) {}
+    ~AppendedSegments() {
+        if (!kept_) segments_.resize(countBefore_);
+    }
+    AppendedSegments(const AppendedSegments&) = delete;
+    AppendedSegments& operator=(const AppendedSegments&) = delete;
+
+    void keep() { kept_ = true; }
+
+  private:
+    std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments_;
+    std::size_t countBefore_;
+    bool kept_ = false;
 };
 
 void tellOfPattern(Recorder* recorder, Rule rule, const VELHLSMediaPattern& pattern) {
@@ -118,6 +138,10 @@ PatternExpander::Step PatternExpander::vendorTagStep(std::string_view line) cons
     step.kind = Kind::increment;
     step.variable = &define->second;
     step.amount = tagLine.value.substr(comma + 1);
+    const LeadingNumber<std::int64_t> plain = leadingInteger(step.amount);
+    const bool isPlain = plain.length == step.amount.size() && plain.length > 0 &&
+                         plain.number <= std::numeric_limits<std::int32_t>::max();
+    if (isPlain) step.plainAmount = static_cast<std::int32_t>(plain.number);
     return step;
 }
 
@@ -132,6 +156,7 @@ void PatternExpander::findReferences(Step& step) const {
         const auto define = defines_->find(std::string(rest.substr(start + 2, close - start - 2)));
         if (define == defines_->end()) return;
         references.push_back({rest.substr(0, start), &define->second});
+        step.valuesArePlain = step.valuesArePlain && holdsNone(define->second, referenceStarts);
         rest.remove_prefix(close + 1);
     }
     step.references = std::move(references);
@@ -174,13 +199,10 @@ bool PatternExpander::rejectAsTooLarge() {
 
 bool PatternExpander::putUri(const Step& step) {
     std::size_t length = step.textBehind.size();
-    bool isPlain = !step.references.empty();
-    for (const Reference& reference : step.references) {
-        // A value that holds a reference in turn takes the long way.
-        isPlain = isPlain && holdsNone(*reference.value, referenceStarts);
+    for (const Reference& reference : step.references)
         length += reference.textBefore.size() + reference.value->size();
-    }
-    isPlain = isPlain && length <= VELHLSUtility::maximumSubstitutedBytes;
+    const bool isPlain =
+        !step.references.empty() && step.valuesArePlain && length <= VELHLSUtility::maximumSubstitutedBytes;
     return isPlain ? putPlainUri(step, length) : putSubstitutedUri(step.line);
 }
 
@@ -208,9 +230,13 @@ bool PatternExpander::increment(const Step& step) {
     // Two 32-bit numbers: their sum fits 64 bits.
     if (recorder_ != nullptr) recorder_->converting(*step.variable, NumberForm::any, step.line);
     const std::int64_t current = toInt32(*step.variable);
-    const std::int64_t amount = toInt32(number(recorder_, step.amount, NumberForm::any));
+    const std::int64_t amount =
+        step.plainAmount ? *step.plainAmount : toInt32(number(recorder_, step.amount, NumberForm::any));
     std::array<char, mostDecimalBytes> text;
-    step.variable->assign(text.data(), putDecimal(text.data(), current + amount));
+    const auto length = static_cast<std::size_t>(putDecimal(text.data(), current + amount) - text.data());
+    // Mostly as long as before: only its digits change.
+    step.variable->resize(length);
+    std::copy_n(text.data(), length, step.variable->data());
     return true;
 }
 
@@ -219,16 +245,16 @@ void PatternExpander::append(std::string_view line) {
     text_.endAt(put(end, '\n'));
 }
 
-std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
-    const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-    const std::shared_ptr<VELHLSDefineMap>& defines, RecordMaker& maker, ExpansionAllowance& allowance,
-    Recorder* recorder) {
+bool createSegments(std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments,
+                    const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
+                    const std::shared_ptr<VELHLSDefineMap>& defines, RecordMaker& maker,
+                    ExpansionAllowance& allowance, Recorder* recorder) {
+    AppendedSegments appended(segments);
     RecordedExpansion recorded(recorder, pattern.body);
     PatternExpander expander(pattern, defines.get(), allowance, recorder);
-    if (!expander.expand()) return nullptr;
+    if (!expander.expand()) return false;
     recorded.textBegins();
 
-    auto segments = std::make_shared<std::vector<std::shared_ptr<VELHLSMediaSegment>>>();
     TextStream input(expander.text());
     LineReader lines(input);
     SegmentReader reader(lines, &maker, defines, nullptr, recorder);
@@ -239,16 +265,17 @@ std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments
         if (segment == nullptr) {
             // What a variable held has begun a pattern of its own.
             if (reader.openedPattern()) tell(recorder, Rule::patternStartRepeated, line);
-            return nullptr;
+            return false;
         }
         if (!allowance.spendSegment()) {
             tellOfPattern(recorder, Rule::patternTooLarge, pattern);
-            return nullptr;
+            return false;
         }
         next.previous = segment.get();
-        segments->push_back(std::move(segment));
+        segments.push_back(std::move(segment));
     }
-    return segments;
+    appended.keep();
+    return true;
 }
 
 }  // namespace velhls

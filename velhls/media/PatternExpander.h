@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -77,9 +79,13 @@ class PatternExpander {
         /// Of a URI whose references all name variables; empty otherwise.
         std::vector<Reference> references;
         std::string_view textBehind;
+        /// None of the values holds a reference in turn. An increment makes no such value.
+        bool valuesArePlain = true;
         /// Of an increment; null for a variable that is not defined.
         std::string* variable = nullptr;
         std::string_view amount;
+        /// The amount, where it is plain digits.
+        std::optional<std::int32_t> plainAmount;
     };
 
     [[nodiscard]] bool fits() const;
@@ -109,10 +115,11 @@ class PatternExpander {
     TextBuffer text_;
 };
 
-/// See VELHLSMediaPattern::createMediaSegments. Null when the expansion fails or goes beyond the allowance.
-[[nodiscard]] std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createSegments(
-    const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-    const std::shared_ptr<VELHLSDefineMap>& defines, RecordMaker& maker, ExpansionAllowance& allowance,
-    Recorder* recorder);
+/// See VELHLSMediaPattern::createMediaSegments. Appends the segments. False, and none are appended, when the expansion
+/// fails or goes beyond the allowance.
+[[nodiscard]] bool createSegments(std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments,
+                                  const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
+                                  const std::shared_ptr<VELHLSDefineMap>& defines, RecordMaker& maker,
+                                  ExpansionAllowance& allowance, Recorder* recorder);
 
 }  // namespace velhls

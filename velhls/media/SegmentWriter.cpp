@@ -43,9 +43,8 @@ bool SegmentWriter::isValid(const VELHLSMediaSegment& segment) {
 }
 
 void SegmentWriter::write(TextBuffer& out, const VELHLSMediaSegment& segment, bool writeKey, bool writeMap) {
-    // Empty, and not null: memcpy takes no null.
-    std::string_view keyLine = "";
-    std::string_view mapLine = "";
+    std::string_view keyLine;
+    std::string_view mapLine;
     if (segment.protectionData != nullptr && writeKey) {
         keyLine = lineOf(*segment.protectionData, writtenKey_, keyLine_);
     }
@@ -58,8 +57,8 @@ void SegmentWriter::write(TextBuffer& out, const VELHLSMediaSegment& segment, bo
         end = put(end, tag::discontinuity);
         end = put(end, '\n');
     }
-    end = put(end, keyLine);
-    end = put(end, mapLine);
+    if (!keyLine.empty()) end = put(end, keyLine);
+    if (!mapLine.empty()) end = put(end, mapLine);
     if (segment.programDateTime > 0.0) {
         end = putTag(end, tag::programDateTime);
         end = timestamps_.put(end, segment.programDateTime);

@@ -41,10 +41,12 @@ std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> VELHLSMediaPat
     VELHLSParsingStatus* /*status*/) const {
     velhls::ExpansionAllowance allowance(maximumExpansionBytes);
     velhls::RecordMaker maker;
-    auto segments = velhls::createSegments(
-        *this, {previous.get(), firstMediaSequenceNumber, firstDiscontinuitySequenceNumber}, defines, maker,
-        allowance, nullptr);
-    if (segments == nullptr) return nullptr;
+    auto segments = std::make_shared<std::vector<std::shared_ptr<VELHLSMediaSegment>>>();
+    const velhls::SegmentOrigin origin{previous.get(), firstMediaSequenceNumber,
+                                       firstDiscontinuitySequenceNumber};
+    const bool areCreated =
+        velhls::createSegments(*segments, *this, origin, defines, maker, allowance, nullptr);
+    if (!areCreated) return nullptr;
     // The caller's previous segment may hold a key or a map that is not valid.
     const bool allValid = std::all_of(segments->begin(), segments->end(),
                                       [](const auto& segment) { return segment->validate(); });
