@@ -147,6 +147,29 @@ TEST(StreamBuffers, RandomLinesAreReadTheSame) {
     }
 }
 
+/// The tags in front of a pattern are part of it, wherever the stream's buffer ends between them.
+TEST(StreamBuffers, TagsInFrontOfAPatternAreReadTheSame) {
+    std::string tags;
+    for (int count = 0; count < 20; ++count) {
+        const std::string text =
+            "#EXTM3U\n#EXT-X-DEFINE:NAME=\"n\",VALUE=\"10\"\n" + tags +
+            "#ZOR-PATTERN_START:p\n#EXTINF:4,\nsegment{$n}.ts\n#ZOR-DEFINE_INCREMENT:n,1\n"
+            "#ZOR-PATTERN_END:p\n#ZOR-PATTERN_REPEAT:p,2\n#EXT-X-ENDLIST\n";
+        expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
+        expectTheSameFromEveryBuffer(withCarriageReturns(text), VELHLSMediaStream::parseMediaStream);
+        tags +=
+            count % 3 == 0 ? "#EXT-X-DISCONTINUITY\n" : "#EXT-X-BYTERANGE:" + std::to_string(count) + "@1\n";
+        if (count % 5 == 0) tags += "# a\rcomment\n";
+    }
+}
+
+/// A number that throws leaves the stream behind the line at fault.
+TEST(StreamBuffers, ThrowingLinesLeaveTheSameUnread) {
+    expectTheSameFromEveryBuffer(
+        "#EXTM3U\n#EXTINF:4,\nfirst.ts\n#EXTINF:four,\nsecond.ts\n#EXTINF:4,\nthird.ts\n");
+    expectTheSameFromEveryBuffer("#EXTM3U\n#EXT-X-VERSION:one\n#EXT-X-STREAM-INF:BANDWIDTH=1\nvideo.m3u8\n");
+}
+
 TEST(StreamBuffers, TiedStreamIsFlushedBeforeReading) {
     class Flushes : public std::stringbuf {
       public:

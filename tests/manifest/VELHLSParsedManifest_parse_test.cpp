@@ -1410,4 +1410,26 @@ TEST(VELHLSParsedManifestParse, InternalParseGivesTheSameAndMeasuresNothing) {
     }
 }
 
+TEST(VELHLSParsedManifestParse, EachVariantAndRenditionLivesAsLongAsItIsHeld) {
+    std::string text;
+    for (int index = 0; index < 300; ++index) {
+        const std::string number = std::to_string(index);
+        text += "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"sound\",NAME=\"the language of number " + number + "\"\n";
+        text +=
+            "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"sound\"\na/playlist/with/a/long/uri/" + number + ".m3u8\n";
+    }
+    auto manifest = parsed(text);
+    ASSERT_NE(manifest, nullptr);
+    const auto variant = manifest->streamVariants[150];
+    const auto rendition =
+        manifest->renditions[VELHLSMediaStreamRendition::Audio]["sound"]["the language of number 7"];
+    const std::weak_ptr<VELHLSMediaVariant> released = manifest->streamVariants[151];
+    manifest = nullptr;
+    EXPECT_TRUE(released.expired());
+    EXPECT_EQ(variant.use_count(), 1);
+    EXPECT_EQ(variant->uri, "a/playlist/with/a/long/uri/150.m3u8");
+    EXPECT_EQ(rendition.use_count(), 1);
+    EXPECT_EQ(rendition->name, "the language of number 7");
+}
+
 }  // namespace

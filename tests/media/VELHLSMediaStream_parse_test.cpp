@@ -1361,4 +1361,33 @@ TEST(VELHLSMediaStreamParse, SegmentsMayBeReleasedInAnyOrderFromAnyThread) {
     }
 }
 
+/// Dates of a few days, back and forth, some of them in forms that are not usual.
+TEST(VELHLSMediaStreamParse, ReadsEachDateAsItIsReadAlone) {
+    std::mt19937 random(11);
+    const std::vector<std::string> days = {"2026-11-21", "2026-11-22", "2026-12-01", "2024-02-29",
+                                           "2023-02-29", "1970-01-01", "9999-12-31", "2026-1-2",
+                                           "2026-99-99", "0x7f-01-01"};
+    const std::vector<std::string> seconds = {"00", "05.25",     "59.9996", "7",
+                                              "61", "123456789", "1e1",     "00.123456789012345"};
+    const std::vector<std::string> zones = {"Z", "+02:00", "-11:30", "+2:0", "Zulu", "+0200:0"};
+    for (int round = 0; round < 300; ++round) {
+        std::vector<double> expected;
+        std::string text;
+        for (int segment = 0; segment < 6; ++segment) {
+            const std::string date = days[random() % days.size()] + "T" + std::to_string(10 + random() % 20) +
+                                     ":" + std::to_string(10 + random() % 60) + ":" +
+                                     seconds[random() % seconds.size()] + zones[random() % zones.size()];
+            const double alone = VELHLSUtility::parseTimestamp(date);
+            if (alone < 0.0) continue;
+            expected.push_back(alone);
+            text += "#EXT-X-PROGRAM-DATE-TIME:" + date + "\n#EXTINF:4,\nsegment.ts\n";
+        }
+        const Stream stream = playlist::parsedMedia(text);
+        ASSERT_NE(stream, nullptr) << text;
+        ASSERT_EQ(stream->segments.size(), expected.size());
+        for (std::size_t index = 0; index < expected.size(); ++index)
+            EXPECT_EQ(stream->segments[index]->programDateTime, expected[index]) << text;
+    }
+}
+
 }  // namespace

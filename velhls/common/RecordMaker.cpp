@@ -26,7 +26,8 @@ RecordMaker::~RecordMaker() {
 Slab* RecordMaker::newSlab() {
     // Up to about a kilobyte a block of the heap is had for next to nothing: two of these make a live window.
     constexpr std::size_t fewestBytes = 1000;
-    constexpr std::size_t mostBytes = 24 * 1024;
+    // Room for 96 segments, and nothing left over.
+    constexpr std::size_t mostBytes = 24640;
     const std::size_t bytes = std::clamp(madeBytes_, fewestBytes, mostBytes);
     Slab* const slab = Slab::make(bytes);
     if (slab_ != nullptr) slab_->close();

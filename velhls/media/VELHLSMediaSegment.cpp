@@ -20,11 +20,11 @@ VELHLSMediaSegment::VELHLSMediaSegment(double duration, double startTime, std::u
       title(title),
       byteRange(std::move(byteRange)),
       discontinuity(discontinuity),
-      cueIn(cueIn),
       protectionData(std::move(protectionData)),
       misMap(std::move(misMap)),
       programDateTime(programDateTime),
       uri(uri),
+      cueIn(cueIn),
       cueOut(cueOut),
       cueOutCont(cueOutCont) {}
 

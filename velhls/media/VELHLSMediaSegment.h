@@ -116,9 +116,6 @@ class VELHLS_API VELHLSMediaSegment {
     /// EXT-X-DISCONTINUITY stands in front of this segment.
     bool discontinuity = false;
 
-    /// EXT-X-CUE-IN stood among the segment's tags (vendor extension; not written back).
-    bool cueIn = false;
-
     /// The key in force; null when there is none.
     std::shared_ptr<VELHLSProtectionData> protectionData;
 
@@ -130,6 +127,9 @@ class VELHLS_API VELHLSMediaSegment {
 
     /// The URI line without its trailing white space.
     std::string uri;
+
+    /// EXT-X-CUE-IN stood among the segment's tags (vendor extension; not written back).
+    bool cueIn = false;
 
     /// The text behind the colon of EXT-X-CUE-OUT (vendor extension; not written back); empty when there is
     /// none.
