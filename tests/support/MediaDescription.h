@@ -18,6 +18,8 @@ inline std::string describe(const VELHLSByteRange& range) {
     return std::to_string(range.length) + "@" + std::to_string(range.offset);
 }
 
+inline std::string describe(const VELHLSMISMap& map);
+
 template <typename Record>
 std::string describeOrNull(const std::shared_ptr<Record>& record) {
     return record == nullptr ? "null" : describe(*record);
