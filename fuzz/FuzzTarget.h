@@ -72,7 +72,7 @@ auto resultOf(Work work) -> decltype(work()) {
 /// peak; and processor time that grows with it. docs/fuzzing.md lists the multiples.
 struct Cost {
     std::size_t memoryPerByte;
-    std::size_t memoryAtLeast = std::size_t{64} << 10;
+    std::size_t memoryAtLeast = std::size_t{16} << 10;
     /// Far more than is needed, under the sanitizers and on a slow machine: what is quadratic comes to more all the same.
     double secondsPerByte = 50e-6;
     double secondsAtLeast = 1.0;

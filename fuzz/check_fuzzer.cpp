@@ -4,7 +4,7 @@
 VELHLS_FUZZ_TARGET(check) {
     if (fuzz::holdsSlowPattern(text)) return;
     const bool expands = text.find("#ZOR-PATTERN_START:") != std::string::npos;
-    const fuzz::Cost cost = expands ? fuzz::Cost{0, std::size_t{512} << 20, 0.0, 60.0} : fuzz::Cost{1024};
+    const fuzz::Cost cost = expands ? fuzz::Cost{0, std::size_t{512} << 20, 0.0, 60.0} : fuzz::Cost{48};
     for (const auto kind : {VELHLSDiagnostics::Master, VELHLSDiagnostics::Media}) {
         static_cast<void>(
             fuzz::bounded(text.size(), cost, [&] { return VELHLSDiagnostics::check(text, kind); }));

@@ -7,7 +7,7 @@ VELHLS_FUZZ_TARGET(map) {
     VELHLSMISMap map;
     bool isRead = false;
     const std::string outcome = fuzz::outcomeOf([&] {
-        isRead = fuzz::bounded(text.size(), {64}, [&] { return map.parse(text); }) == 0;
+        isRead = fuzz::bounded(text.size(), {48}, [&] { return map.parse(text); }) == 0;
         return isRead ? playlist::describe(map) : "rejected";
     });
     fuzz::expectEqual(outcome, fuzz::outcomeOf([&] {

@@ -6,7 +6,7 @@ VELHLS_FUZZ_TARGET(master) {
     VELHLSParsingStatus status;
     const auto manifest = fuzz::resultOf([&] {
         std::istringstream input(text);
-        return fuzz::bounded(text.size(), {64},
+        return fuzz::bounded(text.size(), {32},
                              [&] { return VELHLSParsedManifest::parseManifest(input, &status); });
     });
 
@@ -20,7 +20,7 @@ VELHLS_FUZZ_TARGET(master) {
     fuzz::expect(status.error == VELHLSParsingErrorNone, "what parses sets the status");
     fuzz::expect(manifest->validate(), "what parses validates");
     const std::string rendered = fuzz::bounded(
-        text.size(), {64}, [&] { return playlist::renderedManifest(*manifest); });
+        text.size(), {32}, [&] { return playlist::renderedManifest(*manifest); });
     fuzz::expect(rendered.rfind("#EXTM3U\n", 0) == 0, "what validates renders", rendered);
     fuzz::expectEqual(playlist::renderedManifest(*manifest), rendered, "it renders the same twice");
     fuzz::expectEqual(playlist::differencesAfterRoundTrip(*manifest), "", "what it renders parses to an equal one");

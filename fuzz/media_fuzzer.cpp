@@ -7,7 +7,7 @@ VELHLS_FUZZ_TARGET(media) {
     if (fuzz::holdsSlowPattern(text)) return;
     // What a pattern makes is bounded by itself.
     const bool expands = text.find("#ZOR-PATTERN_START:") != std::string::npos;
-    const fuzz::Cost cost = expands ? fuzz::Cost{0, std::size_t{512} << 20, 0.0, 60.0} : fuzz::Cost{64};
+    const fuzz::Cost cost = expands ? fuzz::Cost{0, std::size_t{512} << 20, 0.0, 60.0} : fuzz::Cost{32};
     VELHLSParsingStatus status;
     const auto stream = fuzz::resultOf([&] {
         std::istringstream input(text);

@@ -9,7 +9,7 @@ VELHLS_FUZZ_TARGET(rendition) {
     };
     const std::string outcome = fuzz::outcomeOf([&] {
         rendition =
-            fuzz::bounded(text.size(), {64}, [&] { return VELHLSMediaStreamRendition::parse(text); });
+            fuzz::bounded(text.size(), {48}, [&] { return VELHLSMediaStreamRendition::parse(text); });
         return described(rendition);
     });
     fuzz::expectEqual(outcome, described(plain::rendition(text)), "the parse as its plain form");

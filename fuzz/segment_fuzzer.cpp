@@ -36,7 +36,7 @@ std::string outcomeOfSegments(const std::string& text, ParseNext parseNext, std:
 VELHLS_FUZZ_TARGET(segment) {
     std::vector<Segment> segments;
     std::vector<Segment> plainSegments;
-    const std::string outcome = fuzz::bounded(text.size(), {256}, [&] {
+    const std::string outcome = fuzz::bounded(text.size(), {128}, [&] {
         return outcomeOfSegments(text, VELHLSMediaSegment::parseNextSegment, segments);
     });
     fuzz::expectEqual(outcome, outcomeOfSegments(text, plain::nextSegment, plainSegments),

@@ -9,7 +9,7 @@ VELHLS_FUZZ_TARGET(stream_information) {
     };
     const std::string outcome = fuzz::outcomeOf([&] {
         information =
-            fuzz::bounded(text.size(), {64}, [&] { return VELHLSZORStreamInformation::parse(text); });
+            fuzz::bounded(text.size(), {48}, [&] { return VELHLSZORStreamInformation::parse(text); });
         return described(information);
     });
     fuzz::expectEqual(outcome, fuzz::outcomeOf([&] { return described(plain::streamInformation(text)); }),

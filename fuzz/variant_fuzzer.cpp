@@ -12,7 +12,7 @@ VELHLS_FUZZ_TARGET(variant) {
         return read == nullptr ? "rejected" : playlist::describe(*read);
     };
     const std::string outcome = fuzz::outcomeOf([&] {
-        variant = fuzz::bounded(text.size(), {64},
+        variant = fuzz::bounded(text.size(), {48},
                                 [&] { return VELHLSMediaVariant::parseVariant(tagLine, uriLine); });
         return described(variant);
     });
