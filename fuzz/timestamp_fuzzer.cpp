@@ -1,5 +1,7 @@
 #include <cmath>
 #include <cstring>
+#include <memory>
+#include <sstream>
 
 #include "fuzz/FuzzTarget.h"
 #include "tests/support/PlainForms.h"
@@ -34,6 +36,22 @@ void expectReadBack(double seconds) {
     fuzz::expectEqual(rendered(reread), text, "the same text is written the second time");
 }
 
+/// Dates that a playlist writes one after the other, as each is written by itself: also around the midnights next to it.
+void expectSequence(double seconds) {
+    const double midnight = std::floor(seconds / 86400.0) * 86400.0;
+    VELHLSMediaStream stream;
+    std::string expected = "#EXTM3U\n#EXT-X-TARGETDURATION:0\n";
+    for (const double date : {seconds, midnight, midnight + 86400.0, midnight + 86399.5, midnight, seconds}) {
+        if (!(date > 0.0)) return;
+        stream.segments.push_back(std::make_shared<VELHLSMediaSegment>(
+            1.0, 0.0, 0, 0, "", nullptr, false, date, nullptr, nullptr, "segment.ts", false, "", ""));
+        expected += "#EXT-X-PROGRAM-DATE-TIME:" + rendered(date) + "\n#EXTINF:1.000000\nsegment.ts\n";
+    }
+    std::ostringstream out;
+    fuzz::expect(stream.render(out) == 0, "dated segments render");
+    fuzz::expectEqual(out.str(), expected, "dates one after the other as each by itself");
+}
+
 void expectPlainRendering(double seconds) {
     const std::string text = rendered(seconds);
     fuzz::expect(text.size() <= 31, "at most 31 characters", text);
@@ -41,6 +59,7 @@ void expectPlainRendering(double seconds) {
         fuzz::expectEqual(text, plain::renderedTimestamp(seconds), "the text as its plain form");
     }
     expectReadBack(seconds);
+    expectSequence(seconds);
 }
 
 }  // namespace
