@@ -59,6 +59,10 @@ int main(int argumentCount, char** arguments) {
             ++count;
         }
     }
+    if (count == 0) {
+        static_cast<void>(std::fprintf(stderr, "error: no seeds\n"));
+        return 1;
+    }
     std::printf("%zu seeds\n", count);
-    return count == 0 ? 1 : 0;
+    return 0;
 }
