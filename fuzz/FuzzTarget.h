@@ -18,12 +18,12 @@
 #ifdef VELHLS_SEED_RUNNER
 #define VELHLS_FUZZ_TARGET(name) void fuzz_##name(const std::string& text)
 #else
-#define VELHLS_FUZZ_TARGET(name)                                                         \
-    static void runTarget(const std::string& text);                                      \
-    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {  \
-        runTarget(std::string(reinterpret_cast<const char*>(data), size));               \
-        return 0;                                                                        \
-    }                                                                                    \
+#define VELHLS_FUZZ_TARGET(name)                                                        \
+    static void runTarget(const std::string& text);                                     \
+    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) { \
+        runTarget(std::string(reinterpret_cast<const char*>(data), size));              \
+        return 0;                                                                       \
+    }                                                                                   \
     static void runTarget(const std::string& text)
 #endif
 

@@ -14,8 +14,7 @@ std::string described(const VELHLSAttributeMap* map) {
 }  // namespace
 
 VELHLS_FUZZ_TARGET(attributes) {
-    const auto map =
-        fuzz::bounded(text.size(), {48}, [&] { return VELHLSUtility::parseAttributeMap(text); });
+    const auto map = fuzz::bounded(text.size(), {48}, [&] { return VELHLSUtility::parseAttributeMap(text); });
     const auto plainMap = plain::attributeMap(text);
     fuzz::expectEqual(described(map.get()), described(plainMap ? &*plainMap : nullptr),
                       "the attributes as their plain form");

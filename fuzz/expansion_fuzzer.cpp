@@ -47,7 +47,8 @@ VELHLS_FUZZ_TARGET(expansion) {
     fuzz::Parts parts(std::string_view(text).substr(1));
     VELHLSDefineMap variables;
     for (std::string line = parts.next(); !line.empty(); line = parts.next())
-        variables[line.substr(0, line.find('='))] = line.substr(std::min(line.find('='), line.size() - 1) + 1);
+        variables[line.substr(0, line.find('='))] =
+            line.substr(std::min(line.find('='), line.size() - 1) + 1);
     const VELHLSMediaPattern pattern("p", parts.rest(), repeatCount);
     const bool hasDefines = static_cast<unsigned char>(text.front()) < 240;
     const auto copy = [&] { return hasDefines ? std::make_shared<VELHLSDefineMap>(variables) : nullptr; };
@@ -58,7 +59,8 @@ VELHLS_FUZZ_TARGET(expansion) {
     std::optional<std::string> expanded;
     const fuzz::Cost cost{0, 6 * VELHLSMediaPattern::maximumExpansionBytes, 0.0, 60.0};
     const std::string outcome = outcomeOfExpansion(defines, [&]() -> std::string {
-        const auto stream = fuzz::bounded(text.size(), cost, [&] { return pattern.expandMediaPattern(defines); });
+        const auto stream =
+            fuzz::bounded(text.size(), cost, [&] { return pattern.expandMediaPattern(defines); });
         if (stream == nullptr) return "fails";
         expanded = stream->str();
         return *expanded;
@@ -67,8 +69,9 @@ VELHLS_FUZZ_TARGET(expansion) {
     if (outcome.size() > mostPlain) return;
 
     const Defines plainDefines = copy();
-    const std::string expected = outcomeOfExpansion(
-        plainDefines, [&] { return plain::expanded(pattern.body, repeatCount, plainDefines).value_or("fails"); });
+    const std::string expected = outcomeOfExpansion(plainDefines, [&] {
+        return plain::expanded(pattern.body, repeatCount, plainDefines).value_or("fails");
+    });
     fuzz::expectEqual(outcome, expected, "the expansion as its plain form");
 
     const Defines definesOfSegments = copy();
@@ -77,7 +80,7 @@ VELHLS_FUZZ_TARGET(expansion) {
         return made == nullptr ? "none" : described(*made);
     });
     if (!expanded) return;
-    fuzz::expectEqual(
-        segments, outcomeOfExpansion(defines, [&] { return segmentsReadOneByOne(*expanded, defines); }),
-        "the segments as those of the text read one by one");
+    fuzz::expectEqual(segments,
+                      outcomeOfExpansion(defines, [&] { return segmentsReadOneByOne(*expanded, defines); }),
+                      "the segments as those of the text read one by one");
 }

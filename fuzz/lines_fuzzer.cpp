@@ -42,7 +42,8 @@ VELHLS_FUZZ_TARGET(lines) {
     std::string playlist;
     for (std::string line; std::getline(input, line);) {
         if (line.find_first_not_of('\r') == std::string::npos) continue;
-        playlist += "#EXT-X-STREAM-INF:BANDWIDTH=1" + std::string(line.size() % 3 == 0 ? "\r\n" : "\n") + line + "\n";
+        playlist +=
+            "#EXT-X-STREAM-INF:BANDWIDTH=1" + std::string(line.size() % 3 == 0 ? "\r\n" : "\n") + line + "\n";
     }
     if (playlist.empty()) return;
     if (text.back() != '\n') playlist.pop_back();

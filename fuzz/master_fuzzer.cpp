@@ -19,9 +19,10 @@ VELHLS_FUZZ_TARGET(master) {
     if (manifest == nullptr) return;
     fuzz::expect(status.error == VELHLSParsingErrorNone, "what parses sets the status");
     fuzz::expect(manifest->validate(), "what parses validates");
-    const std::string rendered = fuzz::bounded(
-        text.size(), {32}, [&] { return playlist::renderedManifest(*manifest); });
+    const std::string rendered =
+        fuzz::bounded(text.size(), {32}, [&] { return playlist::renderedManifest(*manifest); });
     fuzz::expect(rendered.rfind("#EXTM3U\n", 0) == 0, "what validates renders", rendered);
     fuzz::expectEqual(playlist::renderedManifest(*manifest), rendered, "it renders the same twice");
-    fuzz::expectEqual(playlist::differencesAfterRoundTrip(*manifest), "", "what it renders parses to an equal one");
+    fuzz::expectEqual(playlist::differencesAfterRoundTrip(*manifest), "",
+                      "what it renders parses to an equal one");
 }

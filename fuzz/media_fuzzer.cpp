@@ -27,5 +27,6 @@ VELHLS_FUZZ_TARGET(media) {
     const std::string rendered = playlist::renderedMedia(*stream);
     fuzz::expect(rendered.rfind("#EXTM3U\n", 0) == 0, "what validates renders", rendered);
     fuzz::expectEqual(playlist::renderedMedia(*stream), rendered, "it renders the same twice");
-    fuzz::expectEqual(playlist::differencesAfterRoundTrip(*stream), "", "what it renders parses to an equal one");
+    fuzz::expectEqual(playlist::differencesAfterRoundTrip(*stream), "",
+                      "what it renders parses to an equal one");
 }

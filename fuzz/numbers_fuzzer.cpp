@@ -29,14 +29,14 @@ std::string programIdOf(const std::string& text) {
 double durationOf(const std::string& text) {
     std::istringstream lines("segment.ts\n");
     std::shared_ptr<VELHLSMediaPattern> pattern;
-    const auto segment = VELHLSMediaSegment::parseNextSegment(nullptr, "#EXTINF:" + text, lines, pattern, 0, 0,
-                                                              nullptr, nullptr);
+    const auto segment = VELHLSMediaSegment::parseNextSegment(nullptr, "#EXTINF:" + text, lines, pattern, 0,
+                                                              0, nullptr, nullptr);
     return segment == nullptr ? 0.0 : segment->duration;
 }
 
 void expectPlainDuration(double duration) {
-    const VELHLSMediaSegment segment(duration, 0.0, 0, 0, "", nullptr, false, 0.0, nullptr, nullptr, "segment.ts",
-                                     false, "", "");
+    const VELHLSMediaSegment segment(duration, 0.0, 0, 0, "", nullptr, false, 0.0, nullptr, nullptr,
+                                     "segment.ts", false, "", "");
     std::string text;
     if (duration == 0.0) return;
     fuzz::expect(segment.render(text, true, true) == 0, "a duration that is not 0 renders");
@@ -49,14 +49,14 @@ void expectPlainDuration(double duration) {
 VELHLS_FUZZ_TARGET(numbers) {
     const bool isValue = text.find('"') == std::string::npos && !text.empty();
     if (isValue) {
-        fuzz::expectEqual(
-            fuzz::outcomeOf([&] { return bandwidthOf(text); }),
-            fuzz::outcomeOf([&] { return std::to_string(static_cast<std::uint64_t>(std::stoll(text))); }),
-            "64-bit integers as std::stoll");
-        fuzz::expectEqual(
-            fuzz::outcomeOf([&] { return programIdOf(text); }),
-            fuzz::outcomeOf([&] { return std::to_string(static_cast<std::uint32_t>(std::stoi(text))); }),
-            "32-bit integers as std::stoi");
+        fuzz::expectEqual(fuzz::outcomeOf([&] { return bandwidthOf(text); }), fuzz::outcomeOf([&] {
+                              return std::to_string(static_cast<std::uint64_t>(std::stoll(text)));
+                          }),
+                          "64-bit integers as std::stoll");
+        fuzz::expectEqual(fuzz::outcomeOf([&] { return programIdOf(text); }), fuzz::outcomeOf([&] {
+                              return std::to_string(static_cast<std::uint32_t>(std::stoi(text)));
+                          }),
+                          "32-bit integers as std::stoi");
     }
     if (text.find(',') == std::string::npos) {
         const std::string read = fuzz::outcomeOf([&] {

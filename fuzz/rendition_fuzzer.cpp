@@ -8,8 +8,7 @@ VELHLS_FUZZ_TARGET(rendition) {
         return read == nullptr ? "rejected" : playlist::describe(*read);
     };
     const std::string outcome = fuzz::outcomeOf([&] {
-        rendition =
-            fuzz::bounded(text.size(), {48}, [&] { return VELHLSMediaStreamRendition::parse(text); });
+        rendition = fuzz::bounded(text.size(), {48}, [&] { return VELHLSMediaStreamRendition::parse(text); });
         return described(rendition);
     });
     fuzz::expectEqual(outcome, described(plain::rendition(text)), "the parse as its plain form");

@@ -53,5 +53,6 @@ VELHLS_FUZZ_TARGET(segment) {
     if (segments.empty()) return;
     stream.mediaSequence = 7;
     stream.discontinuitySequence = 3;
-    fuzz::expectEqual(playlist::differencesAfterRoundTrip(stream), "", "what they render parses to equal ones");
+    fuzz::expectEqual(playlist::differencesAfterRoundTrip(stream), "",
+                      "what they render parses to equal ones");
 }

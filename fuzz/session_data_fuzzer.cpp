@@ -6,8 +6,8 @@ VELHLS_FUZZ_TARGET(session_data) {
     const auto described = [](const auto& read) {
         return read == nullptr ? "rejected" : playlist::describe(*read);
     };
-    const auto data = fuzz::bounded(text.size(), {48},
-                                    [&] { return VELHLSManifestSessionData::parseSessionData(text); });
+    const auto data =
+        fuzz::bounded(text.size(), {48}, [&] { return VELHLSManifestSessionData::parseSessionData(text); });
     fuzz::expectEqual(described(data), described(plain::sessionData(text)), "the parse as its plain form");
     if (data == nullptr) return;
 

@@ -32,7 +32,8 @@ void expectReadBack(double seconds) {
     const bool isUsual = seconds >= 0.0 && seconds < 253402300800.0 && text.find(":60.") == std::string::npos;
     if (!isUsual) return;
     const double reread = VELHLSUtility::parseTimestamp(text);
-    fuzz::expect(std::abs(reread - seconds) < 0.000501 + seconds * 3e-16, "it is read back to the millisecond", text);
+    fuzz::expect(std::abs(reread - seconds) < 0.000501 + seconds * 3e-16,
+                 "it is read back to the millisecond", text);
     fuzz::expectEqual(rendered(reread), text, "the same text is written the second time");
 }
 

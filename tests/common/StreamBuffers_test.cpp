@@ -1,5 +1,7 @@
 // However a stream hands its text out, in one piece, in small ones that lie in the same memory, or byte by byte
 // without showing any, the same playlist is read, and the same is left unread.
+#include "tests/support/StreamBuffers.h"
+
 #include <cstddef>
 #include <random>
 #include <sstream>
@@ -14,7 +16,6 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/PlaylistText.h"
-#include "tests/support/StreamBuffers.h"
 
 namespace {
 

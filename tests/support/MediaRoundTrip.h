@@ -95,7 +95,8 @@ inline std::string reasonNotToBeRead(const VELHLSMediaStream& stream) {
         if (segment->byteRange == nullptr || rewritten::isWritten(segment->byteRange)) continue;
         try {
             const auto range = getByteRangeFromUri(segment->uri);
-            if (range != nullptr && range->length < 0) return "an empty byte range, and a negative one in the URI";
+            if (range != nullptr && range->length < 0)
+                return "an empty byte range, and a negative one in the URI";
         } catch (const std::out_of_range&) {
             return "an empty byte range, and a URI that throws";
         }
@@ -180,7 +181,8 @@ class RoundTripComparison {
         compare("endList", original.endList, reread.endList);
         compare("iFramesOnly", original.iFramesOnly, reread.iFramesOnly);
         compare("independentSegments", original.independentSegments, reread.independentSegments);
-        compareNumbers("startTimeOffset", rewritten::startOffset(original.startTimeOffset), reread.startTimeOffset);
+        compareNumbers("startTimeOffset", rewritten::startOffset(original.startTimeOffset),
+                       reread.startTimeOffset);
         compare("startPrecise", startPreciseAfter(original), reread.startPrecise);
         compare("discontinuitySeen", discontinuitySeenAfter(original), reread.discontinuitySeen);
         compare("number of variables", std::size_t{0}, reread.hlsDefineMap->size());

@@ -110,8 +110,9 @@ inline std::optional<std::string> expanded(const std::string& body, std::uint64_
 
 /// VELHLSMediaPattern::parseMediaPattern on std::getline. Null for a line that may not stand in a pattern, which
 /// is then `rejected`.
-inline std::shared_ptr<VELHLSMediaPattern> readPattern(const std::string& startLine, const std::string& prefix,
-                                                       std::istream& input, std::string& rejected) {
+inline std::shared_ptr<VELHLSMediaPattern> readPattern(const std::string& startLine,
+                                                       const std::string& prefix, std::istream& input,
+                                                       std::string& rejected) {
     std::string name;
     std::string body = prefix;
     const auto mayStandInBody = [](const std::string& tag) {

@@ -46,8 +46,8 @@ inline std::optional<VELHLSAttributeMap> attributesOfTag(const std::string& line
 }
 
 inline std::shared_ptr<VELHLSMediaVariant> variant(const std::string& tagLine, const std::string& uriLine) {
-    auto variant =
-        std::make_shared<VELHLSMediaVariant>(0, 0, "", "", "", std::shared_ptr<VELHLSMediaStream>(), false, 0);
+    auto variant = std::make_shared<VELHLSMediaVariant>(0, 0, "", "", "",
+                                                        std::shared_ptr<VELHLSMediaStream>(), false, 0);
     std::size_t start = 1;
     if (startsWith(tagLine, "#EXT-X-STREAM-INF:")) {
         if (uriLine.empty()) return nullptr;
@@ -92,8 +92,8 @@ inline std::shared_ptr<VELHLSMediaStreamRendition> rendition(const std::string& 
     if (!startsWith(line, "#EXT-X-MEDIA:")) return nullptr;
     const auto attributes = attributeMap(line.substr(13));
     if (!attributes) return nullptr;
-    auto rendition = std::make_shared<VELHLSMediaStreamRendition>(VELHLSMediaStreamRendition::Unknown, "", nullptr,
-                                                                  "", "", "", "", false, false, false, "", "");
+    auto rendition = std::make_shared<VELHLSMediaStreamRendition>(
+        VELHLSMediaStreamRendition::Unknown, "", nullptr, "", "", "", "", false, false, false, "", "");
     const std::map<std::string, VELHLSMediaStreamRendition::RenditionType> types = {
         {"AUDIO", VELHLSMediaStreamRendition::Audio},
         {"VIDEO", VELHLSMediaStreamRendition::Video},
@@ -239,8 +239,8 @@ inline std::shared_ptr<VELHLSMediaSegment> nextSegment(const std::shared_ptr<VEL
                                                        std::uint64_t discontinuitySequence,
                                                        std::shared_ptr<VELHLSDefineMap> defines,
                                                        VELHLSParsingStatus* status) {
-    auto segment = std::make_shared<VELHLSMediaSegment>(0.0, 0.0, 0, 0, "", nullptr, false, 0.0, nullptr, nullptr,
-                                                        "", false, "", "");
+    auto segment = std::make_shared<VELHLSMediaSegment>(0.0, 0.0, 0, 0, "", nullptr, false, 0.0, nullptr,
+                                                        nullptr, "", false, "", "");
     std::optional<double> date;
     std::string consumed;
     if (!input.good()) return nullptr;
@@ -259,7 +259,8 @@ inline std::shared_ptr<VELHLSMediaSegment> nextSegment(const std::shared_ptr<VEL
                 std::string rejected;
                 pattern = readPattern(line, consumed, input, rejected);
                 if (pattern == nullptr) {
-                    VELHLSUtility::updateParsingStatusWithError(status, VELHLSParsingErrorMediaPattern, rejected);
+                    VELHLSUtility::updateParsingStatusWithError(status, VELHLSParsingErrorMediaPattern,
+                                                                rejected);
                 }
                 return nullptr;
             }
