@@ -1,27 +1,28 @@
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <sstream>
-#include <stdexcept>
-#include <string>
+#include "fuzz/Playlists.h"
+#include "tests/support/ManifestRoundTrip.h"
+#include "tests/support/PlainPlaylists.h"
 
-#include "velhls/VELHLS.h"
-
-/// What parses validates and renders; and nothing but the exceptions of number conversion leaves the parse.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::istringstream input(std::string(reinterpret_cast<const char*>(data), size));
+VELHLS_FUZZ_TARGET(master) {
     VELHLSParsingStatus status;
-    std::shared_ptr<VELHLSParsedManifest> manifest;
-    try {
-        manifest = VELHLSParsedManifest::parseManifest(input, &status);
-    } catch (const std::invalid_argument&) {
-        return 0;
-    } catch (const std::out_of_range&) {
-        return 0;
-    }
-    if (manifest == nullptr) return 0;
-    std::ostringstream output;
-    if (!manifest->validate() || manifest->render(output) != 0) std::abort();
-    if (status.error != VELHLSParsingErrorNone) std::abort();
-    return 0;
+    const auto manifest = fuzz::resultOf([&] {
+        std::istringstream input(text);
+        return fuzz::bounded(text.size(), {32},
+                             [&] { return VELHLSParsedManifest::parseManifest(input, &status); });
+    });
+
+    fuzz::expectTheSameFromEveryBuffer(text, VELHLSParsedManifest::internalParseManifest);
+    std::istringstream input(text);
+    std::istringstream plainInput(text);
+    fuzz::expectEqual(fuzz::outcomeOfParse(input, VELHLSParsedManifest::internalParseManifest),
+                      fuzz::outcomeOfParse(plainInput, plain::manifest), "the parse as its plain form");
+
+    if (manifest == nullptr) return;
+    fuzz::expect(status.error == VELHLSParsingErrorNone, "what parses sets the status");
+    fuzz::expect(manifest->validate(), "what parses validates");
+    const std::string rendered =
+        fuzz::bounded(text.size(), {32}, [&] { return playlist::renderedManifest(*manifest); });
+    fuzz::expect(rendered.rfind("#EXTM3U\n", 0) == 0, "what validates renders", rendered);
+    fuzz::expectEqual(playlist::renderedManifest(*manifest), rendered, "it renders the same twice");
+    fuzz::expectEqual(playlist::differencesAfterRoundTrip(*manifest), "",
+                      "what it renders parses to an equal one");
 }

@@ -1,27 +1,32 @@
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <sstream>
-#include <stdexcept>
-#include <string>
+#include "fuzz/Playlists.h"
+#include "tests/support/MediaDescription.h"
+#include "tests/support/MediaRoundTrip.h"
+#include "tests/support/PlainPlaylists.h"
 
-#include "velhls/VELHLS.h"
-
-/// What parses validates and renders; and nothing but the exceptions of number conversion leaves the parse.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::istringstream input(std::string(reinterpret_cast<const char*>(data), size));
+VELHLS_FUZZ_TARGET(media) {
+    if (fuzz::holdsSlowPattern(text)) return;
+    // What a pattern makes is bounded by itself.
+    const bool expands = text.find("#ZOR-PATTERN_START:") != std::string::npos;
+    const fuzz::Cost cost = expands ? fuzz::Cost{0, std::size_t{512} << 20, 0.0, 60.0} : fuzz::Cost{32};
     VELHLSParsingStatus status;
-    std::shared_ptr<VELHLSMediaStream> stream;
-    try {
-        stream = VELHLSMediaStream::parseMediaStream(input, &status);
-    } catch (const std::invalid_argument&) {
-        return 0;
-    } catch (const std::out_of_range&) {
-        return 0;
-    }
-    if (stream == nullptr) return 0;
-    std::ostringstream output;
-    if (!stream->validate() || stream->render(output) != 0) std::abort();
-    if (status.error != VELHLSParsingErrorNone) std::abort();
-    return 0;
+    const auto stream = fuzz::resultOf([&] {
+        std::istringstream input(text);
+        return fuzz::bounded(text.size(), cost,
+                             [&] { return VELHLSMediaStream::parseMediaStream(input, &status); });
+    });
+
+    fuzz::expectTheSameFromEveryBuffer(text, VELHLSMediaStream::internalParseMediaStream);
+    std::istringstream input(text);
+    std::istringstream plainInput(text);
+    fuzz::expectEqual(fuzz::outcomeOfParse(input, VELHLSMediaStream::internalParseMediaStream),
+                      fuzz::outcomeOfParse(plainInput, plain::mediaStream), "the parse as its plain form");
+
+    if (stream == nullptr) return;
+    fuzz::expect(status.error == VELHLSParsingErrorNone, "what parses sets the status");
+    fuzz::expect(stream->validate(), "what parses validates");
+    const std::string rendered = playlist::renderedMedia(*stream);
+    fuzz::expect(rendered.rfind("#EXTM3U\n", 0) == 0, "what validates renders", rendered);
+    fuzz::expectEqual(playlist::renderedMedia(*stream), rendered, "it renders the same twice");
+    fuzz::expectEqual(playlist::differencesAfterRoundTrip(*stream), "",
+                      "what it renders parses to an equal one");
 }

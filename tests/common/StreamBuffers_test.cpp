@@ -1,5 +1,7 @@
 // However a stream hands its text out, in one piece, in small ones that lie in the same memory, or byte by byte
 // without showing any, the same playlist is read, and the same is left unread.
+#include "tests/support/StreamBuffers.h"
+
 #include <cstddef>
 #include <random>
 #include <sstream>
@@ -17,45 +19,8 @@
 
 namespace {
 
-/// Hands its text out in pieces of a size, one after the other in the same memory.
-class PieceByPiece : public std::streambuf {
-  public:
-    PieceByPiece(std::string text, std::size_t size) : text_(std::move(text)), piece_(size, ' ') {}
-
-  protected:
-    int_type underflow() override {
-        const std::size_t length = text_.copy(piece_.data(), piece_.size(), position_);
-        if (length == 0) return traits_type::eof();
-        position_ += length;
-        setg(piece_.data(), piece_.data(), piece_.data() + length);
-        return traits_type::to_int_type(piece_.front());
-    }
-
-  private:
-    std::string text_;
-    std::string piece_;
-    std::size_t position_ = 0;
-};
-
-/// Shows no get area at all.
-class Hidden : public std::streambuf {
-  public:
-    explicit Hidden(std::string text) : text_(std::move(text)) {}
-
-  protected:
-    int_type underflow() override {
-        return position_ == text_.size() ? traits_type::eof() : traits_type::to_int_type(text_[position_]);
-    }
-    int_type uflow() override {
-        const int_type character = underflow();
-        if (character != traits_type::eof()) ++position_;
-        return character;
-    }
-
-  private:
-    std::string text_;
-    std::size_t position_ = 0;
-};
+using stream_buffer::Hidden;
+using stream_buffer::PieceByPiece;
 
 template <typename Playlist>
 std::string renderedOf(const Playlist& playlist) {

@@ -14,6 +14,8 @@
 
 #include "velhls/common/VELHLSUtility.h"
 
+#include "tests/support/PlainForms.h"
+
 namespace {
 
 using Attributes = VELHLSAttributeMap;
@@ -250,47 +252,6 @@ TEST(VELHLSAttributeMap, ReadsPrefixesOfAList) {
     }
 }
 
-/// The rules once more, step by step and without any care for speed: every search begins at `position`.
-std::optional<Attributes> attributesReadStepByStep(const std::string& text) {
-    constexpr std::size_t none = std::string::npos;
-    Attributes map;
-    if (text.empty()) return map;
-    std::size_t position = 0;
-    while (true) {
-        std::size_t comma = text.find(',', position);
-        const std::size_t quote = text.find('"', position);
-        std::size_t closing = none;
-        if (quote != none) {
-            closing = text.find('"', quote + 1);
-            if (comma != none && comma > quote) {
-                if (closing == none) return std::nullopt;
-                comma = text.find(',', closing);
-                if (comma != none && comma != closing + 1) return std::nullopt;
-            }
-        }
-        const std::size_t equals = text.find('=', position);
-        if (equals == none) return std::nullopt;
-        if (quote != none && equals > quote) return std::nullopt;
-        if (comma != none && equals > comma) return std::nullopt;
-        if (equals == position) return std::nullopt;
-        const bool unquoted = quote == none || (comma != none && comma < quote);
-        if (unquoted) {
-            if (comma == none && equals == text.size() - 1) return std::nullopt;
-            if (comma != none && comma == equals + 1) return std::nullopt;
-        }
-        const std::string name = text.substr(position, equals - position);
-        std::string value;
-        if (unquoted) {
-            value = comma == none ? text.substr(equals + 1) : text.substr(equals + 1, comma - equals - 1);
-        } else {
-            value = closing == none ? text.substr(quote + 1) : text.substr(quote + 1, closing - quote - 1);
-        }
-        if (map.find(name) == map.end()) map[name] = value;
-        if (comma == none) return map;
-        position = comma + 1;
-    }
-}
-
 /// The text that counts as `number` in the alphabet's digits.
 std::string textNumbered(std::size_t number, std::size_t length, std::string_view alphabet) {
     std::string text;
@@ -308,7 +269,7 @@ TEST(VELHLSAttributeMap, AgreesWithTheRulesOnAllShortTexts) {
     for (std::size_t length = 0; length <= longest; ++length, count *= alphabet.size()) {
         for (std::size_t number = 0; number < count; ++number) {
             const std::string text = textNumbered(number, length, alphabet);
-            const std::optional<Attributes> expected = attributesReadStepByStep(text);
+            const std::optional<Attributes> expected = plain::attributeMap(text);
             ASSERT_EQ(attributesOf(text), expected) << text;
             if (expected) ++wellFormed;
         }
@@ -324,7 +285,7 @@ TEST(VELHLSAttributeMap, AgreesWithTheRulesOnRandomTexts) {
     for (int round = 0; round < 100000; ++round) {
         std::string text(lengths(random), ' ');
         std::generate(text.begin(), text.end(), [&] { return alphabet[characters(random)]; });
-        ASSERT_EQ(attributesOf(text), attributesReadStepByStep(text)) << text;
+        ASSERT_EQ(attributesOf(text), plain::attributeMap(text)) << text;
     }
 }
 
@@ -343,7 +304,7 @@ TEST(VELHLSAttributeMap, AgreesWithTheRulesOnRandomLists) {
             text += pieces[chosen(random)];
             if (count > 1) text += ',';
         }
-        const std::optional<Attributes> expected = attributesReadStepByStep(text);
+        const std::optional<Attributes> expected = plain::attributeMap(text);
         ASSERT_EQ(attributesOf(text), expected) << text;
         if (expected) ++wellFormed;
     }

@@ -12,6 +12,8 @@
 
 #include "velhls/common/VELHLSUtility.h"
 
+#include "tests/support/PlainForms.h"
+
 namespace {
 
 using Defines = VELHLSDefineMap;
@@ -212,24 +214,6 @@ TEST(VELHLSSubstitution, ReadsNullBytesLikeAnyOther) {
     EXPECT_EQ(substituted(text, {{name, "1"}}), std::string("a\0001\0b", 5));
 }
 
-/// The rules once more: one text, searched from its beginning for each reference. Nothing when it does not
-/// come to an end within a number of steps that no map here needs which does not lead back to itself.
-std::optional<std::string> substitutedStepByStep(std::string work, const Defines& defines) {
-    constexpr int longestRoad = 200;
-    constexpr std::size_t none = std::string::npos;
-    for (int step = 0; step < longestRoad; ++step) {
-        const std::size_t start = work.find_first_of("{$");
-        if (start == none) return work;
-        const std::size_t close = work.find('}', start);
-        if (close == none || start + 2 >= work.size()) return "";
-        const std::string name = close < start + 2 ? "" : work.substr(start + 2, close - start - 2);
-        const auto define = defines.find(name);
-        if (define == defines.end()) return "";
-        work = work.substr(0, start) + define->second + work.substr(close + 1);
-    }
-    return std::nullopt;
-}
-
 std::string written(const Defines& defines) {
     std::string text;
     for (const auto& [name, value] : defines)
@@ -272,7 +256,7 @@ struct Tally {
 };
 
 void expectAgreement(const std::string& text, const Defines& defines, Tally& tally) {
-    const std::optional<std::string> expected = substitutedStepByStep(text, defines);
+    const std::optional<std::string> expected = plain::substituted(text, defines);
     const std::string result = substituted(text, defines);
     ASSERT_EQ(result, expected.value_or("")) << text << " with" << written(defines);
     const bool reads = text.find_first_of("{$") != std::string::npos;
