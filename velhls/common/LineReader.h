@@ -10,7 +10,7 @@ namespace velhls {
 
 /// Reads lines as std::getline does: up to the stream's own line feed, which is dropped; the last line of the
 /// input may lack it. The stream's state after each line, and what is left unread, are what std::getline
-/// leaves.
+/// leaves; but std::bad_alloc is passed on.
 ///
 /// A line comes back as a view, good until the next one is read. Where a stream buffer shows a whole line in
 /// its get area, as string and file streams nearly always do, the view looks right into it and nothing is
@@ -29,6 +29,7 @@ class LineReader {
     [[nodiscard]] bool good() const { return input_.good(); }
 
   private:
+    void getLine();
     [[nodiscard]] std::optional<std::string_view> lineInGetArea();
     [[nodiscard]] bool holdsCarriageReturn(std::string_view line);
 

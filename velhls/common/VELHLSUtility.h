@@ -28,7 +28,8 @@ class VELHLS_API VELHLSUtility {
     /// counted with one byte more: values that refer to each other and come to nothing have an end too.
     static constexpr std::size_t maximumSubstitutedBytes = std::size_t{1} << 20;
 
-    /// Stores `error` and a copy of `message` in `status`. A null status is legal: nothing happens.
+    /// Stores `error` and a copy of `message` in `status`: both, or neither when the copy throws std::bad_alloc. A
+    /// null status is legal: nothing happens.
     static void updateParsingStatusWithError(VELHLSParsingStatus* status, VELHLSParsingError error,
                                              const std::string& message);
 
