@@ -113,7 +113,7 @@ inline const std::vector<std::string> rejectedMedia = {
     "#EXTM3U\n#EXTINF:6,\nthe/last/line/without/a/line/feed.mp4",
     "#EXTM3U\n#EXTINF:6,\n0.ts\n",
     "#EXTM3U\n#EXT-X-TARGETDURATION:6.6.6.6.6.6.6.6.6.6.6.6.6.6.6.x\n",
-    "#EXTM3U\n#ZOR-PATTERN_END:an end of a pattern that never began\n",
+    "#EXTM3U\n#EXTINF:6,\n#ZOR-PATTERN_END:an end of a pattern that never began\n",
     "#EXTM3U\n#ZOR-PATTERN_START:a-pattern-of-the-day\n#EXT-X-TARGETDURATION:not in a pattern\n",
     "#EXTM3U\n#ZOR-PATTERN_START:a-pattern-of-the-day\n#EXTINF:6,\nthe/{$unknown}/segment.mp4\n"
     "#ZOR-PATTERN_REPEAT:a-pattern-of-the-day,3\n",

@@ -1,0 +1,82 @@
+// Parses, renders and checks hostile inputs, each in a size and in twice that size, and prints what it did, one line
+// for each call of measuredRun. Callgrind counts those: --toggle-collect=measuredRun --dump-after=measuredRun
+//
+//   velhls_cost
+#include <functional>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+#include "velhls/VELHLS.h"
+
+#include "tests/support/HostileInputs.h"
+
+extern "C" __attribute__((noinline)) void measuredRun(const std::function<void()>* run) {
+    try {
+        (*run)();
+    } catch (const std::logic_error&) {
+        // Numbers that are none are rejected by throwing.
+    }
+}
+
+namespace {
+
+void measure(const hostile::Input& input, const std::string& work, std::size_t bytes,
+             const std::function<void()>& run) {
+    const char* const kind = input.kind == VELHLSDiagnostics::Master ? "master" : "media";
+    std::cout << input.name << '\t' << kind << '\t' << work << '\t' << bytes << std::endl;
+    measuredRun(&run);
+}
+
+template <typename Parse>
+void measureParseAndRender(const hostile::Input& input, const std::string& text, Parse parse) {
+    std::istringstream stream(text);
+    decltype(parse(stream, nullptr)) playlist;
+    measure(input, "parse", text.size(), [&] { playlist = parse(stream, nullptr); });
+    if (playlist == nullptr) return;
+    std::ostringstream out;
+    measure(input, "render", text.size(), [&] { static_cast<void>(playlist->render(out)); });
+}
+
+void measure(const hostile::Input& input, std::size_t size) {
+    const std::string text = input.text(size);
+    if (input.kind == VELHLSDiagnostics::Master) {
+        measureParseAndRender(input, text, VELHLSParsedManifest::parseManifest);
+    } else {
+        measureParseAndRender(input, text, VELHLSMediaStream::parseMediaStream);
+    }
+    measure(input, "check", text.size(),
+            [&] { static_cast<void>(VELHLSDiagnostics::check(text, input.kind)); });
+}
+
+/// What the check of growth is there to find: every line is compared with every other.
+void measureControl() {
+    const hostile::Input control = {"control", VELHLSDiagnostics::Master, hostile::manyRecords,
+                                    [](std::size_t n) { return hostile::times(n, "line\n"); }};
+    for (const std::size_t size : {control.size, 2 * control.size}) {
+        std::vector<std::string> lines;
+        std::istringstream text(control.text(size));
+        for (std::string line; std::getline(text, line);)
+            lines.push_back(line);
+        std::size_t pairs = 0;
+        measure(control, "parse", text.str().size(), [&] {
+            for (const std::string& left : lines) {
+                for (const std::string& right : lines)
+                    pairs += left == right ? 1 : 0;
+            }
+        });
+        if (pairs != size * size) throw std::runtime_error("the control is broken");
+    }
+}
+
+}  // namespace
+
+int main() {
+    measureControl();
+    for (const hostile::Input& input : hostile::inputs()) {
+        measure(input, input.size);
+        measure(input, 2 * input.size);
+    }
+    return 0;
+}
