@@ -1,16 +1,22 @@
 // Parses, renders and checks hostile inputs, each in a size and in twice that size, and prints what it did, one line
-// for each call of measuredRun. Callgrind counts those: --toggle-collect=measuredRun --dump-after=measuredRun
+// for each call of measuredRun: the input, the kind of playlist, the work, the bytes of the text. Callgrind counts the
+// calls: --toggle-collect=measuredRun --dump-after=measuredRun
 //
-//   velhls_cost
+//   velhls_cost           for callgrind
+//   velhls_cost_bytes     the same, and prints the bytes that the result holds, and the most that were held until then
 #include <functional>
 #include <iostream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "velhls/VELHLS.h"
 
 #include "tests/support/HostileInputs.h"
+#ifdef VELHLS_COUNTS_BYTES
+#include "tests/heap/Heap.h"
+#endif
 
 extern "C" __attribute__((noinline)) void measuredRun(const std::function<void()>* run) {
     try {
@@ -22,11 +28,26 @@ extern "C" __attribute__((noinline)) void measuredRun(const std::function<void()
 
 namespace {
 
+#ifdef VELHLS_COUNTS_BYTES
+void measureAndPrint(const std::function<void()>& run) {
+    const std::size_t before = heap::bytesInUse();
+    heap::forgetTheMost();
+    measuredRun(&run);
+    const std::size_t held = heap::bytesInUse() - before;
+    std::cout << '\t' << held << '\t' << heap::mostBytesInUse() - before << std::endl;
+}
+#else
+void measureAndPrint(const std::function<void()>& run) {
+    std::cout << std::endl;
+    measuredRun(&run);
+}
+#endif
+
 void measure(const hostile::Input& input, const std::string& work, std::size_t bytes,
              const std::function<void()>& run) {
     const char* const kind = input.kind == VELHLSDiagnostics::Master ? "master" : "media";
-    std::cout << input.name << '\t' << kind << '\t' << work << '\t' << bytes << std::endl;
-    measuredRun(&run);
+    std::cout << input.name << '\t' << kind << '\t' << work << '\t' << bytes;
+    measureAndPrint(run);
 }
 
 template <typename Parse>

@@ -30,14 +30,14 @@ inline std::string times(std::size_t count, std::string_view text) {
     return all;
 }
 
-/// The text for each number below `count`, with every "@" in it replaced by the number.
+/// The text for each number below `count`, with every "~" in it replaced by the number: six digits.
 inline std::string counted(std::size_t count, std::string_view text) {
+    constexpr std::size_t first = 100000;
     std::string all;
-    for (std::size_t index = 0; index < count; ++index) {
-        const std::string number = std::to_string(index);
+    for (std::size_t number = first; number < first + count; ++number) {
         for (const char character : text) {
-            if (character == '@') {
-                all += number;
+            if (character == '~') {
+                all += std::to_string(number);
             } else {
                 all += character;
             }
@@ -53,7 +53,7 @@ inline std::vector<std::string> crowdedNames(std::size_t count, std::size_t inOn
     for (std::size_t index = 0; index < count; ++index)
         grown[std::to_string(index)] = "";
     const std::size_t buckets = grown.bucket_count();
-    std::vector<std::size_t> taken(buckets / inOneBucket + 1);
+    std::vector<std::size_t> taken((count + inOneBucket - 1) / inOneBucket);
     std::vector<std::string> names;
     for (std::size_t candidate = 0; names.size() < count; ++candidate) {
         std::string name = std::to_string(candidate);
@@ -130,14 +130,14 @@ inline void appendAttributes(std::vector<Input>& inputs) {
                           }});
     };
     append("attributes of one name", [](std::size_t n) { return times(n, "A=1,") + "A=1"; });
-    append("attributes", [](std::size_t n) { return counted(n, "A@=1,") + "B=1"; });
+    append("attributes", [](std::size_t n) { return counted(n, "A~=1,") + "B=1"; });
     append("attributes that are not closed",
-           [](std::size_t n) { return counted(n, "A@=\"1\",") + "B=\"1,"; });
+           [](std::size_t n) { return counted(n, "A~=\"1\",") + "B=\"1,"; });
     append("attributes in front of a long one",
-           [](std::size_t n) { return counted(n, "A@=1,") + "B=" + std::string(16 * n, 'b') + ","; });
-    append("attributes and carriage returns", [](std::size_t n) { return counted(n, "A@=\r1,\r") + "B=1"; });
+           [](std::size_t n) { return counted(n, "A~=1,") + "B=" + std::string(16 * n, 'b') + ","; });
+    append("attributes and carriage returns", [](std::size_t n) { return counted(n, "A~=\r1,\r") + "B=1"; });
     append("attributes in front of carriage returns",
-           [](std::size_t n) { return counted(n, "A@=1,") + "B=1" + std::string(16 * n, '\r'); });
+           [](std::size_t n) { return counted(n, "A~=1,") + "B=1" + std::string(16 * n, '\r'); });
 }
 
 /// Lines that either kind of playlist may have.
@@ -150,11 +150,11 @@ inline void appendTags(std::vector<Input>& inputs) {
     };
     append("empty lines", "\n");
     append("empty lines with carriage returns", "\r\n");
-    append("comments", "# comment @\n");
-    append("unknown tags", "#EXT-X-UNKNOWN-@:1\n");
-    append("vendor tags", "#ZOR-UNKNOWN-@:1\n");
-    append("EXT-X-VERSION", "#EXT-X-VERSION:@\n");
-    append("EXT-X-START", "#EXT-X-START:TIME-OFFSET=@.5,PRECISE=YES\n");
+    append("comments", "# comment ~\n");
+    append("unknown tags", "#EXT-X-UNKNOWN-~:1\n");
+    append("vendor tags", "#ZOR-UNKNOWN-~:1\n");
+    append("EXT-X-VERSION", "#EXT-X-VERSION:~\n");
+    append("EXT-X-START", "#EXT-X-START:TIME-OFFSET=~.5,PRECISE=YES\n");
 }
 
 inline void appendMasters(std::vector<Input>& inputs) {
@@ -165,21 +165,21 @@ inline void appendMasters(std::vector<Input>& inputs) {
         append(name, [record](std::size_t n) { return counted(n, record) + variant; });
     };
     const std::string audio = "#EXT-X-MEDIA:TYPE=AUDIO,URI=\"audio.m3u8\",";
-    appendRecords("variants of one bandwidth", "#EXT-X-STREAM-INF:BANDWIDTH=7\nvariant@.m3u8\n");
+    appendRecords("variants of one bandwidth", "#EXT-X-STREAM-INF:BANDWIDTH=7\nvariant~.m3u8\n");
     appendRecords("variants",
-                  "#EXT-X-STREAM-INF:BANDWIDTH=1@,CODECS=\"avc1,mp4a\",RESOLUTION=1x1\nvariant@.m3u8\n");
-    appendRecords("I-frame variants", "#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=1@,URI=\"variant@.m3u8\"\n");
-    appendRecords("renditions of one group", audio + "GROUP-ID=\"g\",NAME=\"n@\"\n");
+                  "#EXT-X-STREAM-INF:BANDWIDTH=1~,CODECS=\"avc1,mp4a\",RESOLUTION=1x1\nvariant~.m3u8\n");
+    appendRecords("I-frame variants", "#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=1~,URI=\"variant~.m3u8\"\n");
+    appendRecords("renditions of one group", audio + "GROUP-ID=\"g\",NAME=\"n~\"\n");
     appendRecords("renditions of one name", audio + "GROUP-ID=\"g\",NAME=\"n\"\n");
-    appendRecords("renditions, all DEFAULT", audio + "GROUP-ID=\"g\",NAME=\"n@\",DEFAULT=YES\n");
-    appendRecords("groups", audio + "GROUP-ID=\"g@\",NAME=\"n\"\n");
-    appendRecords("groups that differ", audio + "GROUP-ID=\"g@\",NAME=\"n@\"\n");
+    appendRecords("renditions, all DEFAULT", audio + "GROUP-ID=\"g\",NAME=\"n~\",DEFAULT=YES\n");
+    appendRecords("groups", audio + "GROUP-ID=\"g~\",NAME=\"n\"\n");
+    appendRecords("groups that differ", audio + "GROUP-ID=\"g~\",NAME=\"n~\"\n");
     append("groups of one rendition against one of many", [audio](std::size_t n) {
-        return counted(n, audio + "GROUP-ID=\"a\",NAME=\"n@\"\n") +
-               counted(n, audio + "GROUP-ID=\"g@\",NAME=\"n0\"\n") + variant;
+        return counted(n, audio + "GROUP-ID=\"a\",NAME=\"n~\"\n") +
+               counted(n, audio + "GROUP-ID=\"g~\",NAME=\"n0\"\n") + variant;
     });
-    appendRecords("groups that are missing", "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"g@\"\nvariant@.m3u8\n");
-    appendRecords("session data", "#EXT-X-SESSION-DATA:X=1,DATA-ID=\"d@\",VALUE=\"v\"\n");
+    appendRecords("groups that are missing", "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"g~\"\nvariant~.m3u8\n");
+    appendRecords("session data", "#EXT-X-SESSION-DATA:X=1,DATA-ID=\"d~\",VALUE=\"v\"\n");
     appendRecords("session data of one id", "#EXT-X-SESSION-DATA:X=1,DATA-ID=\"d\",VALUE=\"v\"\n");
     append("session data of crowded ids", [](std::size_t n) {
         std::string text;
@@ -187,17 +187,17 @@ inline void appendMasters(std::vector<Input>& inputs) {
             text += "#EXT-X-SESSION-DATA:X=1,DATA-ID=\"" + name + "\",VALUE=\"v\"\n";
         return text + variant;
     });
-    appendRecords("session keys", "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"key@\"\n");
+    appendRecords("session keys", "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"key~\"\n");
     appendRecords("session keys of one URI", "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"key\"\n");
-    appendRecords("stream information without variants", "#ZOR-STREAM-INF:NOMINAL_VIDEO_BITRATE=@\n");
+    appendRecords("stream information without variants", "#ZOR-STREAM-INF:NOMINAL_VIDEO_BITRATE=~\n");
     append("versions of a key format", [](std::size_t n) {
         return "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"key\",KEYFORMAT=\"f\",KEYFORMATVERSIONS=\"" +
-               counted(n, "@/") + "1\"\n" + variant;
+               counted(n, "~/") + "1\"\n" + variant;
     });
     append("characteristics of a rendition", [audio](std::size_t n) {
-        return audio + "GROUP-ID=\"g\",NAME=\"n\",CHARACTERISTICS=\"" + counted(n, "c@,") + "c\"\n" + variant;
+        return audio + "GROUP-ID=\"g\",NAME=\"n\",CHARACTERISTICS=\"" + counted(n, "c~,") + "c\"\n" + variant;
     });
-    append("lines that are no tags", [](std::size_t n) { return variant + counted(n, "line@\n"); });
+    append("lines that are no tags", [](std::size_t n) { return variant + counted(n, "line~\n"); });
 }
 
 inline void appendMedia(std::vector<Input>& inputs) {
@@ -209,24 +209,24 @@ inline void appendMedia(std::vector<Input>& inputs) {
             return "#EXT-X-TARGETDURATION:6\n" + counted(n, record) + segment;
         });
     };
-    const std::string key = "#EXT-X-KEY:METHOD=AES-128,URI=\"key@\"\n";
+    const std::string key = "#EXT-X-KEY:METHOD=AES-128,URI=\"key~\"\n";
     appendRecords("segments", segment);
     appendRecords("segments with keys", key + segment);
-    appendRecords("segments with maps", "#EXT-X-MAP:URI=\"map@\"\n" + segment);
+    appendRecords("segments with maps", "#EXT-X-MAP:URI=\"map~\"\n" + segment);
     appendRecords("segments with dates", "#EXT-X-PROGRAM-DATE-TIME:2020-01-01T10:00:05.250Z\n" + segment);
-    appendRecords("segments with byte ranges", "#EXT-X-BYTERANGE:1@@1@\n" + segment);
-    appendRecords("segments with cues", "#EXT-X-CUE-OUT:@\n#EXT-X-CUE-OUT-CONT:@\n#EXT-X-CUE-IN\n" + segment);
+    appendRecords("segments with byte ranges", "#EXT-X-BYTERANGE:1~@1~\n" + segment);
+    appendRecords("segments with cues", "#EXT-X-CUE-OUT:~\n#EXT-X-CUE-OUT-CONT:~\n#EXT-X-CUE-IN\n" + segment);
     appendRecords("segments behind discontinuities", "#EXT-X-DISCONTINUITY\n" + segment);
-    appendRecords("segments that are too long", "#EXTINF:77,title @\nsegment@.ts\n");
+    appendRecords("segments that are too long", "#EXTINF:77,title ~\nsegment~.ts\n");
     appendRecords("keys of one segment", key);
-    appendRecords("maps of one segment", "#EXT-X-MAP:URI=\"map@\"\n");
+    appendRecords("maps of one segment", "#EXT-X-MAP:URI=\"map~\"\n");
     appendRecords("dates of one segment", "#EXT-X-PROGRAM-DATE-TIME:2020-01-01T10:00:05.250Z\n");
-    appendRecords("byte ranges of one segment", "#EXT-X-BYTERANGE:1@@1@\n");
-    appendRecords("EXTINF of one segment", "#EXTINF:6,title @\n");
+    appendRecords("byte ranges of one segment", "#EXT-X-BYTERANGE:1~@1~\n");
+    appendRecords("EXTINF of one segment", "#EXTINF:6,title ~\n");
     append("segments that are rejected",
-           [](std::size_t n) { return counted(n, "#EXTINF:0,\nsegment@.ts\n"); });
+           [](std::size_t n) { return counted(n, "#EXTINF:0,\nsegment~.ts\n"); });
     append("byte ranges in a URI", [](std::size_t n) {
-        return "#EXTINF:6,\nsegment" + counted(n, "/bytes=@-1@/range/@-1@") + ".ts\n";
+        return "#EXTINF:6,\nsegment" + counted(n, "/bytes=~-2~/range/~-2~") + ".ts\n";
     });
     append("a date of many digits", [](std::size_t n) {
         return "#EXT-X-PROGRAM-DATE-TIME:2020-01-01T10:00:05." + std::string(16 * n, '7') + "Z\n" + segment;
@@ -240,7 +240,7 @@ inline void appendVariables(std::vector<Input>& inputs) {
         inputs.push_back({name, VELHLSDiagnostics::Media, manyRecords, std::move(text)});
     };
     const std::string x = "#EXT-X-DEFINE:NAME=\"x\",VALUE=\"1\"\n";
-    append("variables", [](std::size_t n) { return counted(n, "#EXT-X-DEFINE:NAME=\"x@\",VALUE=\"1\"\n"); });
+    append("variables", [](std::size_t n) { return counted(n, "#EXT-X-DEFINE:NAME=\"x~\",VALUE=\"1\"\n"); });
     append("variables of one name", [x](std::size_t n) { return times(n, x); });
     append("variables that crowd", [](std::size_t n) { return definesOf(crowdedNames(n, 64)); });
     append("variables that crowd one place", [](std::size_t n) { return definesOf(crowdedNames(n, n)); });
@@ -276,7 +276,7 @@ inline void appendVariables(std::vector<Input>& inputs) {
     append("a pattern without an end",
            [](std::size_t n) { return "#ZOR-PATTERN_START:p\n" + times(n, segment); });
     append("lines in front of a pattern", [](std::size_t n) {
-        return "#EXTINF:6,\n" + counted(n, "# comment @\n") + patternOf("segment1.ts\n", "1");
+        return "#EXTINF:6,\n" + counted(n, "# comment ~\n") + patternOf("segment1.ts\n", "1");
     });
     for (const char* count :
          {"-9223372036854775808", "-1", "0", "00000000000000000001", "9223372036854775807"}) {
