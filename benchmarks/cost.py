@@ -2,7 +2,6 @@
 
 import argparse
 import collections
-import math
 import re
 import shutil
 import subprocess
@@ -58,12 +57,6 @@ def counted_runs():
     return runs
 
 
-def growth(small, large):
-    """How many times the instructions a text of twice the bytes takes."""
-    doublings = math.log2(large.size / small.size)
-    return (large.counts[0] / small.counts[0]) ** (1 / doublings)
-
-
 def measure():
     """For each input and kind, and for each of its works: the growth, and the bytes held at most."""
     measured = collections.defaultdict(dict)
@@ -71,7 +64,7 @@ def measure():
     for run in counted_runs():
         pairs[run.input, run.kind, run.work].append(run)
     for (name, kind, work), (small, large) in pairs.items():
-        measured[name, kind][work] = [growth(small, large)]
+        measured[name, kind][work] = [large.counts[0] / small.counts[0]]
     for (name, kind, work), multiple in most_bytes().items():
         measured[name, kind][work].append(multiple)
     return measured
