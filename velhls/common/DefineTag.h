@@ -9,7 +9,8 @@
 namespace velhls {
 
 /// Reads the attributes of the tag and sets the variable, replacing an earlier value. False, with
-/// the map as it was, when it is no attribute list or lacks NAME or VALUE.
+/// the map as it was, when it is no attribute list, lacks NAME or VALUE, or has a NAME that meets too many others
+/// (VELHLSUtility::maximumCollidingNames).
 [[nodiscard]] bool takeDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Recorder* recorder);
 
 }  // namespace velhls

@@ -1,6 +1,7 @@
 #include "velhls/common/LineReader.h"
 
 #include <algorithm>
+#include <new>
 #include <streambuf>
 
 namespace velhls {
@@ -52,9 +53,32 @@ std::string_view LineReader::nextThroughStream() {
     returnGetArea();
     // std::getline leaves the string alone when the stream is not good on entry.
     line_.clear();
-    std::getline(input_, line_, lineFeed_);
+    getLine();
     borrowGetArea();
     return line_;
+}
+
+/// std::getline, but for memory that runs out for a long line: std::getline takes that for a stream that has become
+/// bad, and the playlist would be cut off there without a word.
+void LineReader::getLine() {
+    const std::ios_base::iostate thrown = input_.exceptions();
+    if (!input_.good() || (thrown & std::ios_base::badbit) != 0) {
+        std::getline(input_, line_, lineFeed_);
+        return;
+    }
+    input_.exceptions(thrown | std::ios_base::badbit);
+    try {
+        std::getline(input_, line_, lineFeed_);
+    } catch (const std::bad_alloc&) {
+        input_.exceptions(thrown);
+        throw;
+    } catch (...) {
+        // Throws again what the stream was told to throw. Anything else made it bad, and is left at that.
+        input_.exceptions(thrown);
+        if (line_.empty()) input_.setstate(std::ios_base::failbit);
+        return;
+    }
+    input_.exceptions(thrown);
 }
 
 std::string_view LineReader::withoutCarriageReturns(std::string_view line) {

@@ -9,7 +9,7 @@
 namespace velhls {
 
 /// Reads lines as std::getline does: up to the stream's own line feed, which is dropped; the last line of the
-/// input may lack it.
+/// input may lack it. But std::bad_alloc is passed on.
 ///
 /// A line comes back as a view, good until the next one is read. Where a stream buffer shows a whole line in
 /// its get area, as string and file streams nearly always do, the view looks right into it and nothing is
@@ -57,6 +57,7 @@ class LineReader {
     void borrowGetArea();
     void returnGetArea();
     [[nodiscard]] std::string_view nextThroughStream();
+    void getLine();
     [[nodiscard]] std::string_view withoutCarriageReturns(std::string_view line);
     [[nodiscard]] const char* firstCarriageReturn(std::string_view line);
 

@@ -110,6 +110,7 @@ enum class Rule {
     defineValueMissing,
     defineNotWritten,
     defineReplaced,
+    defineNamesCollide,
     variableNotReplaced,
     contentAfterEnd,
     cueInDropped,

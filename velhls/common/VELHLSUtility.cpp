@@ -14,8 +14,9 @@
 void VELHLSUtility::updateParsingStatusWithError(VELHLSParsingStatus* status, VELHLSParsingError error,
                                                  const std::string& message) {
     if (status == nullptr) return;
-    status->error = error;
+    // The copy may throw, and goes first.
     status->message = message;
+    status->error = error;
 }
 
 std::int64_t VELHLSUtility::getTimeNow() {

@@ -28,7 +28,14 @@ class VELHLS_API VELHLSUtility {
     /// counted with one byte more: values that refer to each other and come to nothing have an end too.
     static constexpr std::size_t maximumSubstitutedBytes = std::size_t{1} << 20;
 
-    /// Stores `error` and a copy of `message` in `status`. A null status is legal: nothing happens.
+    /// The most variables that EXT-X-DEFINE may put into one bucket of a VELHLSDefineMap (times its max_load_factor,
+    /// where a caller raised that): 64. One more rejects the playlist. Names that nobody chose for that do not
+    /// come near it, however many there are. It is there for names whose hashes were made to meet, which would
+    /// take time that grows with the square of their number.
+    static constexpr std::size_t maximumCollidingNames = 64;
+
+    /// Stores `error` and a copy of `message` in `status`: both, or neither when the copy throws std::bad_alloc. A
+    /// null status is legal: nothing happens.
     static void updateParsingStatusWithError(VELHLSParsingStatus* status, VELHLSParsingError error,
                                              const std::string& message);
 

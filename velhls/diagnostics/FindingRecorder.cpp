@@ -254,17 +254,24 @@ std::size_t FindingRecorder::positionInText(std::size_t lineNumber, std::size_t 
                                             std::size_t position) const {
     const std::string_view line = lines_.line(lineNumber);
     if (line.size() == sizeAsRead) return position;
-    if (withoutTrailing(line, lineEnds).size() == sizeAsRead) return position;
-    if (scannedLine_ != lineNumber) {
+    if (scannedLine_ != lineNumber || scannedSize_ != sizeAsRead) {
         scannedLine_ = lineNumber;
-        carriageReturns_.clear();
-        for (std::size_t at = line.find('\r'); at != std::string_view::npos; at = line.find('\r', at + 1)) {
-            // Counted in the line as it was read.
-            carriageReturns_.push_back(at - carriageReturns_.size());
-        }
+        scannedSize_ = sizeAsRead;
+        findCarriageReturns(line);
     }
     const auto behind = std::upper_bound(carriageReturns_.begin(), carriageReturns_.end(), position);
     return std::min(position + static_cast<std::size_t>(behind - carriageReturns_.begin()), line.size());
+}
+
+/// Once for all places in a line, which may be as many as it has attributes.
+void FindingRecorder::findCarriageReturns(std::string_view line) const {
+    carriageReturns_.clear();
+    // Those at the end of the line move nothing.
+    if (withoutTrailing(line, lineEnds).size() == scannedSize_) return;
+    for (std::size_t at = line.find('\r'); at != std::string_view::npos; at = line.find('\r', at + 1)) {
+        // Counted in the line as it was read.
+        carriageReturns_.push_back(at - carriageReturns_.size());
+    }
 }
 
 bool FindingRecorder::followsFromEarlierError(Rule rule) const {

@@ -62,6 +62,7 @@ class FindingRecorder final : public Recorder {
                                 std::size_t length) const;
     [[nodiscard]] const Buffer* bufferWith(std::string_view view) const;
     [[nodiscard]] Place placeOf(std::string_view view) const;
+    void findCarriageReturns(std::string_view line) const;
     [[nodiscard]] bool followsFromEarlierError(Rule rule) const;
     void noteRejection(Rule rule);
     [[nodiscard]] bool isRepeated() const;
@@ -77,6 +78,7 @@ class FindingRecorder final : public Recorder {
     std::array<Buffer, 3> buffers_;
     /// Where the carriage returns of one line stand, for the places in it.
     mutable std::size_t scannedLine_ = 0;
+    mutable std::size_t scannedSize_ = 0;
     mutable std::vector<std::size_t> carriageReturns_;
     std::unordered_map<const void*, Place> records_;
     /// What is being converted, and where it was given.

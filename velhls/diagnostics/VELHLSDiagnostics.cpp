@@ -1,10 +1,10 @@
 #include "velhls/diagnostics/VELHLSDiagnostics.h"
 
 #include <algorithm>
-#include <iterator>
 #include <memory>
 #include <sstream>
 
+#include "velhls/common/WholeText.h"
 #include "velhls/diagnostics/FindingList.h"
 #include "velhls/diagnostics/FindingRecorder.h"
 #include "velhls/diagnostics/KindDetection.h"
@@ -75,8 +75,7 @@ std::vector<VELHLSFinding> VELHLSDiagnostics::check(const std::string& text, Pla
 
 std::vector<VELHLSFinding> VELHLSDiagnostics::check(std::istream& input, PlaylistKind kind) {
     if (!input.good()) return check(std::string(), kind);
-    const std::string text{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
-    return check(text, kind);
+    return check(velhls::readAll(input), kind);
 }
 
 std::optional<VELHLSDiagnostics::Detection> VELHLSDiagnostics::detectKind(const std::string& text) {

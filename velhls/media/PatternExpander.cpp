@@ -221,7 +221,7 @@ bool PatternExpander::putPlainUri(const Step& step, std::size_t length) {
 
 bool PatternExpander::putSubstitutedUri(std::string_view uri) {
     const Substitution substitution = substitute(uri, *defines_);
-    if (!allowance_.spend(substitution.insertedBytes)) return rejectAsTooLarge();
+    if (!allowance_.spendAfterwards(substitution.insertedBytes)) return rejectAsTooLarge();
     append(substitution.text);
     return !substitution.text.empty() || reject(recorder_, Rule::patternVariableUnresolved, uri);
 }

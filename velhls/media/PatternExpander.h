@@ -30,6 +30,14 @@ class ExpansionAllowance {
         return true;
     }
 
+    /// For what was done before it was known how much it takes: false when that was more than is left, and then
+    /// nothing is left.
+    bool spendAfterwards(std::size_t bytes) {
+        if (spend(bytes)) return true;
+        left_ = 0;
+        return false;
+    }
+
     /// False when no segment is left.
     bool spendSegment() {
         if (segmentsLeft_ == 0) return false;

@@ -1,20 +1,12 @@
 #include "velhls/media/VELHLSMediaPattern.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/WholeText.h"
 #include "velhls/media/PatternExpander.h"
 #include "velhls/media/PatternReader.h"
-
-namespace {
-
-std::string allOf(std::istream& stream) {
-    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-}
-
-}  // namespace
 
 VELHLSMediaPattern::VELHLSMediaPattern(std::string name, std::string body, std::uint64_t repeatCount)
     : name(std::move(name)), body(std::move(body)), repeatCount(repeatCount) {}
@@ -24,7 +16,7 @@ std::shared_ptr<VELHLSMediaPattern> VELHLSMediaPattern::parseMediaPattern(const 
                                                                           std::istream& input,
                                                                           VELHLSParsingStatus* status) {
     velhls::LineReader lines(input);
-    return velhls::readPattern(startLine, allOf(prefix), lines, status, nullptr);
+    return velhls::readPattern(startLine, velhls::readAll(prefix), lines, status, nullptr);
 }
 
 std::shared_ptr<std::stringstream> VELHLSMediaPattern::expandMediaPattern(

@@ -51,7 +51,8 @@ class VELHLS_API VELHLSMediaStream {
     /// EXT-X-TARGETDURATION that is empty or holds other characters than digits and points; an
     /// EXT-X-MEDIA-SEQUENCE or EXT-X-DISCONTINUITY-SEQUENCE that is empty or holds others than digits; an
     /// EXT-X-PLAYLIST-TYPE other than EVENT and VOD; an EXT-X-START without a TIME-OFFSET made of the
-    /// characters "+-0123456789."; an EXT-X-DEFINE without NAME or VALUE; and a segment or pattern that does
+    /// characters "+-0123456789."; an EXT-X-DEFINE without NAME or VALUE, or with a NAME whose hash was made to
+    /// meet too many others (VELHLSUtility::maximumCollidingNames); and a segment or pattern that does
     /// not parse: see VELHLSMediaSegment::parseNextSegment and VELHLSMediaPattern::parseMediaPattern.
     ///
     /// Kept as is:

@@ -1,0 +1,101 @@
+// How much memory is held at most, for each byte of a text that was made to be costly and of what comes out of it.
+// scripts/cost measures the same, and more of it.
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "velhls/VELHLS.h"
+
+#include "tests/heap/Heap.h"
+#include "tests/support/HostileInputs.h"
+
+namespace {
+
+constexpr double mostOfParse = 24.0;
+constexpr double mostOfRender = 2.5;
+constexpr double mostOfCheck = 32.0;
+
+struct Memory {
+    std::size_t held = 0;
+    std::size_t most = 0;
+};
+
+Memory memoryOf(const std::function<void()>& work) {
+    const std::size_t before = heap::bytesInUse();
+    heap::forgetTheMost();
+    try {
+        work();
+    } catch (const std::logic_error&) {
+        // Numbers that are none are rejected by throwing.
+    }
+    return {heap::bytesInUse() - before, heap::mostBytesInUse() - before};
+}
+
+double multiple(const Memory& memory, std::size_t whole) {
+    return static_cast<double>(memory.most) / static_cast<double>(whole);
+}
+
+template <typename Parse>
+void expectBoundedMemory(const hostile::Input& input, Parse parse) {
+    const std::string text = input.text(input.size);
+    std::istringstream stream(text);
+    decltype(parse(stream, nullptr)) playlist;
+    const Memory parsed = memoryOf([&] { playlist = parse(stream, nullptr); });
+    EXPECT_LE(multiple(parsed, text.size() + parsed.held), mostOfParse);
+
+    std::vector<VELHLSFinding> findings;
+    const Memory checked = memoryOf([&] { findings = VELHLSDiagnostics::check(text, input.kind); });
+    EXPECT_LE(multiple(checked, text.size() + parsed.held), mostOfCheck);
+    if (playlist == nullptr) return;
+
+    std::ostringstream out;
+    const Memory rendered = memoryOf([&] { EXPECT_EQ(playlist->render(out), 0); });
+    EXPECT_LE(multiple(rendered, text.size() + rendered.held), mostOfRender);
+}
+
+TEST(PeakMemory, IsAMultipleOfTheTextAndOfWhatComesOutOfIt) {
+    for (const hostile::Input& input : hostile::inputs()) {
+        SCOPED_TRACE(input.name);
+        if (input.kind == VELHLSDiagnostics::Master) {
+            expectBoundedMemory(input, VELHLSParsedManifest::parseManifest);
+        } else {
+            expectBoundedMemory(input, VELHLSMediaStream::parseMediaStream);
+        }
+    }
+}
+
+/// The bounds are no invitation: what holds every front of a text goes far beyond them.
+TEST(PeakMemory, ThatGrowsWithTheSquareIsNoticed) {
+    const std::string text = hostile::times(hostile::manyRecords, "line\n");
+    const Memory memory = memoryOf([&] {
+        std::vector<std::string> fronts;
+        for (std::size_t length = 0; length < text.size(); ++length)
+            fronts.push_back(text.substr(0, length));
+    });
+    EXPECT_GT(multiple(memory, text.size() + memory.held), 2.0 * mostOfCheck);
+}
+
+/// What a parse holds of a segment, beside its text: what the memory of a service is planned by.
+TEST(PeakMemory, OfAModelIsAMultipleOfTheTextWithoutPatterns) {
+    constexpr double mostOfModel = 16.0;
+    for (const hostile::Input& input : hostile::inputs()) {
+        const std::string text = input.text(input.size);
+        if (input.kind != VELHLSDiagnostics::Media || text.find("#ZOR-PATTERN_START") != std::string::npos)
+            continue;
+        SCOPED_TRACE(input.name);
+        std::istringstream stream(text);
+        std::shared_ptr<VELHLSMediaStream> playlist;
+        const Memory memory =
+            memoryOf([&] { playlist = VELHLSMediaStream::parseMediaStream(stream, nullptr); });
+        EXPECT_LE(static_cast<double>(memory.held), mostOfModel * static_cast<double>(text.size()));
+    }
+}
+
+}  // namespace
