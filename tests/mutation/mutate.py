@@ -94,13 +94,20 @@ class Build:
         commands = json.loads((BUILD / "compile_commands.json").read_text())
         self.compile = {os.path.relpath(entry["file"], REPOSITORY): entry
                         for entry in commands if "/velhls.dir/" in entry["command"]}
-        self.link = [line for line in self._ninja("-t", "commands", "velhls/libvelhls.so").splitlines() if "-shared" in line][-1]
-        self.link = re.sub(r"^: && | && :$", "", self.link)
+        self.compile_test = {os.path.relpath(entry["file"], REPOSITORY): entry for entry in commands
+                             if "/velhls_tests.dir/" in entry["command"] and entry["file"].endswith("_test.cpp")}
+        self.link = self._link_command("velhls/libvelhls.so", "-shared")
+        self.link_tests = self._link_command("tests/velhls_tests", "-o tests/velhls_tests")
         self.sources_of = self._sources_of_headers()
 
     @staticmethod
     def _ninja(*arguments):
         return subprocess.run(["ninja", "-C", BUILD, *arguments], check=True, capture_output=True, text=True).stdout
+
+    def _link_command(self, target, mark):
+        """The one of the commands that link it; others may follow on the same line."""
+        lines = self._ninja("-t", "commands", target).splitlines()
+        return [command for line in lines for command in line.split(" && ") if mark in command][-1]
 
     def _sources_of_headers(self):
         """{header: the library's sources that include it}"""
@@ -117,6 +124,32 @@ class Build:
                 sources[included].add(source)
         return sources
 
+    @staticmethod
+    def _compile(entry, folder, made, source=None):
+        """Whether the source could be compiled, with the broken header in front of all others."""
+        arguments = shlex.split(entry["command"])
+        arguments[arguments.index("-o") + 1] = str(made)
+        arguments[-1] = str(source or entry["file"])
+        arguments[1:1] = ["-w", f"-I{folder}"]
+        return subprocess.run(arguments, cwd=entry["directory"], capture_output=True).returncode == 0
+
+    def _tests_near(self, header):
+        """The tests named after the class of a public header, or else after the class with the nearest name."""
+        near = [test for test in self.compile_test if pathlib.Path(test).stem.startswith(pathlib.Path(header).stem + "_")]
+        return near or difflib.get_close_matches(header.replace("velhls/", "tests/").replace(".h", "_test.cpp"),
+                                                 self.compile_test, 1, 0)
+
+    def _make_own_tests(self, mutant, folder, library):
+        """Makes own_tests beside the library: what a public header's inline code and initial values do shows in its users."""
+        objects = []
+        for number, test in enumerate(self._tests_near(mutant.file)):
+            objects.append(f"{folder}/test{number}.o")
+            if not self._compile(self.compile_test[test], folder, objects[-1]):
+                return
+        link = re.sub(r"(\S+_test\.cpp\.o ?)+", " ".join(objects) + " ", self.link_tests, count=1)
+        link = re.sub(r"\S+_test\.cpp\.o", "", link).replace("-o tests/velhls_tests", f"-o {library}/own_tests")
+        subprocess.run(link, shell=True, cwd=BUILD, capture_output=True)
+
     def make(self, mutant, folder):
         """The folder with the broken library; None when it cannot be compiled."""
         broken = folder / mutant.file
@@ -126,13 +159,9 @@ class Build:
         link = self.link
         for source in sources:
             entry = self.compile[source]
-            arguments = shlex.split(entry["command"])
-            object_file = arguments[arguments.index("-o") + 1]
+            object_file = re.search(r" -o (\S+)", entry["command"]).group(1)
             made = folder / (source.replace("/", "_") + ".o")
-            arguments[arguments.index("-o") + 1] = str(made)
-            arguments[-1] = str(broken) if source == mutant.file else arguments[-1]
-            arguments[1:1] = ["-w", f"-I{folder}"]
-            if subprocess.run(arguments, cwd=entry["directory"], capture_output=True).returncode != 0:
+            if not self._compile(entry, folder, made, broken if source == mutant.file else None):
                 return None
             link = link.replace(f" {object_file} ", f" {made} ")
         library = folder / "lib"
@@ -140,6 +169,8 @@ class Build:
         link = re.sub(r"-o \S+", f"-o {library}/libvelhls.so.1", link, count=1)
         if subprocess.run(link, shell=True, cwd=BUILD, capture_output=True).returncode != 0:
             return None
+        if pathlib.Path(mutant.file).name.startswith("VELHLS") and mutant.file.endswith(".h"):
+            self._make_own_tests(mutant, folder, library)
         return library
 
 
@@ -172,7 +203,8 @@ class Suite:
     def killer(self, library):
         """The test that failed, or how the tests ended; empty when all passed."""
         environment = {**os.environ, "LD_LIBRARY_PATH": str(library)}
-        for run in self.runs:
+        own_tests = library / "own_tests"
+        for run in [*([[own_tests]] if own_tests.exists() else []), *self.runs]:
             # A folder of its own for whatever a broken library writes.
             with tempfile.TemporaryDirectory() as folder:
                 process = subprocess.Popen([*run, "--gtest_fail_fast"], env={**environment, "TMPDIR": folder}, text=True,
