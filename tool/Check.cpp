@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <unistd.h>
+#include <vector>
 
 #include "tool/FindingText.h"
 #include "tool/InputFile.h"
@@ -20,7 +21,7 @@ CheckedFile checkFile(const std::string& path, const CheckRequest& request) {
     file.path = path;
     file.name = nameInMessages(path);
     try {
-        file.text = contentOf(path);
+        file.text = contentOf(path, request.mostBytes);
     } catch (const Failure& failure) {
         file.failure = failure.what();
         return file;
@@ -35,13 +36,9 @@ CheckedFile checkFile(const std::string& path, const CheckRequest& request) {
     return file;
 }
 
-ExitStatus statusOf(const std::vector<CheckedFile>& files) {
-    const bool unreadable =
-        std::any_of(files.begin(), files.end(), [](const auto& file) { return !file.failure.empty(); });
-    const bool found =
-        std::any_of(files.begin(), files.end(), [](const auto& file) { return !file.findings.empty(); });
-    if (unreadable) return unusable;
-    return found ? rejected : success;
+ExitStatus statusOf(const CheckedFile& file) {
+    if (!file.failure.empty()) return unusable;
+    return file.findings.empty() ? success : rejected;
 }
 
 /// The start of every line, to find one by its number.
@@ -66,41 +63,44 @@ bool isInColour(const CheckRequest& request) {
     return !isUnwanted && isForTerminal(request);
 }
 
-std::string textReport(const std::vector<CheckedFile>& files, const CheckRequest& request) {
-    const bool showsLines = isForTerminal(request);
-    const bool inColour = isInColour(request);
+std::string reportWithLines(const CheckedFile& file, bool inColour) {
+    const std::vector<std::size_t> starts = lineStarts(file.text);
     std::string report;
-    for (const CheckedFile& file : files) {
-        const std::vector<std::size_t> starts = lineStarts(file.text);
-        for (const VELHLSFinding& finding : file.findings) {
-            if (showsLines) {
-                const std::string_view rest = std::string_view(file.text).substr(starts[finding.line - 1]);
-                report += describeWithLine(file.name, finding, rest.substr(0, rest.find('\n')), inColour);
-            } else {
-                report += describe(file.name, finding) + "\n";
-            }
-        }
+    for (const VELHLSFinding& finding : file.findings) {
+        const std::string_view rest = std::string_view(file.text).substr(starts[finding.line - 1]);
+        report += describeWithLine(file.name, finding, rest.substr(0, rest.find('\n')), inColour);
     }
     return report;
 }
 
-std::string reportOf(const std::vector<CheckedFile>& files, const CheckRequest& request, ExitStatus status) {
-    if (request.format == "json") return jsonReport(files);
-    if (request.format == "sarif") return sarifReport(files, status);
-    return textReport(files, request);
+std::string textReport(const CheckedFile& file, const CheckRequest& request) {
+    if (isForTerminal(request)) return reportWithLines(file, isInColour(request));
+    std::string report;
+    for (const VELHLSFinding& finding : file.findings)
+        report += describe(file.name, finding) + "\n";
+    return report;
 }
 
 }  // namespace
 
 ExitStatus check(const CheckRequest& request) {
-    std::vector<CheckedFile> files;
-    for (const std::string& path : request.paths)
-        files.push_back(checkFile(path, request));
-    for (const CheckedFile& file : files) {
+    JsonReport json;
+    SarifReport sarif;
+    ExitStatus status = success;
+    for (const std::string& path : request.paths) {
+        const CheckedFile file = checkFile(path, request);
+        status = std::max(status, statusOf(file));
         if (!file.failure.empty()) static_cast<void>(std::fprintf(stderr, "%s\n", file.failure.c_str()));
+        if (request.format == "json") {
+            json.add(file);
+        } else if (request.format == "sarif") {
+            sarif.add(file);
+        } else {
+            writeToStandardOutput(textReport(file, request));
+        }
     }
-    const ExitStatus status = statusOf(files);
-    writeToStandardOutput(reportOf(files, request, status));
+    if (request.format == "json") writeToStandardOutput(json.text());
+    if (request.format == "sarif") writeToStandardOutput(sarif.text(status));
     return status;
 }
 

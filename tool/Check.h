@@ -24,6 +24,8 @@ struct CheckRequest {
     bool warningsAreErrors = false;
     /// "auto", "always" or "never".
     std::string colour = "auto";
+    /// The most that is read of each file.
+    std::size_t mostBytes = 0;
 };
 
 /// What was found in one file.
@@ -39,7 +41,7 @@ struct CheckedFile {
 };
 
 /// Checks all files and writes what was found to standard output; files that cannot be read are told of on
-/// standard error. The exit status is the worst of all files.
+/// standard error. The exit status is the worst of all files. The text of one file at a time is held in memory.
 [[nodiscard]] ExitStatus check(const CheckRequest& request);
 
 }  // namespace tool

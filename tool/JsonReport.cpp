@@ -36,11 +36,12 @@ Json describeFile(const CheckedFile& file) {
 
 }  // namespace
 
-std::string jsonReport(const std::vector<CheckedFile>& files) {
-    Json report = {{"version", formatVersion}, {"files", Json::array()}};
-    for (const CheckedFile& file : files)
-        report["files"].push_back(describeFile(file));
-    return jsonText(report);
+void JsonReport::add(const CheckedFile& file) {
+    files_.push_back(describeFile(file));
+}
+
+std::string JsonReport::text() const {
+    return jsonText({{"version", formatVersion}, {"files", files_}});
 }
 
 }  // namespace tool

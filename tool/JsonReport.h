@@ -1,13 +1,23 @@
 #pragma once
 
 #include <string>
-#include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "tool/Check.h"
 
 namespace tool {
 
 /// The findings as JSON. The schema is docs/schemas/check-1.schema.json.
-[[nodiscard]] std::string jsonReport(const std::vector<CheckedFile>& files);
+class JsonReport {
+  public:
+    void add(const CheckedFile& file);
+
+    /// The whole report.
+    [[nodiscard]] std::string text() const;
+
+  private:
+    nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
+};
 
 }  // namespace tool

@@ -47,10 +47,10 @@ bool parse(Playlist& playlist) {
 
 }  // namespace
 
-Playlist readPlaylist(const std::string& path, PlaylistKind askedKind) {
+Playlist readPlaylist(const std::string& path, PlaylistKind askedKind, std::size_t mostBytes) {
     Playlist playlist;
     playlist.name = nameInMessages(path);
-    playlist.text = contentOf(path);
+    playlist.text = contentOf(path, mostBytes);
     playlist.kind = decideKind(playlist.text, askedKind);
     if (playlist.kind == PlaylistKind::Detect || !parse(playlist)) reject(playlist);
     return playlist;

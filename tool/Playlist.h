@@ -23,9 +23,9 @@ struct Playlist {
 };
 
 /// Reads the file ("-" for standard input) and parses it as the kind that was asked for, or else as the kind
-/// that its tags tell. Throws a Failure when it cannot be read, or is rejected: then with all errors, as
-/// "file:line: error: message [rule]".
-[[nodiscard]] Playlist readPlaylist(const std::string& path, PlaylistKind askedKind);
+/// that its tags tell. Throws a Failure when it cannot be read, has more than so many bytes, or is rejected:
+/// then with all errors, as "file:line: error: message [rule]".
+[[nodiscard]] Playlist readPlaylist(const std::string& path, PlaylistKind askedKind, std::size_t mostBytes);
 
 /// The playlist's clean text.
 [[nodiscard]] std::string cleanText(const Playlist& playlist);

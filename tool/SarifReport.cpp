@@ -105,29 +105,24 @@ void appendFindings(Json& results, const CheckedFile& file,
     }
 }
 
-Json describeInvocation(const std::vector<CheckedFile>& files, ExitStatus status) {
-    Json invocation = {{"executionSuccessful", status != unusable}, {"exitCode", static_cast<int>(status)}};
-    for (const CheckedFile& file : files) {
-        if (file.failure.empty()) continue;
-        invocation["toolExecutionNotifications"].push_back(
-            {{"level", "error"}, {"message", {{"text", file.failure}}}});
-    }
-    return invocation;
-}
-
 }  // namespace
 
-std::string sarifReport(const std::vector<CheckedFile>& files, ExitStatus status) {
-    std::map<std::string, std::size_t> ruleIndices;
-    const Json rules = describeRules(ruleIndices);
-    Json results = Json::array();
-    for (const CheckedFile& file : files)
-        appendFindings(results, file, ruleIndices);
-    const Json driver = {{"name", "velhls"}, {"version", VELHLS_TOOL_VERSION}, {"rules", rules}};
+SarifReport::SarifReport() : rules_(describeRules(ruleIndices_)) {}
+
+void SarifReport::add(const CheckedFile& file) {
+    appendFindings(results_, file, ruleIndices_);
+    if (file.failure.empty()) return;
+    notifications_.push_back({{"level", "error"}, {"message", {{"text", file.failure}}}});
+}
+
+std::string SarifReport::text(ExitStatus status) const {
+    const Json driver = {{"name", "velhls"}, {"version", VELHLS_TOOL_VERSION}, {"rules", rules_}};
+    Json invocation = {{"executionSuccessful", status != unusable}, {"exitCode", static_cast<int>(status)}};
+    if (!notifications_.empty()) invocation["toolExecutionNotifications"] = notifications_;
     const Json run = {{"tool", {{"driver", driver}}},
                       {"columnKind", "unicodeCodePoints"},
-                      {"invocations", Json::array({describeInvocation(files, status)})},
-                      {"results", results}};
+                      {"invocations", Json::array({invocation})},
+                      {"results", results_}};
     return jsonText(
         {{"$schema",
           "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json"},

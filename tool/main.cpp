@@ -1,8 +1,11 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <fcntl.h>
 #include <new>
+#include <sstream>
 #include <string>
+#include <unistd.h>
 #include <variant>
 #include <vector>
 
@@ -30,6 +33,7 @@ struct Request {
     std::string kind = "auto";
     bool quiet = false;
     bool json = false;
+    std::size_t mostBytes = tool::usualLargestInput;
     std::string rule;
     std::string severity = "warning";
     std::vector<std::string> disabledRules;
@@ -37,7 +41,8 @@ struct Request {
 };
 
 void render(const Request& request) {
-    const tool::Playlist playlist = tool::readPlaylist(request.input, tool::kindNamed(request.kind));
+    const tool::Playlist playlist =
+        tool::readPlaylist(request.input, tool::kindNamed(request.kind), request.mostBytes);
     const std::string text = tool::cleanText(playlist);
     if (request.output == tool::standardInput) {
         tool::writeToStandardOutput(text);
@@ -63,6 +68,7 @@ tool::ExitStatus check(const Request& request) {
     tool::CheckRequest asked = request.check;
     if (asked.paths.empty()) asked.paths.emplace_back(tool::standardInput);
     asked.kind = tool::kindNamed(request.kind);
+    asked.mostBytes = request.mostBytes;
     asked.least = severityNamed(request.severity);
     asked.disabledRules.insert(request.disabledRules.begin(), request.disabledRules.end());
     return tool::check(asked);
@@ -84,19 +90,25 @@ struct Inspection {
 };
 
 void inspect(const Request& request) {
-    const tool::Playlist playlist = tool::readPlaylist(request.input, tool::kindNamed(request.kind));
+    const tool::Playlist playlist =
+        tool::readPlaylist(request.input, tool::kindNamed(request.kind), request.mostBytes);
     tool::writeToStandardOutput(std::visit(Inspection{playlist.status, request.json}, playlist.model));
 }
 
-void addKindOption(CLI::App& command, Request& request) {
+/// What the commands that read playlists have in common.
+void addReadingOptions(CLI::App& command, Request& request) {
     command.add_option("--kind", request.kind, "What to read it as")
         ->check(CLI::IsMember({"auto", "master", "media"}))
+        ->capture_default_str();
+    command.add_option("--max-bytes", request.mostBytes, "Read no playlist that has more bytes")
+        ->type_name("BYTES")
+        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
         ->capture_default_str();
 }
 
 void addInputOptions(CLI::App& command, Request& request) {
     command.add_option("FILE", request.input, "The playlist; - for standard input")->capture_default_str();
-    addKindOption(command, request);
+    addReadingOptions(command, request);
 }
 
 void addCheckCommand(CLI::App& app, Request& request, tool::ExitStatus& status) {
@@ -106,7 +118,7 @@ void addCheckCommand(CLI::App& app, Request& request, tool::ExitStatus& status) 
         "Exit status: 0 nothing found, 1 something found, 2 bad usage or a file that cannot be read.\n"
         "NO_COLOR is respected.");
     command->add_option("FILE", request.check.paths, "The playlists; - for standard input, the default");
-    addKindOption(*command, request);
+    addReadingOptions(*command, request);
     command->add_option("--format", request.check.format, "How to write what is found")
         ->check(CLI::IsMember({"text", "json", "sarif"}))
         ->capture_default_str();
@@ -132,6 +144,18 @@ void addExplainCommand(CLI::App& app, Request& request) {
     command->callback([&request] { explain(request); });
 }
 
+/// Help and version come as errors, too.
+tool::ExitStatus endParsing(const CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() != 0) {
+        throw tool::Failure(tool::unusable, "velhls: error: " + tool::printable(error.what()) +
+                                                "\nRun velhls with --help for more information.");
+    }
+    std::ostringstream text;
+    app.exit(error, text, text);
+    tool::writeToStandardOutput(text.str());
+    return tool::success;
+}
+
 int run(int argumentCount, char** arguments) {
     Request request;
     tool::ExitStatus status = tool::success;
@@ -140,8 +164,8 @@ int run(int argumentCount, char** arguments) {
     app.require_subcommand(1);
     app.footer(
         "Exit status: 0 done, 1 the playlist is rejected or something was found, 2 bad usage or a file that "
-        "cannot be read or "
-        "written.");
+        "cannot be read or written.\n"
+        "A pipe that is closed early ends the command by the signal SIGPIPE.");
 
     CLI::App* renderCommand = app.add_subcommand("render", "Parse a playlist and write its clean text");
     addInputOptions(*renderCommand, request);
@@ -162,9 +186,19 @@ int run(int argumentCount, char** arguments) {
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? tool::success : tool::unusable;
+        return endParsing(app, error);
     }
     return status;
+}
+
+/// Without standard input, output or error the next file that is opened would take its place, and a message
+/// would be written into a playlist. What stands in for it here can neither be read nor written as it should.
+void occupyStandardDescriptors() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) >= 0) continue;
+        // The lowest number that is free is this one.
+        static_cast<void>(::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
 }
 
 int report(tool::ExitStatus status, const char* message) {
@@ -175,8 +209,10 @@ int report(tool::ExitStatus status, const char* message) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    // A reader that closes the pipe early is then told of like any other output that cannot be written.
-    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    // A file that grows beyond what the user may write is then told of like a full disk. A pipe that is closed
+    // early ends the command without a word, as it ends others.
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+    occupyStandardDescriptors();
     try {
         return run(argumentCount, arguments);
     } catch (const tool::Failure& failure) {
@@ -184,6 +220,6 @@ int main(int argumentCount, char** arguments) {
     } catch (const std::bad_alloc&) {
         return report(tool::unusable, "velhls: error: out of memory");
     } catch (const std::exception& error) {
-        return report(tool::unusable, error.what());
+        return report(tool::unusable, ("velhls: error: " + tool::printable(error.what())).c_str());
     }
 }

@@ -451,6 +451,19 @@ TEST(VELHLSSubstitution, AnyNumberOfReferencesInTheTextMayComeToNothing) {
     EXPECT_EQ(substitutedQuickly("a" + repeated("{$x}", 2 * maximum) + "b", {{"x", ""}}), "ab");
 }
 
+// What stands behind "{$value}" ends the reference that the value begins, so that the value is read again
+// every time. Each reference costs its value's bytes and one more; all together may cost twice the maximum
+// beside the text's own length.
+TEST(VELHLSSubstitution, WhatReferencesInsertIsBoundedToTheByte) {
+    const std::string name(1020, 'n');
+    const Defines defines = {{"value", "{$" + name}, {name, ""}};
+    const auto textWith = [](std::size_t count) { return "a" + repeated("{$value}}", count) + "b"; };
+    const std::size_t costOfOne = (1022 + 1) + (0 + 1) - std::string("{$value}}").size();
+    const std::size_t most = (2 * maximum + 2) / costOfOne;
+    EXPECT_EQ(substituted(textWith(most), defines), "ab");
+    EXPECT_EQ(substituted(textWith(most + 1), defines), "");
+}
+
 // Each value is read again for every reference to it, since what stands behind its end decides its last name:
 // a hundred of them would take for ever, although they make no text.
 TEST(VELHLSSubstitution, ValuesThatMultiplyWithoutMakingTextHaveAnEnd) {

@@ -117,6 +117,109 @@ TEST(VELHLSDiagnostics, ShortensWhatItQuotes) {
     }
 }
 
+/// What the finding of the rule says that was seen; nothing when there is none.
+std::string seenBy(const std::string& ruleId, const std::string& text,
+                   VELHLSDiagnostics::PlaylistKind kind = VELHLSDiagnostics::Master) {
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, kind)) {
+        if (finding.ruleId == ruleId) return finding.message.substr(finding.message.find(", seen ") + 7);
+    }
+    return {};
+}
+
+TEST(VELHLSDiagnostics, CutsWhatItQuotesBetweenCharacters) {
+    const auto seenOf = [](const std::string& uri) { return seenBy("uri-without-tag", uri + "\n"); };
+    const std::string before(76, 'x');
+    EXPECT_EQ(seenOf(before + "1234"), "\"" + before + "1234\"");
+    EXPECT_EQ(seenOf(before + "12345"), "\"" + before + "1234...\"");
+    for (const std::string character : {"\xC2\x80", "\xE2\x82\xAC", "\xF0\x9F\x8E\xAC"}) {
+        for (std::size_t first = 76; first < 80; ++first) {
+            const std::size_t whole = (80 - first) / character.size() * character.size();
+            const std::string characters = character + character + character;
+            EXPECT_EQ(seenOf(std::string(first, 'x') + characters + "tail"),
+                      "\"" + std::string(first, 'x') + characters.substr(0, whole) + "...\"");
+        }
+    }
+    // Bytes that go on without an end are no character.
+    EXPECT_EQ(seenOf(std::string(100, '\x80')), "\"" + std::string(76, '\x80') + "...\"");
+}
+
+TEST(VELHLSDiagnostics, NamesTheAttributeUnlessItsNameIsEmptyOrLong) {
+    const auto messageFor = [](const std::string& name) {
+        const auto findings =
+            VELHLSDiagnostics::check("#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1," + name + "=\"\x01\"\na\n");
+        for (const VELHLSFinding& finding : findings) {
+            if (finding.ruleId == "control-character")
+                return finding.message.substr(0, finding.message.find("expected"));
+        }
+        return std::string("none");
+    };
+    EXPECT_EQ(messageFor("X"), "EXT-X-STREAM-INF: X: ");
+    EXPECT_EQ(messageFor(std::string(40, 'X')), "EXT-X-STREAM-INF: " + std::string(40, 'X') + ": ");
+    EXPECT_EQ(messageFor(std::string(41, 'X')), "EXT-X-STREAM-INF: ");
+    EXPECT_EQ(messageFor(""), "EXT-X-STREAM-INF: ");
+}
+
+TEST(VELHLSDiagnostics, WarningsDoNotMoveTheErrorsBetweenRecords) {
+    EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"a\"", "a",
+                           "#EXT-X-STREAM-INF:BANDWIDTH=2,FRAME-RATE=25", "b"}),
+                    VELHLSDiagnostics::Master, VELHLSFinding::Warning),
+              "2:38+1 group-missing 4:31+10 attribute-ignored");
+}
+
+TEST(VELHLSDiagnostics, TellsOfValuesOfTheWrongType) {
+    const struct {
+        const char* name;
+        const char* right;
+        std::vector<const char*> wrong;
+    } rows[] = {
+        {"ASSOC-LANGUAGE", "\"en\"", {"en"}},
+        {"AUDIO", "\"a\"", {"a"}},
+        {"AUTOSELECT", "YES", {"\"YES\"", "Y ES", "Y\tES"}},
+        {"AVERAGE-BANDWIDTH", "1", {"\"1\""}},
+        {"BANDWIDTH", "1", {"\"1\""}},
+        {"BYTERANGE", "\"1@0\"", {"1@0"}},
+        {"CHANNELS", "\"2\"", {"2"}},
+        {"CHARACTERISTICS", "\"a\"", {"a"}},
+        {"CLOSED-CAPTIONS", "\"a\"", {"a"}},
+        {"CLOSED-CAPTIONS", "NONE", {"NON"}},
+        {"CODECS", "\"a\"", {"a"}},
+        {"DATA-ID", "\"a\"", {"a"}},
+        {"DEFAULT", "YES", {"\"YES\""}},
+        {"FORCED", "YES", {"\"YES\""}},
+        {"FRAME-RATE", "25", {"\"25\""}},
+        {"GROUP-ID", "\"a\"", {"a"}},
+        {"HDCP-LEVEL", "NONE", {"\"NONE\""}},
+        {"INSTREAM-ID", "\"CC1\"", {"CC1"}},
+        {"IV", "0x1", {"\"0x1\""}},
+        {"KEYFORMAT", "\"a\"", {"a"}},
+        {"KEYFORMATVERSIONS", "\"1\"", {"1"}},
+        {"LANGUAGE", "\"en\"", {"en"}},
+        {"METHOD", "NONE", {"\"NONE\""}},
+        {"NAME", "\"a\"", {"a"}},
+        {"PRECISE", "YES", {"\"YES\""}},
+        {"PROGRAM-ID", "1", {"\"1\""}},
+        {"RESOLUTION", "1x1", {"\"1x1\"", "x1", "1x", "x", "11", "ax1", "1xa", "1x1x1", "1X1", "+1x1"}},
+        {"SUBTITLES", "\"a\"", {"a"}},
+        {"TIME-OFFSET", "1", {"\"1\""}},
+        {"TYPE", "AUDIO", {"\"AUDIO\""}},
+        {"URI", "\"a\"", {"a"}},
+        {"VALUE", "\"a\"", {"a"}},
+        {"VIDEO", "\"a\"", {"a"}},
+    };
+    const auto seenOf = [](const std::string& attribute) {
+        return seenBy("attribute-wrong-type", "#EXTM3U\n#EXT-X-I-FRAME-STREAM-INF:" + attribute + "\n");
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(seenOf(std::string(row.name) + "=" + row.right), "") << row.name << "=" << row.right;
+        for (const char* const wrong : row.wrong) {
+            EXPECT_NE(seenOf(std::string(row.name) + "=" + wrong), "") << row.name << "=" << wrong;
+        }
+    }
+    EXPECT_EQ(seenOf("RESOLUTION=1x"),
+              "\"1x\" without quotes where width and height with x between them, without quotes must stand");
+    EXPECT_EQ(seenOf("UNKNOWN=a"), "");
+}
+
 TEST(VELHLSDiagnostics, ReadsWhatIsLeftOfAStream) {
     std::istringstream input("stray\n#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=0\na\n");
     std::string first;

@@ -132,7 +132,7 @@ TEST(RenderCommand, NamesStandardInputInMessages) {
 
 TEST(RenderCommand, KeepsControlCharactersOfThePlaylistFromTheTerminal) {
     const Outcome outcome = velhls({"render"}, lines({"#EXT-X-ENDLIST", "\x1B[2J\a\xC2\x9Bmore"}));
-    EXPECT_THAT(outcome.errors, HasSubstr("\"\\x1B[2J\\x07\\xC2\x9Bmore\""));
+    EXPECT_THAT(outcome.errors, HasSubstr("\"\\x1B[2J\\x07\\xC2\\x9Bmore\""));
     EXPECT_EQ(outcome.errors.find('\x1B'), std::string::npos);
 }
 
