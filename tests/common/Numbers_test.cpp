@@ -1,8 +1,11 @@
 // Durations are read as strtod reads them and written as printf writes them, to the last bit and digit.
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
@@ -120,6 +123,37 @@ TEST(Numbers, RandomDurationsAreWrittenAsPrintfWritesThem) {
         ASSERT_EQ(durationWritten(duration), durationPrinted(duration)) << duration;
         const double nearDecimal = std::round(duration * 1e6) / 1e6 + 5e-7;
         ASSERT_EQ(durationWritten(nearDecimal), durationPrinted(nearDecimal)) << nearDecimal;
+    }
+}
+
+void expectWrittenAsToStringWritesIt(std::int64_t number) {
+    std::string range;
+    ASSERT_EQ((VELHLSByteRange{number, number}.render(range)), 0);
+    EXPECT_EQ(range, std::to_string(number) + "@" + std::to_string(number));
+}
+
+void expectWrittenAsToStringWritesIt(std::uint64_t bandwidth) {
+    const VELHLSMediaVariant variant(bandwidth, 0, "", "", "uri", nullptr, false, 0);
+    std::string text;
+    ASSERT_EQ(variant.render(text), 0);
+    EXPECT_EQ(text.substr(0, text.find(',')), "#EXT-X-STREAM-INF:BANDWIDTH=" + std::to_string(bandwidth));
+}
+
+TEST(Numbers, IntegersOfAllLengthsAreWrittenAsToStringWritesThem) {
+    constexpr std::uint64_t largestSigned = std::numeric_limits<std::int64_t>::max();
+    std::mt19937_64 random(5);
+    std::vector<std::uint64_t> numbers = {largestSigned, largestSigned + 1,
+                                          std::numeric_limits<std::uint64_t>::max()};
+    std::uint64_t power = 1;
+    for (int exponent = 0; exponent < 20; ++exponent) {
+        for (const std::uint64_t number :
+             {power - 1, power, power + 1, power + random() % power, 7 * (power / 10)})
+            numbers.push_back(number);
+        power *= 10;
+    }
+    for (const std::uint64_t number : numbers) {
+        if (number <= largestSigned) expectWrittenAsToStringWritesIt(static_cast<std::int64_t>(number));
+        if (number != 0) expectWrittenAsToStringWritesIt(number);
     }
 }
 
