@@ -15,8 +15,9 @@
 ///     //  status.error == VELHLSParsingErrorNone      the parse succeeded
 ///     //  status.metrics->parseDuration               seconds, on success and on a null result alike
 ///
-/// A status may be kept across parses: fields that a parse does not write keep their values. One status must
-/// not be shared by parses that run at the same time.
+/// A status may be kept across parses: fields that a parse does not write keep their values. When an exception leaves a
+/// parse, all but `hasMediaPatterns` are as they were. One status must not be shared by parses that run at the same
+/// time.
 struct VELHLSParsingStatus {
     /// Set when a media pattern tag (vendor extension) was met. Never cleared by the library and never set by
     /// the master playlist parser.

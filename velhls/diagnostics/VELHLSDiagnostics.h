@@ -52,7 +52,8 @@ class VELHLS_API VELHLSDiagnostics {
     [[nodiscard]] static std::vector<VELHLSFinding> check(const std::string& text,
                                                           PlaylistKind kind = Detect);
 
-    /// The same for what is left of the stream, which is read to its end. An empty text when it is not good.
+    /// The same for what is left of the stream, which is read to its end. An empty text when it is not good. A stream
+    /// that breaks off is read as one that ends there and becomes bad, and throws if it was told to.
     [[nodiscard]] static std::vector<VELHLSFinding> check(std::istream& input, PlaylistKind kind = Detect);
 
     /// What a text was taken for, and why.

@@ -46,7 +46,8 @@ class VELHLS_API VELHLSParsedManifest {
     /// message as they were. Its metrics are written in both cases. The exceptions of number conversion
     /// (std::invalid_argument, std::out_of_range) are not caught: for such values as a VERSION that is no
     /// number, a BANDWIDTH beyond 64 bits or a TIME-OFFSET of "+-" they leave this function, and then the
-    /// metrics are not written. The exceptions of a stream that was told to throw leave it too.
+    /// metrics are not written. The exceptions of a stream that was told to throw leave it too. When memory runs
+    /// out std::bad_alloc leaves it, and error, message and metrics are as they were.
     ///
     /// A playlist is rejected for: a line that is no tag, no comment, not blank and no variant's URI; a line
     /// that begins with "#EXT", has no colon and is not "#EXTM3U" or "#EXT-X-INDEPENDENT-SEGMENTS", so also
@@ -65,6 +66,7 @@ class VELHLS_API VELHLSParsedManifest {
     ///   that of the EXT-X-STREAM-INF tags.
     /// - Carriage returns are removed wherever they stand; other white space is not, so " #EXTM3U" is
     ///   rejected.
+    /// - A stream that breaks off is read as one that ends there: ask input.bad().
     [[nodiscard]] static std::shared_ptr<VELHLSParsedManifest> parseManifest(std::istream& input,
                                                                              VELHLSParsingStatus* status);
 

@@ -45,7 +45,8 @@ class VELHLS_API VELHLSMediaStream {
     /// ZOR-PATTERN_START without a colon and a pattern that is read but does not expand record nothing; all
     /// others leave both as they were. The metrics are written in all these cases. The exceptions of number
     /// conversion (std::invalid_argument, std::out_of_range) are not caught, nor those of a stream that was
-    /// told to throw: they leave this function, and then the metrics are not written.
+    /// told to throw: they leave this function, and then the metrics are not written. When memory runs out
+    /// std::bad_alloc leaves it, and error, message and metrics are as they were.
     ///
     /// A playlist is rejected for: a line that is no tag, no comment, not blank and no segment's URI; an
     /// EXT-X-TARGETDURATION that is empty or holds other characters than digits and points; an
@@ -64,6 +65,7 @@ class VELHLS_API VELHLSMediaStream {
     /// - A last URI line without a line feed rejects the playlist.
     /// - Header tags are taken anywhere, and the last one holds; but PRECISE=YES is not undone.
     /// - A stream that is not good on entry, or is empty, gives an empty playlist.
+    /// - A stream that breaks off is read as one that ends there: ask input.bad().
     [[nodiscard]] static std::shared_ptr<VELHLSMediaStream> parseMediaStream(std::istream& input,
                                                                              VELHLSParsingStatus* status);
 
