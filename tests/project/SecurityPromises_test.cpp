@@ -77,6 +77,7 @@ TEST(SecurityPromises, NameATestInEachRow) {
 TEST(SecurityPromises, BoundsAreThoseOfTheHeaders) {
     const std::map<std::string, std::size_t> bounds = {
         {"VELHLSUtility::maximumSubstitutedBytes", VELHLSUtility::maximumSubstitutedBytes},
+        {"VELHLSUtility::maximumCollidingNames", VELHLSUtility::maximumCollidingNames},
         {"VELHLSMediaPattern::maximumExpansionBytes", VELHLSMediaPattern::maximumExpansionBytes},
         {"VELHLSMediaPattern::maximumExpansionBytesOfPlaylist",
          VELHLSMediaPattern::maximumExpansionBytesOfPlaylist},
