@@ -254,7 +254,7 @@ TEST(VELHLSDiagnostics, SaysWhatATextIsThatIsNoPlaylist) {
         {"#EXTM3U", unknownKind},
         {"x\n#EXTM3U", unknownKind},
         {"#EXTM3U\n#EXTINF:-1,\na\n", "an IPTV list"},
-        {"#EXTINF: -1 ,\na\n", unknownKind},
+        {"#EXTINF: -1,\na\n", ""},
         {"#EXTINF:4 tvg-id=\"a\",\na\n", "an IPTV list"},
         {"#EXTGRP:a\n", "an IPTV list"},
         {"#EXTVLCOPT:a\n", "an IPTV list"},
