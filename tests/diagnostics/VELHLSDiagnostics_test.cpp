@@ -231,6 +231,40 @@ TEST(VELHLSDiagnostics, ReadsWhatIsLeftOfAStream) {
     EXPECT_EQ(VELHLSDiagnostics::check(input, VELHLSDiagnostics::Master).size(), 3U);
 }
 
+TEST(VELHLSDiagnostics, SaysWhatATextIsThatIsNoPlaylist) {
+    const std::string unknownKind = "no tag that only a master or only a media playlist has";
+    const struct {
+        std::string text;
+        std::string seen;
+    } rows[] = {
+        {"", "an empty text"},
+        {"<!doctype html>", "HTML"},
+        {"\r\n\t <!DOCTYPE HTML>", "HTML"},
+        {"<!doctype htm", "markup"},
+        {"<html", "HTML"},
+        {"<HTML>", "HTML"},
+        {"<htm", "markup"},
+        {"<", "markup"},
+        {"{", "JSON"},
+        {" [", "JSON"},
+        {std::string(4095, 'x') + '\0', "binary data"},
+        {std::string(4096, 'x') + '\0', "no tag"},
+        {"x", "no tag"},
+        {" \n", "no tag"},
+        {"#EXTM3U", unknownKind},
+        {"x\n#EXTM3U", unknownKind},
+        {"#EXTM3U\n#EXTINF:-1,\na\n", "an IPTV list"},
+        {"#EXTINF: -1,\na\n", ""},
+        {"#EXTINF:4 tvg-id=\"a\",\na\n", "an IPTV list"},
+        {"#EXTGRP:a\n", "an IPTV list"},
+        {"#EXTVLCOPT:a\n", "an IPTV list"},
+        {"#KODIPROP:a\n", "an IPTV list"},
+        {"#EXTGRP:a\nx\n# a comment\n", "an IPTV list"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(seenBy("not-a-playlist", row.text, VELHLSDiagnostics::Detect), row.seen) << row.text;
+}
+
 TEST(VELHLSDiagnostics, DetectsTheKindByTheTags) {
     const auto kindOf = [](const std::string& text) {
         const auto detection = VELHLSDiagnostics::detectKind(text);
