@@ -62,4 +62,20 @@ inline bool holdsSlowPattern(const std::string& text) {
     return false;
 }
 
+/// The cost of a long playlist that repeats this one, less the tags that end reading.
+template <typename Read>
+void expectBoundedWhenProlonged(std::string text, const Cost& cost, Read read) {
+    for (const std::string tag : {"#EXTM3U\n", "#EXT-X-ENDLIST\n"}) {
+        for (std::size_t at = text.find(tag); at != std::string::npos; at = text.find(tag, at))
+            text.erase(at, tag.size());
+    }
+    const std::string longText = prolonged(text, "\n");
+    if (longText.empty()) return;
+    const auto result = outcomeOf([&]() -> std::string {
+        bounded(longText.size(), cost, [&] { return read(longText); });
+        return {};
+    });
+    static_cast<void>(result);
+}
+
 }  // namespace fuzz

@@ -18,6 +18,9 @@ VELHLS_FUZZ_TARGET(attributes) {
     const auto plainMap = plain::attributeMap(text);
     fuzz::expectEqual(described(map.get()), described(plainMap ? &*plainMap : nullptr),
                       "the attributes as their plain form");
+    const std::string longText = fuzz::prolonged(text, ",");
+    static_cast<void>(
+        fuzz::bounded(longText.size(), {48}, [&] { return VELHLSUtility::parseAttributeMap(longText); }));
     if (map == nullptr) return;
 
     std::string written;

@@ -8,6 +8,11 @@ VELHLS_FUZZ_TARGET(check) {
     for (const auto kind : {VELHLSDiagnostics::Master, VELHLSDiagnostics::Media}) {
         static_cast<void>(
             fuzz::bounded(text.size(), cost, [&] { return VELHLSDiagnostics::check(text, kind); }));
+        if (!expands) {
+            fuzz::expectBoundedWhenProlonged(text, cost, [kind](const std::string& longText) {
+                return VELHLSDiagnostics::check(longText, kind);
+            });
+        }
         fuzz::expectEqual(oracle::brokenPromise(text, kind), "", "the findings and the parse agree");
     }
     static_cast<void>(VELHLSDiagnostics::check(text));

@@ -10,6 +10,11 @@ VELHLS_FUZZ_TARGET(master) {
                              [&] { return VELHLSParsedManifest::parseManifest(input, &status); });
     });
 
+    fuzz::expectBoundedWhenProlonged(text, {32}, [](const std::string& longText) {
+        std::istringstream input(longText);
+        return VELHLSParsedManifest::parseManifest(input, nullptr);
+    });
+
     fuzz::expectTheSameFromEveryBuffer(text, VELHLSParsedManifest::internalParseManifest);
     std::istringstream input(text);
     std::istringstream plainInput(text);

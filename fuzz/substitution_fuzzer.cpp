@@ -10,7 +10,7 @@ VELHLS_FUZZ_TARGET(substitution) {
             line.substr(std::min(line.find('='), line.size() - 1) + 1);
     const std::string original = parts.rest();
 
-    const fuzz::Cost cost{256, 8 * VELHLSUtility::maximumSubstitutedBytes};
+    const fuzz::Cost cost{256, 8 * VELHLSUtility::maximumSubstitutedBytes, 0.0, 5.0};
     const std::string result = fuzz::bounded(
         text.size(), cost, [&] { return VELHLSUtility::substituteVariables(original, defines); });
     fuzz::expectEqual(VELHLSUtility::substituteVariables(original, nullptr), original,

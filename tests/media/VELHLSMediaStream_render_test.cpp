@@ -559,8 +559,6 @@ TEST(VELHLSMediaStreamRender, AddsOneCommaToATitleEachTime) {
 }
 
 TEST(VELHLSMediaStreamRender, WritesSomeValuesInAFormThatItsReaderRejects) {
-    // Durations below half a microsecond, and start offsets that are written with an exponent. Everything else
-    // that parses comes back.
     const std::string head = "#EXTM3U\n#EXT-X-TARGETDURATION:0\n";
     const std::string none = renderedAgain("#EXTINF:0.0000004,\nsegment.ts\n");
     EXPECT_EQ(none, head + "#EXTINF:0.000000,,\nsegment.ts\n");
@@ -571,6 +569,37 @@ TEST(VELHLSMediaStreamRender, WritesSomeValuesInAFormThatItsReaderRejects) {
     const std::string early = renderedAgain("#EXT-X-START:TIME-OFFSET=-0.00001\n");
     EXPECT_EQ(early, head + "#EXT-X-START:TIME-OFFSET=-1e-05\n");
     EXPECT_EQ(parsedMedia(early), nullptr);
+}
+
+struct Unreadable {
+    std::string text;
+    std::string reason;
+};
+
+/// All the reasons why the library rejects what it rendered itself. Everything else that parses comes back.
+const std::vector<Unreadable> unreadable = {
+    {"#EXTINF:0.0000004,\nsegment.ts\n", "a duration that is rounded to 0"},
+    {"#EXT-X-START:TIME-OFFSET=1234567\n", "a start offset with an exponent"},
+    {"#EXT-X-START:TIME-OFFSET=-0.00001\n", "a start offset with an exponent"},
+    {"#EXT-X-PROGRAM-DATE-TIME:10000000-01-01T00:00:15Z\n#EXTINF:4\nsegment.ts\n", "a date that is cut off"},
+    {"#EXT-X-PROGRAM-DATE-TIME:100000000-01-01T00:00:15Z\n#EXTINF:4\nsegment.ts\n", "a date that is cut off"},
+    {"#EXTINF:4\n#EXT-X-BYTERANGE:0\na.ts\n", "an empty byte range, and a URI that throws"},
+    {"#EXTINF:4\n#EXT-X-BYTERANGE:0\nv/range/9-5\n", "an empty byte range, and a negative one in the URI"},
+    {"#ZOR-PATTERN_START:p\n#EXT-X-KEY:METHOD=AES-128,URI=\"\r\"\n#EXTINF:4\nsegment.ts\n"
+     "#ZOR-PATTERN_REPEAT:p,0\n",
+     "a key's URI of carriage returns"},
+    {"#ZOR-PATTERN_START:p\n#EXT-X-MAP:URI=\"\r\"\n#EXTINF:4\nsegment.ts\n#ZOR-PATTERN_REPEAT:p,0\n",
+     "a map's URI of carriage returns"},
+};
+
+TEST(VELHLSMediaStreamRender, WritesNothingElseThatItsReaderRejects) {
+    for (const Unreadable& row : unreadable) {
+        const auto stream = parsedMedia(row.text);
+        ASSERT_NE(stream, nullptr) << row.text;
+        EXPECT_EQ(playlist::reasonNotToBeRead(*stream), row.reason) << row.text;
+        // The comparison looks whether it is rejected indeed.
+        EXPECT_EQ(differencesAfterRoundTrip(*stream), "") << row.text;
+    }
 }
 
 TEST(VELHLSMediaStreamRender, WritesASixtiethSecondThatReadsAsTheNextMinute) {

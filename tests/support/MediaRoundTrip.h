@@ -60,7 +60,11 @@ inline double targetDuration(double seconds) {
 inline double date(double seconds) {
     std::string text;
     VELHLSUtility::renderTimestamp(seconds, text);
-    return VELHLSUtility::parseTimestamp(text);
+    try {
+        return VELHLSUtility::parseTimestamp(text);
+    } catch (const std::invalid_argument&) {
+        return -1.0;
+    }
 }
 
 /// The first line of a segment that a pattern makes keeps its carriage returns; no other line does.
@@ -289,7 +293,7 @@ inline std::string differencesAfterRoundTrip(const VELHLSMediaStream& original) 
     std::shared_ptr<VELHLSMediaStream> reread;
     try {
         reread = parsedMedia(text);
-    } catch (const std::out_of_range&) {
+    } catch (const std::logic_error&) {
         if (reason.empty()) return "throws when it is read again:\n" + text;
     }
     if (!reason.empty()) return reread == nullptr ? "" : "read again in spite of " + reason + ":\n" + text;
