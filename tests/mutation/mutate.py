@@ -193,6 +193,9 @@ class Suite:
                      [tests / "velhls_tests", f"--gtest_filter={slow}"],
                      [tests / "velhls_clock_failure_tests"],
                      [tests / "velhls_tool_tests"]]
+        killer = self.killer(BUILD / "velhls")
+        if killer:
+            sys.exit("error: the unbroken build does not pass its tests: " + killer)
 
     @staticmethod
     def _slow_tests(program):
