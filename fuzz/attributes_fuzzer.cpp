@@ -7,7 +7,7 @@ std::string described(const VELHLSAttributeMap* map) {
     if (map == nullptr) return "malformed";
     std::string text;
     for (const auto& [name, value] : *map)
-        text += name + "=<" + value + ">\n";
+        text.append(name).append("=<").append(value).append(">\n");
     return text;
 }
 
@@ -27,7 +27,8 @@ VELHLS_FUZZ_TARGET(attributes) {
     for (const auto& [name, value] : *map) {
         fuzz::expect(name.find_first_of("=,\"") == std::string::npos, "a name holds no separator", name);
         fuzz::expect(value.find('"') == std::string::npos, "a value holds no quote", value);
-        written += (written.empty() ? "" : ",") + name + "=\"" + value + "\"";
+        if (!written.empty()) written += ',';
+        written.append(name).append("=\"").append(value).append("\"");
     }
     fuzz::expectEqual(described(VELHLSUtility::parseAttributeMap(written).get()), described(map.get()),
                       "what the map is written as parses to an equal one");

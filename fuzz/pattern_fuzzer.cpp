@@ -32,7 +32,7 @@ VELHLS_FUZZ_TARGET(pattern) {
         VELHLSParsingStatus status;
         status.error = VELHLSParsingErrorNone;
         std::istringstream head(prefix);
-        const auto pattern = VELHLSMediaPattern::parseMediaPattern(startLine, head, input, &status);
+        auto pattern = VELHLSMediaPattern::parseMediaPattern(startLine, head, input, &status);
         rejected = status.message;
         fuzz::expect((pattern == nullptr) == (status.error == VELHLSParsingErrorMediaPattern),
                      "what is rejected sets the status");
