@@ -58,12 +58,22 @@ std::pair<std::string, std::string> nameAndValue(const std::string& line) {
     return {line.substr(1, colon - 1), line.substr(colon + 1)};
 }
 
+std::size_t bucketSizeOf(const VELHLSDefineMap& defines, const std::string& name) {
+    return defines.bucket_count() == 0 ? 0 : defines.bucket_size(defines.bucket(name));
+}
+
 /// EXT-X-DEFINE; false when it is rejected.
 bool define(const std::string& value, VELHLSDefineMap& defines) {
     const auto attributes = attributeMap(value);
     if (!attributes || attributes->count("NAME") == 0 || attributes->count("VALUE") == 0) return false;
-    defines[attributes->at("NAME")] = attributes->at("VALUE");
-    return true;
+    const std::string& name = attributes->at("NAME");
+    if (defines.count(name) == 0 && bucketSizeOf(defines, name) >= VELHLSUtility::maximumCollidingNames)
+        return false;
+    defines[name] = attributes->at("VALUE");
+    // More buckets may hold other names together.
+    return std::all_of(defines.begin(), defines.end(), [&](const auto& variable) {
+        return bucketSizeOf(defines, variable.first) <= VELHLSUtility::maximumCollidingNames;
+    });
 }
 
 /// EXT-X-START; false when it is rejected.
