@@ -58,12 +58,8 @@ std::pair<std::string, std::string> nameAndValue(const std::string& line) {
     return {line.substr(1, colon - 1), line.substr(colon + 1)};
 }
 
-/// The most names that a map of variables may have in one bucket.
-std::size_t mostInABucket(const VELHLSDefineMap& defines) {
-    std::size_t most = 0;
-    for (std::size_t bucket = 0; bucket < defines.bucket_count(); ++bucket)
-        most = std::max(most, defines.bucket_size(bucket));
-    return most;
+std::size_t bucketSizeOf(const VELHLSDefineMap& defines, const std::string& name) {
+    return defines.bucket_count() == 0 ? 0 : defines.bucket_size(defines.bucket(name));
 }
 
 /// EXT-X-DEFINE; false when it is rejected.
@@ -71,12 +67,13 @@ bool define(const std::string& value, VELHLSDefineMap& defines) {
     const auto attributes = attributeMap(value);
     if (!attributes || attributes->count("NAME") == 0 || attributes->count("VALUE") == 0) return false;
     const std::string& name = attributes->at("NAME");
-    const bool isNew = defines.count(name) == 0;
-    // A full bucket takes no more, also where the map would have grown with the next name.
-    const bool isFull = defines.bucket_size(defines.bucket(name)) >= VELHLSUtility::maximumCollidingNames;
-    if (isNew && isFull) return false;
+    if (defines.count(name) == 0 && bucketSizeOf(defines, name) >= VELHLSUtility::maximumCollidingNames)
+        return false;
     defines[name] = attributes->at("VALUE");
-    return mostInABucket(defines) <= VELHLSUtility::maximumCollidingNames;
+    // More buckets may hold other names together.
+    return std::all_of(defines.begin(), defines.end(), [&](const auto& variable) {
+        return bucketSizeOf(defines, variable.first) <= VELHLSUtility::maximumCollidingNames;
+    });
 }
 
 /// EXT-X-START; false when it is rejected.
