@@ -472,16 +472,15 @@ TEST(MemoryRunsOut, WhatIsCalledRejectedIs) {
 TEST(MemoryRunsOut, TheHeapCountsAndFailsInAllForms) {
     const std::size_t blocks = heap::blocksInUse();
     const std::size_t bytes = heap::bytesInUse();
-    auto block = std::make_unique<std::array<char, 1000>>();
+    // Called by their names, since a compiler may leave out what a new-expression allocates.
+    void* const block = ::operator new(1000);
     EXPECT_EQ(heap::blocksInUse(), blocks + 1);
     EXPECT_EQ(heap::bytesInUse(), bytes + 1000);
-    block = nullptr;
+    ::operator delete(block);
     EXPECT_EQ(heap::blocksInUse(), blocks);
     EXPECT_EQ(heap::bytesInUse(), bytes);
 
-    struct alignas(128) Aligned {
-        char bytes[128];
-    };
+    constexpr std::align_val_t alignment{128};
     for (const heap::Failure failure : {heap::Failure::once, heap::Failure::fromThereOn}) {
         const heap::RunsOut memory(0, failure);
         EXPECT_EQ(::operator new(1, std::nothrow), nullptr);
@@ -493,14 +492,15 @@ TEST(MemoryRunsOut, TheHeapCountsAndFailsInAllForms) {
     {
         const heap::RunsOut memory(0, heap::Failure::once);
         try {
-            static_cast<void>(std::make_unique<Aligned>());
+            static_cast<void>(::operator new(128, alignment));
         } catch (const std::bad_alloc&) {
             threw = true;
         }
     }
     EXPECT_TRUE(threw);
-    const auto aligned = std::make_unique<Aligned>();
-    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(aligned.get()) % alignof(Aligned), 0U);
+    void* const aligned = ::operator new(128, alignment);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(aligned) % static_cast<std::size_t>(alignment), 0U);
+    ::operator delete(aligned, alignment);
 }
 
 }  // namespace
