@@ -95,18 +95,21 @@ class ClassicLocale {
 };
 
 /// "00", "01" and so on to "99".
-constexpr std::array<char, 200> digitPairs = [] {
+constexpr std::array<char, 200> makeDigitPairs() {
     std::array<char, 200> pairs = {};
     for (std::size_t number = 0; number < 100; ++number) {
         pairs[2 * number] = static_cast<char>('0' + number / 10);
         pairs[2 * number + 1] = static_cast<char>('0' + number % 10);
     }
     return pairs;
-}();
+}
+
+constexpr std::array<char, 200> digitPairs = makeDigitPairs();
 
 /// A number below 100.
 char* putTwoDigits(char* to, std::uint32_t number) {
-    return put(to, std::string_view(digitPairs.data() + std::size_t{2} * number, 2));
+    const std::string_view pair(digitPairs.data() + std::size_t{2} * number, 2);
+    return put(to, pair);
 }
 
 /// A number below 1,000.

@@ -10,18 +10,13 @@
 namespace velhls {
 namespace {
 
-/// What std::istream's own functions do when a stream buffer throws. Called where the exception is handled.
+/// Sets the bad bit, also of a stream that throws for it.
 void becomeBad(std::istream& input) {
-    if ((input.exceptions() & std::ios_base::badbit) == 0) {
-        input.setstate(std::ios_base::badbit);
-        return;
-    }
     try {
         input.setstate(std::ios_base::badbit);
     } catch (const std::ios_base::failure&) {
         // What the stream buffer threw says more.
     }
-    throw;
 }
 
 using Room = std::array<char, 4096>;
@@ -42,7 +37,9 @@ std::string_view takePiece(std::istream& input, Room& room) {
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {
+        // As std::istream's own functions do when a stream buffer throws.
         becomeBad(input);
+        if ((input.exceptions() & std::ios_base::badbit) != 0) throw;
         return {};
     }
 }
