@@ -285,6 +285,14 @@ inline std::string withoutCommasAndDates(const std::string& text) {
     return kept;
 }
 
+/// A segment's empty byte range, which is not written, hides one in its URI.
+inline bool gainsRange(const VELHLSMediaStream& stream) {
+    return std::any_of(stream.segments.begin(), stream.segments.end(), [](const auto& segment) {
+        const bool isHidden = segment->byteRange != nullptr && !rewritten::isWritten(segment->byteRange);
+        return isHidden && rewritten::isWritten(getByteRangeFromUri(segment->uri));
+    });
+}
+
 /// Renders the playlist, reads the text again and compares. Empty when the two are equal but for what
 /// rendering is documented not to keep; otherwise one line for each difference.
 inline std::string differencesAfterRoundTrip(const VELHLSMediaStream& original) {
@@ -300,9 +308,11 @@ inline std::string differencesAfterRoundTrip(const VELHLSMediaStream& original) 
     if (reread == nullptr) return "not read again:\n" + text;
     const std::string differences = RoundTripComparison(original, *reread).differences();
     if (!differences.empty()) return differences + text;
-    const std::string again = renderedMedia(*reread);
-    const bool isFixedPoint = withoutCommasAndDates(again) == withoutCommasAndDates(rewritten::text(text));
-    return isFixedPoint ? "" : "written differently the second time:\n" + text + "\n" + again;
+    // A range that only the URI told is written from the second time on: then the third text is that of the second.
+    const std::string first = gainsRange(original) ? renderedMedia(*reread) : text;
+    const std::string again = renderedMedia(*parsedMedia(first));
+    const bool isFixedPoint = withoutCommasAndDates(again) == withoutCommasAndDates(rewritten::text(first));
+    return isFixedPoint ? "" : "written differently the second time:\n" + first + "\n" + again;
 }
 
 }  // namespace playlist
