@@ -159,6 +159,29 @@ TEST(VELHLSDiagnostics, NamesTheAttributeUnlessItsNameIsEmptyOrLong) {
     EXPECT_EQ(messageFor(""), "EXT-X-STREAM-INF: ");
 }
 
+TEST(VELHLSDiagnostics, TellsOnWhichSideOfTheQuotesTextStands) {
+    const auto seenOf = [](const std::string& ruleId, const std::string& attribute) {
+        return seenBy(ruleId, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1," + attribute + "\na\n");
+    };
+    EXPECT_EQ(seenOf("attribute-text-before-quote", "X=x\"y\""), "\"x\"");
+    EXPECT_EQ(seenOf("attribute-text-after-last-quote", "X=x\"y\""), "");
+    EXPECT_EQ(seenOf("attribute-text-before-quote", "X=\"y\"z"), "");
+    EXPECT_EQ(seenOf("attribute-text-after-last-quote", "X=\"y\"z"), "\"z\"");
+}
+
+TEST(VELHLSDiagnostics, TellsOfARepeatedAttributeAmongFewAndAmongMany) {
+    for (const int count : {1, 15, 16, 17, 40}) {
+        std::string list = "BANDWIDTH=1";
+        for (int index = 0; index < count; ++index)
+            list += ",X-" + std::to_string(index) + "=1";
+        std::size_t repeated = 0;
+        for (const VELHLSFinding& finding :
+             VELHLSDiagnostics::check("#EXTM3U\n#EXT-X-STREAM-INF:" + list + ",X-0=2\na\n"))
+            repeated += finding.ruleId == "attribute-repeated" ? 1 : 0;
+        EXPECT_EQ(repeated, 1U) << count;
+    }
+}
+
 TEST(VELHLSDiagnostics, WarningsDoNotMoveTheErrorsBetweenRecords) {
     EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"a\"", "a",
                            "#EXT-X-STREAM-INF:BANDWIDTH=2,FRAME-RATE=25", "b"}),
