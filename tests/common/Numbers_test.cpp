@@ -8,6 +8,7 @@
 #include <memory>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -155,6 +156,24 @@ TEST(Numbers, IntegersOfAllLengthsAreWrittenAsToStringWritesThem) {
         if (number <= largestSigned) expectWrittenAsToStringWritesIt(static_cast<std::int64_t>(number));
         if (number != 0) expectWrittenAsToStringWritesIt(number);
     }
+}
+
+/// What the exception says that a duration leaves the parse with.
+std::string messageFor(const std::string& text) {
+    try {
+        durationRead(text);
+    } catch (const std::logic_error& error) {
+        return error.what();
+    }
+    return "none";
+}
+
+TEST(Numbers, ExceptionsQuoteTheStartOfTheText) {
+    EXPECT_EQ(messageFor("x"), "no number at the start of \"x\"");
+    EXPECT_EQ(messageFor(std::string(40, 'x')), "no number at the start of \"" + std::string(40, 'x') + "\"");
+    EXPECT_EQ(messageFor(std::string(41, 'x')),
+              "no number at the start of \"" + std::string(40, 'x') + "...\"");
+    EXPECT_EQ(messageFor("1e999"), "number out of range: \"1e999\"");
 }
 
 }  // namespace

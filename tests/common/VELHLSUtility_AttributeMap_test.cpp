@@ -178,6 +178,16 @@ TEST(VELHLSAttributeMap, BehindTheLastCommaTextBehindTheClosingQuoteIsDropped) {
     });
 }
 
+TEST(VELHLSAttributeMap, TextBehindAClosingQuoteMayBeginWithAnyByteButAComma) {
+    for (int byte = 0; byte < 256; ++byte) {
+        const char character = static_cast<char>(byte);
+        if (character == ',') continue;
+        const std::string text = std::string("A=\"x\"") + character;
+        EXPECT_EQ(attributesOf(text), (Attributes{{"A", "x"}})) << text;
+        EXPECT_EQ(attributesOf(text + ",B=y"), std::nullopt) << text;
+    }
+}
+
 TEST(VELHLSAttributeMap, QuoteIsMalformedWhereACommaFollowsWrongly) {
     expectMalformed({
         R"(A="x,B=1)",

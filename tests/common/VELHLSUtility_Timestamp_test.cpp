@@ -173,6 +173,15 @@ TEST(VELHLSTimestampParse, PrefixesOfTheOffset) {
     EXPECT_EQ(parsed(time + "+02:00"), 1577872805.0);
 }
 
+TEST(VELHLSTimestampParse, ExceptionsNameTheNumberOfTheOffsetAlone) {
+    try {
+        static_cast<void>(parsed("2020-01-01T10:00:05+02:99999999999 and more"));
+        FAIL() << "no exception";
+    } catch (const std::out_of_range& error) {
+        EXPECT_STREQ(error.what(), "number out of range: \"99999999999\"");
+    }
+}
+
 TEST(VELHLSTimestampParse, TextWithoutTheShapeIsMinusOne) {
     for (const char* const text : {
              "",

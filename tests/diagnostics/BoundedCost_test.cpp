@@ -64,6 +64,15 @@ TEST(BoundedCost, VariablesWhoseHashesMeetAreRejected) {
     EXPECT_TRUE(isRead(hostile::crowdedNames(hostile::manyRecords, most / 2)));
 }
 
+/// Otherwise each of them would be compared with all that are there.
+TEST(BoundedCost, VariablesThatWereRejectedAreForgottenByACheck) {
+    constexpr std::size_t most = VELHLSUtility::maximumCollidingNames;
+    std::vector<std::string> names = hostile::crowdedNames(most + 1, most + 1);
+    names.push_back(names.back());
+    EXPECT_EQ(linesWith("define-names-collide", hostile::definesOf(names)),
+              std::vector<std::size_t>{most + 1});
+}
+
 /// Names that meet only when the map has grown: with the last of these it does.
 TEST(BoundedCost, VariablesWhoseHashesWillMeetAreRejectedWhenTheyDo) {
     constexpr std::size_t count = 1024;

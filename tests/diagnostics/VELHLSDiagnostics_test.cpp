@@ -159,11 +159,107 @@ TEST(VELHLSDiagnostics, NamesTheAttributeUnlessItsNameIsEmptyOrLong) {
     EXPECT_EQ(messageFor(""), "EXT-X-STREAM-INF: ");
 }
 
+TEST(VELHLSDiagnostics, TellsOnWhichSideOfTheQuotesTextStands) {
+    const auto seenOf = [](const std::string& ruleId, const std::string& attribute) {
+        return seenBy(ruleId, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1," + attribute + "\na\n");
+    };
+    EXPECT_EQ(seenOf("attribute-text-before-quote", "X=x\"y\""), "\"x\"");
+    EXPECT_EQ(seenOf("attribute-text-after-last-quote", "X=x\"y\""), "");
+    EXPECT_EQ(seenOf("attribute-text-before-quote", "X=\"y\"z"), "");
+    EXPECT_EQ(seenOf("attribute-text-after-last-quote", "X=\"y\"z"), "\"z\"");
+}
+
+TEST(VELHLSDiagnostics, TellsOfARepeatedAttributeAmongFewAndAmongMany) {
+    for (const int count : {1, 15, 16, 17, 40}) {
+        std::string list = "BANDWIDTH=1";
+        for (int index = 0; index < count; ++index)
+            list += ",X-" + std::to_string(index) + "=1";
+        std::size_t repeated = 0;
+        for (const VELHLSFinding& finding :
+             VELHLSDiagnostics::check("#EXTM3U\n#EXT-X-STREAM-INF:" + list + ",X-0=2\na\n"))
+            repeated += finding.ruleId == "attribute-repeated" ? 1 : 0;
+        EXPECT_EQ(repeated, 1U) << count;
+    }
+}
+
 TEST(VELHLSDiagnostics, WarningsDoNotMoveTheErrorsBetweenRecords) {
     EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"a\"", "a",
                            "#EXT-X-STREAM-INF:BANDWIDTH=2,FRAME-RATE=25", "b"}),
                     VELHLSDiagnostics::Master, VELHLSFinding::Warning),
               "2:38+1 group-missing 4:31+10 attribute-ignored");
+}
+
+TEST(VELHLSDiagnostics, KnowsWhichBytesAreUtf8) {
+    const auto isToldOf = [](const std::string& bytes) {
+        return !seenBy("not-utf-8", "#EXTM3U\n#" + bytes + "\n").empty();
+    };
+    for (const std::string bytes :
+         {"\x7F", "\xC2\x80", "\xC2\xA0", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
+          "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF3\xBF\xBF\xBF", "\xF4\x8F\xBF\xBF"}) {
+        EXPECT_FALSE(isToldOf(bytes)) << bytes;
+        EXPECT_FALSE(isToldOf(bytes + "x" + bytes)) << bytes;
+        const std::string cut = bytes.substr(0, bytes.size() - 1);
+        EXPECT_EQ(isToldOf(cut), !cut.empty()) << bytes;
+        EXPECT_EQ(isToldOf(cut + "x"), !cut.empty()) << bytes;
+    }
+    for (const std::string bytes : {"\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xE0\x80\x80", "\xE0\x9F\xBF",
+                                    "\xED\xA0\x80", "\xED\xBF\xBF", "\xF0\x80\x80\x80", "\xF0\x8F\xBF\xBF",
+                                    "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"})
+        EXPECT_TRUE(isToldOf(bytes)) << bytes;
+}
+
+TEST(VELHLSDiagnostics, KnowsWhichCharactersAreControls) {
+    const auto isToldOf = [](const std::string& character) {
+        return !seenBy("control-character", "#EXTM3U\n#" + character + "\n").empty();
+    };
+    for (const std::string control : {"\x01", "\x1F", "\x7F", "\xC2\x80", "\xC2\x9F"})
+        EXPECT_TRUE(isToldOf(control)) << control;
+    for (const std::string character : {" ", "~", "\xC2\xA0", "\xC3\x80", "\xE2\x80\x80"})
+        EXPECT_FALSE(isToldOf(character)) << character;
+}
+
+TEST(VELHLSDiagnostics, KnowsTheClosedCaptionsOfTheStandard) {
+    const auto isToldOf = [](const std::string& id) {
+        const std::string list = "TYPE=CLOSED-CAPTIONS,GROUP-ID=\"a\",NAME=\"b\",INSTREAM-ID=\"" + id + "\"";
+        return !seenBy("rendition-instream-id-unknown", "#EXTM3U\n#EXT-X-MEDIA:" + list + "\n").empty();
+    };
+    for (const std::string id :
+         {"CC1", "CC2", "CC3", "CC4", "SERVICE1", "SERVICE9", "SERVICE10", "SERVICE63"})
+        EXPECT_FALSE(isToldOf(id)) << id;
+    for (const std::string id : {"CC0", "CC5", "CC", "SERVICE", "SERVICE0", "SERVICE01", "SERVICE64",
+                                 "SERVICE100", "SERVICE6x", "SERVICEx", "service1"})
+        EXPECT_TRUE(isToldOf(id)) << id;
+}
+
+TEST(VELHLSDiagnostics, KnowsTheValuesThatAreDefaults) {
+    const auto isToldOf = [](const std::string& attribute) {
+        return !seenBy("default-not-written", "#EXTM3U\n#EXT-X-I-FRAME-STREAM-INF:" + attribute + "\n")
+                    .empty();
+    };
+    for (const std::string attribute :
+         {"DEFAULT=NO", "AUTOSELECT=NO", "FORCED=NO", "PRECISE=NO", "KEYFORMATVERSIONS=\"1\"",
+          "AVERAGE-BANDWIDTH=0", "AVERAGE-BANDWIDTH=00", "PROGRAM-ID=0"})
+        EXPECT_TRUE(isToldOf(attribute)) << attribute;
+    for (const std::string attribute :
+         {"DEFAULT=YES", "AUTOSELECT=N", "FORCED=no", "PRECISE=YES", "KEYFORMATVERSIONS=\"2\"",
+          "KEYFORMATVERSIONS=\"1/2\"", "AVERAGE-BANDWIDTH=1", "AVERAGE-BANDWIDTH=10", "PROGRAM-ID=1",
+          "BANDWIDTH=0", "X=NO"})
+        EXPECT_FALSE(isToldOf(attribute)) << attribute;
+}
+
+TEST(VELHLSDiagnostics, KnowsTheVersionsOfTheStandard) {
+    const std::string master = "#EXT-X-STREAM-INF:BANDWIDTH=1\na\n";
+    const std::string media = "#EXT-X-TARGETDURATION:6\n";
+    for (const auto& [kind, rest] :
+         {std::pair(VELHLSDiagnostics::Master, master), std::pair(VELHLSDiagnostics::Media, media)}) {
+        const auto seenOf = [kind = kind, rest = rest](const std::string& ruleId, int version) {
+            return seenBy(ruleId, "#EXTM3U\n#EXT-X-VERSION:" + std::to_string(version) + "\n" + rest, kind);
+        };
+        EXPECT_EQ(seenOf("version-unknown", 7), "");
+        EXPECT_EQ(seenOf("version-unknown", 8), "\"8\"");
+        EXPECT_EQ(seenOf("default-not-written", 1), "\"1\"");
+        EXPECT_EQ(seenOf("default-not-written", 2), "");
+    }
 }
 
 TEST(VELHLSDiagnostics, TellsOfValuesOfTheWrongType) {
@@ -277,6 +373,51 @@ TEST(VELHLSDiagnostics, DetectsTheKindByTheTags) {
     EXPECT_EQ(kindOf("#EXT-X-VERSION:3\n#EXTINF:-1,\na\n"), "EXTINF in 2");
     EXPECT_EQ(kindOf("#EXTM3U\n"), "none");
     EXPECT_EQ(kindOf(""), "none");
+}
+
+TEST(VELHLSDiagnostics, EachTagOfOneKindTellsTheKind) {
+    const std::vector<std::string> ofMaster = {
+        "EXT-X-STREAM-INF",  "EXT-X-I-FRAME-STREAM-INF", "EXT-X-MEDIA",   "EXT-X-SESSION-DATA",
+        "EXT-X-SESSION-KEY", "EXT-X-CONTENT-STEERING",   "ZOR-STREAM-INF"};
+    const std::vector<std::string> ofMedia = {"EXTINF",
+                                              "EXT-X-TARGETDURATION",
+                                              "EXT-X-MEDIA-SEQUENCE",
+                                              "EXT-X-DISCONTINUITY-SEQUENCE",
+                                              "EXT-X-ENDLIST",
+                                              "EXT-X-PLAYLIST-TYPE",
+                                              "EXT-X-I-FRAMES-ONLY",
+                                              "EXT-X-BYTERANGE",
+                                              "EXT-X-DISCONTINUITY",
+                                              "EXT-X-KEY",
+                                              "EXT-X-MAP",
+                                              "EXT-X-PROGRAM-DATE-TIME",
+                                              "EXT-X-DATERANGE",
+                                              "EXT-X-GAP",
+                                              "EXT-X-BITRATE",
+                                              "EXT-X-PART",
+                                              "EXT-X-PART-INF",
+                                              "EXT-X-SERVER-CONTROL",
+                                              "EXT-X-SKIP",
+                                              "EXT-X-CUE-IN",
+                                              "EXT-X-CUE-OUT",
+                                              "EXT-X-CUE-OUT-CONT",
+                                              "EXT-X-ALLOW-CACHE",
+                                              "ZOR-PATTERN_START",
+                                              "ZOR-PATTERN_END",
+                                              "ZOR-PATTERN_REPEAT",
+                                              "ZOR-DEFINE_INCREMENT"};
+    const auto kindOf = [](const std::string& tag) {
+        const auto detection = VELHLSDiagnostics::detectKind("#" + tag + ":4\n");
+        return detection ? detection->kind : VELHLSDiagnostics::Detect;
+    };
+    for (const std::string& tag : ofMaster)
+        EXPECT_EQ(kindOf(tag), VELHLSDiagnostics::Master) << tag;
+    for (const std::string& tag : ofMedia)
+        EXPECT_EQ(kindOf(tag), VELHLSDiagnostics::Media) << tag;
+    for (const std::string tag :
+         {"", "EXTM3U", "EXT-X-VERSION", "EXT-X-START", "EXT-X-INDEPENDENT-SEGMENTS", "EXT-X-DEFINE",
+          "EXT-X-STREAM-IN", "EXT-X-MEDI", "EXT-X-SKI", "EXT-X-SERVER-CONTRO"})
+        EXPECT_EQ(kindOf(tag), VELHLSDiagnostics::Detect) << tag;
 }
 
 }  // namespace

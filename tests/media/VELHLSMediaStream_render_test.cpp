@@ -446,6 +446,16 @@ TEST(VELHLSMediaStreamRender, WritesWhatWasReadInItsOwnForm) {
                      "v/range/0-99", "#EXT-X-ENDLIST"}));
 }
 
+TEST(VELHLSMediaStreamRender, WritesDatesOnBothSidesOfMidnight) {
+    const std::string segment = lines({"#EXTINF:43200,", "segment.ts"});
+    const std::string text = renderedAgain("#EXT-X-PROGRAM-DATE-TIME:2020-02-28T12:00:00Z\n" + segment +
+                                           segment + segment + segment);
+    std::string dates;
+    for (std::size_t tag = text.find("TIME:"); tag != std::string::npos; tag = text.find("TIME:", tag + 1))
+        dates += text.substr(tag + 5, 16) + " ";
+    EXPECT_EQ(dates, "2020-02-28T12:00 2020-02-29T00:00 2020-02-29T12:00 2020-03-01T00:00 ");
+}
+
 TEST(VELHLSMediaStreamRender, WritesTheSegmentsOfAPatternOneByOne) {
     EXPECT_EQ(
         renderedAgain(

@@ -192,7 +192,8 @@ class Suite:
         self.runs = [[tests / "velhls_tests", f"--gtest_filter=-{slow}"],
                      [tests / "velhls_tests", f"--gtest_filter={slow}"],
                      [tests / "velhls_clock_failure_tests"],
-                     [tests / "velhls_tool_tests"]]
+                     [tests / "velhls_tool_tests"],
+                     [tests / "velhls_heap_tests"]]
         killer = self.killer(BUILD / "velhls")
         if killer:
             sys.exit("error: the unbroken build does not pass its tests: " + killer)
