@@ -25,6 +25,15 @@ std::string found(const std::string& text, VELHLSDiagnostics::PlaylistKind kind 
     return list;
 }
 
+/// What the finding of the rule says that was seen; nothing when there is none.
+std::string seenBy(const std::string& ruleId, const std::string& text,
+                   VELHLSDiagnostics::PlaylistKind kind = VELHLSDiagnostics::Master) {
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, kind)) {
+        if (finding.ruleId == ruleId) return finding.message.substr(finding.message.find(", seen ") + 7);
+    }
+    return {};
+}
+
 TEST(VELHLSDiagnostics, TellsWhatWasExpectedAndSeenAndTheSource) {
     const auto findings = VELHLSDiagnostics::check(
         lines({"#EXTM3U", "#EXT-X-STREAM-INF:CLOSED-CAPTIONS=NONE,BANDWIDTH=0", "a"}));
@@ -86,6 +95,25 @@ TEST(VELHLSDiagnostics, PlacesErrorsOfExpandedPatternsInTheirBodies) {
         "6:1+25 number-missing");
 }
 
+TEST(VELHLSDiagnostics, DropsTheSegmentsThatARejectedPatternMadeBefore) {
+    const std::string text =
+        lines({"#EXTM3U", "#EXT-X-TARGETDURATION:1", "#ZOR-PATTERN_START:p", "#EXTINF:9,", "first.ts",
+               "#EXTINF:0,", "second.ts", "#ZOR-PATTERN_REPEAT:p,1"});
+    EXPECT_EQ(seenBy("segment-duration-zero", text, VELHLSDiagnostics::Media), "\"0\"");
+    EXPECT_EQ(seenBy("target-duration-too-small", text, VELHLSDiagnostics::Media), "");
+}
+
+TEST(VELHLSDiagnostics, TellsWhatAMapDoesNotKeep) {
+    const auto seenOf = [](const std::string& ruleId, const std::string& list) {
+        return seenBy(ruleId, lines({"#EXTM3U", "#EXT-X-MAP:" + list, "#EXTINF:6,", "segment.ts"}),
+                      VELHLSDiagnostics::Media);
+    };
+    EXPECT_EQ(seenOf("attribute-ignored", "URI=\"i\",BYTERANGE=\"1@0\""), "");
+    EXPECT_EQ(seenOf("attribute-ignored", "URI=\"i\",X=\"1\""), "\"X\"");
+    EXPECT_EQ(seenOf("byte-range-malformed", "URI=\"i\",BYTERANGE=\"1@0\""), "");
+    EXPECT_EQ(seenOf("byte-range-malformed", "URI=\"i\",BYTERANGE=\"1@\""), "\"1@\"");
+}
+
 TEST(VELHLSDiagnostics, TellsOfARepeatedLineOnce) {
     EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#ZOR-PATTERN_START:p", "#EXTINF:7,Title",
                            "first.ts", "#ZOR-PATTERN_REPEAT:p,50"}),
@@ -115,15 +143,6 @@ TEST(VELHLSDiagnostics, ShortensWhatItQuotes) {
          VELHLSDiagnostics::check("#EXTM3U\n" + longName + "\n", VELHLSDiagnostics::Master)) {
         EXPECT_LT(finding.message.size(), 300U) << finding.ruleId;
     }
-}
-
-/// What the finding of the rule says that was seen; nothing when there is none.
-std::string seenBy(const std::string& ruleId, const std::string& text,
-                   VELHLSDiagnostics::PlaylistKind kind = VELHLSDiagnostics::Master) {
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, kind)) {
-        if (finding.ruleId == ruleId) return finding.message.substr(finding.message.find(", seen ") + 7);
-    }
-    return {};
 }
 
 TEST(VELHLSDiagnostics, CutsWhatItQuotesBetweenCharacters) {

@@ -380,6 +380,17 @@ TEST(VELHLSMediaPatternExpand, CountsTheValuesThatVariablesInsert) {
     EXPECT_EQ(expanded(body, VELHLSMediaPattern::maximumExpansionBytes / passBytes, defines), "null");
 }
 
+TEST(VELHLSMediaPatternExpand, CountsWhatTheLastLineInsertsWithoutWritingIt) {
+    // What the value begins ends behind its reference, and comes to nothing.
+    constexpr std::size_t bytesOfAPass = 1048000;
+    const std::string body = "a{$value}}\n";
+    const std::string name(bytesOfAPass - body.size() - 4, 'n');
+    const Defines defines = defining({{"value", "{$" + name}, {name, ""}});
+    constexpr std::size_t passes = VELHLSMediaPattern::maximumExpansionBytes / bytesOfAPass;
+    EXPECT_EQ(expanded(body, passes - 1, defines).size(), 2 * passes);
+    EXPECT_EQ(expanded(body, passes, defines), "null");
+}
+
 TEST(VELHLSMediaPatternExpand, LetsADefinitionThatLeadsBackToItselfFail) {
     EXPECT_EQ(expanded("{$a}\n", 2, defining({{"a", "{$b}"}, {"b", "{$a}"}})), "null");
 }

@@ -651,6 +651,19 @@ struct TitleRow {
     std::string title;
 };
 
+TEST(VELHLSMediaSegmentParse, TheTitleBeginsAtTheFirstCommaWhateverStandsBehindTheNumber) {
+    for (int byte = 1; byte < 256; ++byte) {
+        const char character = static_cast<char>(byte);
+        if (std::string_view(",\r\n").find(character) != std::string_view::npos) continue;
+        std::istringstream input("segment.ts\n");
+        std::shared_ptr<VELHLSMediaPattern> pattern;
+        const auto segment = VELHLSMediaSegment::parseNextSegment(
+            nullptr, std::string("#EXTINF:6") + character + ",Title", input, pattern, 0, 0, nullptr, nullptr);
+        ASSERT_NE(segment, nullptr) << byte;
+        EXPECT_EQ(segment->title, ",Title") << byte;
+    }
+}
+
 TEST(VELHLSMediaSegmentParse, KeepsTheCommaOfTheTitle) {
     const std::vector<TitleRow> rows = {
         {"10", ""},

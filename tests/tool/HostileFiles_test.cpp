@@ -329,7 +329,7 @@ TEST_F(HostileOutput, AFileBeyondTheLimitLeavesTheOldOne) {
 
 TEST_F(HostileOutput, AFullDiskLeavesTheOldFile) {
     // A file system of this process alone, which goes when it ends.
-    if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+    if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) != 0 ||
         ::mount("tmpfs", outputs.path().c_str(), "tmpfs", 0, "size=32k") != 0) {
         GTEST_SKIP() << "no file system may be mounted";
     }
