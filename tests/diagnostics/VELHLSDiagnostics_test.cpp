@@ -394,6 +394,13 @@ TEST(VELHLSDiagnostics, DetectsTheKindByTheTags) {
     EXPECT_EQ(kindOf(""), "none");
 }
 
+TEST(VELHLSDiagnostics, DetectionIsOfNoKindWhenNew) {
+    const VELHLSDiagnostics::Detection detection;
+    EXPECT_EQ(detection.kind, VELHLSDiagnostics::Detect);
+    EXPECT_EQ(detection.tag, "");
+    EXPECT_EQ(detection.line, 1U);
+}
+
 TEST(VELHLSDiagnostics, EachTagOfOneKindTellsTheKind) {
     const std::vector<std::string> ofMaster = {
         "EXT-X-STREAM-INF",  "EXT-X-I-FRAME-STREAM-INF", "EXT-X-MEDIA",   "EXT-X-SESSION-DATA",

@@ -446,6 +446,16 @@ TEST(VELHLSMediaStreamRender, WritesWhatWasReadInItsOwnForm) {
                      "v/range/0-99", "#EXT-X-ENDLIST"}));
 }
 
+// Kept as is: from 2^63 on they are written as negative numbers. This is the longest number that is written.
+TEST(VELHLSMediaStreamRender, WritesTheLongestSequenceNumbers) {
+    const std::string text = renderedWith([](VELHLSMediaStream& stream) {
+        stream.mediaSequence = std::uint64_t{1} << 63U;
+        stream.discontinuitySequence = std::uint64_t{1} << 63U;
+    });
+    EXPECT_EQ(text, lines({"#EXTM3U", "#EXT-X-TARGETDURATION:0", "#EXT-X-MEDIA-SEQUENCE:-9223372036854775808",
+                           "#EXT-X-DISCONTINUITY-SEQUENCE:-9223372036854775808"}));
+}
+
 TEST(VELHLSMediaStreamRender, WritesDatesOnBothSidesOfMidnight) {
     const std::string segment = lines({"#EXTINF:43200,", "segment.ts"});
     const std::string text = renderedAgain("#EXT-X-PROGRAM-DATE-TIME:2020-02-28T12:00:00Z\n" + segment +
