@@ -1,5 +1,6 @@
 #include "velhls/manifest/VELHLSMediaVariant.h"
 
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -188,5 +189,8 @@ bool VELHLSMediaVariant::validate() const {
 }
 
 double VELHLSMediaVariant::getCVBRRatio() const {
-    return static_cast<double>(bandwidth - nominalAudioBitrate) / static_cast<double>(nominalVideoBitrate);
+    using Limits = std::numeric_limits<double>;
+    const auto videoBandwidth = static_cast<double>(bandwidth - nominalAudioBitrate);
+    if (nominalVideoBitrate == 0) return videoBandwidth > 0.0 ? Limits::infinity() : Limits::quiet_NaN();
+    return videoBandwidth / static_cast<double>(nominalVideoBitrate);
 }
