@@ -9,7 +9,6 @@ import json
 import os
 import pathlib
 import re
-import resource
 import shlex
 import subprocess
 import sys
@@ -176,10 +175,7 @@ class Build:
         return library
 
 
-def limit_process():
-    resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY))
-    resource.setrlimit(resource.RLIMIT_CPU, (MOST_SECONDS, MOST_SECONDS))
-    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+LIMITS = ["prlimit", f"--as={MOST_MEMORY}", f"--cpu={MOST_SECONDS}", "--core=0"]
 
 
 class Suite:
@@ -218,9 +214,9 @@ class Suite:
         for run in [*first_runs, *self.runs]:
             # A folder of its own for whatever a broken library writes.
             with tempfile.TemporaryDirectory() as folder:
-                process = subprocess.Popen([*run, "--gtest_fail_fast"], env={**environment, "TMPDIR": folder}, text=True,
+                process = subprocess.Popen([*LIMITS, *run, "--gtest_fail_fast"], env={**environment, "TMPDIR": folder}, text=True,
                                            cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                                           errors="replace", preexec_fn=limit_process)
+                                           errors="replace")
                 try:
                     output, _ = process.communicate(timeout=MOST_SECONDS_BY_THE_CLOCK)
                 except subprocess.TimeoutExpired:
