@@ -446,11 +446,11 @@ TEST(VELHLSMediaStreamRender, WritesWhatWasReadInItsOwnForm) {
                      "v/range/0-99", "#EXT-X-ENDLIST"}));
 }
 
-// Kept as is: from 2^63 on they are written as negative numbers. This is the longest number that is written.
+// Negative ones are written as they are, and this is the longest number of all.
 TEST(VELHLSMediaStreamRender, WritesTheLongestSequenceNumbers) {
     const std::string text = renderedWith([](VELHLSMediaStream& stream) {
-        stream.mediaSequence = std::uint64_t{1} << 63U;
-        stream.discontinuitySequence = std::uint64_t{1} << 63U;
+        stream.mediaSequence = std::numeric_limits<std::int64_t>::min();
+        stream.discontinuitySequence = std::numeric_limits<std::int64_t>::min();
     });
     EXPECT_EQ(text, lines({"#EXTM3U", "#EXT-X-TARGETDURATION:0", "#EXT-X-MEDIA-SEQUENCE:-9223372036854775808",
                            "#EXT-X-DISCONTINUITY-SEQUENCE:-9223372036854775808"}));
