@@ -298,7 +298,7 @@ def table(mutants, results, equivalents):
 def arguments_of_command_line():
     parser = argparse.ArgumentParser(prog="scripts/mutate", description=__doc__)
     parser.add_argument("files", nargs="*", help="only mutants of these sources; all of the library without any")
-    parser.add_argument("--count", type=int, default=600, help="about how many mutants of the whole library; 0 for all (default %(default)s)")
+    parser.add_argument("--count", type=int, default=350, help="about how many mutants of the whole library; 0 for all (default %(default)s)")
     parser.add_argument("--seed", type=int, default=1, help="chooses which mutants (default %(default)s)")
     parser.add_argument("--resume", action="store_true", help="take up the last run; what survived is run again")
     parser.add_argument("--report", action="store_true", help="run nothing, report on the last run")
