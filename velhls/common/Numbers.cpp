@@ -65,8 +65,7 @@ constexpr std::array<double, mostExactDigits + 1> powersOfTen = {
 template <typename Integer>
 Integer toInteger(std::string_view text) {
     const LeadingNumber<std::int64_t> plain = leadingInteger(text);
-    const bool isPlain = plain.length == text.size() && plain.length > 0;
-    if (isPlain && plain.length <= std::numeric_limits<Integer>::digits10) {
+    if (plain.isAllOf(text) && plain.length <= std::numeric_limits<Integer>::digits10) {
         return static_cast<Integer>(plain.number);
     }
     const std::string_view digits = withoutSpaceAndPlus(text);
@@ -105,12 +104,6 @@ constexpr std::array<char, 200> makeDigitPairs() {
 }
 
 constexpr std::array<char, 200> digitPairs = makeDigitPairs();
-
-/// A number below 100.
-char* putTwoDigits(char* to, std::uint32_t number) {
-    const std::string_view pair(digitPairs.data() + std::size_t{2} * number, 2);
-    return put(to, pair);
-}
 
 /// A number below 1,000.
 char* putThreeDigits(char* to, std::uint32_t number) {
@@ -221,7 +214,7 @@ std::uint64_t toInt64AsUnsigned(std::string_view text) {
 
 double toDouble(std::string_view text) {
     const LeadingNumber<double> plain = leadingDecimal(text);
-    if (plain.length > 0 && plain.length == text.size()) return plain.number;
+    if (plain.isAllOf(text)) return plain.number;
     const std::string terminated(text);
     const ClassicLocale classic;
     char* end = nullptr;
@@ -243,6 +236,11 @@ void appendDecimal(std::string& out, std::int64_t number) {
 void appendDecimal(std::string& out, std::uint64_t number) {
     std::array<char, mostDecimalBytes> text;
     out.append(text.data(), putWhole(text.data(), number));
+}
+
+char* putTwoDigits(char* to, std::uint32_t number) {
+    const std::string_view pair(digitPairs.data() + std::size_t{2} * number, 2);
+    return put(to, pair);
 }
 
 char* putDecimal(char* to, std::int64_t number) {

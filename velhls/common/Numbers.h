@@ -30,6 +30,9 @@ template <typename Number>
 struct LeadingNumber {
     Number number = 0;
     std::size_t length = 0;
+
+    /// Whether nothing follows the number in the text that it was read from.
+    [[nodiscard]] bool isAllOf(std::string_view text) const { return length > 0 && length == text.size(); }
 };
 
 /// The number that a text begins with when it is nothing but digits and at most one point, as most are: in one walk
@@ -48,6 +51,9 @@ void appendDecimal(std::string& out, std::uint64_t number);
 /// The most bytes that putDecimal and putFixed put: the largest double has 309 digits before its point.
 inline constexpr std::size_t mostDecimalBytes = 20;
 inline constexpr std::size_t mostFixedBytes = 320;
+
+/// Puts a number below 100, with a zero in front where it is below 10, and returns the place behind it.
+[[nodiscard]] char* putTwoDigits(char* to, std::uint32_t number);
 
 /// Puts the number to where there is room for it, and returns the place behind it.
 [[nodiscard]] char* putDecimal(char* to, std::int64_t number);

@@ -110,18 +110,11 @@ void appendPadded(std::string& out, std::int64_t number, std::size_t width) {
     if (length + sign < width) out.insert(start, width - sign - length, '0');
 }
 
-/// A number from 0 to 99.
-char* putTwoDigits(char* to, std::int64_t number) {
-    to[0] = static_cast<char>('0' + number / 10);
-    to[1] = static_cast<char>('0' + number % 10);
-    return to + 2;
-}
-
 /// "10:00:05.250+00:00"
 char* putTime(char* to, std::int64_t secondOfDay, double secondOfMinute) {
-    to = putTwoDigits(to, secondOfDay / 3600);
+    to = putTwoDigits(to, static_cast<std::uint32_t>(secondOfDay / 3600));
     to = put(to, ':');
-    to = putTwoDigits(to, secondOfDay % 3600 / 60);
+    to = putTwoDigits(to, static_cast<std::uint32_t>(secondOfDay % 3600 / 60));
     to = put(to, ':');
     to = putFixed(to, secondOfMinute, 3);
     return put(to, std::string_view("+00:00"));

@@ -1,7 +1,5 @@
 #include "velhls/manifest/VELHLSZORStreamInformation.h"
 
-#include <optional>
-
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"

@@ -139,8 +139,8 @@ PatternExpander::Step PatternExpander::vendorTagStep(std::string_view line) cons
     step.variable = &define->second;
     step.amount = tagLine.value.substr(comma + 1);
     const LeadingNumber<std::int64_t> plain = leadingInteger(step.amount);
-    const bool isPlain = plain.length == step.amount.size() && plain.length > 0 &&
-                         plain.number <= std::numeric_limits<std::int32_t>::max();
+    const bool isPlain =
+        plain.isAllOf(step.amount) && plain.number <= std::numeric_limits<std::int32_t>::max();
     if (isPlain) step.plainAmount = static_cast<std::int32_t>(plain.number);
     return step;
 }

@@ -30,10 +30,10 @@ struct Bounds {
 std::optional<Bounds> plainBounds(std::string_view text, char separator) {
     const velhls::LeadingNumber<std::int64_t> first = velhls::leadingInteger(text);
     if (first.length == 0) return std::nullopt;
-    if (first.length == text.size()) return Bounds{first.number, std::nullopt};
+    if (first.isAllOf(text)) return Bounds{first.number, std::nullopt};
     const std::string_view rest = velhls::behind(text, first.length + 1);
     const velhls::LeadingNumber<std::int64_t> second = velhls::leadingInteger(rest);
-    const bool isAll = text[first.length] == separator && second.length > 0 && second.length == rest.size();
+    const bool isAll = text[first.length] == separator && second.isAllOf(rest);
     if (!isAll) return std::nullopt;
     return Bounds{first.number, second.number};
 }
