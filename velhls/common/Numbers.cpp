@@ -93,6 +93,19 @@ class ClassicLocale {
     locale_t locale_;
 };
 
+template <typename Number>
+Number convertedOrWhy(Number (*convert)(std::string_view), std::string_view text, Reason& why) {
+    try {
+        return convert(text);
+    } catch (const std::invalid_argument&) {
+        why(Rule::numberMissing, text);
+        throw;
+    } catch (const std::out_of_range&) {
+        why(Rule::numberOutOfRange, text);
+        throw;
+    }
+}
+
 /// "00", "01" and so on to "99".
 constexpr std::array<char, 200> makeDigitPairs() {
     std::array<char, 200> pairs = {};
@@ -226,6 +239,22 @@ double toDouble(std::string_view text) {
     if (end == terminated.c_str()) throwNoNumber(text);
     if (outOfRange) throwOutOfRange(text);
     return number;
+}
+
+std::int32_t toInt32(std::string_view text, Reason& why) {
+    return convertedOrWhy<std::int32_t>(toInt32, text, why);
+}
+
+std::int64_t toInt64(std::string_view text, Reason& why) {
+    return convertedOrWhy<std::int64_t>(toInt64, text, why);
+}
+
+std::uint64_t toInt64AsUnsigned(std::string_view text, Reason& why) {
+    return convertedOrWhy<std::uint64_t>(toInt64AsUnsigned, text, why);
+}
+
+double toDouble(std::string_view text, Reason& why) {
+    return convertedOrWhy<double>(toDouble, text, why);
 }
 
 void appendDecimal(std::string& out, std::int64_t number) {

@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "velhls/common/Reason.h"
+
 namespace velhls {
 
 /// std::stoi in base 10.
@@ -24,6 +26,12 @@ namespace velhls {
 
 /// std::stod: also exponents, hexadecimal floats, "inf" and "nan".
 [[nodiscard]] double toDouble(std::string_view text);
+
+/// The same, with the reason written before an exception is thrown.
+[[nodiscard]] std::int32_t toInt32(std::string_view text, Reason& why);
+[[nodiscard]] std::int64_t toInt64(std::string_view text, Reason& why);
+[[nodiscard]] std::uint64_t toInt64AsUnsigned(std::string_view text, Reason& why);
+[[nodiscard]] double toDouble(std::string_view text, Reason& why);
 
 /// A number at the start of a text, and how many characters of it are the number's: 0 when there is none.
 template <typename Number>

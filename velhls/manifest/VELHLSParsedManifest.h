@@ -6,10 +6,12 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velhls/common/VELHLSExport.h"
 #include "velhls/common/VELHLSParsingStatus.h"
+#include "velhls/common/VELHLSReason.h"
 #include "velhls/manifest/VELHLSManifestSessionData.h"
 #include "velhls/manifest/VELHLSMediaStreamRendition.h"
 #include "velhls/manifest/VELHLSMediaVariant.h"
@@ -40,7 +42,8 @@ class VELHLS_API VELHLSParsedManifest {
     using RenditionGroups = std::map<std::string, RenditionsByName>;
 
     /// Reads a master playlist from the stream, which is left behind the last line that was read. Returns
-    /// null when the playlist is rejected. `status` may be null.
+    /// null when the playlist is rejected; why and where it is, is had from the overload that takes a text. `status` may
+    /// be null.
     ///
     /// On success the status' error is set to VELHLSParsingErrorNone; a rejection leaves its error and
     /// message as they were. Its metrics are written in both cases. The exceptions of number conversion
@@ -69,6 +72,13 @@ class VELHLS_API VELHLSParsedManifest {
     /// - A stream that breaks off is read as one that ends there: ask input.bad().
     [[nodiscard]] static std::shared_ptr<VELHLSParsedManifest> parseManifest(std::istream& input,
                                                                              VELHLSParsingStatus* status);
+
+    /// The same of a text in memory, which need not outlive the manifest: no stream is made, and nothing is copied but
+    /// what the manifest keeps. Throws std::bad_alloc alone: a number that cannot be converted is a reason as any other,
+    /// and null. Only a rejected text is read a second time, up to the place of the reason, to say where that is;
+    /// `reason` may be null, and is left as it was when the playlist is accepted.
+    [[nodiscard]] static std::shared_ptr<VELHLSParsedManifest> parseManifest(std::string_view text,
+                                                                             VELHLSReason* reason = nullptr);
 
     /// parseManifest without its timing: the status' metrics are not touched.
     [[nodiscard]] static std::shared_ptr<VELHLSParsedManifest> internalParseManifest(

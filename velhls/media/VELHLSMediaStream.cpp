@@ -2,11 +2,14 @@
 
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
+#include "velhls/common/Reading.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TimedParse.h"
 #include "velhls/media/MediaStreamReader.h"
@@ -55,9 +58,23 @@ std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::istr
     return velhls::timedParse(status, [&] { return internalParseMediaStream(input, status); });
 }
 
+std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::string_view text,
+                                                                       VELHLSReason* reason) {
+    try {
+        if (auto stream = velhls::MediaStreamReader(text, nullptr).read()) return stream;
+    } catch (const std::logic_error&) {
+        // A number that cannot be converted. The second reading takes it for a reason.
+    }
+    if (reason == nullptr) return nullptr;
+    velhls::Reading reading(text, velhls::Reading::Extent::toFirstRejection);
+    static_cast<void>(velhls::MediaStreamReader(text, &reading).read());
+    *reason = velhls::reasonOf(text, reading.rejections().front());
+    return nullptr;
+}
+
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::internalParseMediaStream(std::istream& input,
                                                                                VELHLSParsingStatus* status) {
-    std::shared_ptr<VELHLSMediaStream> stream = velhls::MediaStreamReader(input, status, nullptr).read();
+    std::shared_ptr<VELHLSMediaStream> stream = velhls::MediaStreamReader(input, status).read();
     if (stream == nullptr) return nullptr;
     if (status != nullptr) status->error = VELHLSParsingErrorNone;
     return stream;
@@ -85,7 +102,7 @@ std::int32_t VELHLSMediaStream::render(std::ostream& out) const {
     writePlaylistType(out, playlistType);
     if (iFramesOnly) velhls::writeTag(out, velhls::tag::iFramesOnly);
     if (independentSegments) velhls::writeTag(out, velhls::tag::independentSegments);
-    velhls::writeStartTag(out, {startTimeOffset, startPrecise});
+    velhls::writeStartTag(out, startTimeOffset, startPrecise);
 
     writeSegments(out, segments);
     if (endList) velhls::writeTag(out, velhls::tag::endList);

@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <istream>
 #include <memory>
+#include <string_view>
 #include <ostream>
 #include <vector>
 
 #include "velhls/common/VELHLSExport.h"
 #include "velhls/common/VELHLSParsingStatus.h"
+#include "velhls/common/VELHLSReason.h"
 #include "velhls/common/VELHLSUtility.h"
 #include "velhls/media/VELHLSMediaSegment.h"
 
@@ -37,8 +39,8 @@ class VELHLS_API VELHLSMediaStream {
         Vod = 2,    ///< "VOD"
     };
 
-    /// Reads a media playlist from the stream. Returns null when the playlist is rejected. `status` may be
-    /// null.
+    /// Reads a media playlist from the stream. Returns null when the playlist is rejected; why and where it is, is had
+    /// from the overload that takes a text. `status` may be null.
     ///
     /// On success the status' error is set to VELHLSParsingErrorNone. A rejection for a media pattern tag
     /// sets it to VELHLSParsingErrorMediaPattern, with the line as the message, except that a
@@ -68,6 +70,13 @@ class VELHLS_API VELHLSMediaStream {
     /// - A stream that breaks off is read as one that ends there: ask input.bad().
     [[nodiscard]] static std::shared_ptr<VELHLSMediaStream> parseMediaStream(std::istream& input,
                                                                              VELHLSParsingStatus* status);
+
+    /// The same of a text in memory, which need not outlive the playlist: no stream is made, and nothing is copied but
+    /// what the playlist keeps. Throws std::bad_alloc alone: a number that cannot be converted is a reason as any other,
+    /// and null. Only a rejected text is read a second time, up to the place of the reason, to say where that is;
+    /// `reason` may be null, and is left as it was when the playlist is accepted.
+    [[nodiscard]] static std::shared_ptr<VELHLSMediaStream> parseMediaStream(std::string_view text,
+                                                                             VELHLSReason* reason = nullptr);
 
     /// parseMediaStream without its timing: the status' metrics are not touched.
     [[nodiscard]] static std::shared_ptr<VELHLSMediaStream> internalParseMediaStream(

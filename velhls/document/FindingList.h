@@ -1,35 +1,36 @@
 // Internal to the library, not installed: findings with their places, bounded and in order.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "velhls/diagnostics/RuleTable.h"
-#include "velhls/diagnostics/TextLines.h"
-#include "velhls/diagnostics/VELHLSFinding.h"
+#include "velhls/common/Reading.h"
+#include "velhls/document/TextLines.h"
+#include "velhls/document/VELHLSFinding.h"
+#include "velhls/document/VELHLSRule.h"
 
 namespace velhls {
-
-/// A piece of a line. All are counted from 1; the length may be 0.
-struct Place {
-    std::size_t line = 1;
-    std::size_t column = 1;
-    std::size_t length = 0;
-};
-
-/// A number of seconds for messages: "6.5".
-[[nodiscard]] std::string inSeconds(double seconds);
 
 /// Gathers findings. Of each rule it keeps a bounded number, and counts the others.
 class FindingList {
   public:
+    /// Of one rule. The last of them tells how many more there were.
+    static constexpr std::size_t mostOfOneRule = 100;
+
     explicit FindingList(const TextLines& lines) : lines_(lines) {}
 
+    /// Counts one finding of a rule that has as many as are kept, and returns true; false when there is room, and `add`
+    /// is to be called. So nobody need work out a place that is not kept.
+    [[nodiscard]] bool isFull(const VELHLSRule& rule);
+
     /// Adds a finding. Without `seen` the text at the place is what was seen.
-    void add(Rule rule, const Place& place, const std::string& seen = {});
+    void add(const VELHLSRule& rule, const Place& place, std::string_view seen = {});
+
+    /// Counts findings of a rule that were not kept in the first place.
+    void addSuppressed(const VELHLSRule& rule, std::size_t count);
 
     /// From here on errors are those between records, which the parse would only have looked at had it come so
     /// far.
@@ -45,12 +46,14 @@ class FindingList {
         bool late;
     };
 
-    [[nodiscard]] std::string messageOf(Rule rule, const Place& place, const std::string& seen) const;
+    struct Count {
+        std::size_t kept = 0;
+        std::size_t lastEntry = 0;
+    };
 
     const TextLines& lines_;
     std::vector<Entry> entries_;
-    std::array<std::size_t, ruleCount> counts_ = {};
-    std::array<std::size_t, ruleCount> lastEntries_ = {};
+    std::unordered_map<std::string_view, Count> counts_;
     bool readingEnded_ = false;
     bool lineRejected_ = false;
 };

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "velhls/diagnostics/VELHLSFinding.h"
+#include "velhls/document/VELHLSFinding.h"
 
 /// One rule that VELHLSDiagnostics knows. All texts live as long as the program.
 struct VELHLSRule {

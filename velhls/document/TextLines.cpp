@@ -1,4 +1,4 @@
-#include "velhls/diagnostics/TextLines.h"
+#include "velhls/document/TextLines.h"
 
 #include <algorithm>
 
