@@ -11,7 +11,7 @@
 #include <string_view>
 #include <utility>
 
-#include "fuzz/Memory.h"
+#include "tests/heap/Heap.h"
 
 /// Defines a fuzz target: what is done with one text. In the program that runs the seeds all targets stand beside each
 /// other, each under its name.
@@ -84,9 +84,11 @@ auto bounded(std::size_t textBytes, const Cost& cost, Work work) -> decltype(wor
     class Measurement {
       public:
         Measurement(std::size_t textBytes, const Cost& cost)
-            : textBytes_(textBytes), cost_(cost), start_(std::clock()), memory_(memory::startPeak()) {}
+            : textBytes_(textBytes), cost_(cost), start_(std::clock()), memory_(heap::bytesInUse()) {
+            heap::forgetTheMost();
+        }
         ~Measurement() {
-            const std::size_t peak = memory::peakSince(memory_);
+            const std::size_t peak = heap::mostBytesInUse() - memory_;
             const double seconds = static_cast<double>(std::clock() - start_) / CLOCKS_PER_SEC;
             const std::size_t mostMemory = cost_.memoryAtLeast + cost_.memoryPerByte * textBytes_;
             const double mostSeconds =
