@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "tests/heap/Heap.h"
+#include "tests/support/Outcome.h"
 
 /// Defines a fuzz target: what is done with one text. In the program that runs the seeds all targets stand beside each
 /// other, each under its name.
@@ -41,19 +42,6 @@ inline void expect(bool holds, const char* relation, const std::string& what = "
 
 inline void expectEqual(const std::string& seen, const std::string& expected, const char* relation) {
     if (seen != expected) fail(relation, "expected: " + expected + "\nseen:     " + seen);
-}
-
-/// What the work returns as a text, or the kind of the exception of number conversion that leaves it. Any other
-/// exception ends the program.
-template <typename Work>
-std::string outcomeOf(Work work) {
-    try {
-        return work();
-    } catch (const std::invalid_argument&) {
-        return "std::invalid_argument";
-    } catch (const std::out_of_range&) {
-        return "std::out_of_range";
-    }
 }
 
 /// The result of the work; a value-initialised one when an exception of number conversion leaves it.

@@ -67,13 +67,13 @@ void expectPlainRendering(double seconds) {
 
 /// The text is read as a date and time, and its first eight bytes as a number of seconds.
 VELHLS_FUZZ_TARGET(timestamp) {
-    const std::string outcome = fuzz::outcomeOf([&] {
+    const std::string outcome = playlist::outcomeOf([&] {
         const double seconds =
             fuzz::bounded(text.size(), {4}, [&] { return VELHLSUtility::parseTimestamp(text); });
         expectPlainRendering(seconds);
         return bits(seconds);
     });
-    fuzz::expectEqual(outcome, fuzz::outcomeOf([&] { return bits(plain::parsedTimestamp(text)); }),
+    fuzz::expectEqual(outcome, playlist::outcomeOf([&] { return bits(plain::parsedTimestamp(text)); }),
                       "the time as its plain form");
     double seconds = 0.0;
     if (text.size() < sizeof seconds) return;

@@ -17,6 +17,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/WholePlaylists.h"
 
 namespace {
@@ -137,18 +138,9 @@ class BrokenSource : public std::streambuf {
     std::size_t position_ = 0;
 };
 
-/// The playlist that is read, or what the reading throws; and the status.
 template <typename Parse>
 std::string outcomeOf(std::istream& input, Parse parse) {
-    VELHLSParsingStatus status;
-    std::string outcome;
-    try {
-        const auto playlist = parse(input, &status);
-        outcome = playlist == nullptr ? "rejected" : renderedOf(*playlist);
-    } catch (const std::logic_error& error) {
-        outcome = error.what();
-    }
-    return outcome + "\nerror " + std::to_string(status.error) + ", message " + status.message;
+    return playlist::outcomeOfParse(input, parse, playlist::kindAndMessageOf);
 }
 
 std::string findingsOf(std::istream& input) {

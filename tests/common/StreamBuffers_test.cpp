@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <random>
 #include <sstream>
-#include <stdexcept>
 #include <streambuf>
 #include <string>
 #include <utility>
@@ -15,6 +14,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -22,28 +22,9 @@ namespace {
 using stream_buffer::Hidden;
 using stream_buffer::PieceByPiece;
 
-template <typename Playlist>
-std::string renderedOf(const Playlist& playlist) {
-    if (playlist == nullptr) return "rejected\n";
-    std::ostringstream text;
-    EXPECT_EQ(playlist->render(text), 0);
-    return text.str();
-}
-
-/// All that can be seen of a parse: what was read, the stream's state, and what is left in it.
 template <typename Parse>
 std::string outcomeOf(std::istream& input, Parse parse) {
-    VELHLSParsingStatus status;
-    std::ostringstream outcome;
-    try {
-        outcome << renderedOf(parse(input, &status));
-    } catch (const std::logic_error& error) {
-        outcome << error.what() << "\n";
-    }
-    outcome << "error " << status.error << ", message " << status.message << ", state " << input.rdstate();
-    input.clear();
-    outcome << ", unread " << input.rdbuf();
-    return outcome.str();
+    return playlist::outcomeWithStream(input, parse, playlist::kindAndMessageOf);
 }
 
 template <typename Parse>

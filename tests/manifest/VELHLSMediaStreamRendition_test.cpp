@@ -14,10 +14,12 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/RecordText.h"
+#include "tests/support/SameModel.h"
 
 namespace {
 
 using namespace std::string_literals;
+using playlist::expectSameModel;
 using record::rendered;
 
 using Rendition = VELHLSMediaStreamRendition;
@@ -75,22 +77,6 @@ Rendition smallest(Rendition::RenditionType type) {
 
 Rendition smallestAudio() {
     return smallest(Rendition::Audio);
-}
-
-void expectSameModel(const Rendition& seen, const Rendition& expected) {
-    EXPECT_EQ(seen.type, expected.type);
-    EXPECT_EQ(seen.uri, expected.uri);
-    EXPECT_EQ(seen.mediaStream, expected.mediaStream);
-    EXPECT_EQ(seen.groupId, expected.groupId);
-    EXPECT_EQ(seen.language, expected.language);
-    EXPECT_EQ(seen.assocLanguage, expected.assocLanguage);
-    EXPECT_EQ(seen.name, expected.name);
-    EXPECT_EQ(seen.isDefault, expected.isDefault);
-    EXPECT_EQ(seen.autoSelect, expected.autoSelect);
-    EXPECT_EQ(seen.forced, expected.forced);
-    EXPECT_EQ(seen.instreamId, expected.instreamId);
-    EXPECT_EQ(seen.audioTrackType, expected.audioTrackType);
-    EXPECT_EQ(seen.characteristics, expected.characteristics);
 }
 
 // --- construction

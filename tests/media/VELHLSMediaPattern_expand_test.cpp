@@ -15,6 +15,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/PlainForms.h"
 #include "tests/support/PlaylistText.h"
 #include "tests/support/RecordText.h"
@@ -22,7 +23,7 @@
 namespace {
 
 using playlist::lines;
-using record::thrownBy;
+using playlist::thrownBy;
 using namespace std::string_literals;
 
 using Defines = std::shared_ptr<VELHLSDefineMap>;
@@ -631,14 +632,7 @@ TEST(VELHLSMediaPatternExpand, GivesTheSegmentsOfItsTextReadOneByOne) {
 
 template <typename Expand>
 std::string outcomeWithDefines(const Defines& defines, Expand expand) {
-    std::string outcome;
-    try {
-        outcome = expand();
-    } catch (const std::invalid_argument&) {
-        outcome = "invalid_argument";
-    } catch (const std::out_of_range&) {
-        outcome = "out_of_range";
-    }
+    std::string outcome = playlist::outcomeOf(expand);
     for (const char* name : {"n", "m", "x"}) {
         const auto define = defines->find(name);
         outcome += "\n" + std::string(name) + "=" + (define == defines->end() ? "none" : define->second);

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <iostream>
 #include <iterator>
 #include <limits>
@@ -14,7 +13,6 @@
 #include <string_view>
 #include <thread>
 #include <type_traits>
-#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -23,6 +21,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/MediaRoundTrip.h"
+#include "tests/support/Outcome.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -76,13 +75,8 @@ bool hasOutcomeOfBefore(const VELHLSParsingStatus& status) {
 /// "accepted", "rejected" or the exact exception.
 std::string outcomeThrough(Entry entry, const std::string& text, VELHLSParsingStatus* status) {
     std::istringstream input(text);
-    try {
-        return entry(input, status) == nullptr ? "rejected" : "accepted";
-    } catch (const std::exception& error) {
-        if (typeid(error) == typeid(std::invalid_argument)) return "invalid_argument";
-        if (typeid(error) == typeid(std::out_of_range)) return "out_of_range";
-        return typeid(error).name();
-    }
+    return playlist::outcomeOf(
+        [&] { return std::string(entry(input, status) == nullptr ? "rejected" : "accepted"); });
 }
 
 /// What a parse comes to: "accepted", "rejected", "pattern error: " and the line, or the exact exception. On

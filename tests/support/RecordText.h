@@ -3,11 +3,8 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
-#include <stdexcept>
 #include <string>
 #include <string_view>
-#include <typeinfo>
 #include <vector>
 
 /// What the tests of the records share: a record is one tag of a playlist.
@@ -21,19 +18,6 @@ std::string rendered(const Record& value) {
     std::string text;
     const std::int32_t status = value.render(text);
     return status == 0 ? text : "status " + std::to_string(status) + ": " + text;
-}
-
-/// The exact type of the standard exception that the work throws; "nothing" when it returns.
-template <typename Work>
-std::string thrownBy(Work work) {
-    try {
-        work();
-    } catch (const std::exception& error) {
-        if (typeid(error) == typeid(std::invalid_argument)) return "invalid_argument";
-        if (typeid(error) == typeid(std::out_of_range)) return "out_of_range";
-        return typeid(error).name();
-    }
-    return "nothing";
 }
 
 /// How long the work takes.
