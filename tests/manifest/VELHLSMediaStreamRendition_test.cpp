@@ -81,6 +81,15 @@ Rendition smallestAudio() {
 
 // --- construction
 
+TEST(VELHLSMediaStreamRendition, TypesHaveTheTextsThatPlaylistsWrite) {
+    EXPECT_EQ(Rendition::textOf(Rendition::Audio), "AUDIO");
+    EXPECT_EQ(Rendition::textOf(Rendition::Video), "VIDEO");
+    EXPECT_EQ(Rendition::textOf(Rendition::Subtitles), "SUBTITLES");
+    EXPECT_EQ(Rendition::textOf(Rendition::ClosedCaptions), "CLOSED-CAPTIONS");
+    EXPECT_EQ(Rendition::textOf(Rendition::Unknown), "");
+    EXPECT_EQ(Rendition::textOf(static_cast<Rendition::RenditionType>(4)), "");
+}
+
 TEST(VELHLSMediaStreamRendition, ConstructorStoresEachArgumentInItsMember) {
     const auto media = std::make_shared<VELHLSMediaStream>();
     const Rendition rendition(Rendition::Subtitles, "uri", media, "group", "language", "associated", "name",

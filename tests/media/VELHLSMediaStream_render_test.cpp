@@ -53,6 +53,13 @@ std::string renderedAgain(const std::string& text) {
     return stream == nullptr ? "rejected" : renderedMedia(*stream);
 }
 
+TEST(VELHLSMediaStreamRender, TypesHaveTheTextsThatPlaylistsWrite) {
+    EXPECT_EQ(VELHLSMediaStream::textOf(VELHLSMediaStream::Event), "EVENT");
+    EXPECT_EQ(VELHLSMediaStream::textOf(VELHLSMediaStream::Vod), "VOD");
+    EXPECT_EQ(VELHLSMediaStream::textOf(VELHLSMediaStream::None), "");
+    EXPECT_EQ(VELHLSMediaStream::textOf(static_cast<VELHLSMediaStream::PlaylistType>(3)), "");
+}
+
 TEST(VELHLSMediaStreamRender, WritesAnEmptyPlaylist) {
     EXPECT_EQ(renderedMedia(VELHLSMediaStream()), "#EXTM3U\n#EXT-X-TARGETDURATION:0\n");
 }

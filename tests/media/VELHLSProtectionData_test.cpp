@@ -85,6 +85,16 @@ void expectSameModel(const Key& seen, const Key& expected) {
 
 // --- construction
 
+TEST(VELHLSProtectionData, MethodsHaveTheTextsThatPlaylistsWrite) {
+    EXPECT_EQ(VELHLSProtectionData::textOf(VELHLSProtectionData::None), "NONE");
+    EXPECT_EQ(VELHLSProtectionData::textOf(VELHLSProtectionData::AES128), "AES-128");
+    EXPECT_EQ(VELHLSProtectionData::textOf(VELHLSProtectionData::SampleAES), "SAMPLE-AES");
+    for (const int noMethod : {-1, 3, std::numeric_limits<int>::max()}) {
+        EXPECT_EQ(VELHLSProtectionData::textOf(static_cast<VELHLSProtectionData::ProtectionMethod>(noMethod)),
+                  "");
+    }
+}
+
 TEST(VELHLSProtectionData, ConstructorStoresEachArgumentInItsMember) {
     const Key key(Key::AES128, "uri", "iv", "format", {2, 1});
 

@@ -33,6 +33,10 @@ class VELHLS_API VELHLSMediaStreamRendition {
         Unknown = 0xFFFFFFFF,  ///< TYPE has not been read; such a rendition is never valid
     };
 
+    /// The text of a TYPE, as a playlist has it: "AUDIO", "VIDEO", "SUBTITLES" or "CLOSED-CAPTIONS"; a variant names its
+    /// groups by the same texts. Empty for Unknown, and for a value that is no type.
+    [[nodiscard]] static std::string_view textOf(RenditionType type) noexcept;
+
     /// Stores its arguments and checks nothing; `characteristics` starts empty. The media stream is shared.
     VELHLSMediaStreamRendition(RenditionType type, const std::string& uri,
                                std::shared_ptr<VELHLSMediaStream> mediaStream, const std::string& groupId,

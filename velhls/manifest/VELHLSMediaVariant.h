@@ -102,7 +102,4 @@ class VELHLS_API VELHLSMediaVariant {
   protected:
     /// For the library's own reader, which sets all other members in place.
     explicit VELHLSMediaVariant(bool isIFrameVariant) : isIFrame(isIFrameVariant) {}
-
-  private:
-    VELHLS_HIDDEN void appendGroups(std::string& out) const;
 };

@@ -4,6 +4,7 @@
 #include <istream>
 #include <memory>
 #include <ostream>
+#include <string_view>
 #include <vector>
 
 #include "velhls/common/VELHLSExport.h"
@@ -36,6 +37,10 @@ class VELHLS_API VELHLSMediaStream {
         Event = 1,  ///< "EVENT"
         Vod = 2,    ///< "VOD"
     };
+
+    /// The text of an EXT-X-PLAYLIST-TYPE, as a playlist has it: "EVENT" or "VOD". Empty for None, and for a value
+    /// that is no type.
+    [[nodiscard]] static std::string_view textOf(PlaylistType type) noexcept;
 
     /// Reads a media playlist from the stream. Returns null when the playlist is rejected. `status` may be
     /// null.
