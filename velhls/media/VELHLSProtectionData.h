@@ -26,8 +26,8 @@ class VELHLS_API VELHLSProtectionData {
         SampleAES = 2,  ///< "SAMPLE-AES"
     };
 
-    /// The text of a METHOD, as a playlist has it: "NONE", "AES-128" or "SAMPLE-AES". Empty for a value that is no
-    /// method.
+    /// The text of a METHOD, as a playlist has it: "NONE", "AES-128" or "SAMPLE-AES". Empty for a value that
+    /// is no method.
     [[nodiscard]] static std::string_view textOf(ProtectionMethod method) noexcept;
 
     /// Stores its arguments; an empty list of versions becomes the single version 1. Checks nothing.
@@ -60,7 +60,7 @@ class VELHLS_API VELHLSProtectionData {
     /// METHOD.
     ProtectionMethod method;
 
-    /// URI of the key; empty for method None.
+    /// URI of the key, not resolved (VELHLS.h); empty for method None.
     std::string uri;
 
     /// IV as it was written: "0x" and 32 hexadecimal digits. Empty when absent.
