@@ -18,7 +18,7 @@ std::string outcomeOfPattern(std::istream& input, Read read) {
 
 }  // namespace
 
-/// The first part of the text is the start line, the second a line in front of it, the rest the input.
+/// The first part of the text is the start line, the second a line before it, the rest the input.
 VELHLS_FUZZ_TARGET(pattern) {
     fuzz::Parts parts(text);
     const std::string startLine = parts.next();

@@ -25,7 +25,7 @@ bool isInCalendar(double seconds) {
     return seconds > -67768040609740800.0 && seconds < 67768036191676800.0;
 }
 
-/// What was written is read to the same time, but for a second of 60.000, a fraction that is taken off in front of the
+/// What was written is read to the same time, but for a second of 60.000, a fraction that is taken off before the
 /// epoch, and years so long that the text is cut off.
 void expectReadBack(double seconds) {
     const std::string text = rendered(seconds);

@@ -161,7 +161,7 @@ void expectBrokenSourcesToEndThere(const std::string& text, Read read) {
             BrokenSource quiet(front, piece);
             std::istream input(&quiet);
             ASSERT_EQ(read(input), expected);
-            // A parse that gives up, or comes to its end, in front of the place does not meet it.
+            // A parse that gives up, or comes to its end, before the place does not meet it.
             const bool isMet = input.bad();
             BrokenSource loud(front, piece);
             std::istream loudInput(&loud);
@@ -194,7 +194,7 @@ TEST(BrokenStreams, TextIsCheckedUpToTheByteWhereTheStreamFails) {
     expectBrokenSourcesToEndThere(whole::media.substr(0, length), findingsOf);
 }
 
-TEST(BrokenStreams, PatternTakesTheLinesInFrontOfItUpToTheByteWhereTheirStreamFails) {
+TEST(BrokenStreams, PatternTakesTheLinesBeforeItUpToTheByteWhereTheirStreamFails) {
     const std::string front = "#EXTINF:6,\n#EXT-X-KEY:METHOD=NONE\n";
     const std::string body = "segment1.ts\n#ZOR-PATTERN_REPEAT:day,3\n";
     BrokenSource source(front, 5);

@@ -73,7 +73,7 @@ TEST(StreamBuffers, EveryExampleIsReadTheSame) {
 }
 
 TEST(StreamBuffers, EndsOfTheInputAreReadTheSame) {
-    const std::string text = "#EXTM3U\n#EXTINF:4,Title\nfirst.ts\n#EXT-X-ENDLIST\nbehind\n";
+    const std::string text = "#EXTM3U\n#EXTINF:4,Title\nfirst.ts\n#EXT-X-ENDLIST\nafter\n";
     for (std::size_t length = 0; length <= text.size(); ++length)
         expectTheSameFromEveryBuffer(text.substr(0, length));
 }
@@ -93,8 +93,8 @@ TEST(StreamBuffers, RandomLinesAreReadTheSame) {
     }
 }
 
-/// The tags in front of a pattern are part of it, wherever the stream's buffer ends between them.
-TEST(StreamBuffers, TagsInFrontOfAPatternAreReadTheSame) {
+/// The tags before a pattern are part of it, wherever the stream's buffer ends between them.
+TEST(StreamBuffers, TagsBeforeAPatternAreReadTheSame) {
     std::string tags;
     for (int count = 0; count < 20; ++count) {
         const std::string text =
@@ -109,7 +109,7 @@ TEST(StreamBuffers, TagsInFrontOfAPatternAreReadTheSame) {
     }
 }
 
-/// A number that throws leaves the stream behind the line at fault.
+/// A number that throws leaves the stream after the line at fault.
 TEST(StreamBuffers, ThrowingLinesLeaveTheSameUnread) {
     expectTheSameFromEveryBuffer(
         "#EXTM3U\n#EXTINF:4,\nfirst.ts\n#EXTINF:four,\nsecond.ts\n#EXTINF:4,\nthird.ts\n");

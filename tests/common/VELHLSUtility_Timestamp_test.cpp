@@ -90,7 +90,7 @@ TEST(VELHLSTimestampParse, OffsetIsReadAndDoesNotChangeTheResult) {
     }
 }
 
-TEST(VELHLSTimestampParse, FirstSignBehindTheMinuteIsTheZone) {
+TEST(VELHLSTimestampParse, FirstSignAfterTheMinuteIsTheZone) {
     expectParsed({
         {"2020-01-01T10:00:00Z+01:00", 1577872800.0},
         {"2020-01-01T10:00:01e+01:00", 1577872801.0},
@@ -145,7 +145,7 @@ TEST(VELHLSTimestampParse, FieldsOutOfTheirRangeCarryOver) {
 }
 
 TEST(VELHLSTimestampParse, WithoutTTheHourIsReadFromTheStartOfTheText) {
-    // Both hours are 2020: 84 days and 4 hours behind midnight.
+    // Both hours are 2020: 84 days and 4 hours after midnight.
     constexpr double hoursLater = 2020.0 * 3600.0;
     expectParsed({
         {"2020-01-01 00:00:00Z", 1577836800.0 + hoursLater},

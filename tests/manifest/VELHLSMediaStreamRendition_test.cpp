@@ -443,7 +443,7 @@ TEST(VELHLSMediaStreamRendition, RejectsEachPrefixThatLacksItsName) {
     EXPECT_EQ(text("TYPE=AUDIO,GROUP-ID=\"g\",DEFAULT=NO,NAME=\"n"), text(audio));
 }
 
-TEST(VELHLSMediaStreamRendition, ReadsOrRejectsEachPrefixBehindItsName) {
+TEST(VELHLSMediaStreamRendition, ReadsOrRejectsEachPrefixAfterItsName) {
     const std::vector<std::pair<std::string, std::string>> rows = {
         {"", text(audio)},
         {",", "null"},
@@ -496,7 +496,7 @@ TEST(VELHLSMediaStreamRendition, RejectsOtherTags) {
 }
 
 // A second colon belongs to the first attribute's name.
-TEST(VELHLSMediaStreamRendition, LosesTheAttributeBehindASecondColon) {
+TEST(VELHLSMediaStreamRendition, LosesTheAttributeAfterASecondColon) {
     EXPECT_EQ(Rendition::parse("#EXT-X-MEDIA::" + audio), nullptr);
     EXPECT_EQ(text(":LANGUAGE=\"l\"," + audio), text(audio));
 }
@@ -665,7 +665,7 @@ TEST(VELHLSMediaStreamRendition, RenderOfAnInvalidRenditionLeavesTheTextUntouche
     }
 }
 
-TEST(VELHLSMediaStreamRendition, RenderOfATypeBeyondTheFourStopsBehindTheTagsStart) {
+TEST(VELHLSMediaStreamRendition, RenderOfATypeBeyondTheFourStopsAfterTheTagsStart) {
     for (const std::uint32_t number : {4U, 5U, 255U, 2147483648U, 4294967294U}) {
         Rendition rendition = smallest(static_cast<Rendition::RenditionType>(number));
         ASSERT_TRUE(rendition.validate()) << number;
@@ -723,10 +723,10 @@ TEST(VELHLSMediaStreamRendition, EqualityComparesEachOfTheseMembers) {
         {"language", [](Rendition& rendition) { rendition.language = "fr"; }},
         {"letter case of language", [](Rendition& rendition) { rendition.language = "EN"; }},
         {"no language", [](Rendition& rendition) { rendition.language.clear(); }},
-        {"language with a NUL behind it", [](Rendition& rendition) { rendition.language += '\0'; }},
+        {"language with a NUL after it", [](Rendition& rendition) { rendition.language += '\0'; }},
         {"associated language", [](Rendition& rendition) { rendition.assocLanguage = "DE"; }},
         {"name", [](Rendition& rendition) { rendition.name = "N"; }},
-        {"name with a space behind it", [](Rendition& rendition) { rendition.name += ' '; }},
+        {"name with a space after it", [](Rendition& rendition) { rendition.name += ' '; }},
         {"default", [](Rendition& rendition) { rendition.isDefault = false; }},
         {"autoselect", [](Rendition& rendition) { rendition.autoSelect = false; }},
         {"forced", [](Rendition& rendition) { rendition.forced = false; }},

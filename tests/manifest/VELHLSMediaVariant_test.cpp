@@ -585,7 +585,7 @@ TEST(VELHLSMediaVariant, RejectsOtherLines) {
     }
 }
 
-TEST(VELHLSMediaVariant, OfOtherLinesAllBehindTheFirstCharacterIsReadAsAttributes) {
+TEST(VELHLSMediaVariant, OfOtherLinesAllAfterTheFirstCharacterIsReadAsAttributes) {
     struct Row {
         std::string line;
         std::string thrown;

@@ -25,7 +25,8 @@ inline std::string kindAndMessageOf(const std::exception& error) {
     return kindOf(error) + ": " + error.what();
 }
 
-/// What the work returns as a text, or the exception of a number conversion that leaves it. Any other exception passes.
+/// What the work returns as a text, or the exception of a number conversion that leaves it. Any other
+/// exception passes.
 template <typename Work>
 std::string outcomeOf(Work work, std::string (*told)(const std::exception&) = kindOf) {
     try {

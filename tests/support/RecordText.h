@@ -12,7 +12,7 @@ namespace record {
 
 using namespace std::string_literals;
 
-/// The text that a record renders. A status that is not 0 stands in front of it.
+/// The text that a record renders. A status that is not 0 stands before it.
 template <typename Record>
 std::string rendered(const Record& value) {
     std::string text;
@@ -34,8 +34,8 @@ constexpr double quickSeconds = 5.0;
 
 constexpr std::size_t megabyte = 1U << 20U;
 
-/// Many attributes, and a long one behind them, with a comma at the end: whoever searches from each of the
-/// many to what stands behind the long one does so quadratically.
+/// Many attributes, and a long one after them, with a comma at the end: whoever searches from each of the
+/// many to what stands after the long one does so quadratically.
 inline std::string manyAttributes() {
     constexpr std::size_t count = 200000;
     std::string text;
@@ -53,7 +53,7 @@ inline std::vector<std::string> properPrefixes(std::string_view text) {
     return prefixes;
 }
 
-/// Attribute lists that are malformed, by themselves and behind other attributes.
+/// Attribute lists that are malformed, by themselves and after other attributes.
 inline const std::vector<std::string> malformedLists = {
     "X",          "X=",         "=",
     "=1",         ",",          ",X=1",

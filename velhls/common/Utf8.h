@@ -18,8 +18,8 @@ struct Character {
     std::uint32_t number = 0;
 };
 
-/// The character at the start of a text; of length 0 where none is: in an empty text, a cut or overlong character, a
-/// surrogate, and beyond U+10FFFF.
+/// The character at the start of a text; of length 0 where none is: in an empty text, a cut or overlong
+/// character, a surrogate, and beyond U+10FFFF.
 [[nodiscard]] constexpr Character firstCharacter(std::string_view text) {
     if (text.empty()) return {};
     const std::uint32_t first = static_cast<unsigned char>(text[0]);
@@ -38,7 +38,8 @@ struct Character {
     return {length, number};
 }
 
-/// The most bytes of a text, of `most` at most, that end where a character does. What is no UTF-8 is cut anywhere.
+/// The most bytes of a text, of `most` at most, that end where a character does. What is no UTF-8 is cut
+/// anywhere.
 [[nodiscard]] constexpr std::size_t lengthOfWholeCharacters(std::string_view text, std::size_t most) {
     if (text.size() <= most) return text.size();
     constexpr std::size_t longestCharacter = 4;

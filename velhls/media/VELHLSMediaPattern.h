@@ -40,8 +40,8 @@ class VELHLS_API VELHLSMediaPattern {
     VELHLSMediaPattern(std::string name, std::string body, std::uint64_t repeatCount);
 
     /// Reads a pattern: `startLine`, its "ZOR-PATTERN_START" line, and the lines after it in `input` up to
-    /// and including its "ZOR-PATTERN_REPEAT" line. `prefix` holds the lines of the current segment in front
-    /// of the start line, each with its line feed: they become the head of the body, and are repeated with
+    /// and including its "ZOR-PATTERN_REPEAT" line. `prefix` holds the lines of the current segment before
+    /// the start line, each with its line feed: they become the head of the body, and are repeated with
     /// it. `status` may be null.
     ///
     /// Returns the pattern; or null for a line that may not stand in a pattern, with the status' error set to
