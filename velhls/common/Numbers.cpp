@@ -130,7 +130,7 @@ char* putFourDigits(char* to, std::uint32_t number) {
     return putTwoDigits(to, number % 100);
 }
 
-/// The same, less the zeros in front.
+/// The same, less its leading zeros.
 char* putUpToFourDigits(char* to, std::uint32_t number) {
     if (number >= 1000) return putFourDigits(to, number);
     if (number >= 100) return putThreeDigits(to, number);
@@ -278,7 +278,7 @@ char* putDecimal(char* to, std::int64_t number) {
 }
 
 char* putFixed(char* to, double number, int decimals) {
-    // Below 1 a double has more bits behind the point than are counted with, and from 2^53 on none.
+    // Below 1 a double has more bits after the point than are counted with, and from 2^53 on none.
     const bool isPlain = number >= 1.0 && number < 9007199254740992.0;
     if (isPlain && decimals == 3) return putWithDecimals<3>(to, number);
     if (isPlain && decimals == 6) return putWithDecimals<6>(to, number);

@@ -60,10 +60,10 @@ void appendDecimal(std::string& out, std::uint64_t number);
 inline constexpr std::size_t mostDecimalBytes = 20;
 inline constexpr std::size_t mostFixedBytes = 320;
 
-/// Puts a number below 100, with a zero in front where it is below 10, and returns the place behind it.
+/// Puts a number below 100, with a zero before it where it is below 10, and returns the place after it.
 [[nodiscard]] char* putTwoDigits(char* to, std::uint32_t number);
 
-/// Puts the number to where there is room for it, and returns the place behind it.
+/// Puts the number to where there is room for it, and returns the place after it.
 [[nodiscard]] char* putDecimal(char* to, std::int64_t number);
 
 /// The same in fixed notation with up to six decimals, as printf's "%.*f" in the "C" locale writes it: "nan"

@@ -4,21 +4,10 @@
 
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/common/Utf8.h"
 
 namespace velhls {
 namespace {
-
-/// Where a text of UTF-8 may be cut: not inside a character.
-std::size_t cutAtCharacter(std::string_view text, std::size_t length) {
-    constexpr unsigned char continuationMask = 0xC0;
-    constexpr unsigned char continuation = 0x80;
-    constexpr std::size_t longestCharacter = 4;
-    std::size_t cut = length;
-    while (cut + longestCharacter > length &&
-           (static_cast<unsigned char>(text[cut]) & continuationMask) == continuation)
-        --cut;
-    return cut;
-}
 
 /// "EXT-X-KEY: " for a line with that tag, nothing for others.
 std::string tagPrefix(std::string_view line) {
@@ -43,10 +32,10 @@ std::string attributePrefix(std::string_view line, std::size_t position) {
 
 std::string quoted(std::string_view text) {
     constexpr std::size_t longest = 80;
-    const bool isLong = text.size() > longest;
+    const std::size_t length = utf8::lengthOfWholeCharacters(text, longest);
     std::string quotedText = "\"";
-    quotedText += isLong ? text.substr(0, cutAtCharacter(text, longest)) : text;
-    quotedText += isLong ? "...\"" : "\"";
+    quotedText += text.substr(0, length);
+    quotedText += length < text.size() ? "...\"" : "\"";
     return quotedText;
 }
 

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/common/Utf8.h"
 #include "velhls/diagnostics/AttributeTypes.h"
 #include "velhls/losses/LossText.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
@@ -80,26 +82,9 @@ constexpr std::array<std::string_view, 9> tagsThatStandOnce = {
 
 constexpr CharacterSet attributeNameCharacters("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-");
 
-/// The length of the UTF-8 character at the start of the text; 0 when there is none.
-std::size_t lengthOfCharacter(std::string_view text) {
-    const auto byte = [text](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-    if (byte(0) < 0x80) return 1;
-    const std::size_t length = byte(0) >= 0xF0 ? 4 : byte(0) >= 0xE0 ? 3 : 2;
-    if (byte(0) < 0xC2 || byte(0) > 0xF4 || text.size() < length) return 0;
-    for (std::size_t index = 1; index < length; ++index) {
-        if ((byte(index) & 0xC0) != 0x80) return 0;
-    }
-    const bool overlong = (byte(0) == 0xE0 && byte(1) < 0xA0) || (byte(0) == 0xF0 && byte(1) < 0x90);
-    const bool surrogate = byte(0) == 0xED && byte(1) >= 0xA0;
-    const bool beyond = byte(0) == 0xF4 && byte(1) >= 0x90;
-    return overlong || surrogate || beyond ? 0 : length;
-}
-
-/// Control characters but for line ends; those of U+0080 to U+009F are two bytes long.
-bool isControl(std::string_view character) {
-    const auto first = static_cast<unsigned char>(character[0]);
-    if (character.size() == 1) return first < 0x20 || first == 0x7F;
-    return first == 0xC2 && static_cast<unsigned char>(character[1]) < 0xA0;
+/// Control characters, those of U+0080 to U+009F too.
+constexpr bool isControl(std::uint32_t character) {
+    return character < 0x20 || (character >= 0x7F && character < 0xA0);
 }
 
 bool isServiceId(std::string_view id) {
@@ -176,14 +161,14 @@ void StandardRules::checkCharacters(const LossLine& read) {
     const std::string_view line = withoutTrailing(read.lineOfText, lineEnds);
     std::size_t position = 0;
     while (position < line.size()) {
-        const std::size_t length = lengthOfCharacter(line.substr(position));
+        const utf8::Character character = utf8::firstCharacter(line.substr(position));
+        const std::size_t length = character.length;
         if (length == 0) {
             findings_.add(rule::notUtf8, {read.number, position + 1, 1});
             return;
         }
-        const std::string_view character = line.substr(position, length);
-        if (isControl(character)) {
-            const bool isCarriageReturn = character == "\r";
+        if (isControl(character.number)) {
+            const bool isCarriageReturn = character.number == '\r';
             findings_.add(isCarriageReturn ? rule::carriageReturnInsideLine : rule::controlCharacter,
                           {read.number, position + 1, length}, isCarriageReturn ? "one" : "");
             return;

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/RecordTags.h"
@@ -75,19 +76,14 @@ std::shared_ptr<VELHLSManifestSessionData> VELHLSManifestSessionData::parseSessi
 
 std::int32_t VELHLSManifestSessionData::render(std::string& out) const {
     if (!validate()) return -1;
-    velhls::appendTag(out, velhls::tag::sessionData);
-    velhls::appendQuotedAttribute(out, attribute::dataId, dataId);
-    out += ',';
+    velhls::AttributeWriter line(out, velhls::tag::sessionData);
+    line.appendQuoted(attribute::dataId, dataId);
     if (value.empty()) {
-        velhls::appendQuotedAttribute(out, attribute::uri, uri);
+        line.appendQuoted(attribute::uri, uri);
     } else {
-        velhls::appendQuotedAttribute(out, attribute::value, value);
+        line.appendQuoted(attribute::value, value);
     }
-    if (!language.empty()) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, attribute::language, language);
-    }
-    out += '\n';
+    line.appendQuotedUnlessEmpty(attribute::language, language).endLine();
     return 0;
 }
 

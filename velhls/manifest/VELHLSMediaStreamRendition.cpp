@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/RecordTags.h"
@@ -94,18 +95,6 @@ std::optional<BrokenRule> brokenRule(const VELHLSMediaStreamRendition& rendition
     return std::nullopt;
 }
 
-void appendQuotedUnlessEmpty(std::string& out, std::string_view name, std::string_view value) {
-    if (value.empty()) return;
-    out += ',';
-    velhls::appendQuotedAttribute(out, name, value);
-}
-
-void appendIfSet(std::string& out, std::string_view name, bool flag) {
-    if (!flag) return;
-    out += ',';
-    velhls::appendAttribute(out, name, velhls::fixed::yes);
-}
-
 std::string joinedByCommas(const std::set<std::string>& pieces) {
     std::string text;
     for (auto piece = pieces.begin(); piece != pieces.end(); ++piece) {
@@ -162,29 +151,30 @@ std::shared_ptr<VELHLSMediaStreamRendition> VELHLSMediaStreamRendition::parse(co
     return velhls::readRendition(velhls::TagLine(line), nullptr, ignored);
 }
 
+std::string_view VELHLSMediaStreamRendition::textOf(RenditionType type) noexcept {
+    return velhls::textOf(type).value_or("");
+}
+
 std::int32_t VELHLSMediaStreamRendition::render(std::string& out) const {
     if (!validate()) return -1;
-    velhls::appendTag(out, velhls::tag::media);
-    const std::optional<std::string_view> typeText = velhls::textOf(type);
-    velhls::appendAttribute(out, attribute::type, typeText.value_or(""));
-    if (!typeText) return -1;
+    velhls::AttributeWriter line(out, velhls::tag::media);
+    const std::string_view typeText = textOf(type);
+    line.append(attribute::type, typeText);
+    if (typeText.empty()) return -1;
 
-    out += ',';
-    velhls::appendQuotedAttribute(out, attribute::groupId, groupId);
-    out += ',';
-    velhls::appendQuotedAttribute(out, attribute::name, name);
-    appendQuotedUnlessEmpty(out, attribute::uri, uri);
-    appendQuotedUnlessEmpty(out, attribute::language, language);
-    appendQuotedUnlessEmpty(out, attribute::assocLanguage, assocLanguage);
-    appendIfSet(out, attribute::defaultFlag, isDefault);
-    appendIfSet(out, attribute::autoSelect, autoSelect);
-    appendIfSet(out, attribute::forced, forced);
-    appendQuotedUnlessEmpty(out, attribute::instreamId, instreamId);
+    line.appendQuoted(attribute::groupId, groupId)
+        .appendQuoted(attribute::name, name)
+        .appendQuotedUnlessEmpty(attribute::uri, uri)
+        .appendQuotedUnlessEmpty(attribute::language, language)
+        .appendQuotedUnlessEmpty(attribute::assocLanguage, assocLanguage)
+        .appendIfSet(attribute::defaultFlag, isDefault)
+        .appendIfSet(attribute::autoSelect, autoSelect)
+        .appendIfSet(attribute::forced, forced)
+        .appendQuotedUnlessEmpty(attribute::instreamId, instreamId);
     if (!characteristics.empty()) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, attribute::characteristics, joinedByCommas(characteristics));
+        line.appendQuoted(attribute::characteristics, joinedByCommas(characteristics));
     }
-    out += '\n';
+    line.endLine();
     return 0;
 }
 

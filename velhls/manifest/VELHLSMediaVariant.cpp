@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
@@ -17,11 +18,6 @@ namespace {
 namespace attribute = velhls::attribute;
 using velhls::Reason;
 using velhls::Rule;
-
-void appendNumber(std::string& out, std::string_view name, std::uint64_t number) {
-    velhls::appendAttribute(out, name, "");
-    velhls::appendDecimal(out, number);
-}
 
 void readGroup(VELHLSMediaVariant& variant, VELHLSMediaStreamRendition::RenditionType type,
                std::string_view value) {
@@ -72,6 +68,18 @@ velhls::TagLine foreignLine(std::string_view line) {
     return tagLine;
 }
 
+/// A type that is none has no text, and is not written.
+void appendGroups(velhls::AttributeWriter& line,
+                  const std::map<VELHLSMediaStreamRendition::RenditionType, std::string>& groupIds) {
+    for (const auto& [type, groupId] : groupIds) {
+        const std::string_view typeText = VELHLSMediaStreamRendition::textOf(type);
+        if (!typeText.empty()) line.appendQuoted(typeText, groupId);
+    }
+    if (groupIds.count(VELHLSMediaStreamRendition::ClosedCaptions) == 0) {
+        line.append(attribute::closedCaptions, velhls::fixed::none);
+    }
+}
+
 }  // namespace
 
 std::shared_ptr<VELHLSMediaVariant> velhls::readVariant(const TagLine& tagLine, std::string_view uriLine,
@@ -120,48 +128,20 @@ std::shared_ptr<VELHLSMediaVariant> VELHLSMediaVariant::parseVariant(const std::
 
 std::int32_t VELHLSMediaVariant::render(std::string& out) const {
     if (!validate()) return -1;
-    velhls::appendTag(out, isIFrame ? velhls::tag::iFrameStreamInf : velhls::tag::streamInf);
-    appendNumber(out, attribute::bandwidth, bandwidth);
-    if (programId != 0) {
-        out += ',';
-        appendNumber(out, attribute::programId, programId);
-    }
-    if (averageBandwidth != 0) {
-        out += ',';
-        appendNumber(out, attribute::averageBandwidth, averageBandwidth);
-    }
-    if (!codecs.empty()) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, attribute::codecs, codecs);
-    }
-    if (!resolution.empty()) {
-        out += ',';
-        velhls::appendAttribute(out, attribute::resolution, resolution);
-    }
-    appendGroups(out);
-    if (isIFrame) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, attribute::uri, uri);
-    }
-    out += '\n';
+    velhls::AttributeWriter line(out, isIFrame ? velhls::tag::iFrameStreamInf : velhls::tag::streamInf);
+    line.append(attribute::bandwidth, bandwidth)
+        .appendUnlessZero(attribute::programId, programId)
+        .appendUnlessZero(attribute::averageBandwidth, averageBandwidth)
+        .appendQuotedUnlessEmpty(attribute::codecs, codecs)
+        .appendUnlessEmpty(attribute::resolution, resolution);
+    appendGroups(line, groupIds);
+    if (isIFrame) line.appendQuoted(attribute::uri, uri);
+    line.endLine();
     if (!isIFrame) {
         out += uri;
         out += '\n';
     }
     return 0;
-}
-
-void VELHLSMediaVariant::appendGroups(std::string& out) const {
-    for (const auto& [type, groupId] : groupIds) {
-        const std::optional<std::string_view> typeText = velhls::textOf(type);
-        if (!typeText) continue;
-        out += ',';
-        velhls::appendQuotedAttribute(out, *typeText, groupId);
-    }
-    if (groupIds.count(VELHLSMediaStreamRendition::ClosedCaptions) == 0) {
-        out += ',';
-        velhls::appendAttribute(out, attribute::closedCaptions, velhls::fixed::none);
-    }
 }
 
 bool VELHLSMediaVariant::validate() const {

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/media/KeyAndMapTags.h"
@@ -46,15 +47,14 @@ bool VELHLSMISMap::validate() const {
 
 std::int32_t VELHLSMISMap::render(std::string& out) const {
     if (uri.empty()) return -1;
-    velhls::appendTag(out, velhls::tag::map);
-    velhls::appendQuotedAttribute(out, velhls::attribute::uri, uri);
+    velhls::AttributeWriter line(out, velhls::tag::map);
+    line.appendQuoted(velhls::attribute::uri, uri);
     if (byteRange != nullptr && byteRange->length >= 1) {
         std::string range;
         // A range of at least one byte always renders.
         static_cast<void>(byteRange->render(range));
-        out += ',';
-        velhls::appendQuotedAttribute(out, velhls::attribute::byteRange, range);
+        line.appendQuoted(velhls::attribute::byteRange, range);
     }
-    out += '\n';
+    line.endLine();
     return 0;
 }

@@ -27,12 +27,6 @@ std::int32_t wholeTargetDuration(double seconds) {
     return static_cast<std::int32_t>(seconds);
 }
 
-void writePlaylistType(std::ostream& out, VELHLSMediaStream::PlaylistType type) {
-    if (type == VELHLSMediaStream::Vod) velhls::writeTag(out, velhls::tag::playlistType, velhls::fixed::vod);
-    if (type == VELHLSMediaStream::Event)
-        velhls::writeTag(out, velhls::tag::playlistType, velhls::fixed::event);
-}
-
 void writeUnlessZero(std::ostream& out, std::string_view tag, std::int64_t number) {
     if (number != 0) velhls::writeTag(out, tag, number);
 }
@@ -52,6 +46,11 @@ void writeSegments(std::ostream& out, const std::vector<std::shared_ptr<VELHLSMe
 }
 
 }  // namespace
+
+std::string_view VELHLSMediaStream::textOf(PlaylistType type) noexcept {
+    if (type == Event) return velhls::fixed::event;
+    return type == Vod ? velhls::fixed::vod : std::string_view();
+}
 
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::istream& input,
                                                                        VELHLSParsingStatus* status) {
@@ -99,7 +98,8 @@ std::int32_t VELHLSMediaStream::render(std::ostream& out) const {
     velhls::writeTag(out, velhls::tag::targetDuration, std::int64_t{wholeTargetDuration(targetDuration)});
     writeUnlessZero(out, velhls::tag::mediaSequence, mediaSequence);
     writeUnlessZero(out, velhls::tag::discontinuitySequence, discontinuitySequence);
-    writePlaylistType(out, playlistType);
+    const std::string_view typeText = textOf(playlistType);
+    if (!typeText.empty()) velhls::writeTag(out, velhls::tag::playlistType, typeText);
     if (iFramesOnly) velhls::writeTag(out, velhls::tag::iFramesOnly);
     if (independentSegments) velhls::writeTag(out, velhls::tag::independentSegments);
     velhls::writeStartTag(out, startTimeOffset, startPrecise);

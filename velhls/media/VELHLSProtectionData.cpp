@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
@@ -98,43 +99,36 @@ bool VELHLSProtectionData::validate() const {
     return iv.empty() || isInitializationVector(iv);
 }
 
-std::int32_t VELHLSProtectionData::render(std::string& out) const {
-    if (!validate()) return -1;
+std::string_view VELHLSProtectionData::textOf(ProtectionMethod method) noexcept {
     switch (method) {
         case None:
-            velhls::appendTag(out, velhls::tag::key);
-            velhls::appendAttribute(out, velhls::attribute::method, velhls::fixed::none);
-            out += '\n';
-            return 0;
+            return velhls::fixed::none;
         case AES128:
-            appendEncryptingKey(out, velhls::fixed::aes128);
-            return 0;
+            return velhls::fixed::aes128;
         case SampleAES:
-            appendEncryptingKey(out, velhls::fixed::sampleAes);
-            return 0;
+            return velhls::fixed::sampleAes;
     }
-    // Kept as is: a value that is no method is written as nothing at all.
-    return 0;
+    return {};
 }
 
-void VELHLSProtectionData::appendEncryptingKey(std::string& out, std::string_view methodName) const {
-    velhls::appendTag(out, velhls::tag::key);
-    velhls::appendAttribute(out, velhls::attribute::method, methodName);
-    out += ',';
-    velhls::appendQuotedAttribute(out, velhls::attribute::uri, uri);
-    if (!iv.empty()) {
-        out += ',';
-        velhls::appendAttribute(out, velhls::attribute::iv, iv);
+std::int32_t VELHLSProtectionData::render(std::string& out) const {
+    if (!validate()) return -1;
+    const std::string_view methodText = textOf(method);
+    // Kept as is: a value that is no method is written as nothing at all.
+    if (methodText.empty()) return 0;
+
+    velhls::AttributeWriter line(out, velhls::tag::key);
+    line.append(velhls::attribute::method, methodText);
+    if (method != None) {
+        line.appendQuoted(velhls::attribute::uri, uri)
+            .appendUnlessEmpty(velhls::attribute::iv, iv)
+            .appendQuotedUnlessEmpty(velhls::attribute::keyFormat, keyFormat);
+        const bool hasDefaultVersions = keyFormatVersions.size() == 1 && keyFormatVersions.front() == 1;
+        if (!hasDefaultVersions) {
+            line.appendQuoted(velhls::attribute::keyFormatVersions,
+                              velhls::joinKeyFormatVersions(keyFormatVersions));
+        }
     }
-    if (!keyFormat.empty()) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, velhls::attribute::keyFormat, keyFormat);
-    }
-    const bool defaultVersions = keyFormatVersions.size() == 1 && keyFormatVersions.front() == 1;
-    if (!defaultVersions) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, velhls::attribute::keyFormatVersions,
-                                      velhls::joinKeyFormatVersions(keyFormatVersions));
-    }
-    out += '\n';
+    line.endLine();
+    return 0;
 }
