@@ -19,7 +19,8 @@ VELHLS_FUZZ_TARGET(master) {
     std::istringstream input(text);
     std::istringstream plainInput(text);
     fuzz::expectEqual(playlist::outcomeWithStream(input, VELHLSParsedManifest::internalParseManifest),
-                      playlist::outcomeWithStream(plainInput, plain::manifest), "the parse as its plain form");
+                      playlist::outcomeWithStream(plainInput, plain::manifest),
+                      "the parse as its plain form");
 
     if (manifest == nullptr) return;
     fuzz::expect(status.error == VELHLSParsingErrorNone, "what parses sets the status");

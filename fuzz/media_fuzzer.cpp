@@ -26,7 +26,8 @@ VELHLS_FUZZ_TARGET(media) {
     std::istringstream input(text);
     std::istringstream plainInput(text);
     fuzz::expectEqual(playlist::outcomeWithStream(input, VELHLSMediaStream::internalParseMediaStream),
-                      playlist::outcomeWithStream(plainInput, plain::mediaStream), "the parse as its plain form");
+                      playlist::outcomeWithStream(plainInput, plain::mediaStream),
+                      "the parse as its plain form");
 
     if (stream == nullptr) return;
     fuzz::expect(status.error == VELHLSParsingErrorNone, "what parses sets the status");
