@@ -14,6 +14,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/HostileInputs.h"
+#include "tests/support/Parses.h"
 #ifdef VELHLS_COUNTS_BYTES
 #include "tests/heap/Heap.h"
 #endif
@@ -63,9 +64,9 @@ void measureParseAndRender(const hostile::Input& input, const std::string& text,
 void measure(const hostile::Input& input, std::size_t size) {
     const std::string text = input.text(size);
     if (input.kind == VELHLSDiagnostics::Master) {
-        measureParseAndRender(input, text, VELHLSParsedManifest::parseManifest);
+        measureParseAndRender(input, text, playlist::parseMaster);
     } else {
-        measureParseAndRender(input, text, VELHLSMediaStream::parseMediaStream);
+        measureParseAndRender(input, text, playlist::parseMedia);
     }
     measure(input, "check", text.size(),
             [&] { static_cast<void>(VELHLSDiagnostics::check(text, input.kind)); });

@@ -18,6 +18,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/Outcome.h"
+#include "tests/support/Parses.h"
 #include "tests/support/WholePlaylists.h"
 
 namespace {
@@ -110,11 +111,11 @@ auto parsed(const std::string& text, Parse parse) {
 }
 
 TEST(BrokenStreams, MasterPlaylistIsWrittenUpToTheByteWhereTheStreamFails) {
-    expectPlaylistToOutliveBrokenSinks(*parsed(whole::master, VELHLSParsedManifest::parseManifest));
+    expectPlaylistToOutliveBrokenSinks(*parsed(whole::master, playlist::parseMaster));
 }
 
 TEST(BrokenStreams, MediaPlaylistIsWrittenUpToTheByteWhereTheStreamFails) {
-    expectPlaylistToOutliveBrokenSinks(*parsed(whole::media, VELHLSMediaStream::parseMediaStream));
+    expectPlaylistToOutliveBrokenSinks(*parsed(whole::media, playlist::parseMedia));
 }
 
 /// Hands its text out in pieces, and throws where it ends.
@@ -178,13 +179,13 @@ void expectBrokenSourcesToEndThere(const std::string& text, Read read) {
 
 TEST(BrokenStreams, MasterPlaylistIsReadUpToTheByteWhereTheStreamFails) {
     expectBrokenSourcesToEndThere(whole::master, [](std::istream& input) {
-        return outcomeOf(input, VELHLSParsedManifest::parseManifest);
+        return outcomeOf(input, playlist::parseMaster);
     });
 }
 
 TEST(BrokenStreams, MediaPlaylistIsReadUpToTheByteWhereTheStreamFails) {
     expectBrokenSourcesToEndThere(whole::media, [](std::istream& input) {
-        return outcomeOf(input, VELHLSMediaStream::parseMediaStream);
+        return outcomeOf(input, playlist::parseMedia);
     });
 }
 

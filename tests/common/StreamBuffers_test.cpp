@@ -15,6 +15,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/Outcome.h"
+#include "tests/support/Parses.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -47,8 +48,8 @@ void expectTheSameFromEveryBuffer(const std::string& text, Parse parse) {
 }
 
 void expectTheSameFromEveryBuffer(const std::string& text) {
-    expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
-    expectTheSameFromEveryBuffer(text, VELHLSParsedManifest::parseManifest);
+    expectTheSameFromEveryBuffer(text, playlist::parseMedia);
+    expectTheSameFromEveryBuffer(text, playlist::parseMaster);
 }
 
 std::string withCarriageReturns(const std::string& text) {
@@ -89,7 +90,7 @@ TEST(StreamBuffers, RandomLinesAreReadTheSame) {
             text += "segment" + std::string(random() % 40, 'u') + (random() % 8 == 0 ? "\rv" : "") + ".ts\n";
         }
         if (random() % 4 == 0) text.pop_back();
-        expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
+        expectTheSameFromEveryBuffer(text, playlist::parseMedia);
     }
 }
 
@@ -101,8 +102,8 @@ TEST(StreamBuffers, TagsBeforeAPatternAreReadTheSame) {
             "#EXTM3U\n#EXT-X-DEFINE:NAME=\"n\",VALUE=\"10\"\n" + tags +
             "#ZOR-PATTERN_START:p\n#EXTINF:4,\nsegment{$n}.ts\n#ZOR-DEFINE_INCREMENT:n,1\n"
             "#ZOR-PATTERN_END:p\n#ZOR-PATTERN_REPEAT:p,2\n#EXT-X-ENDLIST\n";
-        expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
-        expectTheSameFromEveryBuffer(withCarriageReturns(text), VELHLSMediaStream::parseMediaStream);
+        expectTheSameFromEveryBuffer(text, playlist::parseMedia);
+        expectTheSameFromEveryBuffer(withCarriageReturns(text), playlist::parseMedia);
         tags +=
             count % 3 == 0 ? "#EXT-X-DISCONTINUITY\n" : "#EXT-X-BYTERANGE:" + std::to_string(count) + "@1\n";
         if (count % 5 == 0) tags += "# a\rcomment\n";

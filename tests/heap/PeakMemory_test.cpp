@@ -15,6 +15,7 @@
 
 #include "tests/heap/Heap.h"
 #include "tests/support/HostileInputs.h"
+#include "tests/support/Parses.h"
 
 namespace {
 
@@ -64,9 +65,9 @@ TEST(PeakMemory, IsAMultipleOfTheTextAndOfWhatComesOutOfIt) {
     for (const hostile::Input& input : hostile::inputs()) {
         SCOPED_TRACE(input.name);
         if (input.kind == VELHLSDiagnostics::Master) {
-            expectBoundedMemory(input, VELHLSParsedManifest::parseManifest);
+            expectBoundedMemory(input, playlist::parseMaster);
         } else {
-            expectBoundedMemory(input, VELHLSMediaStream::parseMediaStream);
+            expectBoundedMemory(input, playlist::parseMedia);
         }
     }
 }

@@ -17,6 +17,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/Outcome.h"
+#include "tests/support/Parses.h"
 #include "tests/support/WholePlaylists.h"
 
 namespace {
@@ -95,7 +96,7 @@ TEST(Threads, ParseAndRenderDifferentMasterPlaylists) {
     const auto texts = textsOf(whole::master, whole::rejectedMasters);
     EXPECT_EQ(differences(20,
                           [&texts](std::size_t number) {
-                              return parsedAndRendered(texts[number], VELHLSParsedManifest::parseManifest);
+                              return parsedAndRendered(texts[number], playlist::parseMaster);
                           }),
               0U);
 }
@@ -104,7 +105,7 @@ TEST(Threads, ParseAndRenderDifferentMediaPlaylists) {
     const auto texts = textsOf(whole::media, whole::rejectedMedia);
     EXPECT_EQ(differences(20,
                           [&texts](std::size_t number) {
-                              return parsedAndRendered(texts[number], VELHLSMediaStream::parseMediaStream);
+                              return parsedAndRendered(texts[number], playlist::parseMedia);
                           }),
               0U);
 }
