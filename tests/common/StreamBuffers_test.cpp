@@ -3,8 +3,10 @@
 #include "tests/support/StreamBuffers.h"
 
 #include <cstddef>
+#include <memory>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <streambuf>
 #include <string>
 #include <utility>
@@ -47,9 +49,30 @@ void expectTheSameFromEveryBuffer(const std::string& text, Parse parse) {
     EXPECT_EQ(outcomeOf(tiedInput, parse), expected) << "tied:\n" << text;
 }
 
+/// The model that a parse of the text makes, or that there is none, however it is rejected.
+template <typename Playlist>
+std::string modelOf(const std::shared_ptr<Playlist>& parsed) {
+    return parsed == nullptr ? "none" : playlist::describe(*parsed);
+}
+
+template <typename Parse>
+std::string modelFromStream(const std::string& text, Parse parse) {
+    std::istringstream input(text);
+    try {
+        return modelOf(parse(input, nullptr));
+    } catch (const std::logic_error&) {
+        return "none";
+    }
+}
+
 void expectTheSameFromEveryBuffer(const std::string& text) {
     expectTheSameFromEveryBuffer(text, playlist::parseMedia);
     expectTheSameFromEveryBuffer(text, playlist::parseMaster);
+    EXPECT_EQ(modelOf(VELHLSMediaStream::parseMediaStream(text)), modelFromStream(text, playlist::parseMedia))
+        << text;
+    EXPECT_EQ(modelOf(VELHLSParsedManifest::parseManifest(text)),
+              modelFromStream(text, playlist::parseMaster))
+        << text;
 }
 
 std::string withCarriageReturns(const std::string& text) {

@@ -69,6 +69,8 @@ bool SegmentReader::readLines(std::string_view firstLine) {
     std::string_view line = firstLine;
     while (true) {
         if (!succeeds([this, line] { return readLine(line); }, with_.reading, why_)) {
+            // A pattern is not expanded when lines before it, which it repeats, were rejected.
+            if (!allAccepted && pattern_ != nullptr) pattern_ = nullptr;
             if (openedPattern_ || !readsOn(with_.reading)) return false;
             allAccepted = false;
         }
