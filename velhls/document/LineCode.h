@@ -32,7 +32,7 @@ class LineCode {
 
     [[nodiscard]] constexpr VELHLSLine::Kind kind() const {
         if (number_ < firstTag) return static_cast<VELHLSLine::Kind>(number_);
-        return definition()->name.substr(0, 3) == "EXT" ? VELHLSLine::Tag : VELHLSLine::Comment;
+        return definition()->name.front() == 'E' ? VELHLSLine::Tag : VELHLSLine::Comment;
     }
 
     [[nodiscard]] constexpr bool operator==(LineCode other) const { return number_ == other.number_; }

@@ -52,11 +52,12 @@ class DateScanner {
 
     /// So many digits as a number from `least` to `most`.
     std::optional<std::int64_t> number(std::size_t count, std::int64_t least, std::int64_t most) {
-        if (rest_.size() < count || !velhls::holdsOnly(rest_.substr(0, count), velhls::digits))
-            return std::nullopt;
+        if (rest_.size() < count) return std::nullopt;
         std::int64_t number = 0;
-        for (std::size_t place = 0; place < count; ++place)
+        for (std::size_t place = 0; place < count; ++place) {
+            if (!velhls::isDigit(rest_[place])) return std::nullopt;
             number = number * 10 + digitAt(rest_, place);
+        }
         rest_.remove_prefix(count);
         if (number < least || number > most) return std::nullopt;
         return number;
@@ -161,14 +162,20 @@ bool readZone(DateScanner& scanner, VELHLSSyntax::DateTime& read) {
 
 std::optional<std::uint64_t> VELHLSSyntax::readDecimalInteger(std::string_view text) {
     constexpr std::size_t mostDigits = 20;
-    if (text.empty() || text.size() > mostDigits || !velhls::holdsOnly(text, velhls::digits))
-        return std::nullopt;
+    constexpr std::uint64_t mostBeforeLast = std::numeric_limits<std::uint64_t>::max() / 10;
+    constexpr unsigned mostLast = std::numeric_limits<std::uint64_t>::max() % 10;
+    if (text.empty() || text.size() > mostDigits) return std::nullopt;
     std::uint64_t number = 0;
+    std::uint64_t before = 0;
     for (std::size_t place = 0; place < text.size(); ++place) {
-        const unsigned digit = digitAt(text, place);
-        if (number > (std::numeric_limits<std::uint64_t>::max() - digit) / 10) return std::nullopt;
-        number = number * 10 + digit;
+        if (!velhls::isDigit(text[place])) return std::nullopt;
+        before = number;
+        number = number * 10 + digitAt(text, place);
     }
+    // Only the last of the most digits can be one too many.
+    const bool isTooLarge =
+        before > mostBeforeLast || (before == mostBeforeLast && digitAt(text, text.size() - 1) > mostLast);
+    if (isTooLarge) return std::nullopt;
     return number;
 }
 
