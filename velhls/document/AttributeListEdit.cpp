@@ -61,6 +61,17 @@ bool isUnclosed(const VELHLSAttribute& attribute) {
     return attribute.quoted && attribute.writtenValue.size() < attribute.value.size() + 2;
 }
 
+/// The value, and what follows its second quote, if that is something.
+std::string_view wholeValue(const VELHLSAttribute& attribute) {
+    const std::string_view after = between(endOf(attribute.writtenValue), endOf(attribute.text));
+    return isBlank(after) ? attribute.writtenValue
+                          : between(attribute.writtenValue.data(), endOf(attribute.text));
+}
+
+bool lacksEquals(const VELHLSAttribute& attribute) {
+    return attribute.text.find('=') == std::string_view::npos;
+}
+
 }  // namespace
 
 AttributeListEdit::AttributeListEdit(const VELHLSLine& line,
@@ -86,9 +97,10 @@ AttributeListEdit::AttributeListEdit(const VELHLSLine& line,
 /// The attribute as it will stand.
 std::string AttributeListEdit::Entry::text() const {
     if (!changes) return std::string(attribute.text);
-    if (attribute.fault == VELHLSAttribute::EqualsMissing) return std::string(attribute.name) + "=" + value;
-    const std::string_view before = between(attribute.text.data(), attribute.writtenValue.data());
-    const std::string_view after = between(endOf(attribute.writtenValue), endOf(attribute.text));
+    if (lacksEquals(attribute)) return std::string(attribute.name) + "=" + value;
+    const std::string_view replaced = wholeValue(attribute);
+    const std::string_view before = between(attribute.text.data(), replaced.data());
+    const std::string_view after = between(endOf(replaced), endOf(attribute.text));
     return std::string(before).append(value).append(after);
 }
 
@@ -109,7 +121,7 @@ void AttributeListEdit::change(const std::vector<VELHLSAttributeChange>& changes
         const VELHLSAttributeChange* const change = changeOf(entry.attribute.name, changes);
         if (change == nullptr) continue;
         if (change->value) entry.value = written(*change);
-        entry.changes = entry.value != entry.attribute.writtenValue;
+        entry.changes = !change->value || entry.value != wholeValue(entry.attribute);
     }
 }
 
@@ -134,8 +146,8 @@ void AttributeListEdit::makeRoomForAdded() {
 
 void AttributeListEdit::replaceEntries(std::size_t first, std::size_t end) {
     const bool isOneValue = first + 1 == end && added_.empty() && !entries_[first].isRemoved();
-    if (isOneValue && entries_[first].attribute.fault != VELHLSAttribute::EqualsMissing) {
-        replaced_ = entries_[first].attribute.writtenValue;
+    if (isOneValue && !lacksEquals(entries_[first].attribute)) {
+        replaced_ = wholeValue(entries_[first].attribute);
         replacement_ = entries_[first].value;
         return;
     }

@@ -232,6 +232,8 @@ std::vector<VELHLSUri> VELHLSDocument::uris() const {
 VELHLSLine VELHLSDocument::namedLine(std::size_t number) const {
     const VELHLSLine named = line(number);
     require(!named.name.empty(), "the line has no tag");
+    const bool isAlone = named.hasColon || named.value.data() == named.text.data() + named.text.size();
+    require(isAlone, "something other than a colon follows the tag's name");
     return named;
 }
 

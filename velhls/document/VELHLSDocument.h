@@ -84,12 +84,13 @@ class VELHLS_API VELHLSDocument {
     /// types (X-…), as it is given. Removing what is not there changes nothing.
     ///
     /// Refused: a name that is none; a value with a quote or a line end in it, or with a comma or white space where it has
-    /// no quotes, or an empty one there; a line without a name; to add to a list whose last quote is not closed.
+    /// no quotes, or an empty one there; a line without a name, or with something other than a colon after it;
+    /// to add to a list whose last quote is not closed.
     [[nodiscard]] VELHLSEdit changeAttributes(std::size_t line,
                                               const std::vector<VELHLSAttributeChange>& changes) const;
 
-    /// Replaces what follows the colon of a tag; adds the colon where there is none. Refused: a line end in the value, and a
-    /// line without a name.
+    /// Replaces what follows the colon of a tag; adds the colon where there is none. Refused: a line end in the value; a
+    /// line without a name, or with something other than a colon after it.
     [[nodiscard]] VELHLSEdit replaceValue(std::size_t line, std::string_view value) const;
 
     /// Replaces a URI of this document. Refused: an empty one; a line end in it, or a quote where it is an attribute; and
