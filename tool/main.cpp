@@ -14,6 +14,8 @@
 #include "velhls/VELHLS.h"
 
 #include "tool/Check.h"
+#include "tool/Edit.h"
+#include "tool/EditCommand.h"
 #include "tool/Failure.h"
 #include "tool/InputFile.h"
 #include "tool/Inspect.h"
@@ -178,6 +180,9 @@ int run(int argumentCount, char** arguments) {
     addInputOptions(*inspectCommand, request);
     inspectCommand->add_flag("--json", request.json, "Write the whole model as JSON");
     inspectCommand->callback([&request] { inspect(request); });
+
+    tool::EditRequest editRequest;
+    tool::addEditCommand(app, editRequest);
 
     tool::addSelfDescription(app);
     addCheckCommand(app, request, status);
