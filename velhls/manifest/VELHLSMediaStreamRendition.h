@@ -33,6 +33,9 @@ class VELHLS_API VELHLSMediaStreamRendition {
         Unknown = 0xFFFFFFFF,  ///< TYPE has not been read; such a rendition is never valid
     };
 
+    /// A rendition without anything, to be filled member by member; it validates once it has a type, GROUP-ID and NAME.
+    VELHLSMediaStreamRendition() = default;
+
     /// Stores its arguments and checks nothing; `characteristics` starts empty. The media stream is shared.
     VELHLSMediaStreamRendition(RenditionType type, const std::string& uri,
                                std::shared_ptr<VELHLSMediaStream> mediaStream, const std::string& groupId,
@@ -103,8 +106,4 @@ class VELHLS_API VELHLSMediaStreamRendition {
 
     /// CHARACTERISTICS, cut at its commas.
     std::set<std::string> characteristics;
-
-  protected:
-    /// For the library's own reader, which sets all members in place.
-    VELHLSMediaStreamRendition() = default;
 };

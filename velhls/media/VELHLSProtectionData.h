@@ -26,6 +26,9 @@ class VELHLS_API VELHLSProtectionData {
         SampleAES = 2,  ///< "SAMPLE-AES"
     };
 
+    /// A key of method None, to be filled member by member.
+    VELHLSProtectionData() = default;
+
     /// Stores its arguments; an empty list of versions becomes the single version 1. Checks nothing.
     VELHLSProtectionData(ProtectionMethod method, const std::string& uri, const std::string& iv,
                          const std::string& keyFormat, std::vector<std::int32_t> versions);
@@ -54,7 +57,7 @@ class VELHLS_API VELHLSProtectionData {
     [[nodiscard]] std::int32_t render(std::string& out) const;
 
     /// METHOD.
-    ProtectionMethod method;
+    ProtectionMethod method = None;
 
     /// URI of the key; empty for method None.
     std::string uri;
@@ -66,7 +69,7 @@ class VELHLS_API VELHLSProtectionData {
     std::string keyFormat;
 
     /// KEYFORMATVERSIONS; {1} when absent.
-    std::vector<std::int32_t> keyFormatVersions;
+    std::vector<std::int32_t> keyFormatVersions = {1};
 
   private:
     VELHLS_HIDDEN void appendEncryptingKey(std::string& out, std::string_view methodName) const;
