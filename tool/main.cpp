@@ -32,6 +32,7 @@ struct Request {
     std::string output = tool::standardInput;
     std::string kind = "auto";
     bool quiet = false;
+    bool conformant = false;
     bool json = false;
     std::size_t mostBytes = tool::usualLargestInput;
     std::string rule;
@@ -43,14 +44,15 @@ struct Request {
 void render(const Request& request) {
     const tool::Playlist playlist =
         tool::readPlaylist(request.input, tool::kindNamed(request.kind), request.mostBytes);
-    const std::string text = tool::cleanText(playlist);
+    const auto writing = request.conformant ? tool::Writing::Conformant : tool::Writing::Rendered;
+    const std::string text = tool::cleanText(playlist, writing);
     if (request.output == tool::standardInput) {
         tool::writeToStandardOutput(text);
     } else {
         tool::replaceFile(request.output, text);
     }
     if (request.quiet) return;
-    static_cast<void>(std::fputs(tool::describeLosses(playlist).c_str(), stderr));
+    static_cast<void>(std::fputs(tool::describeLosses(playlist, writing).c_str(), stderr));
 }
 
 VELHLSFinding::Severity severityNamed(const std::string& name) {
@@ -171,6 +173,8 @@ int run(int argumentCount, char** arguments) {
     addInputOptions(*renderCommand, request);
     renderCommand->add_option("-o,--output", request.output, "Where to write; - for standard output")
         ->capture_default_str();
+    renderCommand->add_flag("--conformant", request.conformant,
+                            "Write the text as RFC 8216 wants it, not as the library renders it");
     renderCommand->add_flag("--quiet", request.quiet, "Do not say what the clean text no longer holds");
     renderCommand->callback([&request] { render(request); });
 

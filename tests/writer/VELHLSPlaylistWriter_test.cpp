@@ -279,6 +279,21 @@ TEST(VELHLSPlaylistWriterMedia, WritesADateOnlyWhereItDoesNotFollow) {
                      "#EXTINF:6,", "segment4.ts"}));
 }
 
+TEST(VELHLSPlaylistWriterMedia, WritesEveryKnownDateWhenAskedTo) {
+    VELHLSWriterOptions options;
+    options.everyDate = true;
+    VELHLSMediaStream stream = playlistOf(4);
+    stream.segments[1]->programDateTime = newYear;
+    stream.segments[2]->programDateTime = newYear + 6.0;
+    EXPECT_EQ(segmentsOf(stream, options),
+              lines({"#EXTINF:6,", "segment0.ts", "#EXT-X-PROGRAM-DATE-TIME:2026-01-01T00:00:00.000Z",
+                     "#EXTINF:6,", "segment1.ts", "#EXT-X-PROGRAM-DATE-TIME:2026-01-01T00:00:06.000Z",
+                     "#EXTINF:6,", "segment2.ts", "#EXTINF:6,", "segment3.ts"}));
+    const std::string undated = lines(
+        {"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXTINF:6,", "segment0.ts", "#EXTINF:6,", "segment1.ts"});
+    EXPECT_EQ(writtenAgain(undated, options), undated);
+}
+
 TEST(VELHLSPlaylistWriterMedia, DoesNotLetSmallDifferencesOfDatesAddUp) {
     VELHLSMediaStream stream = playlistOf(4);
     for (std::size_t index = 0; index < 4; ++index)

@@ -267,9 +267,9 @@ bool MediaWriter::appendMap(const VELHLSMISMap& map) {
 bool MediaWriter::appendDate(const VELHLSMediaSegment& segment) {
     const double date = segment.programDateTime;
     const bool isNone = date == 0.0 || date == segment.startTime;
-    const bool isTold =
-        number_ > 1 && isSameDate(date, nextDate_) && !(segment.discontinuity && dateIsKnown_);
-    if (isNone || isTold) {
+    const bool follows = number_ > 1 && isSameDate(date, nextDate_);
+    const bool isAsked = dateIsKnown_ && (options_.everyDate || segment.discontinuity);
+    if (isNone || (follows && !isAsked)) {
         nextDate_ += segment.duration;
         return true;
     }

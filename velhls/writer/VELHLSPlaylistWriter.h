@@ -43,14 +43,14 @@ class VELHLS_API VELHLSPlaylistWriter {
     /// - EXT-X-VERSION is the model's version, or the lowest that has all that is written (section 7) where that is
     ///   higher. Version 1 is not written.
     /// - EXT-X-TARGETDURATION is `targetDuration` rounded, or the longest duration rounded where that is more (section
-    ///   4.3.3.1). Of a live playlist it must not change: set `targetDuration` to what the longest segment will need.
+    ///   4.3.3.1). Of a live playlist neither these nor the version should change: set both to what will be needed.
     /// - EXT-X-MEDIA-SEQUENCE is `mediaSequence`, and not the number of the first segment. EXT-X-DISCONTINUITY-SEQUENCE
     ///   is written for 0 too where a discontinuity may leave the playlist (section 6.2.2).
     /// - EXT-X-START is not written for an offset of 0, unless it is precise.
     /// - Durations and offsets have the fewest decimals that are read back as the same number.
     /// - A title is written after one comma, whether or not it begins with one.
     /// - A date is written in UTC to the millisecond, after a discontinuity or where counting on from the segment before
-    ///   gives another millisecond. One of 0, or equal to `startTime`, was counted from 1970 by the parse and is none.
+    ///   gives another millisecond; see VELHLSWriterOptions::everyDate. One of 0, or equal to `startTime`, was counted from 1970 by the parse and is none.
     /// - Key and map are written where they change, METHOD=NONE where a key ends, and before one of another KEYFORMAT,
     ///   since the earlier key would else hold as well (section 4.3.2.4).
     /// - A map that changes together with the key stands after it, and is so declared encrypted with it. It stands before

@@ -6,6 +6,11 @@ struct VELHLSWriterOptions {
     /// Media playlists: write EXT-X-CUE-OUT, EXT-X-CUE-OUT-CONT and EXT-X-CUE-IN (vendor extensions).
     bool cueMarkers = true;
 
+    /// Media playlists: write every date that is known, also where it follows from the segment before. For the window of a
+    /// live playlist: a segment that becomes its first would gain a date otherwise, and the tags of a segment must not
+    /// change (RFC 8216, section 6.2.1).
+    bool everyDate = false;
+
     /// Media playlists: the initialization sections are not encrypted, whatever their segments are. A section that
     /// comes with a key is then declared before the key, and METHOD=NONE ends an earlier key first (RFC 8216,
     /// section 4.3.2.4).
