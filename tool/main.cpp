@@ -36,6 +36,7 @@ struct Request {
     bool json = false;
     std::size_t mostBytes = tool::usualLargestInput;
     std::string rule;
+    std::string command;
     std::string severity = "warning";
     std::vector<std::string> disabledRules;
     tool::CheckRequest check;
@@ -97,14 +98,23 @@ void inspect(const Request& request) {
     tool::writeToStandardOutput(std::visit(Inspection{playlist.status, request.json}, playlist.model));
 }
 
+/// Makes bytes of a size such as "10k"; says why that cannot be done.
+std::string makeBytes(std::string& size) {
+    const bool isNumber = !size.empty() && size.front() >= '0' && size.front() <= '9';
+    if (!isNumber) return "expected a number of bytes, as 10k, seen " + tool::quotedExcerpt(size);
+    return CLI::AsSizeValue(false)(size);
+}
+
 /// What the commands that read playlists have in common.
 void addReadingOptions(CLI::App& command, Request& request) {
     command.add_option("--kind", request.kind, "What to read it as")
         ->check(CLI::IsMember({"auto", "master", "media"}))
         ->capture_default_str();
-    command.add_option("--max-bytes", request.mostBytes, "Read no playlist that has more bytes")
+    command
+        .add_option("--max-bytes", request.mostBytes,
+                    "Read no playlist that has more bytes; 10k is 10,240, and m and g are more")
         ->type_name("BYTES")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
+        ->transform(CLI::Validator(makeBytes, ""))
         ->capture_default_str();
 }
 
@@ -144,6 +154,30 @@ void addExplainCommand(CLI::App& app, Request& request) {
         ->required()
         ->check(CLI::Validator(whyNoRule, "RULE"));
     command->callback([&request] { explain(request); });
+}
+
+/// The command of this name; null when there is none.
+const CLI::App* commandNamed(const CLI::App& app, const std::string& name) {
+    const auto found =
+        app.get_subcommands([&name](const CLI::App* command) { return command->get_name() == name; });
+    return found.empty() ? nullptr : found.front();
+}
+
+/// `velhls help` and `velhls help COMMAND`.
+void addHelpCommand(CLI::App& app, Request& request) {
+    const auto whyNoCommand = [&app](const std::string& name) -> std::string {
+        if (commandNamed(app, name) != nullptr) return {};
+        return "there is no command " + tool::quotedExcerpt(name);
+    };
+    CLI::App* command = app.add_subcommand("help", "Show this help, or that of a command");
+    command->add_option("COMMAND", request.command, "The command; all of them by default")
+        ->check(CLI::Validator(whyNoCommand, "COMMAND"));
+    command->callback([&app, &request] {
+        const CLI::App* asked = request.command.empty() ? &app : commandNamed(app, request.command);
+        tool::writeToStandardOutput(app.get_formatter()->make_help(
+            asked, asked == &app ? app.get_name() : app.get_name() + " " + asked->get_name(),
+            CLI::AppFormatMode::Normal));
+    });
 }
 
 /// Help and version come as errors, too.
@@ -186,6 +220,7 @@ int run(int argumentCount, char** arguments) {
     tool::addSelfDescription(app);
     addCheckCommand(app, request, status);
     addExplainCommand(app, request);
+    addHelpCommand(app, request);
 
     try {
         app.parse(argumentCount, arguments);

@@ -331,4 +331,13 @@ TEST(InspectCommand, TellsThatThereWerePatterns) {
     EXPECT_THAT(outcome.output, HasSubstr("media patterns        yes"));
 }
 
+TEST(Command, HelpsWhenAskedByACommand) {
+    EXPECT_EQ(velhls({"help"}).output, velhls({"--help"}).output);
+    EXPECT_EQ(velhls({"help", "render"}).output, velhls({"render", "--help"}).output);
+    EXPECT_EQ(velhls({"help"}).exitStatus, 0);
+    const Outcome unknown = velhls({"help", "rendre"});
+    EXPECT_EQ(unknown.exitStatus, 2);
+    EXPECT_THAT(unknown.errors, HasSubstr("there is no command \"rendre\""));
+}
+
 }  // namespace
