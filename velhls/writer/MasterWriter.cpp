@@ -20,17 +20,16 @@
 namespace velhls {
 namespace {
 
-using Variants = std::vector<const VELHLSMediaVariant*>;
-
 /// The offset that stands for none.
 constexpr double noStart = -1.0;
 
 /// Whether `streamVariants` are the EXT-X-STREAM-INF variants of `variants`, in any order.
 bool listsAgree(const VELHLSParsedManifest& manifest) {
-    Variants listed;
+    // Compared as the objects that they are: the templates of a pointer to a public class would be handed out with it.
+    std::vector<const void*> listed;
     for (const auto& variant : manifest.streamVariants)
         listed.push_back(variant.get());
-    Variants held;
+    std::vector<const void*> held;
     for (const auto& [bandwidth, variant] : manifest.variants) {
         if (!variant->isIFrame) held.push_back(variant.get());
     }
