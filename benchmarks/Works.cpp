@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <functional>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -147,7 +148,40 @@ class Render : public Work {
     std::int32_t result_ = -1;
 };
 
+/// Writes a playlist as RFC 8216 wants it into a new string stream.
+template <typename Playlist>
+class Write : public Work {
+  public:
+    Write(Playlist playlist, std::string expected)
+        : playlist_(std::move(playlist)), expected_(std::move(expected)) {}
+
+    void prepare() override { output_ = std::make_unique<std::ostringstream>(); }
+    void run() override { refusal_ = VELHLSPlaylistWriter::write(*playlist_, *output_); }
+    void drop() override {
+        require(!refusal_ && output_->str() == expected_, "the text is not what it was");
+        output_ = nullptr;
+    }
+
+  private:
+    Playlist playlist_;
+    std::string expected_;
+    std::unique_ptr<std::ostringstream> output_;
+    std::optional<std::string> refusal_;
+};
+
+/// A duration as it is printed into a text.
+using PrintDuration = std::to_chars_result (*)(char* begin, char* end, double duration);
+
+std::to_chars_result printSixDecimals(char* begin, char* end, double duration) {
+    return std::to_chars(begin, end, duration, std::chars_format::fixed, 6);
+}
+
+std::to_chars_result printShortest(char* begin, char* end, double duration) {
+    return std::to_chars(begin, end, duration, std::chars_format::fixed);
+}
+
 /// The text of a media playlist in ready pieces, cut where a duration stands.
+template <PrintDuration print>
 class WritingFloor : public Work {
   public:
     WritingFloor(const Stream& stream, std::string expected) : expected_(std::move(expected)) {
@@ -167,8 +201,7 @@ class WritingFloor : public Work {
         std::string text;
         for (const Piece& piece : pieces_) {
             std::array<char, 64> digits;
-            const auto printed = std::to_chars(digits.data(), digits.data() + digits.size(), piece.duration,
-                                               std::chars_format::fixed, 6);
+            const auto printed = print(digits.data(), digits.data() + digits.size(), piece.duration);
             text += piece.text;
             text.append(digits.data(), printed.ptr);
         }
@@ -242,7 +275,7 @@ Measurement mediaRender(std::string name, const std::string& text, std::size_t s
             1,
             std::make_unique<Render<Stream>>(stream, expected),
             "W",
-            std::make_unique<WritingFloor>(stream, expected)};
+            std::make_unique<WritingFloor<printSixDecimals>>(stream, expected)};
 }
 
 /// The floor is the reading of the same text: there is no duration to write.
@@ -255,6 +288,40 @@ Measurement masterRender(std::string name, const std::string& text, std::size_t 
             expected.size(),
             1,
             std::make_unique<Render<Manifest>>(manifest, expected),
+            "R",
+            std::make_unique<ReadingFloor>(expected, false)};
+}
+
+template <typename Playlist>
+std::string written(const Playlist& playlist) {
+    std::ostringstream output;
+    require(!VELHLSPlaylistWriter::write(*playlist, output), "the playlist is refused");
+    return output.str();
+}
+
+Measurement mediaWrite(std::string name, const std::string& text, std::size_t segments) {
+    std::istringstream input(text);
+    const Stream stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
+    const std::string expected = written(stream);
+    return {std::move(name),
+            segments,
+            expected.size(),
+            1,
+            std::make_unique<Write<Stream>>(stream, expected),
+            "W",
+            std::make_unique<WritingFloor<printShortest>>(stream, expected)};
+}
+
+/// The floor is that of a render.
+Measurement masterWrite(std::string name, const std::string& text, std::size_t variants) {
+    std::istringstream input(text);
+    const Manifest manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
+    const std::string expected = written(manifest);
+    return {std::move(name),
+            variants,
+            expected.size(),
+            1,
+            std::make_unique<Write<Manifest>>(manifest, expected),
             "R",
             std::make_unique<ReadingFloor>(expected, false)};
 }
@@ -280,6 +347,10 @@ const std::vector<std::pair<std::string, Maker>>& makers() {
         {"render/rich/100000", [](Name name) { return mediaRender(name, inputs::rich(many), many); }},
         {"render/master-large/10000",
          [](Name name) { return masterRender(name, inputs::largeMaster(10000), 10000); }},
+        {"write/vod/100000", [](Name name) { return mediaWrite(name, inputs::vod(many), many); }},
+        {"write/rich/100000", [](Name name) { return mediaWrite(name, inputs::rich(many), many); }},
+        {"write/master-large/10000",
+         [](Name name) { return masterWrite(name, inputs::largeMaster(10000), 10000); }},
     };
     return all;
 }

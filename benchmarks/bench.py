@@ -23,6 +23,8 @@ AIMS = {
     "parse/master-large/10000": 8.0,
     "render/vod/100000": 1.0,
     "render/rich/100000": 1.3,
+    "write/vod/100000": 1.1,
+    "write/rich/100000": 1.1,
 }
 
 

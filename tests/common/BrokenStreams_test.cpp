@@ -6,6 +6,7 @@
 #include <ios>
 #include <istream>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -116,6 +117,26 @@ TEST(BrokenStreams, MasterPlaylistIsWrittenUpToTheByteWhereTheStreamFails) {
 
 TEST(BrokenStreams, MediaPlaylistIsWrittenUpToTheByteWhereTheStreamFails) {
     expectPlaylistToOutliveBrokenSinks(*parsed(whole::media, playlist::parseMedia));
+}
+
+template <typename Playlist>
+void expectWriterToOutliveBrokenSinks(const Playlist& playlist) {
+    std::ostringstream out;
+    ASSERT_EQ(VELHLSPlaylistWriter::write(playlist, out), std::nullopt);
+    const std::string whole = out.str();
+    for (std::size_t room = 0; room <= whole.size(); ++room) {
+        SCOPED_TRACE(room);
+        BrokenSink sink(room, Manner::refuses);
+        std::ostream stream(&sink);
+        ASSERT_EQ(VELHLSPlaylistWriter::write(playlist, stream), std::nullopt);
+        ASSERT_EQ(stream.bad(), room != whole.size());
+        ASSERT_EQ(sink.text(), whole.substr(0, room));
+    }
+}
+
+TEST(BrokenStreams, WriterWritesUpToTheByteWhereTheStreamFails) {
+    expectWriterToOutliveBrokenSinks(*parsed(whole::master, VELHLSParsedManifest::parseManifest));
+    expectWriterToOutliveBrokenSinks(*parsed(whole::media, VELHLSMediaStream::parseMediaStream));
 }
 
 /// Hands its text out in pieces, and throws where it ends.

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <streambuf>
@@ -280,6 +281,47 @@ TEST(MemoryRunsOut, RenderingAMasterPlaylist) {
 
 TEST(MemoryRunsOut, RenderingAMediaPlaylist) {
     runOutOfMemory<Render<VELHLSMediaStream>>(wholeMedia());
+}
+
+template <typename Playlist>
+std::string writtenOf(const std::shared_ptr<const Playlist>& playlist) {
+    std::ostringstream out;
+    const auto refusal = VELHLSPlaylistWriter::write(*playlist, out);
+    return refusal ? "refused: " + *refusal : out.str();
+}
+
+template <typename Playlist>
+class Write {
+  public:
+    explicit Write(const std::shared_ptr<const Playlist>& playlist)
+        : playlist_(playlist), textBefore_(writtenOf(playlist)) {}
+
+    void run() { refusal_ = VELHLSPlaylistWriter::write(*playlist_, out_); }
+
+    [[nodiscard]] std::string outcome() const {
+        const bool isWhole = !refusal_ && out_.good() && writtenOf(playlist_) == textBefore_;
+        return (isWhole ? "" : "not whole:\n") + out_.text();
+    }
+
+    /// All is put together before the first byte is written.
+    [[nodiscard]] std::string changed() const {
+        if (writtenOf(playlist_) != textBefore_) return "the playlist";
+        return out_.text().empty() && out_.good() ? "" : "the stream";
+    }
+
+  private:
+    std::shared_ptr<const Playlist> playlist_;
+    std::string textBefore_;
+    Kept out_;
+    std::optional<std::string> refusal_;
+};
+
+TEST(MemoryRunsOut, WritingAMasterPlaylist) {
+    runOutOfMemory<Write<VELHLSParsedManifest>>(wholeMaster());
+}
+
+TEST(MemoryRunsOut, WritingAMediaPlaylist) {
+    runOutOfMemory<Write<VELHLSMediaStream>>(wholeMedia());
 }
 
 /// What std::bad_alloc means to a stream that has to grow is for the stream to say: a std::ostringstream takes it for a

@@ -21,6 +21,7 @@ namespace {
 
 constexpr double mostOfParse = 24.0;
 constexpr double mostOfRender = 2.5;
+constexpr double mostOfWrite = 3.0;
 constexpr double mostOfCheck = 32.0;
 
 struct Memory {
@@ -59,6 +60,11 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
     std::ostringstream out;
     const Memory rendered = memoryOf([&] { EXPECT_EQ(playlist->render(out), 0); });
     EXPECT_LE(multiple(rendered, text.size() + rendered.held), mostOfRender);
+
+    std::ostringstream other;
+    const Memory written =
+        memoryOf([&] { static_cast<void>(VELHLSPlaylistWriter::write(*playlist, other)); });
+    EXPECT_LE(multiple(written, text.size() + written.held), mostOfWrite);
 }
 
 TEST(PeakMemory, IsAMultipleOfTheTextAndOfWhatComesOutOfIt) {

@@ -331,7 +331,7 @@ void StandardRules::masterRead(const VELHLSParsedManifest& manifest, const Readi
     for (const auto& [bandwidth, variant] : manifest.variants) {
         const std::size_t line = lines.at(variant.get());
         if (line < lastLine) {
-            findings_.add(rule::variantsReordered, placeOfAttribute(line, lines_.line(line), {}), "a variant that is written behind a later one");
+            findings_.add(rule::variantsReordered, placeOfAttribute(line, lines_.line(line), {}), "a variant that is written after a later one");
             break;
         }
         lastLine = line;
@@ -352,7 +352,7 @@ void StandardRules::checkOrderOfRenditions(const VELHLSParsedManifest& manifest,
                     if (line < lastLine) {
                         findings_.add(rule::renditionsReordered,
                                       placeOfAttribute(line, lines_.line(line), {}),
-                                      "a rendition that is written behind a later one");
+                                      "a rendition that is written after a later one");
                         return;
                     }
                     lastLine = line;

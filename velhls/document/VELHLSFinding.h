@@ -42,7 +42,7 @@ struct VELHLSFinding {
     /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
     std::string source;
 
-    /// How many more findings this rule had behind this one that are not listed. Other than 0 in the last listed
+    /// How many more findings this rule had after this one that are not listed. Other than 0 in the last listed
     /// finding of a rule that had more than VELHLSDiagnostics::maximumFindingsPerRule.
     std::size_t suppressed = 0;
 };
