@@ -16,8 +16,8 @@ struct TagLine {
     explicit TagLine(std::string_view line) {
         const std::size_t colon = line.find(':');
         hasColon = colon != std::string_view::npos;
-        name = after(firstOf(line, hasColon ? colon : line.size()), 1);
-        if (hasColon) value = after(line, colon + 1);
+        name = withoutFirst(firstOf(line, hasColon ? colon : line.size()), 1);
+        if (hasColon) value = withoutFirst(line, colon + 1);
     }
 
     /// The text between the "#" and the first colon; without a colon, all after the "#".

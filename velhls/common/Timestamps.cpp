@@ -157,12 +157,12 @@ struct UsualForm {
         const bool isSeparated =
             text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' && text[16] == ':';
         if (!isSeparated || !isDigit(text[secondsStart])) return false;
-        const std::string_view rest = after(text, secondsStart);
+        const std::string_view rest = withoutFirst(text, secondsStart);
         day = firstOf(text, dayLength);
         hour = twoDigitsAt(text, 11);
         minute = twoDigitsAt(text, 14);
         seconds = leadingDecimal(rest);
-        return hour >= 0 && minute >= 0 && seconds.length > 0 && isUsualZone(after(rest, seconds.length));
+        return hour >= 0 && minute >= 0 && seconds.length > 0 && isUsualZone(withoutFirst(rest, seconds.length));
     }
 };
 

@@ -79,7 +79,7 @@ class CodeGuess {
     static bool begins(std::string_view line, LineCode code) {
         const VELHLSTagDefinition* const tag = code.definition();
         if (tag == nullptr || line.size() <= tag->name.size() || line.front() != '#') return false;
-        if (velhls::firstOf(velhls::behind(line, 1), tag->name.size()) != tag->name) return false;
+        if (velhls::firstOf(velhls::withoutFirst(line, 1), tag->name.size()) != tag->name) return false;
         return line.size() == tag->name.size() + 1 || line[tag->name.size() + 1] == ':';
     }
 
@@ -179,10 +179,10 @@ VELHLSLine VELHLSDocument::line(std::size_t number) const {
     if (line.kind == VELHLSLine::Uri) {
         line.value = velhls::withoutTrailing(parts.content, velhls::blanks);
     } else if (line.kind != VELHLSLine::Blank) {
-        const std::string_view afterName = velhls::behind(parts.content, 1 + parts.name.size());
+        const std::string_view afterName = velhls::withoutFirst(parts.content, 1 + parts.name.size());
         line.hasColon = !parts.name.empty() && velhls::startsWith(afterName, ":");
         const bool isWhole = parts.name.empty();
-        line.value = line.hasColon ? velhls::behind(afterName, 1)
+        line.value = line.hasColon ? velhls::withoutFirst(afterName, 1)
                                    : afterName.substr(0, isWhole ? afterName.size() : 0);
     }
     return line;
