@@ -135,8 +135,8 @@ void expectWriterToOutliveBrokenSinks(const Playlist& playlist) {
 }
 
 TEST(BrokenStreams, WriterWritesUpToTheByteWhereTheStreamFails) {
-    expectWriterToOutliveBrokenSinks(*parsed(whole::master, VELHLSParsedManifest::parseManifest));
-    expectWriterToOutliveBrokenSinks(*parsed(whole::media, VELHLSMediaStream::parseMediaStream));
+    expectWriterToOutliveBrokenSinks(*parsed(whole::master, playlist::parseMaster));
+    expectWriterToOutliveBrokenSinks(*parsed(whole::media, playlist::parseMedia));
 }
 
 /// Hands its text out in pieces, and throws where it ends.

@@ -103,6 +103,22 @@ TEST(VELHLSDiagnostics, DropsTheSegmentsThatARejectedPatternMadeBefore) {
     EXPECT_EQ(seenBy("target-duration-too-small", text, VELHLSDiagnostics::Media), "");
 }
 
+TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInKeysAndMaps) {
+    const auto reference = [](const std::string& tag) {
+        return seenBy("variable-not-replaced", lines({"#EXTM3U", tag, "#EXTINF:6,", "segment.ts"}),
+                      VELHLSDiagnostics::Media);
+    };
+    EXPECT_EQ(reference("#EXT-X-MAP:URI=\"init{$n}.mp4\",BYTERANGE=\"9@0\""), "\"{$n}.mp4\"");
+    EXPECT_EQ(reference("#EXT-X-KEY:METHOD=AES-128,URI=\"key{$n}\""), "\"{$n}\"");
+    EXPECT_EQ(reference("#EXT-X-MAP:URI=\"init.mp4\""), "");
+    const std::string pattern =
+        lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"1\"", "#ZOR-PATTERN_START:p",
+               "#EXT-X-MAP:URI=\"init{$n}.mp4\"", "#EXTINF:6,", "segment{$n}.ts", "#ZOR-PATTERN_REPEAT:p,3"});
+    EXPECT_EQ(found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).find("variable-not-replaced"),
+              found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).rfind("variable-not-replaced"));
+    EXPECT_EQ(seenBy("variable-not-replaced", pattern, VELHLSDiagnostics::Media), "\"{$n}.mp4\"");
+}
+
 TEST(VELHLSDiagnostics, TellsWhatAMapDoesNotKeep) {
     const auto seenOf = [](const std::string& ruleId, const std::string& list) {
         return seenBy(ruleId, lines({"#EXTM3U", "#EXT-X-MAP:" + list, "#EXTINF:6,", "segment.ts"}),

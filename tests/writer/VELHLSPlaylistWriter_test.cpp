@@ -890,7 +890,7 @@ TEST(VELHLSPlaylistWriterMaster, WritesThePlaylistThatHoldsEveryTag) {
                "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"audio-in-surround-ac3\",NAME=\"English, as it was "
                "recorded\",URI=\"audio/surround/index.m3u8\",LANGUAGE=\"en\",DEFAULT=YES,AUTOSELECT=YES,"
                "CHARACTERISTICS=\"public.accessibility.describes-video\"",
-               "#EXT-X-MEDIA:TYPE=VIDEO,GROUP-ID=\"video-from-the-goal\",NAME=\"The camera behind the "
+               "#EXT-X-MEDIA:TYPE=VIDEO,GROUP-ID=\"video-from-the-goal\",NAME=\"The camera after the "
                "goal\",URI=\"video/goal/index.m3u8\",DEFAULT=YES,AUTOSELECT=YES",
                "#EXT-X-MEDIA:TYPE=SUBTITLES,GROUP-ID=\"subtitles-of-all-kinds\",NAME=\"Deutsch, nur "
                "Schilder\",URI=\"text/de/index.m3u8\",LANGUAGE=\"de\",ASSOC-LANGUAGE=\"de-AT\","
