@@ -1,5 +1,6 @@
 #include "Works.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <functional>
@@ -326,6 +327,68 @@ Measurement masterWrite(std::string name, const std::string& text, std::size_t v
             std::make_unique<ReadingFloor>(expected, false)};
 }
 
+/// Finds the lines of a text that is there already.
+class Lines : public Work {
+  public:
+    Lines(std::string text, std::size_t lines) : text_(std::move(text)), lines_(lines) {}
+
+    void prepare() override { taken_ = text_; }
+    void run() override { document_ = std::make_unique<VELHLSDocument>(std::move(taken_)); }
+    void drop() override {
+        require(document_->lineCount() == lines_, "the document lost lines");
+        document_ = nullptr;
+    }
+
+  protected:
+    [[nodiscard]] const VELHLSDocument& document() const { return *document_; }
+
+  private:
+    std::string text_;
+    std::string taken_;
+    std::size_t lines_;
+    std::unique_ptr<VELHLSDocument> document_;
+};
+
+/// The same, and finds the structure, and scans all attributes.
+class WholeDocument : public Lines {
+  public:
+    using Lines::Lines;
+
+    void run() override {
+        Lines::run();
+        structure_ = std::make_unique<VELHLSStructure>(document());
+        for (const VELHLSLine line : document().lines()) {
+            if (line.definition == nullptr || line.definition->form != VELHLSTagDefinition::AttributeList)
+                continue;
+            for (const VELHLSAttribute& attribute : line.attributes())
+                attributeBytes_ += attribute.value.size();
+        }
+    }
+
+    void drop() override {
+        require(structure_->segmentCount() + structure_->variants().size() > 0, "the structure is empty");
+        structure_ = nullptr;
+        Lines::drop();
+    }
+
+  private:
+    std::unique_ptr<VELHLSStructure> structure_;
+    std::size_t attributeBytes_ = 0;
+};
+
+/// Its items are lines.
+template <typename Document>
+Measurement documentOf(std::string name, const std::string& text) {
+    const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    return {std::move(name),
+            lines,
+            text.size(),
+            1,
+            std::make_unique<Document>(text, lines),
+            "R",
+            std::make_unique<ReadingFloor>(text, false)};
+}
+
 using Maker = std::function<Measurement(const std::string&)>;
 
 const std::vector<std::pair<std::string, Maker>>& makers() {
@@ -351,6 +414,19 @@ const std::vector<std::pair<std::string, Maker>>& makers() {
         {"write/rich/100000", [](Name name) { return mediaWrite(name, inputs::rich(many), many); }},
         {"write/master-large/10000",
          [](Name name) { return masterWrite(name, inputs::largeMaster(10000), 10000); }},
+        {"lines/vod/100000", [](Name name) { return documentOf<Lines>(name, inputs::vod(many)); }},
+        {"lines/vod/1000000", [](Name name) { return documentOf<Lines>(name, inputs::vod(million)); }},
+        {"lines/rich/100000", [](Name name) { return documentOf<Lines>(name, inputs::rich(many)); }},
+        {"lines/rich/1000000", [](Name name) { return documentOf<Lines>(name, inputs::rich(million)); }},
+        {"document/vod/100000", [](Name name) { return documentOf<WholeDocument>(name, inputs::vod(many)); }},
+        {"document/vod/1000000",
+         [](Name name) { return documentOf<WholeDocument>(name, inputs::vod(million)); }},
+        {"document/rich/100000",
+         [](Name name) { return documentOf<WholeDocument>(name, inputs::rich(many)); }},
+        {"document/rich/1000000",
+         [](Name name) { return documentOf<WholeDocument>(name, inputs::rich(million)); }},
+        {"document/master-large/10000",
+         [](Name name) { return documentOf<WholeDocument>(name, inputs::largeMaster(10000)); }},
     };
     return all;
 }

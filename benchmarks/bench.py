@@ -25,6 +25,10 @@ AIMS = {
     "render/rich/100000": 1.3,
     "write/vod/100000": 1.1,
     "write/rich/100000": 1.1,
+    "lines/vod/1000000": 1.5,
+    "lines/rich/1000000": 1.5,
+    "document/vod/1000000": 3.0,
+    "document/rich/1000000": 3.0,
 }
 
 

@@ -204,6 +204,39 @@ class Check {
     std::vector<VELHLSFinding> findingsOfStream_;
 };
 
+/// A document, its structure, its URIs, and an edit of each of its lines.
+class Edit {
+  public:
+    explicit Edit(const std::string& text) : text_(text) {}
+
+    void run() {
+        const VELHLSDocument document(text_);
+        const VELHLSStructure structure(document);
+        std::vector<VELHLSEdit> edits;
+        for (const VELHLSUri& uri : document.uris())
+            edits.push_back(document.replaceUri(uri, "https://example.com/a-longer-uri-than-before"));
+        for (const VELHLSLine& line : document.linesNamed("EXT-X-KEY"))
+            edits.push_back(
+                document.changeAttributes(line.number, {{"KEYFORMATVERSIONS", "1/2/3/4/5/6/7/8/9"}}));
+        edits.push_back(document.insertBefore(1, "# a line that is too long for a small string"));
+        for (const VELHLSStructure::Segment segment : structure.segments())
+            edits.push_back(document.insertAfter(structure.linesOf(segment).back(), "# after a segment"));
+        edited_ = document.apply(edits).text;
+    }
+
+    [[nodiscard]] std::string outcome() const { return edited_; }
+    [[nodiscard]] std::string changed() const { return edited_.empty() ? "" : "the result"; }
+
+  private:
+    std::string text_;
+    std::string edited_;
+};
+
+TEST(MemoryRunsOut, EditingADocument) {
+    runOutOfMemory<Edit>(whole::master);
+    runOutOfMemory<Edit>(whole::media);
+}
+
 TEST(MemoryRunsOut, CheckingAMasterPlaylist) {
     runOutOfMemory<Check>(whole::master, VELHLSDiagnostics::Master);
     for (const std::string& text : whole::rejectedMasters) {

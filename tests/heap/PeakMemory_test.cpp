@@ -23,6 +23,8 @@ constexpr double mostOfParse = 24.0;
 constexpr double mostOfRender = 2.5;
 constexpr double mostOfWrite = 3.0;
 constexpr double mostOfCheck = 32.0;
+/// Beside the text itself, which it owns.
+constexpr double mostOfDocument = 24.0;
 
 struct Memory {
     std::size_t held = 0;
@@ -51,6 +53,14 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
     decltype(parse(stream, nullptr)) playlist;
     const Memory parsed = memoryOf([&] { playlist = parse(stream, nullptr); });
     EXPECT_LE(multiple(parsed, text.size() + parsed.held), mostOfParse);
+
+    std::unique_ptr<VELHLSDocument> document;
+    std::unique_ptr<VELHLSStructure> structure;
+    const Memory understood = memoryOf([&] {
+        document = std::make_unique<VELHLSDocument>(text);
+        structure = std::make_unique<VELHLSStructure>(*document);
+    });
+    EXPECT_LE(multiple(understood, text.size()), 1.0 + mostOfDocument);
 
     std::vector<VELHLSFinding> findings;
     const Memory checked = memoryOf([&] { findings = VELHLSDiagnostics::check(text, input.kind); });

@@ -129,6 +129,23 @@ TEST(Threads, AskForTheRulesForTheFirstTimeTogether) {
         EXPECT_EQ(summaries[number], rules[number].summary);
 }
 
+TEST(Threads, ReadAndEditOneDocument) {
+    const VELHLSDocument document(whole::media);
+    const VELHLSStructure structure(document);
+    EXPECT_EQ(
+        differences(20,
+                    [&](std::size_t number) {
+                        std::string seen;
+                        for (const VELHLSStructure::Segment segment : structure.segments())
+                            seen += std::to_string(segment.startTime) + " ";
+                        std::vector<VELHLSEdit> edits = {document.insertBefore(number + 1, "# inserted")};
+                        for (const VELHLSUri& uri : document.uris())
+                            edits.push_back(document.replaceUri(uri, "u" + std::to_string(number)));
+                        return seen + document.apply(edits).text;
+                    }),
+        0U);
+}
+
 TEST(Threads, ReadValidateAndRenderOneMasterPlaylist) {
     std::istringstream input(whole::master);
     const std::shared_ptr<const VELHLSParsedManifest> manifest =
