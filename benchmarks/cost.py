@@ -10,7 +10,7 @@ from pathlib import Path
 
 from benchmarks.measuring import PROGRAMS, ROOT, markdown_table, output_of, record
 
-PAGE = "docs/bounds.md"
+PAGE = "docs/contributing/hostile-inputs.md"
 PLACE = "cost"
 WORKS = ["parse", "render", "check", "document"]
 

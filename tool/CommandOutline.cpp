@@ -60,6 +60,7 @@ OptionOutline outlineOf(const CLI::Option& option) {
 
 std::vector<std::string> namesOf(const std::vector<CommandOutline>& commands) {
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const CommandOutline& command : commands)
         names.push_back(command.name);
     return names;

@@ -280,13 +280,13 @@ char* putDecimal(char* to, std::int64_t number) {
 char* putShortest(char* to, double number) {
     // Of numbers with no more than 15 digits no two are read as one. So where the nearest one with six decimals is read
     // as this number, it is the shortest once the zeros at its end are gone.
-    constexpr std::uint32_t million = 1000000;
+    constexpr std::int64_t million = 1000000;
     const bool isPlain = number >= 0.0 && number < 1e9;
-    const auto millionths = isPlain ? static_cast<std::uint64_t>(number * million + 0.5) : 0;
-    if (!isPlain || static_cast<double>(static_cast<std::int64_t>(millionths)) / million != number) {
+    const std::int64_t millionths = isPlain ? nearestWhole(number * static_cast<double>(million)) : 0;
+    if (!isPlain || static_cast<double>(millionths) / static_cast<double>(million) != number) {
         return std::to_chars(to, to + mostShortestBytes, number, std::chars_format::fixed).ptr;
     }
-    to = putWhole(to, millionths / million);
+    to = putWhole(to, static_cast<std::uint64_t>(millionths / million));
     const auto decimals = static_cast<std::uint32_t>(millionths % million);
     if (decimals == 0) return to;
     to = put(to, '.');

@@ -7,6 +7,8 @@
 #include <limits>
 #include <string_view>
 
+#include "velhls/common/Numbers.h"
+
 namespace velhls {
 
 /// A time to the millisecond, as it is written and as the library reads it back.
@@ -15,8 +17,7 @@ class Milliseconds {
     /// The nearest one. The seconds since the epoch must be those of a year up to 9999, and not negative.
     explicit Milliseconds(double secondsSinceEpoch)
         : second_(static_cast<std::int64_t>(secondsSinceEpoch)),
-          millisecond_(
-              static_cast<std::int64_t>((secondsSinceEpoch - static_cast<double>(second_)) * 1000.0 + 0.5)) {
+          millisecond_(nearestWhole((secondsSinceEpoch - static_cast<double>(second_)) * 1000.0)) {
         if (millisecond_ < 1000) return;
         millisecond_ = 0;
         ++second_;
