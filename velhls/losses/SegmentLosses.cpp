@@ -68,6 +68,22 @@ void findRepeatedKeyAndMap(const LossSegment& segment, const Tell& tell) {
     if (inherits) tell(segment.uriLine(), segment.inUriLine(segment.segment.uri), "a segment without");
 }
 
+/// What is written holds the key before the map, and RFC 8216 has a key apply to the maps after it: one that stood in the
+/// clear is declared encrypted, and one of another key this one's.
+void findMapBeforeKey(const LossSegment& segment, const Tell& tell) {
+    const LossLine* key = nullptr;
+    bool mapFollows = false;
+    for (const LossLine& line : segment.lines) {
+        if (line.isTagNamed(tag::key)) {
+            key = &line;
+            mapFollows = false;
+        }
+        if (line.isTagNamed(tag::map)) mapFollows = true;
+    }
+    const bool hasMap = segment.segment.misMap != nullptr;
+    if (key != nullptr && hasMap && !mapFollows) tell(*key, key->tag.name, "EXT-X-MAP before it");
+}
+
 // clang-format off
 constexpr SegmentLoss losses[] = {
     {{"variable-not-replaced", VELHLSFinding::Warning, "A URI refers to a variable that is not replaced: outside of media patterns, or in EXT-X-KEY or EXT-X-MAP.",
@@ -82,6 +98,9 @@ constexpr SegmentLoss losses[] = {
     {{"key-and-map-repeated", VELHLSFinding::Note, "The key and map in force are written before every segment.",
       "EXT-X-KEY and EXT-X-MAP before every segment", libraryBehaviour, kept},
      findRepeatedKeyAndMap},
+    {{"map-before-key", VELHLSFinding::Warning, "An EXT-X-MAP before an EXT-X-KEY is written after it, which declares it encrypted otherwise.",
+      "EXT-X-KEY before the EXT-X-MAP that it applies to", libraryBehaviour, kept},
+     findMapBeforeKey},
     {{"byte-range-from-uri", VELHLSFinding::Warning, "A byte range is read out of a segment's URI.",
       "a byte range in EXT-X-BYTERANGE, not in the URI", vendorExtension, kept},
      findRangeInUri},
