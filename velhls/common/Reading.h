@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velhls/common/PrivateExport.h"
 #include "velhls/common/Reason.h"
 #include "velhls/common/ReasonTable.h"
 
@@ -182,11 +183,11 @@ template <typename Step>
 
 /// The place of a piece of a line as a reader read it. The line of the text may have carriage returns that this one has
 /// not; those after the piece do not belong to it.
-[[nodiscard]] Place placeIn(std::size_t lineNumber, std::string_view lineOfText, std::string_view lineAsRead,
+[[nodiscard]] VELHLS_PRIVATE_API Place placeIn(std::size_t lineNumber, std::string_view lineOfText, std::string_view lineAsRead,
                             std::string_view piece);
 
 /// The place of the attribute's value in a tag's line of the text, or of the tag's name where it has no such attribute.
-[[nodiscard]] Place placeOfAttribute(std::size_t lineNumber, std::string_view lineOfText,
+[[nodiscard]] VELHLS_PRIVATE_API Place placeOfAttribute(std::size_t lineNumber, std::string_view lineOfText,
                                      std::string_view attributeName);
 
 /// Whether a piece is a part of a text, and not only equal to one.
