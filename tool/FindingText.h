@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 namespace tool {
 

@@ -47,10 +47,10 @@ struct VELHLSAttribute {
 /// breaks the grammar it goes on at the next comma. Of two attributes with one name both come.
 ///
 ///     for (const VELHLSAttribute& attribute : line.attributes()) std::cout << attribute.name << "\n";
-class VELHLS_API VELHLSAttributes {
+class VELHLS_CHECK_API VELHLSAttributes {
   public:
     /// Goes from one attribute to the next.
-    class VELHLS_API Iterator {
+    class VELHLS_CHECK_API Iterator {
       public:
         /// @cond
         using iterator_category = std::forward_iterator_tag;

@@ -27,7 +27,7 @@
 ///
 /// Above the text it holds five bytes for each line. All views look into the text that it owns: they are good as long as
 /// the document is there and is neither moved nor assigned to. It may be read by several threads at once.
-class VELHLS_API VELHLSDocument {
+class VELHLS_CHECK_API VELHLSDocument {
   public:
     /// The longest text: one byte less than 4 GiB.
     static constexpr std::uint64_t maximumBytes = UINT32_MAX;

@@ -26,7 +26,7 @@
 ///
 /// It refers to the document, which must outlive it, and is never changed. It holds 32 bytes for each segment and for each
 /// EXT-X-KEY, EXT-X-MAP and EXT-X-PROGRAM-DATE-TIME, and 8 for each variant. Making it takes time linear in the text.
-class VELHLS_API VELHLSStructure {
+class VELHLS_CHECK_API VELHLSStructure {
   public:
     /// The most keys of different KEYFORMATs that are in force at once: of more, the oldest is let go. So the structure
     /// stays linear in the text.

@@ -141,9 +141,7 @@ bool hasForm(std::string_view number, NumberForm form) {
 std::optional<std::string> textAsRead(std::string_view number, NumberForm form) {
     try {
         if (form != NumberForm::integer) return inSeconds(toDouble(number));
-        std::string text;
-        appendDecimal(text, toInt64(number));
-        return text;
+        return std::to_string(toInt64(number));
     } catch (const std::logic_error&) {
         // A number that cannot be converted is a reason to reject, and no loss.
         return std::nullopt;

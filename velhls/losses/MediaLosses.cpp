@@ -11,8 +11,8 @@
 #include "velhls/common/Numbers.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/common/Timestamps.h"
-#include "velhls/media/RangeText.h"
+#include "velhls/common/VELHLSUtility.h"
+#include "velhls/media/VELHLSByteRange.h"
 
 namespace velhls {
 namespace {
@@ -93,9 +93,8 @@ void findTitle(const LossLine& line, const Tell& tell) {
 
 bool isEmptyRange(std::string_view text) {
     VELHLSByteRange range;
-    Reason ignored;
     try {
-        return readRange(text, '@', false, range, ignored) && range.length == 0;
+        return range.parse(std::string(text), '@', false) == 0 && range.length == 0;
     } catch (const std::logic_error&) {
         // Rejected.
         return false;
@@ -128,13 +127,12 @@ constexpr std::size_t minuteLength = std::string_view("2026-11-21T10:00").size()
 /// Nothing for a line that is no EXT-X-PROGRAM-DATE-TIME, or whose value is not read.
 std::optional<Timestamp> timestampOf(const LossLine& line) {
     if (!line.isTagNamed(tag::programDateTime) || !line.tag.hasColon) return std::nullopt;
-    Reason ignored;
     try {
-        const double seconds = readTimestamp(line.tag.value, ignored);
+        const double seconds = VELHLSUtility::parseTimestamp(std::string(line.tag.value));
         if (seconds < 0.0) return std::nullopt;
-        std::array<char, mostTimestampBytes> text;
-        char* const end = TimestampWriter().put(text.data(), seconds);
-        return Timestamp{line.tag.value, seconds, std::string(text.data(), end)};
+        std::string written;
+        VELHLSUtility::renderTimestamp(seconds, written);
+        return Timestamp{line.tag.value, seconds, written};
     } catch (const std::logic_error&) {
         // Rejected.
         return std::nullopt;
@@ -182,8 +180,8 @@ void findRoundedDate(const LossLine& line, const Tell& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (!timestamp || !zoneOf(*timestamp)) return;
     constexpr double millisecond = 0.001;
-    Reason ignored;
-    const double lostSeconds = std::abs(readTimestamp(timestamp->written, ignored) - timestamp->seconds);
+    const double lostSeconds =
+        std::abs(VELHLSUtility::parseTimestamp(timestamp->written) - timestamp->seconds);
     if (lostSeconds > millisecond / 100) tell(line, timestamp->text);
 }
 

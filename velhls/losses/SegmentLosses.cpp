@@ -6,7 +6,7 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/media/RangeText.h"
+#include "velhls/common/UriRange.h"
 
 namespace velhls {
 namespace {

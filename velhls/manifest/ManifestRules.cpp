@@ -140,14 +140,4 @@ BrokenRules brokenRulesOf(const VELHLSParsedManifest& manifest, BrokenRules::Wan
     return broken;
 }
 
-Rejection rejectionOf(std::string_view text, const Reading& reading, const BrokenRule& broken) {
-    const auto& records = reading.records();
-    const auto lines = std::find_if(records.begin(), records.end(), [&broken](const RecordLines& record) {
-        return record.record == broken.record;
-    });
-    if (broken.record == nullptr || lines == records.end()) return {broken.rule, {}, broken.seen};
-    const std::string_view line = lineOf(text, lines->firstLine);
-    return {broken.rule, placeOfAttribute(lines->firstLine, line, broken.attribute), broken.seen};
-}
-
 }  // namespace velhls

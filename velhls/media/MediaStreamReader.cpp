@@ -6,6 +6,7 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/PatternTags.h"
+#include "velhls/common/Readers.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
@@ -112,6 +113,10 @@ SegmentOrigin MediaStreamReader::nextOrigin() const {
     return {stream_->segments.empty() ? nullptr : stream_->segments.back().get(),
             static_cast<std::uint64_t>(stream_->mediaSequence),
             static_cast<std::uint64_t>(stream_->discontinuitySequence)};
+}
+
+std::shared_ptr<VELHLSMediaStream> readMedia(std::string_view text, Reading& reading) {
+    return MediaStreamReader(text, &reading).read();
 }
 
 }  // namespace velhls
