@@ -1,4 +1,4 @@
-"""Measures the library beside its floors and prints one table. See scripts/bench and docs/performance.md."""
+"""Measures the library beside its floors and prints one table. See benchmarks/bench and docs/performance.md."""
 
 import argparse
 import json
@@ -119,7 +119,7 @@ def others_table(result):
 
 
 def main():
-    parser = argparse.ArgumentParser(prog="scripts/bench")
+    parser = argparse.ArgumentParser(prog="benchmarks/bench")
     parser.add_argument("--quick", action="store_true", help="leave out the million of segments")
     parser.add_argument("--json", metavar="FILE", type=Path, help="keep all that was measured")
     parser.add_argument("--record", action="store_true", help="write the table into docs/performance.md")

@@ -1,4 +1,4 @@
-"""Compares what an input costs with what it costs in twice its size. See scripts/cost."""
+"""Compares what an input costs with what it costs in twice its size. See benchmarks/cost."""
 
 import argparse
 import collections
@@ -138,7 +138,7 @@ def table(measured):
 
 
 def main():
-    parser = argparse.ArgumentParser(prog="scripts/cost")
+    parser = argparse.ArgumentParser(prog="benchmarks/cost")
     parser.add_argument("--renew", action="store_true", help=f"write what was measured into {PAGE}")
     renew = parser.parse_args().renew
 
@@ -152,7 +152,7 @@ def main():
             worst, key = max((works[work][index], key) for key, works in measured.items() if work in works)
             print(f"{work}: at most {worst:.2f} {what} ({key[0]}, {key[1]})")
     if failures:
-        raise SystemExit("error: " + "\n".join(failures) + "\nMake it cheaper, or commit what scripts/cost --renew writes.")
+        raise SystemExit("error: " + "\n".join(failures) + "\nMake it cheaper, or commit what benchmarks/cost --renew writes.")
 
 
 if __name__ == "__main__":

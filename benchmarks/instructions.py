@@ -1,4 +1,4 @@
-"""Compares the instructions of every parse and render with the committed figures. See scripts/instructions."""
+"""Compares the instructions of every parse and render with the committed figures. See benchmarks/instructions."""
 
 import argparse
 import json
@@ -48,7 +48,7 @@ def compare(counted, committed):
 
 
 def main():
-    parser = argparse.ArgumentParser(prog="scripts/instructions")
+    parser = argparse.ArgumentParser(prog="benchmarks/instructions")
     parser.add_argument("--renew", action="store_true", help="write what was counted into benchmarks/instructions.json")
     renew = parser.parse_args().renew
 
@@ -62,7 +62,7 @@ def main():
         print(f"not compared: the figures are for {figures['circumstances']}, and this is {here}")
     elif failures:
         raise SystemExit("error: more than 3% dearer, or not on both sides: " + ", ".join(failures) +
-                         "\nMake it cheaper, or commit what scripts/instructions --renew writes and say why.")
+                         "\nMake it cheaper, or commit what benchmarks/instructions --renew writes and say why.")
 
 
 if __name__ == "__main__":

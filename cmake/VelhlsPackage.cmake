@@ -1,5 +1,5 @@
 # The Debian packages that cpack makes of a shared build: libvelhls1 (library), libvelhls-dev (development) and velhls
-# (the command). The preset "package" sets what they need; scripts/package makes and checks them.
+# (the command). The preset "package" sets what they need; packaging/debian makes and checks them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME velhls)
 set(CPACK_PACKAGE_VENDOR velhls)

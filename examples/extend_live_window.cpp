@@ -16,7 +16,7 @@
 namespace {
 
 /// The new segment continues the last one: its numbers, its start, its date; it shares its key and its map. It has no
-/// title, and without one no comma is written behind its duration, which RFC 8216 wants: so it gets the title that a
+/// title, and without one no comma is written after its duration, which RFC 8216 wants: so it gets the title that a
 /// parsed segment without one has, the comma.
 void append(VELHLSMediaStream& stream, double duration, const std::string& uri) {
     stream.segments.push_back(

@@ -11,7 +11,8 @@
 #include <string_view>
 #include <utility>
 
-#include "fuzz/Memory.h"
+#include "tests/heap/Heap.h"
+#include "tests/support/Outcome.h"
 
 /// Defines a fuzz target: what is done with one text. In the program that runs the seeds all targets stand beside each
 /// other, each under its name.
@@ -43,19 +44,6 @@ inline void expectEqual(const std::string& seen, const std::string& expected, co
     if (seen != expected) fail(relation, "expected: " + expected + "\nseen:     " + seen);
 }
 
-/// What the work returns as a text, or the kind of the exception of number conversion that leaves it. Any other
-/// exception ends the program.
-template <typename Work>
-std::string outcomeOf(Work work) {
-    try {
-        return work();
-    } catch (const std::invalid_argument&) {
-        return "std::invalid_argument";
-    } catch (const std::out_of_range&) {
-        return "std::out_of_range";
-    }
-}
-
 /// The result of the work; a value-initialised one when an exception of number conversion leaves it.
 template <typename Work>
 auto resultOf(Work work) -> decltype(work()) {
@@ -84,9 +72,11 @@ auto bounded(std::size_t textBytes, const Cost& cost, Work work) -> decltype(wor
     class Measurement {
       public:
         Measurement(std::size_t textBytes, const Cost& cost)
-            : textBytes_(textBytes), cost_(cost), start_(std::clock()), memory_(memory::startPeak()) {}
+            : textBytes_(textBytes), cost_(cost), start_(std::clock()), memory_(heap::bytesInUse()) {
+            heap::forgetTheMost();
+        }
         ~Measurement() {
-            const std::size_t peak = memory::peakSince(memory_);
+            const std::size_t peak = heap::mostBytesInUse() - memory_;
             const double seconds = static_cast<double>(std::clock() - start_) / CLOCKS_PER_SEC;
             const std::size_t mostMemory = cost_.memoryAtLeast + cost_.memoryPerByte * textBytes_;
             const double mostSeconds =

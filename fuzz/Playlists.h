@@ -16,34 +16,19 @@
 
 namespace fuzz {
 
-/// All that can be seen of a parse: the model, the status, the exception, the stream's state, and what is left in it.
-template <typename Parse>
-std::string outcomeOfParse(std::istream& input, Parse parse) {
-    VELHLSParsingStatus status;
-    std::ostringstream outcome;
-    outcome << outcomeOf([&] {
-        const auto read = parse(input, &status);
-        return read == nullptr ? "rejected" : playlist::describe(*read);
-    });
-    outcome << "\nerror " << status.error << ", message " << status.message << ", patterns "
-            << status.hasMediaPatterns << ", state " << input.rdstate();
-    input.clear();
-    outcome << ", unread " << input.rdbuf();
-    return outcome.str();
-}
-
 /// However a stream hands out its text, the same is read: all in one piece, so that lines are looked at where they lie,
 /// character by character, and in small pieces that lie in the same memory.
 template <typename Parse>
 void expectTheSameFromEveryBuffer(const std::string& text, Parse parse) {
     std::istringstream whole(text);
-    const std::string expected = outcomeOfParse(whole, parse);
+    const std::string expected = playlist::outcomeWithStream(whole, parse);
     stream_buffer::Hidden hidden(text);
     std::istream characters(&hidden);
-    expectEqual(outcomeOfParse(characters, parse), expected, "character by character as in one piece");
+    expectEqual(playlist::outcomeWithStream(characters, parse), expected,
+                "character by character as in one piece");
     stream_buffer::PieceByPiece pieces(text, 1 + text.size() % 61);
     std::istream inPieces(&pieces);
-    expectEqual(outcomeOfParse(inPieces, parse), expected, "piece by piece as in one piece");
+    expectEqual(playlist::outcomeWithStream(inPieces, parse), expected, "piece by piece as in one piece");
 }
 
 /// True of patterns with so many passes that a text of a few hundred bytes takes seconds: the bounds of expansion have
@@ -71,7 +56,7 @@ void expectBoundedWhenProlonged(std::string text, const Cost& cost, Read read) {
     }
     const std::string longText = prolonged(text, "\n");
     if (longText.empty()) return;
-    const auto result = outcomeOf([&]() -> std::string {
+    const auto result = playlist::outcomeOf([&]() -> std::string {
         bounded(longText.size(), cost, [&] { return read(longText); });
         return {};
     });

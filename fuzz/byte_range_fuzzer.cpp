@@ -18,16 +18,17 @@ void expectRoundTrip(const VELHLSByteRange& range) {
 }
 
 void expectPlainParse(const std::string& text, char separator, bool isInclusive) {
-    const std::string outcome = fuzz::outcomeOf([&] {
+    const std::string outcome = playlist::outcomeOf([&] {
         VELHLSByteRange range;
         const bool isRead = range.parse(text, separator, isInclusive) == 0;
         fuzz::expect(isRead || playlist::describe(range) == "0@-1", "what is rejected leaves the record");
         if (isRead) expectRoundTrip(range);
         return isRead ? playlist::describe(range) : "none";
     });
-    fuzz::expectEqual(
-        outcome, fuzz::outcomeOf([&] { return described(plain::byteRange(text, separator, isInclusive)); }),
-        "the parse as its plain form");
+    fuzz::expectEqual(outcome, playlist::outcomeOf([&] {
+                          return described(plain::byteRange(text, separator, isInclusive));
+                      }),
+                      "the parse as its plain form");
 }
 
 }  // namespace
@@ -36,11 +37,11 @@ void expectPlainParse(const std::string& text, char separator, bool isInclusive)
 VELHLS_FUZZ_TARGET(byte_range) {
     expectPlainParse(text, '@', false);
     expectPlainParse(text, '-', true);
-    const std::string ofUri = fuzz::outcomeOf([&] {
+    const std::string ofUri = playlist::outcomeOf([&] {
         const auto range = fuzz::bounded(text.size(), {8}, [&] { return getByteRangeFromUri(text); });
         if (range != nullptr) expectRoundTrip(*range);
         return range == nullptr ? "none" : playlist::describe(*range);
     });
-    fuzz::expectEqual(ofUri, fuzz::outcomeOf([&] { return described(plain::byteRangeOfUri(text)); }),
+    fuzz::expectEqual(ofUri, playlist::outcomeOf([&] { return described(plain::byteRangeOfUri(text)); }),
                       "the range of a URI as its plain form");
 }

@@ -11,7 +11,7 @@ using Defines = std::shared_ptr<VELHLSDefineMap>;
 /// What an expansion did, and the variables that it left.
 template <typename Expand>
 std::string outcomeOfExpansion(const Defines& defines, Expand expand) {
-    const std::string outcome = fuzz::outcomeOf([&] { return expand(); });
+    const std::string outcome = playlist::outcomeOf([&] { return expand(); });
     return outcome + "\nvariables:\n" + (defines == nullptr ? "" : playlist::describe(*defines));
 }
 

@@ -5,11 +5,11 @@
 VELHLS_FUZZ_TARGET(key) {
     const auto key = plain::noKey();
     bool isRead = false;
-    const std::string outcome = fuzz::outcomeOf([&] {
+    const std::string outcome = playlist::outcomeOf([&] {
         isRead = fuzz::bounded(text.size(), {48}, [&] { return key->parse(text); }) == 0;
         return isRead ? playlist::describe(*key) : "rejected";
     });
-    fuzz::expectEqual(outcome, fuzz::outcomeOf([&] {
+    fuzz::expectEqual(outcome, playlist::outcomeOf([&] {
                           const auto read = plain::key(text);
                           return read == nullptr ? "rejected" : playlist::describe(*read);
                       }),

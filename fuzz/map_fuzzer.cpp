@@ -6,11 +6,11 @@
 VELHLS_FUZZ_TARGET(map) {
     VELHLSMISMap map;
     bool isRead = false;
-    const std::string outcome = fuzz::outcomeOf([&] {
+    const std::string outcome = playlist::outcomeOf([&] {
         isRead = fuzz::bounded(text.size(), {48}, [&] { return map.parse(text); }) == 0;
         return isRead ? playlist::describe(map) : "rejected";
     });
-    fuzz::expectEqual(outcome, fuzz::outcomeOf([&] {
+    fuzz::expectEqual(outcome, playlist::outcomeOf([&] {
                           const auto read = plain::map(text);
                           return read == nullptr ? "rejected" : playlist::describe(*read);
                       }),

@@ -18,8 +18,9 @@ VELHLS_FUZZ_TARGET(master) {
     fuzz::expectTheSameFromEveryBuffer(text, VELHLSParsedManifest::internalParseManifest);
     std::istringstream input(text);
     std::istringstream plainInput(text);
-    fuzz::expectEqual(fuzz::outcomeOfParse(input, VELHLSParsedManifest::internalParseManifest),
-                      fuzz::outcomeOfParse(plainInput, plain::manifest), "the parse as its plain form");
+    fuzz::expectEqual(playlist::outcomeWithStream(input, VELHLSParsedManifest::internalParseManifest),
+                      playlist::outcomeWithStream(plainInput, plain::manifest),
+                      "the parse as its plain form");
 
     if (manifest == nullptr) return;
     fuzz::expect(status.error == VELHLSParsingErrorNone, "what parses sets the status");

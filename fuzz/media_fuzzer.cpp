@@ -25,8 +25,9 @@ VELHLS_FUZZ_TARGET(media) {
     fuzz::expectTheSameFromEveryBuffer(text, VELHLSMediaStream::internalParseMediaStream);
     std::istringstream input(text);
     std::istringstream plainInput(text);
-    fuzz::expectEqual(fuzz::outcomeOfParse(input, VELHLSMediaStream::internalParseMediaStream),
-                      fuzz::outcomeOfParse(plainInput, plain::mediaStream), "the parse as its plain form");
+    fuzz::expectEqual(playlist::outcomeWithStream(input, VELHLSMediaStream::internalParseMediaStream),
+                      playlist::outcomeWithStream(plainInput, plain::mediaStream),
+                      "the parse as its plain form");
 
     if (stream == nullptr) return;
     fuzz::expect(status.error == VELHLSParsingErrorNone, "what parses sets the status");

@@ -49,22 +49,22 @@ void expectPlainDuration(double duration) {
 VELHLS_FUZZ_TARGET(numbers) {
     const bool isValue = text.find('"') == std::string::npos && !text.empty();
     if (isValue) {
-        fuzz::expectEqual(fuzz::outcomeOf([&] { return bandwidthOf(text); }), fuzz::outcomeOf([&] {
+        fuzz::expectEqual(playlist::outcomeOf([&] { return bandwidthOf(text); }), playlist::outcomeOf([&] {
                               return std::to_string(static_cast<std::uint64_t>(std::stoll(text)));
                           }),
                           "64-bit integers as std::stoll");
-        fuzz::expectEqual(fuzz::outcomeOf([&] { return programIdOf(text); }), fuzz::outcomeOf([&] {
+        fuzz::expectEqual(playlist::outcomeOf([&] { return programIdOf(text); }), playlist::outcomeOf([&] {
                               return std::to_string(static_cast<std::uint32_t>(std::stoi(text)));
                           }),
                           "32-bit integers as std::stoi");
     }
     if (text.find(',') == std::string::npos) {
-        const std::string read = fuzz::outcomeOf([&] {
+        const std::string read = playlist::outcomeOf([&] {
             const double duration = fuzz::bounded(text.size(), {16}, [&] { return durationOf(text); });
             expectPlainDuration(duration);
             return bits(duration + 0.0);
         });
-        fuzz::expectEqual(read, fuzz::outcomeOf([&] { return bits(std::stod(text) + 0.0); }),
+        fuzz::expectEqual(read, playlist::outcomeOf([&] { return bits(std::stod(text) + 0.0); }),
                           "fractions as std::stod");
     }
     double duration = 0.0;

@@ -7,22 +7,18 @@ namespace {
 template <typename Read>
 std::string outcomeOfPattern(std::istream& input, Read read) {
     std::string rejected;
-    std::string outcome = fuzz::outcomeOf([&]() -> std::string {
+    const std::string outcome = playlist::outcomeOf([&]() -> std::string {
         const auto pattern = read(input, rejected);
         if (pattern == nullptr) return "rejected: " + rejected;
         return "name " + pattern->name + ", repeated " + std::to_string(pattern->repeatCount) + ":\n" +
                pattern->body;
     });
-    std::ostringstream rest;
-    outcome += "\nstate " + std::to_string(input.rdstate());
-    input.clear();
-    rest << input.rdbuf();
-    return outcome + ", unread " + rest.str();
+    return outcome + "\n" + playlist::leftIn(input);
 }
 
 }  // namespace
 
-/// The first part of the text is the start line, the second a line in front of it, the rest the input.
+/// The first part of the text is the start line, the second a line before it, the rest the input.
 VELHLS_FUZZ_TARGET(pattern) {
     fuzz::Parts parts(text);
     const std::string startLine = parts.next();

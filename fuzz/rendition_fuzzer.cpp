@@ -7,7 +7,7 @@ VELHLS_FUZZ_TARGET(rendition) {
     const auto described = [](const auto& read) {
         return read == nullptr ? "rejected" : playlist::describe(*read);
     };
-    const std::string outcome = fuzz::outcomeOf([&] {
+    const std::string outcome = playlist::outcomeOf([&] {
         rendition = fuzz::bounded(text.size(), {48}, [&] { return VELHLSMediaStreamRendition::parse(text); });
         return described(rendition);
     });

@@ -2,7 +2,7 @@
 //
 //     fuzz_seeds TARGET PATH...
 //
-// A relation that does not hold ends the program by a signal, behind the name of the seed.
+// A relation that does not hold ends the program by a signal, after the name of the seed.
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>

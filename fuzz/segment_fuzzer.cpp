@@ -14,7 +14,7 @@ std::string outcomeOfSegments(const std::string& text, ParseNext parseNext, std:
     const auto defines = std::make_shared<VELHLSDefineMap>();
     VELHLSParsingStatus status;
     std::shared_ptr<VELHLSMediaPattern> pattern;
-    std::string outcome = fuzz::outcomeOf([&] {
+    std::string outcome = playlist::outcomeOf([&] {
         Segment previous;
         for (std::string line; std::getline(input, line);) {
             previous = parseNext(previous, line, input, pattern, 7, 3, defines, &status);

@@ -20,5 +20,5 @@ VELHLS_FUZZ_TARGET(session_data) {
                  "what it renders is not read", rendered);
     rendered.insert(rendered.find(':') + 1, "FIRST=1,");
     fuzz::expectEqual(described(VELHLSManifestSessionData::parseSessionData(rendered)), described(data),
-                      "behind another attribute it parses to an equal one");
+                      "after another attribute it parses to an equal one");
 }

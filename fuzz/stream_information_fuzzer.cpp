@@ -7,12 +7,12 @@ VELHLS_FUZZ_TARGET(stream_information) {
     const auto described = [](const auto& read) {
         return read == nullptr ? "rejected" : playlist::describe(*read);
     };
-    const std::string outcome = fuzz::outcomeOf([&] {
+    const std::string outcome = playlist::outcomeOf([&] {
         information =
             fuzz::bounded(text.size(), {48}, [&] { return VELHLSZORStreamInformation::parse(text); });
         return described(information);
     });
-    fuzz::expectEqual(outcome, fuzz::outcomeOf([&] { return described(plain::streamInformation(text)); }),
+    fuzz::expectEqual(outcome, playlist::outcomeOf([&] { return described(plain::streamInformation(text)); }),
                       "the parse as its plain form");
     // The tag is not written.
     if (information != nullptr) fuzz::expect(information->validate(), "what parses validates");

@@ -25,7 +25,7 @@ bool isInCalendar(double seconds) {
     return seconds > -67768040609740800.0 && seconds < 67768036191676800.0;
 }
 
-/// What was written is read to the same time, but for a second of 60.000, a fraction that is taken off in front of the
+/// What was written is read to the same time, but for a second of 60.000, a fraction that is taken off before the
 /// epoch, and years so long that the text is cut off.
 void expectReadBack(double seconds) {
     const std::string text = rendered(seconds);
@@ -67,13 +67,13 @@ void expectPlainRendering(double seconds) {
 
 /// The text is read as a date and time, and its first eight bytes as a number of seconds.
 VELHLS_FUZZ_TARGET(timestamp) {
-    const std::string outcome = fuzz::outcomeOf([&] {
+    const std::string outcome = playlist::outcomeOf([&] {
         const double seconds =
             fuzz::bounded(text.size(), {4}, [&] { return VELHLSUtility::parseTimestamp(text); });
         expectPlainRendering(seconds);
         return bits(seconds);
     });
-    fuzz::expectEqual(outcome, fuzz::outcomeOf([&] { return bits(plain::parsedTimestamp(text)); }),
+    fuzz::expectEqual(outcome, playlist::outcomeOf([&] { return bits(plain::parsedTimestamp(text)); }),
                       "the time as its plain form");
     double seconds = 0.0;
     if (text.size() < sizeof seconds) return;

@@ -11,12 +11,13 @@ VELHLS_FUZZ_TARGET(variant) {
     const auto described = [](const auto& read) {
         return read == nullptr ? "rejected" : playlist::describe(*read);
     };
-    const std::string outcome = fuzz::outcomeOf([&] {
+    const std::string outcome = playlist::outcomeOf([&] {
         variant = fuzz::bounded(text.size(), {48},
                                 [&] { return VELHLSMediaVariant::parseVariant(tagLine, uriLine); });
         return described(variant);
     });
-    fuzz::expectEqual(outcome, fuzz::outcomeOf([&] { return described(plain::variant(tagLine, uriLine)); }),
+    fuzz::expectEqual(outcome,
+                      playlist::outcomeOf([&] { return described(plain::variant(tagLine, uriLine)); }),
                       "the parse as its plain form");
     if (variant == nullptr) return;
 

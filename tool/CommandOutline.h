@@ -13,7 +13,7 @@ namespace tool {
 /// An option or an argument of a command, as the manual page and the completions need it.
 struct OptionOutline {
     std::vector<std::string> names;  ///< "-o" and "--output"; for an argument its name alone
-    bool isArgument = false;         ///< it stands for itself, behind no name
+    bool isArgument = false;         ///< it stands for itself, after no name
     bool takesValue = false;
     bool repeats = false;              ///< it takes any number of values
     std::string valueName;             ///< what the help calls the value: "TEXT", "RULE"

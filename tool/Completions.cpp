@@ -31,7 +31,7 @@ std::string subcommandNames(const CommandOutline& command) {
     return withSpaces(names);
 }
 
-/// The text with `escape` in front of each of the `special` characters.
+/// The text with `escape` before each of the `special` characters.
 std::string escaped(std::string_view text, std::string_view special, std::string_view escape) {
     std::string result;
     for (const char character : text) {
@@ -56,7 +56,7 @@ std::string quoted(std::string_view text, std::string_view quoteInside) {
 
 // --- bash
 
-/// One branch of the case statement over "subcommand,word in front" for each option that takes a value.
+/// One branch of the case statement over "subcommand,word before" for each option that takes a value.
 void writeBashValues(std::ostream& out, const CommandOutline& command, const std::string& subcommand) {
     for (const OptionOutline& option : command.options) {
         if (option.isArgument || !option.takesValue) continue;

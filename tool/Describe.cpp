@@ -9,12 +9,6 @@
 namespace tool {
 namespace {
 
-std::string methodName(VELHLSProtectionData::ProtectionMethod method) {
-    if (method == VELHLSProtectionData::AES128) return "AES-128";
-    if (method == VELHLSProtectionData::SampleAES) return "SAMPLE-AES";
-    return "NONE";
-}
-
 bool isDefault(const std::vector<std::int32_t>& versions) {
     return versions.size() == 1 && versions.front() == 1;
 }
@@ -51,7 +45,7 @@ std::string counted(std::size_t count, std::string_view noun) {
 }
 
 std::string describe(const VELHLSProtectionData& key) {
-    std::vector<std::string> parts = {methodName(key.method)};
+    std::vector<std::string> parts = {std::string(VELHLSProtectionData::textOf(key.method))};
     if (!key.uri.empty()) parts.push_back("URI " + key.uri);
     if (!key.iv.empty()) parts.push_back("IV " + key.iv);
     if (!key.keyFormat.empty()) parts.push_back("KEYFORMAT " + key.keyFormat);

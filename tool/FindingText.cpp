@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "tool/Printable.h"
+#include "tool/Utf8.h"
 
 namespace tool {
 namespace {
@@ -30,39 +31,29 @@ std::string placeOf(const std::string& name, const VELHLSFinding& finding) {
     return lineOf(name, finding) + std::to_string(finding.column) + ":";
 }
 
-bool continuesCharacter(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
-/// How many columns a text takes that was made printable: one for each character of UTF-8.
-std::size_t widthOf(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char byte) { return !continuesCharacter(byte); }));
-}
-
 /// The part of the line around the place, which may be far to the right of a long one.
 struct Window {
     std::string_view before;
     std::string_view place;
-    std::string_view behind;
+    std::string_view after;
     bool isCut = false;
 };
 
 Window windowOf(std::string_view line, const VELHLSFinding& finding) {
     constexpr std::size_t mostBefore = 60;
     constexpr std::size_t mostPlace = 60;
-    constexpr std::size_t mostBehind = 40;
+    constexpr std::size_t mostAfter = 40;
     const std::size_t position = std::min(finding.column - 1, line.size());
     std::size_t start = position > mostBefore ? position - mostBefore : 0;
-    while (start < position && continuesCharacter(line[start]))
+    while (start < position && utf8::continues(line[start]))
         ++start;
     Window window;
     window.isCut = start != 0;
     window.before = line.substr(start, position - start);
     window.place = line.substr(position, std::min(finding.length, mostPlace));
-    std::string_view behind = line.substr(position + window.place.size());
-    if (!behind.empty() && behind.back() == '\r') behind.remove_suffix(1);
-    window.behind = behind.substr(0, mostBehind);
+    std::string_view after = line.substr(position + window.place.size());
+    if (!after.empty() && after.back() == '\r') after.remove_suffix(1);
+    window.after = after.substr(0, mostAfter);
     return window;
 }
 
@@ -104,9 +95,9 @@ std::string describeWithLine(const std::string& name, const VELHLSFinding& findi
     const Window window = windowOf(line, finding);
     const std::string before = (window.isCut ? "..." : "") + printable(window.before);
     const std::string place = printable(window.place);
-    const std::size_t width = std::max<std::size_t>(1, widthOf(place));
-    text += "    " + before + coloured(place, colour, inColour) + printable(window.behind) + "\n";
-    text += "    " + std::string(widthOf(before), ' ') +
+    const std::size_t width = std::max<std::size_t>(1, utf8::countCharacters(place));
+    text += "    " + before + coloured(place, colour, inColour) + printable(window.after) + "\n";
+    text += "    " + std::string(utf8::countCharacters(before), ' ') +
             coloured("^" + std::string(width - 1, '~'), green, inColour) + "\n";
     return text + suppressedNote(name, finding);
 }

@@ -50,30 +50,9 @@ Json describeAll(const Records& records) {
     return list;
 }
 
-std::string_view nameOf(VELHLSMediaStreamRendition::RenditionType type) {
-    switch (type) {
-        case VELHLSMediaStreamRendition::Audio:
-            return "AUDIO";
-        case VELHLSMediaStreamRendition::Video:
-            return "VIDEO";
-        case VELHLSMediaStreamRendition::Subtitles:
-            return "SUBTITLES";
-        case VELHLSMediaStreamRendition::ClosedCaptions:
-            return "CLOSED-CAPTIONS";
-        case VELHLSMediaStreamRendition::Unknown:
-            break;
-    }
-    return "UNKNOWN";
-}
-
-std::string_view nameOf(VELHLSProtectionData::ProtectionMethod method) {
-    if (method == VELHLSProtectionData::AES128) return "AES-128";
-    return method == VELHLSProtectionData::SampleAES ? "SAMPLE-AES" : "NONE";
-}
-
-std::string_view nameOf(VELHLSMediaStream::PlaylistType type) {
-    if (type == VELHLSMediaStream::Vod) return "VOD";
-    return type == VELHLSMediaStream::Event ? "EVENT" : "NONE";
+/// What no tag says is "NONE".
+std::string_view playlistTypeText(VELHLSMediaStream::PlaylistType type) {
+    return type == VELHLSMediaStream::None ? "NONE" : VELHLSMediaStream::textOf(type);
 }
 
 Json describe(const VELHLSByteRange& range) {
@@ -83,7 +62,7 @@ Json describe(const VELHLSByteRange& range) {
 
 Json describe(const VELHLSProtectionData& key) {
     const auto& [method, uri, iv, keyFormat, keyFormatVersions] = key;
-    return {{"method", nameOf(method)},
+    return {{"method", VELHLSProtectionData::textOf(method)},
             {"uri", uri},
             {"iv", iv},
             {"keyFormat", keyFormat},
@@ -128,7 +107,7 @@ Json describe(const VELHLSMediaStream& stream) {
     return {{"hasExtM3U", hasExtM3U},
             {"version", version},
             {"targetDuration", number(targetDuration)},
-            {"playlistType", nameOf(playlistType)},
+            {"playlistType", playlistTypeText(playlistType)},
             {"mediaSequence", mediaSequence},
             {"discontinuitySequence", discontinuitySequence},
             {"endList", endList},
@@ -144,7 +123,7 @@ Json describe(const VELHLSMediaStream& stream) {
 Json describe(const VELHLSMediaStreamRendition& rendition) {
     const auto& [type, uri, mediaStream, groupId, language, assocLanguage, name, isDefault, autoSelect,
                  forced, instreamId, audioTrackType, characteristics] = rendition;
-    return {{"type", nameOf(type)},
+    return {{"type", VELHLSMediaStreamRendition::textOf(type)},
             {"uri", uri},
             {"mediaStream", describeUnlessNull(mediaStream)},
             {"groupId", groupId},
@@ -164,7 +143,7 @@ Json describe(const VELHLSMediaVariant& variant) {
                  isIFrame, nominalVideoBitrate, nominalAudioBitrate] = variant;
     Json groups = Json::object();
     for (const auto& [type, groupId] : groupIds)
-        groups[std::string(nameOf(type))] = groupId;
+        groups[std::string(VELHLSMediaStreamRendition::textOf(type))] = groupId;
     return {{"bandwidth", bandwidth},
             {"averageBandwidth", averageBandwidth},
             {"codecs", codecs},
@@ -193,7 +172,7 @@ template <typename Renditions>
 Json describeRenditions(const Renditions& renditions) {
     Json types = Json::object();
     for (const auto& [type, groups] : renditions) {
-        Json& described = types[std::string(nameOf(type))];
+        Json& described = types[std::string(VELHLSMediaStreamRendition::textOf(type))];
         for (const auto& [groupId, group] : groups) {
             for (const auto& [name, rendition] : group)
                 described[groupId][name] = describe(*rendition);

@@ -12,22 +12,6 @@ namespace {
 
 using Rendition = VELHLSMediaStreamRendition;
 
-std::string typeName(Rendition::RenditionType type) {
-    switch (type) {
-        case Rendition::Audio:
-            return "AUDIO";
-        case Rendition::Video:
-            return "VIDEO";
-        case Rendition::Subtitles:
-            return "SUBTITLES";
-        case Rendition::ClosedCaptions:
-            return "CLOSED-CAPTIONS";
-        case Rendition::Unknown:
-            break;
-    }
-    return "UNKNOWN";
-}
-
 std::string unlessZero(std::uint64_t number) {
     return number == 0 ? "" : std::to_string(number);
 }
@@ -35,7 +19,7 @@ std::string unlessZero(std::uint64_t number) {
 std::string groupsOf(const VELHLSMediaVariant& variant) {
     std::vector<std::string> groups;
     for (const auto& [type, groupId] : variant.groupIds)
-        groups.push_back(typeName(type) + "=" + groupId);
+        groups.push_back(std::string(Rendition::textOf(type)) + "=" + groupId);
     return joined(groups);
 }
 
@@ -103,7 +87,8 @@ std::string renditionGroups(const VELHLSParsedManifest& manifest) {
     std::string text;
     for (const auto& [type, groups] : manifest.renditions) {
         for (const auto& [groupId, renditions] : groups) {
-            text += "\n" + typeName(type) + " group " + quotedExcerpt(groupId) + "\n" + group(renditions);
+            text += "\n" + std::string(Rendition::textOf(type)) + " group " + quotedExcerpt(groupId) + "\n" +
+                    group(renditions);
         }
     }
     return text;

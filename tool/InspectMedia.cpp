@@ -15,9 +15,7 @@ namespace {
 using Segments = std::vector<std::shared_ptr<VELHLSMediaSegment>>;
 
 std::string typeName(VELHLSMediaStream::PlaylistType type) {
-    if (type == VELHLSMediaStream::Vod) return "VOD";
-    if (type == VELHLSMediaStream::Event) return "EVENT";
-    return "none";
+    return type == VELHLSMediaStream::None ? "none" : std::string(VELHLSMediaStream::textOf(type));
 }
 
 std::string startOffset(const VELHLSMediaStream& stream) {

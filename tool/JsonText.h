@@ -6,7 +6,7 @@
 
 namespace tool {
 
-/// The value as text, indented, with a line feed behind it. Bytes that are not UTF-8 become U+FFFD, since JSON
+/// The value as text, indented, with a line feed after it. Bytes that are not UTF-8 become U+FFFD, since JSON
 /// can hold no others.
 [[nodiscard]] inline std::string jsonText(const nlohmann::ordered_json& value) {
     constexpr int indent = 2;

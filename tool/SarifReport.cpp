@@ -1,6 +1,5 @@
 #include "tool/SarifReport.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <string_view>
@@ -11,6 +10,7 @@
 #include "tool/InputFile.h"
 #include "tool/JsonText.h"
 #include "tool/RulePages.h"
+#include "tool/Utf8.h"
 
 namespace tool {
 namespace {
@@ -58,16 +58,10 @@ std::string uriOf(const std::string& path) {
     return uri;
 }
 
-/// SARIF counts columns in characters. Every byte that continues none of UTF-8's begins one.
-std::size_t charactersIn(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-    }));
-}
-
+/// SARIF counts columns in characters.
 Json regionOf(const VELHLSFinding& finding, std::string_view line) {
-    const std::size_t startColumn = charactersIn(line.substr(0, finding.column - 1)) + 1;
-    const std::size_t length = charactersIn(line.substr(finding.column - 1, finding.length));
+    const std::size_t startColumn = utf8::countCharacters(line.substr(0, finding.column - 1)) + 1;
+    const std::size_t length = utf8::countCharacters(line.substr(finding.column - 1, finding.length));
     return {{"startLine", finding.line},
             {"startColumn", startColumn},
             {"endLine", finding.line},

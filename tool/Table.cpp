@@ -5,16 +5,10 @@
 #include <utility>
 
 #include "tool/Printable.h"
+#include "tool/Utf8.h"
 
 namespace tool {
 namespace {
-
-/// Columns on a terminal: the characters of UTF-8, not its bytes.
-std::size_t widthOf(const std::string& text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char character) {
-        return (static_cast<unsigned char>(character) & 0xC0) != 0x80;
-    }));
-}
 
 std::string withoutTrailingSpaces(std::string line) {
     line.erase(line.find_last_not_of(' ') + 1);
@@ -36,11 +30,12 @@ std::vector<std::size_t> Table::widths() const {
     std::vector<std::size_t> widths(alignments_.size(), 0);
     for (std::size_t row = 1; row < rows_.size(); ++row) {
         for (std::size_t column = 0; column < widths.size(); ++column) {
-            widths[column] = std::max(widths[column], widthOf(rows_[row][column]));
+            widths[column] = std::max(widths[column], utf8::countCharacters(rows_[row][column]));
         }
     }
     for (std::size_t column = 0; column < widths.size(); ++column) {
-        if (widths[column] != 0) widths[column] = std::max(widths[column], widthOf(rows_[0][column]));
+        if (widths[column] != 0)
+            widths[column] = std::max(widths[column], utf8::countCharacters(rows_[0][column]));
     }
     return widths;
 }
@@ -52,7 +47,7 @@ std::string Table::text() const {
         std::string line;
         for (std::size_t column = 0; column < row.size(); ++column) {
             if (columnWidths[column] == 0) continue;
-            const std::string padding(columnWidths[column] - widthOf(row[column]), ' ');
+            const std::string padding(columnWidths[column] - utf8::countCharacters(row[column]), ' ');
             line += "  ";
             line += alignments_[column] == Align::right ? padding + row[column] : row[column] + padding;
         }

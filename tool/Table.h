@@ -15,7 +15,7 @@ class Table {
 
     void addRow(std::vector<std::string> cells);
 
-    /// The rows with two spaces in front and between the columns; columns without any cell are left out.
+    /// The rows with two spaces before and between the columns; columns without any cell are left out.
     [[nodiscard]] std::string text() const;
 
   private:

@@ -2,23 +2,34 @@
 
 /// @file
 /// All of velhls.
+///
+/// Two things hold for all of it, and are said here alone:
+///
+/// **Kept as is** in a docstring marks a behaviour that may surprise and is deliberate: playlists are in the
+/// world that count on it, and it stays as long as the major version does. docs/guide/surprises.md shows each
+/// with a run of the command, and says what to do where it is not wanted.
+///
+/// **URIs** are texts of the playlist. None is resolved against another, unescaped, checked or fetched: a
+/// relative one means something only together with the URI that the playlist itself was fetched from, which
+/// nothing here knows. examples/absolute_uris.cpp resolves them all.
 
 #include "velhls/common/VELHLSParsingError.h"
 #include "velhls/common/VELHLSParsingMetrics.h"
 #include "velhls/common/VELHLSParsingStatus.h"
+#include "velhls/common/VELHLSReason.h"
 #include "velhls/common/VELHLSStopWatch.h"
 #include "velhls/common/VELHLSUtility.h"
 #include "velhls/common/VELHLSVersion.h"
 #include "velhls/diagnostics/VELHLSDiagnostics.h"
-#include "velhls/diagnostics/VELHLSFinding.h"
-#include "velhls/diagnostics/VELHLSRule.h"
 #include "velhls/document/VELHLSAttribute.h"
 #include "velhls/document/VELHLSAttributeDefinition.h"
 #include "velhls/document/VELHLSDocument.h"
 #include "velhls/document/VELHLSEdit.h"
+#include "velhls/document/VELHLSFinding.h"
 #include "velhls/document/VELHLSLine.h"
 #include "velhls/document/VELHLSProfile.h"
 #include "velhls/document/VELHLSRows.h"
+#include "velhls/document/VELHLSRule.h"
 #include "velhls/document/VELHLSSequence.h"
 #include "velhls/document/VELHLSStructure.h"
 #include "velhls/document/VELHLSSyntax.h"

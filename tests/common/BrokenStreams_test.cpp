@@ -17,6 +17,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/WholePlaylists.h"
 
 namespace {
@@ -137,18 +138,9 @@ class BrokenSource : public std::streambuf {
     std::size_t position_ = 0;
 };
 
-/// The playlist that is read, or what the reading throws; and the status.
 template <typename Parse>
 std::string outcomeOf(std::istream& input, Parse parse) {
-    VELHLSParsingStatus status;
-    std::string outcome;
-    try {
-        const auto playlist = parse(input, &status);
-        outcome = playlist == nullptr ? "rejected" : renderedOf(*playlist);
-    } catch (const std::logic_error& error) {
-        outcome = error.what();
-    }
-    return outcome + "\nerror " + std::to_string(status.error) + ", message " + status.message;
+    return playlist::outcomeOfParse(input, parse, playlist::kindAndMessageOf);
 }
 
 std::string findingsOf(std::istream& input) {
@@ -169,7 +161,7 @@ void expectBrokenSourcesToEndThere(const std::string& text, Read read) {
             BrokenSource quiet(front, piece);
             std::istream input(&quiet);
             ASSERT_EQ(read(input), expected);
-            // A parse that gives up, or comes to its end, in front of the place does not meet it.
+            // A parse that gives up, or comes to its end, before the place does not meet it.
             const bool isMet = input.bad();
             BrokenSource loud(front, piece);
             std::istream loudInput(&loud);
@@ -202,7 +194,7 @@ TEST(BrokenStreams, TextIsCheckedUpToTheByteWhereTheStreamFails) {
     expectBrokenSourcesToEndThere(whole::media.substr(0, length), findingsOf);
 }
 
-TEST(BrokenStreams, PatternTakesTheLinesInFrontOfItUpToTheByteWhereTheirStreamFails) {
+TEST(BrokenStreams, PatternTakesTheLinesBeforeItUpToTheByteWhereTheirStreamFails) {
     const std::string front = "#EXTINF:6,\n#EXT-X-KEY:METHOD=NONE\n";
     const std::string body = "segment1.ts\n#ZOR-PATTERN_REPEAT:day,3\n";
     BrokenSource source(front, 5);

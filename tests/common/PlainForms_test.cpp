@@ -17,6 +17,7 @@
 #include "tests/support/MediaDescription.h"
 #include "tests/support/MediaRoundTrip.h"
 #include "tests/support/Mutations.h"
+#include "tests/support/Outcome.h"
 #include "tests/support/PlainPlaylists.h"
 #include "tests/support/PlaylistText.h"
 
@@ -26,20 +27,7 @@ namespace {
 template <typename Parse>
 std::string outcomeOf(const std::string& text, Parse parse) {
     std::istringstream input(text);
-    VELHLSParsingStatus status;
-    std::ostringstream outcome;
-    try {
-        const auto read = parse(input, &status);
-        outcome << (read == nullptr ? "rejected" : playlist::describe(*read));
-    } catch (const std::invalid_argument&) {
-        outcome << "invalid_argument";
-    } catch (const std::out_of_range&) {
-        outcome << "out_of_range";
-    }
-    outcome << "\nerror " << status.error << ": " << status.message << ", state " << input.rdstate();
-    input.clear();
-    outcome << ", unread " << input.rdbuf();
-    return outcome.str();
+    return playlist::outcomeWithStream(input, parse);
 }
 
 template <typename Parse>

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <random>
 #include <sstream>
-#include <stdexcept>
 #include <streambuf>
 #include <string>
 #include <utility>
@@ -15,6 +14,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -22,28 +22,9 @@ namespace {
 using stream_buffer::Hidden;
 using stream_buffer::PieceByPiece;
 
-template <typename Playlist>
-std::string renderedOf(const Playlist& playlist) {
-    if (playlist == nullptr) return "rejected\n";
-    std::ostringstream text;
-    EXPECT_EQ(playlist->render(text), 0);
-    return text.str();
-}
-
-/// All that can be seen of a parse: what was read, the stream's state, and what is left in it.
 template <typename Parse>
 std::string outcomeOf(std::istream& input, Parse parse) {
-    VELHLSParsingStatus status;
-    std::ostringstream outcome;
-    try {
-        outcome << renderedOf(parse(input, &status));
-    } catch (const std::logic_error& error) {
-        outcome << error.what() << "\n";
-    }
-    outcome << "error " << status.error << ", message " << status.message << ", state " << input.rdstate();
-    input.clear();
-    outcome << ", unread " << input.rdbuf();
-    return outcome.str();
+    return playlist::outcomeWithStream(input, parse, playlist::kindAndMessageOf);
 }
 
 template <typename Parse>
@@ -92,7 +73,7 @@ TEST(StreamBuffers, EveryExampleIsReadTheSame) {
 }
 
 TEST(StreamBuffers, EndsOfTheInputAreReadTheSame) {
-    const std::string text = "#EXTM3U\n#EXTINF:4,Title\nfirst.ts\n#EXT-X-ENDLIST\nbehind\n";
+    const std::string text = "#EXTM3U\n#EXTINF:4,Title\nfirst.ts\n#EXT-X-ENDLIST\nafter\n";
     for (std::size_t length = 0; length <= text.size(); ++length)
         expectTheSameFromEveryBuffer(text.substr(0, length));
 }
@@ -112,8 +93,8 @@ TEST(StreamBuffers, RandomLinesAreReadTheSame) {
     }
 }
 
-/// The tags in front of a pattern are part of it, wherever the stream's buffer ends between them.
-TEST(StreamBuffers, TagsInFrontOfAPatternAreReadTheSame) {
+/// The tags before a pattern are part of it, wherever the stream's buffer ends between them.
+TEST(StreamBuffers, TagsBeforeAPatternAreReadTheSame) {
     std::string tags;
     for (int count = 0; count < 20; ++count) {
         const std::string text =
@@ -128,7 +109,7 @@ TEST(StreamBuffers, TagsInFrontOfAPatternAreReadTheSame) {
     }
 }
 
-/// A number that throws leaves the stream behind the line at fault.
+/// A number that throws leaves the stream after the line at fault.
 TEST(StreamBuffers, ThrowingLinesLeaveTheSameUnread) {
     expectTheSameFromEveryBuffer(
         "#EXTM3U\n#EXTINF:4,\nfirst.ts\n#EXTINF:four,\nsecond.ts\n#EXTINF:4,\nthird.ts\n");

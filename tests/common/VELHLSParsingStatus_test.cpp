@@ -450,7 +450,7 @@ TEST(VELHLSParsingStatus, ExceptionLeavesItUnwritten) {
         "#EXTINF:6,\n#EXT-X-PROGRAM-DATE-TIME:2020-xx-01T10:00:00Z\nsegment1.ts\n", parsedMediaStream);
 }
 
-TEST(VELHLSParsingStatus, ExceptionBehindAPatternLeavesTheMark) {
+TEST(VELHLSParsingStatus, ExceptionAfterAPatternLeavesTheMark) {
     VELHLSParsingStatus status;
     EXPECT_THROW(static_cast<void>(parsedMediaStream(patternPlaylist + "#EXT-X-VERSION:x\n", &status)),
                  std::invalid_argument);

@@ -157,7 +157,7 @@ TEST(VELHLSAttributeMap, TextBetweenEqualsSignAndOpeningQuoteIsDropped) {
     });
 }
 
-TEST(VELHLSAttributeMap, BehindTheLastCommaTheClosingQuoteMayBeMissing) {
+TEST(VELHLSAttributeMap, AfterTheLastCommaTheClosingQuoteMayBeMissing) {
     expectAttributes({
         {R"(A="x)", {{"A", "x"}}},
         {R"(A=")", {{"A", ""}}},
@@ -167,7 +167,7 @@ TEST(VELHLSAttributeMap, BehindTheLastCommaTheClosingQuoteMayBeMissing) {
     });
 }
 
-TEST(VELHLSAttributeMap, BehindTheLastCommaTextBehindTheClosingQuoteIsDropped) {
+TEST(VELHLSAttributeMap, AfterTheLastCommaTextAfterTheClosingQuoteIsDropped) {
     expectAttributes({
         {R"(A="x"y)", {{"A", "x"}}},
         {R"(A="x" )", {{"A", "x"}}},
@@ -178,7 +178,7 @@ TEST(VELHLSAttributeMap, BehindTheLastCommaTextBehindTheClosingQuoteIsDropped) {
     });
 }
 
-TEST(VELHLSAttributeMap, TextBehindAClosingQuoteMayBeginWithAnyByteButAComma) {
+TEST(VELHLSAttributeMap, TextAfterAClosingQuoteMayBeginWithAnyByteButAComma) {
     for (int byte = 0; byte < 256; ++byte) {
         const char character = static_cast<char>(byte);
         if (character == ',') continue;
@@ -202,7 +202,7 @@ TEST(VELHLSAttributeMap, QuoteIsMalformedWhereACommaFollowsWrongly) {
     });
 }
 
-TEST(VELHLSAttributeMap, QuoteBehindTheNextCommaBelongsToALaterAttribute) {
+TEST(VELHLSAttributeMap, QuoteAfterTheNextCommaBelongsToALaterAttribute) {
     expectAttributes({
         {R"(A=1,B="x")", {{"A", "1"}, {"B", "x"}}},
         {R"(A=1,B=2,C="x,y")", {{"A", "1"}, {"B", "2"}, {"C", "x,y"}}},

@@ -132,7 +132,7 @@ TEST(VELHLSSubstitution, NameMayBeEmpty) {
     });
 }
 
-TEST(VELHLSSubstitution, ValueMayBeginAReferenceThatEndsInTheTextBehindIt) {
+TEST(VELHLSSubstitution, ValueMayBeginAReferenceThatEndsInTheTextAfterIt) {
     expectSubstituted({
         {"{$x}y}z", {{"x", "{$"}, {"y", "2"}}, "2z"},
         {"{$x}$y}z", {{"x", "{"}, {"y", "2"}}, "2z"},
@@ -421,7 +421,7 @@ TEST(VELHLSSubstitution, TextWithoutReferenceMayBeLongerThanTheMaximum) {
 TEST(VELHLSSubstitution, ResultMayBeAsLongAsTheMaximumAndNoLonger) {
     const struct {
         std::size_t before;
-        std::size_t behind;
+        std::size_t after;
         bool fits;
     } rows[] = {
         {maximum - 2, 0, true},  {maximum - 1, 0, true},  {maximum, 0, false},    {0, maximum - 2, true},
@@ -429,11 +429,11 @@ TEST(VELHLSSubstitution, ResultMayBeAsLongAsTheMaximumAndNoLonger) {
         {maximum + 1, 0, false}, {0, 3 * maximum, false},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::Message() << row.before << " before, " << row.behind << " behind");
+        SCOPED_TRACE(::testing::Message() << row.before << " before, " << row.after << " after");
         const std::string before(row.before, 'a');
-        const std::string behind(row.behind, 'b');
-        const std::string expected = row.fits ? before + "1" + behind : "";
-        EXPECT_TRUE(substituted(before + "{$x}" + behind, {{"x", "1"}}) == expected);
+        const std::string after(row.after, 'b');
+        const std::string expected = row.fits ? before + "1" + after : "";
+        EXPECT_TRUE(substituted(before + "{$x}" + after, {{"x", "1"}}) == expected);
     }
 }
 
@@ -451,7 +451,7 @@ TEST(VELHLSSubstitution, AnyNumberOfReferencesInTheTextMayComeToNothing) {
     EXPECT_EQ(substitutedQuickly("a" + repeated("{$x}", 2 * maximum) + "b", {{"x", ""}}), "ab");
 }
 
-// What stands behind "{$value}" ends the reference that the value begins, so that the value is read again
+// What stands after "{$value}" ends the reference that the value begins, so that the value is read again
 // every time. Each reference costs its value's bytes and one more; all together may cost twice the maximum
 // beside the text's own length.
 TEST(VELHLSSubstitution, WhatReferencesInsertIsBoundedToTheByte) {
@@ -464,7 +464,7 @@ TEST(VELHLSSubstitution, WhatReferencesInsertIsBoundedToTheByte) {
     EXPECT_EQ(substituted(textWith(most + 1), defines), "");
 }
 
-// Each value is read again for every reference to it, since what stands behind its end decides its last name:
+// Each value is read again for every reference to it, since what stands after its end decides its last name:
 // a hundred of them would take for ever, although they make no text.
 TEST(VELHLSSubstitution, ValuesThatMultiplyWithoutMakingTextHaveAnEnd) {
     Defines defines = {{"v0", "{$"}, {"e", ""}};

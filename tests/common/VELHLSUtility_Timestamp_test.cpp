@@ -17,6 +17,7 @@
 
 #include "velhls/common/VELHLSUtility.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/PlainForms.h"
 
 namespace {
@@ -89,7 +90,7 @@ TEST(VELHLSTimestampParse, OffsetIsReadAndDoesNotChangeTheResult) {
     }
 }
 
-TEST(VELHLSTimestampParse, FirstSignBehindTheMinuteIsTheZone) {
+TEST(VELHLSTimestampParse, FirstSignAfterTheMinuteIsTheZone) {
     expectParsed({
         {"2020-01-01T10:00:00Z+01:00", 1577872800.0},
         {"2020-01-01T10:00:01e+01:00", 1577872801.0},
@@ -144,7 +145,7 @@ TEST(VELHLSTimestampParse, FieldsOutOfTheirRangeCarryOver) {
 }
 
 TEST(VELHLSTimestampParse, WithoutTTheHourIsReadFromTheStartOfTheText) {
-    // Both hours are 2020: 84 days and 4 hours behind midnight.
+    // Both hours are 2020: 84 days and 4 hours after midnight.
     constexpr double hoursLater = 2020.0 * 3600.0;
     expectParsed({
         {"2020-01-01 00:00:00Z", 1577836800.0 + hoursLater},
@@ -454,15 +455,11 @@ TEST(VELHLSTimestamp, WhatWasReadBackRendersTheSame) {
 /// Exactly what a function did: every bit of its result, or the kind of its exception.
 template <typename Function>
 std::string outcomeOf(Function function, const std::string& text) {
-    try {
+    return playlist::outcomeOf([&] {
         char digits[64];
         std::snprintf(digits, sizeof digits, "%a", function(text));
-        return digits;
-    } catch (const std::invalid_argument&) {
-        return "std::invalid_argument";
-    } catch (const std::out_of_range&) {
-        return "std::out_of_range";
-    }
+        return std::string(digits);
+    });
 }
 
 void expectParsedLikeTheRules(const std::string& text) {
@@ -547,7 +544,7 @@ TEST(VELHLSTimestampParse, AgreesWithTheRulesOnDamagedTexts) {
         expectParsedLikeTheRules(text);
         if (HasFatalFailure()) return;
         const std::string outcome = outcomeOf(parsed, text);
-        if (outcome.find("std") == std::string::npos && outcome != "-0x1p+0") ++numbers;
+        if (outcome.find("0x") != std::string::npos && outcome != "-0x1p+0") ++numbers;
     }
     EXPECT_GT(numbers, 10000);
     EXPECT_LT(numbers, 90000);

@@ -46,7 +46,7 @@ TEST(VELHLSUtility, UriIsAbsoluteWhenItBeginsWithHttpInLowerCase) {
     }
 }
 
-TEST(VELHLSUtility, LastPathComponentIsAllBehindTheLastSlash) {
+TEST(VELHLSUtility, LastPathComponentIsAllAfterTheLastSlash) {
     const struct {
         const char* uri;
         const char* component;

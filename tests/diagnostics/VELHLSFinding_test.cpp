@@ -1,4 +1,4 @@
-#include "velhls/diagnostics/VELHLSFinding.h"
+#include "velhls/document/VELHLSFinding.h"
 
 #include <gtest/gtest.h>
 

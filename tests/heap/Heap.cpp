@@ -1,9 +1,9 @@
 #include "tests/heap/Heap.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <limits>
+#include <malloc.h>
 #include <new>
 
 namespace {
@@ -27,68 +27,68 @@ bool isGranted() {
     return !failsFromThereOn;
 }
 
-/// In front of each block, and as far in front of it as its alignment asks for.
-struct Head {
-    void* start;
-    std::size_t size;
-};
+/// What a block takes from the heap: its usable bytes and malloc's own word before them.
+std::size_t sizeOf(void* block) {
+    return malloc_usable_size(block) + sizeof(std::size_t);
+}
 
-void* take(std::size_t size, std::size_t alignment) noexcept {
-    if (!isGranted()) return nullptr;
-    const std::size_t room = std::max(alignment, sizeof(Head));
-    if (size > std::numeric_limits<std::size_t>::max() - 2 * room) return nullptr;
-    const std::size_t whole = (room + size + alignment - 1) / alignment * alignment;
-    char* const start = static_cast<char*>(std::aligned_alloc(alignment, whole));
-    if (start == nullptr) return nullptr;
-    char* const block = start + room;
-    reinterpret_cast<Head*>(block)[-1] = {start, size};
+/// The block, counted; null stays null.
+void* counted(void* block) noexcept {
+    if (block == nullptr) return nullptr;
     ++blocks;
-    const std::size_t now = bytes += size;
+    const std::size_t now = bytes += sizeOf(block);
     if (now > mostBytes) mostBytes = now;
     return block;
 }
 
-void* takeOrThrow(std::size_t size, std::size_t alignment) {
-    void* const block = take(size, alignment);
+void* take(std::size_t size) noexcept {
+    return isGranted() ? counted(std::malloc(size)) : nullptr;
+}
+
+void* take(std::size_t size, std::align_val_t alignment) noexcept {
+    const auto multiple = static_cast<std::size_t>(alignment);
+    if (size > std::numeric_limits<std::size_t>::max() - multiple) return nullptr;
+    const std::size_t whole = (size + multiple - 1) / multiple * multiple;
+    return isGranted() ? counted(std::aligned_alloc(multiple, whole)) : nullptr;
+}
+
+void* orThrow(void* block) {
     if (block == nullptr) throw std::bad_alloc();
     return block;
 }
 
 void give(void* block) noexcept {
     if (block == nullptr) return;
-    const Head head = static_cast<Head*>(block)[-1];
     --blocks;
-    bytes -= head.size;
-    std::free(head.start);
+    bytes -= sizeOf(block);
+    std::free(block);
 }
-
-constexpr std::size_t usual = alignof(std::max_align_t);
 
 }  // namespace
 
 void* operator new(std::size_t size) {
-    return takeOrThrow(size, usual);
+    return orThrow(take(size));
 }
 void* operator new[](std::size_t size) {
-    return takeOrThrow(size, usual);
+    return orThrow(take(size));
 }
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    return take(size, usual);
+    return take(size);
 }
 void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    return take(size, usual);
+    return take(size);
 }
 void* operator new(std::size_t size, std::align_val_t alignment) {
-    return takeOrThrow(size, static_cast<std::size_t>(alignment));
+    return orThrow(take(size, alignment));
 }
 void* operator new[](std::size_t size, std::align_val_t alignment) {
-    return takeOrThrow(size, static_cast<std::size_t>(alignment));
+    return orThrow(take(size, alignment));
 }
 void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t& /*tag*/) noexcept {
-    return take(size, static_cast<std::size_t>(alignment));
+    return take(size, alignment);
 }
 void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t& /*tag*/) noexcept {
-    return take(size, static_cast<std::size_t>(alignment));
+    return take(size, alignment);
 }
 
 void operator delete(void* block) noexcept {

@@ -306,7 +306,7 @@ TEST(MemoryRunsOut, RenderingIntoAStreamThatGrows) {
     EXPECT_EQ(renderedOf(stream), expected);
 }
 
-/// Records append to a text. What stood in it stays in front.
+/// Records append to a text. What stood in it stays before them.
 template <typename Record>
 class RenderRecord {
   public:
@@ -375,7 +375,7 @@ std::string substituted() {
     auto defines = std::make_shared<VELHLSDefineMap>();
     (*defines)["a-name-that-is-long-enough"] = "{$another-name-that-is-long}{$another-name-that-is-long}";
     (*defines)["another-name-that-is-long"] = "a value that is long enough to need memory";
-    return VELHLSUtility::substituteVariables("before {$a-name-that-is-long-enough} behind", defines);
+    return VELHLSUtility::substituteVariables("before {$a-name-that-is-long-enough} after", defines);
 }
 
 std::string attributes() {
@@ -406,7 +406,7 @@ std::string extended() {
 }
 
 std::string timestamps() {
-    std::string text = "a date and a time, behind more than fits inside: ";
+    std::string text = "a date and a time, after more than fits inside: ";
     VELHLSUtility::renderTimestamp(VELHLSUtility::parseTimestamp("2020-01-01T10:00:05.250Z"), text);
     return text +
            VELHLSUtility::lastPathComponentFromURI("https://example.com/the/last/part-of-the-path.mp4");
@@ -420,7 +420,7 @@ std::string rules() {
 std::string patternRead() {
     std::istringstream prefix("#EXTINF:6,\n#EXT-X-KEY:METHOD=NONE\n");
     std::istringstream input(
-        "the/segments/of/the/day/0001.mp4\n#ZOR-PATTERN_REPEAT:a-pattern-of-the-day,3\nbehind\n");
+        "the/segments/of/the/day/0001.mp4\n#ZOR-PATTERN_REPEAT:a-pattern-of-the-day,3\nafter\n");
     return VELHLSMediaPattern::parseMediaPattern("#ZOR-PATTERN_START:a-pattern-of-the-day", prefix, input,
                                                  nullptr)
         ->body;
@@ -475,7 +475,9 @@ TEST(MemoryRunsOut, TheHeapCountsAndFailsInAllForms) {
     // Called by their names, since a compiler may leave out what a new-expression allocates.
     void* const block = ::operator new(1000);
     EXPECT_EQ(heap::blocksInUse(), blocks + 1);
-    EXPECT_EQ(heap::bytesInUse(), bytes + 1000);
+    // With what malloc adds.
+    EXPECT_GT(heap::bytesInUse(), bytes + 1000);
+    EXPECT_LT(heap::bytesInUse(), bytes + 1100);
     ::operator delete(block);
     EXPECT_EQ(heap::blocksInUse(), blocks);
     EXPECT_EQ(heap::bytesInUse(), bytes);

@@ -1,5 +1,5 @@
 // How much memory is held at most, for each byte of a text that was made to be costly and of what comes out of it.
-// scripts/cost measures the same, and more of it.
+// benchmarks/cost measures the same, and more of it.
 #include <algorithm>
 #include <cstddef>
 #include <functional>

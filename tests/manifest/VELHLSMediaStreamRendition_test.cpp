@@ -14,10 +14,12 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/RecordText.h"
+#include "tests/support/SameModel.h"
 
 namespace {
 
 using namespace std::string_literals;
+using playlist::expectSameModel;
 using record::rendered;
 
 using Rendition = VELHLSMediaStreamRendition;
@@ -77,23 +79,16 @@ Rendition smallestAudio() {
     return smallest(Rendition::Audio);
 }
 
-void expectSameModel(const Rendition& seen, const Rendition& expected) {
-    EXPECT_EQ(seen.type, expected.type);
-    EXPECT_EQ(seen.uri, expected.uri);
-    EXPECT_EQ(seen.mediaStream, expected.mediaStream);
-    EXPECT_EQ(seen.groupId, expected.groupId);
-    EXPECT_EQ(seen.language, expected.language);
-    EXPECT_EQ(seen.assocLanguage, expected.assocLanguage);
-    EXPECT_EQ(seen.name, expected.name);
-    EXPECT_EQ(seen.isDefault, expected.isDefault);
-    EXPECT_EQ(seen.autoSelect, expected.autoSelect);
-    EXPECT_EQ(seen.forced, expected.forced);
-    EXPECT_EQ(seen.instreamId, expected.instreamId);
-    EXPECT_EQ(seen.audioTrackType, expected.audioTrackType);
-    EXPECT_EQ(seen.characteristics, expected.characteristics);
-}
-
 // --- construction
+
+TEST(VELHLSMediaStreamRendition, TypesHaveTheTextsThatPlaylistsWrite) {
+    EXPECT_EQ(Rendition::textOf(Rendition::Audio), "AUDIO");
+    EXPECT_EQ(Rendition::textOf(Rendition::Video), "VIDEO");
+    EXPECT_EQ(Rendition::textOf(Rendition::Subtitles), "SUBTITLES");
+    EXPECT_EQ(Rendition::textOf(Rendition::ClosedCaptions), "CLOSED-CAPTIONS");
+    EXPECT_EQ(Rendition::textOf(Rendition::Unknown), "");
+    EXPECT_EQ(Rendition::textOf(static_cast<Rendition::RenditionType>(4)), "");
+}
 
 TEST(VELHLSMediaStreamRendition, ConstructorStoresEachArgumentInItsMember) {
     const auto media = std::make_shared<VELHLSMediaStream>();
@@ -448,7 +443,7 @@ TEST(VELHLSMediaStreamRendition, RejectsEachPrefixThatLacksItsName) {
     EXPECT_EQ(text("TYPE=AUDIO,GROUP-ID=\"g\",DEFAULT=NO,NAME=\"n"), text(audio));
 }
 
-TEST(VELHLSMediaStreamRendition, ReadsOrRejectsEachPrefixBehindItsName) {
+TEST(VELHLSMediaStreamRendition, ReadsOrRejectsEachPrefixAfterItsName) {
     const std::vector<std::pair<std::string, std::string>> rows = {
         {"", text(audio)},
         {",", "null"},
@@ -501,7 +496,7 @@ TEST(VELHLSMediaStreamRendition, RejectsOtherTags) {
 }
 
 // A second colon belongs to the first attribute's name.
-TEST(VELHLSMediaStreamRendition, LosesTheAttributeBehindASecondColon) {
+TEST(VELHLSMediaStreamRendition, LosesTheAttributeAfterASecondColon) {
     EXPECT_EQ(Rendition::parse("#EXT-X-MEDIA::" + audio), nullptr);
     EXPECT_EQ(text(":LANGUAGE=\"l\"," + audio), text(audio));
 }
@@ -670,7 +665,7 @@ TEST(VELHLSMediaStreamRendition, RenderOfAnInvalidRenditionLeavesTheTextUntouche
     }
 }
 
-TEST(VELHLSMediaStreamRendition, RenderOfATypeBeyondTheFourStopsBehindTheTagsStart) {
+TEST(VELHLSMediaStreamRendition, RenderOfATypeBeyondTheFourStopsAfterTheTagsStart) {
     for (const std::uint32_t number : {4U, 5U, 255U, 2147483648U, 4294967294U}) {
         Rendition rendition = smallest(static_cast<Rendition::RenditionType>(number));
         ASSERT_TRUE(rendition.validate()) << number;
@@ -728,10 +723,10 @@ TEST(VELHLSMediaStreamRendition, EqualityComparesEachOfTheseMembers) {
         {"language", [](Rendition& rendition) { rendition.language = "fr"; }},
         {"letter case of language", [](Rendition& rendition) { rendition.language = "EN"; }},
         {"no language", [](Rendition& rendition) { rendition.language.clear(); }},
-        {"language with a NUL behind it", [](Rendition& rendition) { rendition.language += '\0'; }},
+        {"language with a NUL after it", [](Rendition& rendition) { rendition.language += '\0'; }},
         {"associated language", [](Rendition& rendition) { rendition.assocLanguage = "DE"; }},
         {"name", [](Rendition& rendition) { rendition.name = "N"; }},
-        {"name with a space behind it", [](Rendition& rendition) { rendition.name += ' '; }},
+        {"name with a space after it", [](Rendition& rendition) { rendition.name += ' '; }},
         {"default", [](Rendition& rendition) { rendition.isDefault = false; }},
         {"autoselect", [](Rendition& rendition) { rendition.autoSelect = false; }},
         {"forced", [](Rendition& rendition) { rendition.forced = false; }},

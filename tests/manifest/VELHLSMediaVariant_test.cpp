@@ -16,11 +16,14 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/RecordText.h"
+#include "tests/support/SameModel.h"
 
 namespace {
 
 using namespace std::string_literals;
+using playlist::expectSameModel;
 using record::rendered;
 
 using Rendition = VELHLSMediaStreamRendition;
@@ -74,20 +77,6 @@ std::shared_ptr<VELHLSMediaStream> invalidMediaStream() {
     media->segments.push_back(std::make_shared<VELHLSMediaSegment>(
         0.0, 0.0, 0U, 0U, "", nullptr, false, 0.0, nullptr, nullptr, "segment.ts", false, "", ""));
     return media;
-}
-
-void expectSameModel(const Variant& seen, const Variant& expected) {
-    EXPECT_EQ(seen.bandwidth, expected.bandwidth);
-    EXPECT_EQ(seen.averageBandwidth, expected.averageBandwidth);
-    EXPECT_EQ(seen.codecs, expected.codecs);
-    EXPECT_EQ(seen.resolution, expected.resolution);
-    EXPECT_EQ(seen.programId, expected.programId);
-    EXPECT_EQ(seen.groupIds, expected.groupIds);
-    EXPECT_EQ(seen.uri, expected.uri);
-    EXPECT_EQ(seen.mediaStream, expected.mediaStream);
-    EXPECT_EQ(seen.isIFrame, expected.isIFrame);
-    EXPECT_EQ(seen.nominalVideoBitrate, expected.nominalVideoBitrate);
-    EXPECT_EQ(seen.nominalAudioBitrate, expected.nominalAudioBitrate);
 }
 
 // --- construction
@@ -400,8 +389,8 @@ TEST(VELHLSMediaVariant, ThrowsForNumbersThatAreNone) {
         for (const std::string attribute : {"BANDWIDTH", "AVERAGE-BANDWIDTH", "PROGRAM-ID"}) {
             SCOPED_TRACE(attribute + "=\"" + noNumber + "\"");
             const std::string list = attribute + "=\"" + noNumber + "\",BANDWIDTH=1,URI=\"i.m3u8\"";
-            EXPECT_EQ(record::thrownBy([&] { static_cast<void>(stream(list)); }), "invalid_argument");
-            EXPECT_EQ(record::thrownBy([&] { static_cast<void>(iFrame(list)); }), "invalid_argument");
+            EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(stream(list)); }), "invalid_argument");
+            EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(iFrame(list)); }), "invalid_argument");
         }
     }
 }
@@ -411,8 +400,8 @@ TEST(VELHLSMediaVariant, ThrowsForNumbersThatFitNoSigned64BitInteger) {
         for (const std::string attribute : {"BANDWIDTH", "AVERAGE-BANDWIDTH", "PROGRAM-ID"}) {
             SCOPED_TRACE(attribute + "=" + tooLarge);
             const std::string list = attribute + "=" + tooLarge + ",BANDWIDTH=1,URI=\"i.m3u8\"";
-            EXPECT_EQ(record::thrownBy([&] { static_cast<void>(stream(list)); }), "out_of_range");
-            EXPECT_EQ(record::thrownBy([&] { static_cast<void>(iFrame(list)); }), "out_of_range");
+            EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(stream(list)); }), "out_of_range");
+            EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(iFrame(list)); }), "out_of_range");
         }
     }
 }
@@ -445,7 +434,7 @@ TEST(VELHLSMediaVariant, ThrowsForAProgramIdThatFitsNoSigned32BitInteger) {
           "9223372036854775807", "-9223372036854775808"}) {
         SCOPED_TRACE(tooLarge);
         const std::string list = "BANDWIDTH=1,PROGRAM-ID=" + tooLarge;
-        EXPECT_EQ(record::thrownBy([&] { static_cast<void>(stream(list)); }), "out_of_range");
+        EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(stream(list)); }), "out_of_range");
     }
 }
 
@@ -468,7 +457,7 @@ TEST(VELHLSMediaVariant, TheFirstAttributeByNameThrowsWhateverTheWrittenOrder) {
         std::sort(row.attributes.begin(), row.attributes.end());
         do {
             const std::string list = row.attributes[0] + "," + row.attributes[1] + "," + row.attributes[2];
-            EXPECT_EQ(record::thrownBy([&] { static_cast<void>(stream(list)); }), row.thrown) << list;
+            EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(stream(list)); }), row.thrown) << list;
         } while (std::next_permutation(row.attributes.begin(), row.attributes.end()));
     }
 }
@@ -596,7 +585,7 @@ TEST(VELHLSMediaVariant, RejectsOtherLines) {
     }
 }
 
-TEST(VELHLSMediaVariant, OfOtherLinesAllBehindTheFirstCharacterIsReadAsAttributes) {
+TEST(VELHLSMediaVariant, OfOtherLinesAllAfterTheFirstCharacterIsReadAsAttributes) {
     struct Row {
         std::string line;
         std::string thrown;
@@ -622,8 +611,9 @@ TEST(VELHLSMediaVariant, OfOtherLinesAllBehindTheFirstCharacterIsReadAsAttribute
     };
     for (const Row& row : rows) {
         for (const std::string uriLine : {"", "v.m3u8"}) {
-            EXPECT_EQ(record::thrownBy([&] { static_cast<void>(Variant::parseVariant(row.line, uriLine)); }),
-                      row.thrown)
+            EXPECT_EQ(
+                playlist::thrownBy([&] { static_cast<void>(Variant::parseVariant(row.line, uriLine)); }),
+                row.thrown)
                 << row.line;
         }
     }

@@ -281,8 +281,8 @@ TEST(VELHLSParsedManifestParse, IgnoresLinesThatAreNoTagsOfItsOwn) {
         SCOPED_TRACE("[" + line + "]");
         EXPECT_EQ(descriptionOf(line + "\n" + plain), expected) << "before";
         EXPECT_EQ(descriptionOf("#EXTM3U\n" + line + "\n" + lowVariant), expected) << "between";
-        EXPECT_EQ(descriptionOf(plain + line + "\n"), expected) << "behind";
-        EXPECT_EQ(descriptionOf(plain + line), expected) << "behind, without a line end";
+        EXPECT_EQ(descriptionOf(plain + line + "\n"), expected) << "after";
+        EXPECT_EQ(descriptionOf(plain + line), expected) << "after, without a line end";
     }
 }
 
@@ -676,7 +676,7 @@ TEST(VELHLSParsedManifestParse, PlaylistOfIFrameVariantsAloneIsAccepted) {
     EXPECT_EQ(manifest->variants.find(100)->second->uri, "i.m3u8");
 }
 
-TEST(VELHLSParsedManifestParse, LineBehindStreamInfIsItsUriWhateverItHolds) {
+TEST(VELHLSParsedManifestParse, LineAfterStreamInfIsItsUriWhateverItHolds) {
     const struct {
         std::string line;
         std::string uri;
@@ -748,7 +748,7 @@ TEST(VELHLSParsedManifestParse, RejectsAnIFrameVariantWithoutUri) {
     expectRejected("#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=1,URI=\"\"\nu\n" + lowVariant, "u\n" + lowVariant);
 }
 
-TEST(VELHLSParsedManifestParse, LineBehindAnIFrameVariantIsALineOfItsOwn) {
+TEST(VELHLSParsedManifestParse, LineAfterAnIFrameVariantIsALineOfItsOwn) {
     expectRejected("#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=1,URI=\"u\"\nu\n" + lowVariant, lowVariant);
     const auto manifest = parsed("#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=1,URI=\"u\"\n#EXT-X-VERSION:4\n");
     ASSERT_NE(manifest, nullptr);
@@ -1269,8 +1269,8 @@ class BreakingBuffer : public std::streambuf {
 };
 
 TEST(VELHLSParsedManifestParse, StreamThatBreaksEndsThePlaylist) {
-    BreakingBuffer behindAVariant(lowVariant);
-    std::istream input(&behindAVariant);
+    BreakingBuffer afterAVariant(lowVariant);
+    std::istream input(&afterAVariant);
     VELHLSParsingStatus status = markedStatus();
     const auto manifest = Manifest::parseManifest(input, &status);
     ASSERT_NE(manifest, nullptr);
@@ -1288,7 +1288,7 @@ TEST(VELHLSParsedManifestParse, ExceptionsOfTheStreamLeaveTheParseWithTheMetrics
         std::ios_base::iostate exceptions;
         std::string text;
     } rows[] = {
-        {std::ios_base::failbit, lowVariant},  // reading on behind the last line end fails
+        {std::ios_base::failbit, lowVariant},  // reading on after the last line end fails
         {std::ios_base::eofbit, lowVariant},
         {std::ios_base::eofbit, lowVariant.substr(0, lowVariant.size() - 1)},
         {std::ios_base::failbit, "#EXT-X-STREAM-INF:BANDWIDTH=1"},

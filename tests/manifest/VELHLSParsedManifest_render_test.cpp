@@ -31,7 +31,7 @@ std::shared_ptr<Manifest> parsed(const std::string& text) {
     return Manifest::parseManifest(input, nullptr);
 }
 
-/// The playlist text; a result that is not 0 is put in front of it.
+/// The playlist text; a result that is not 0 is put before it.
 std::string rendered(const Manifest& manifest) {
     std::ostringstream out;
     const std::int32_t result = manifest.render(out);
@@ -48,7 +48,7 @@ std::shared_ptr<VELHLSMediaVariant> variantOf(std::uint64_t bandwidth, const std
     return std::make_shared<VELHLSMediaVariant>(bandwidth, 0, "", "", uri, nullptr, false, 0);
 }
 
-/// A manifest made by hand, with no start offset and one variant: two lines behind the header.
+/// A manifest made by hand, with no start offset and one variant: two lines after the header.
 Manifest smallManifest() {
     Manifest manifest;
     manifest.startTimeOffset = 0.0;
@@ -408,7 +408,7 @@ TEST(VELHLSParsedManifestRender, ManifestThatDoesNotValidateLeavesTheStreamUntou
     }
 }
 
-TEST(VELHLSParsedManifestRender, RenditionThatDoesNotRenderCutsTheOutputBehindTheLastWholeRecord) {
+TEST(VELHLSParsedManifestRender, RenditionThatDoesNotRenderCutsTheOutputAfterTheLastWholeRecord) {
     constexpr auto otherType = static_cast<Rendition::RenditionType>(7);
     Manifest manifest = smallManifest();
     manifest.version = 4;
@@ -483,7 +483,7 @@ TEST(VELHLSParsedManifestRender, SessionKeyThatDoesNotRenderDoesNotMatter) {
 // ---------------------------------------------------------------------------------------------------------
 // The stream
 
-TEST(VELHLSParsedManifestRender, FlushesOnceBehindEachLineOfItsOwnAndNeverBehindARecord) {
+TEST(VELHLSParsedManifestRender, FlushesOnceAfterEachLineOfItsOwnAndNeverAfterARecord) {
     Manifest manifest = smallManifest();
     file(manifest, renditionOf(Rendition::Audio, "g", "a"));
     manifest.variants.emplace(6, variantOf(6));

@@ -27,7 +27,7 @@ bool begins(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
 }
 
-/// The tags as a playlist, a URI line behind each EXT-X-STREAM-INF.
+/// The tags as a playlist, a URI line after each EXT-X-STREAM-INF.
 std::string textOf(const Tags& tags) {
     std::string text;
     for (const std::string& tag : tags) {
@@ -102,12 +102,12 @@ void expectValid(const Tags& tags, bool valid) {
     EXPECT_EQ(parsed(text) != nullptr, valid);
 }
 
-/// The tags in front of and behind a variant without groups, which makes rule 1 hold.
+/// The tags before and after a variant without groups, which makes rule 1 hold.
 void expectValidWithVariant(const Tags& tags, bool valid) {
     const std::string variant = "#EXT-X-STREAM-INF:BANDWIDTH=1";
-    Tags behind = tags;
-    behind.insert(behind.begin(), variant);
-    expectValid(behind, valid);
+    Tags after = tags;
+    after.insert(after.begin(), variant);
+    expectValid(after, valid);
     Tags before = tags;
     before.push_back(variant);
     expectValid(before, valid);

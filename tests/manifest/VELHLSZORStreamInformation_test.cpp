@@ -10,6 +10,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/RecordText.h"
 
 namespace {
@@ -146,7 +147,7 @@ TEST(VELHLSZORStreamInformation, ThrowsForNumbersThatAreNone) {
         for (const std::string attribute : {"NOMINAL_VIDEO_BITRATE", "NOMINAL_AUDIO_BITRATE"}) {
             SCOPED_TRACE(attribute + "=\"" + noNumber + "\"");
             const std::string list = "X=1," + attribute + "=\"" + noNumber + "\"";
-            EXPECT_EQ(record::thrownBy([&] { static_cast<void>(parsed(list)); }), "invalid_argument");
+            EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(parsed(list)); }), "invalid_argument");
         }
     }
     EXPECT_THROW(static_cast<void>(parsed("NOMINAL_VIDEO_BITRATE=fast")), std::invalid_argument);
@@ -156,7 +157,7 @@ TEST(VELHLSZORStreamInformation, ThrowsForNumbersThatFitNoSigned64BitInteger) {
     for (const std::string& tooLarge : record::tooLargeFor64) {
         for (const std::string attribute : {"NOMINAL_VIDEO_BITRATE", "NOMINAL_AUDIO_BITRATE"}) {
             SCOPED_TRACE(attribute + "=" + tooLarge);
-            EXPECT_EQ(record::thrownBy([&] { static_cast<void>(parsed(attribute + "=" + tooLarge)); }),
+            EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(parsed(attribute + "=" + tooLarge)); }),
                       "out_of_range");
         }
     }
@@ -177,7 +178,7 @@ TEST(VELHLSZORStreamInformation, AudioThrowsBeforeVideoWhateverTheWrittenOrder) 
         {"NOMINAL_VIDEO_BITRATE=x,NOMINAL_AUDIO_BITRATE=1", "invalid_argument"},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(record::thrownBy([&] { static_cast<void>(parsed(row.list)); }), row.thrown) << row.list;
+        EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(parsed(row.list)); }), row.thrown) << row.list;
     }
 }
 

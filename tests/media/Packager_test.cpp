@@ -86,7 +86,7 @@ class Packager : public testing::Test {
 
     /// Reads the playlist, and expects that its rendered text is an equal playlist to this library and to a
     /// player. Returns the playlist.
-    std::shared_ptr<VELHLSMediaStream> expectTheSameBehindTheRoundTrip(const std::string& text) {
+    std::shared_ptr<VELHLSMediaStream> expectTheSameAfterTheRoundTrip(const std::string& text) {
         auto stream = playlist::parsedMedia(text);
         if (stream == nullptr) {
             ADD_FAILURE() << "rejected:\n" << text;
@@ -120,7 +120,7 @@ std::vector<std::string> operator+(std::vector<std::string> options, const std::
 }
 
 TEST_F(Packager, WritesTransportStreamSegments) {
-    const auto stream = expectTheSameBehindTheRoundTrip(packaged(transportSegments()));
+    const auto stream = expectTheSameAfterTheRoundTrip(packaged(transportSegments()));
     ASSERT_EQ(stream->segments.size(), 6U);
     EXPECT_TRUE(stream->hasExtM3U);
     EXPECT_TRUE(stream->endList);
@@ -133,12 +133,12 @@ TEST_F(Packager, WritesTransportStreamSegments) {
 }
 
 TEST_F(Packager, WritesPlaylistTypes) {
-    EXPECT_EQ(expectTheSameBehindTheRoundTrip(
+    EXPECT_EQ(expectTheSameAfterTheRoundTrip(
                   packaged(transportSegments() + std::vector<std::string>{"-hls_playlist_type", "vod"}))
                   ->playlistType,
               VELHLSMediaStream::Vod);
     EXPECT_EQ(
-        expectTheSameBehindTheRoundTrip(
+        expectTheSameAfterTheRoundTrip(
             packaged(transportSegments() + std::vector<std::string>{"-y", "-hls_playlist_type", "event",
                                                                     "-hls_flags", "independent_segments"}))
             ->playlistType,
@@ -146,7 +146,7 @@ TEST_F(Packager, WritesPlaylistTypes) {
 }
 
 TEST_F(Packager, WritesASlidingWindow) {
-    const auto stream = expectTheSameBehindTheRoundTrip(
+    const auto stream = expectTheSameAfterTheRoundTrip(
         packaged({"-hls_list_size", "3", "-hls_flags", "delete_segments", "-start_number", "100",
                   "-hls_segment_filename", folder_.file("segment_%03d.ts")}));
     ASSERT_EQ(stream->segments.size(), 3U);
@@ -156,7 +156,7 @@ TEST_F(Packager, WritesASlidingWindow) {
 }
 
 TEST_F(Packager, WritesFragmentsWithAnInitializationSection) {
-    const auto stream = expectTheSameBehindTheRoundTrip(
+    const auto stream = expectTheSameAfterTheRoundTrip(
         packaged({"-hls_list_size", "0", "-hls_segment_type", "fmp4", "-hls_fmp4_init_filename", "init.mp4",
                   "-hls_segment_filename", folder_.file("fragment_%03d.m4s")}));
     ASSERT_EQ(stream->segments.size(), 6U);
@@ -170,7 +170,7 @@ TEST_F(Packager, WritesEncryptedSegments) {
     const std::string key = folder_.with("segments.key", "sixteen byte key");
     const std::string keyInformation =
         folder_.with("key.info", "segments.key\n" + key + "\n0123456789abcdef0123456789abcdef\n");
-    const auto stream = expectTheSameBehindTheRoundTrip(
+    const auto stream = expectTheSameAfterTheRoundTrip(
         packaged(transportSegments() + std::vector<std::string>{"-hls_key_info_file", keyInformation}));
     ASSERT_EQ(stream->segments.size(), 6U);
     for (const auto& segment : stream->segments) {
@@ -181,7 +181,7 @@ TEST_F(Packager, WritesEncryptedSegments) {
     }
 }
 
-/// Every byte range follows the one in front of it in the file.
+/// Every byte range follows the one before it in the file.
 void expectRangesInTurn(const VELHLSMediaStream& stream, std::int64_t firstOffset, std::int64_t fileBytes) {
     std::int64_t next = firstOffset;
     for (const auto& segment : stream.segments) {
@@ -195,15 +195,15 @@ void expectRangesInTurn(const VELHLSMediaStream& stream, std::int64_t firstOffse
 
 TEST_F(Packager, WritesByteRangesOfOneFile) {
     const auto stream =
-        expectTheSameBehindTheRoundTrip(packaged({"-hls_list_size", "0", "-hls_flags", "single_file",
-                                                  "-hls_segment_filename", folder_.file("all-segments.ts")}));
+        expectTheSameAfterTheRoundTrip(packaged({"-hls_list_size", "0", "-hls_flags", "single_file",
+                                                 "-hls_segment_filename", folder_.file("all-segments.ts")}));
     ASSERT_EQ(stream->segments.size(), 6U);
     expectRangesInTurn(*stream, 0,
                        static_cast<std::int64_t>(contentOf(folder_.file("all-segments.ts")).size()));
 }
 
 TEST_F(Packager, WritesAnInitializationSectionAsAByteRange) {
-    const auto stream = expectTheSameBehindTheRoundTrip(
+    const auto stream = expectTheSameAfterTheRoundTrip(
         packaged({"-hls_list_size", "0", "-hls_flags", "single_file", "-hls_segment_type", "fmp4",
                   "-hls_segment_filename", folder_.file("all-fragments.mp4")}));
     ASSERT_EQ(stream->segments.size(), 6U);
@@ -216,7 +216,7 @@ TEST_F(Packager, WritesAnInitializationSectionAsAByteRange) {
 }
 
 TEST_F(Packager, WritesAnIntroducingDiscontinuity) {
-    const auto stream = expectTheSameBehindTheRoundTrip(
+    const auto stream = expectTheSameAfterTheRoundTrip(
         packaged(transportSegments() + std::vector<std::string>{"-hls_flags", "discont_start"}));
     ASSERT_EQ(stream->segments.size(), 6U);
     EXPECT_TRUE(stream->discontinuitySeen);
@@ -239,7 +239,7 @@ TEST_F(Packager, WritesProgramDateTimes) {
     const std::string text =
         packaged(transportSegments() + std::vector<std::string>{"-hls_flags", "program_date_time"});
     ASSERT_EQ(countOf("#EXT-X-PROGRAM-DATE-TIME:", text), 6U);
-    const auto stream = expectTheSameBehindTheRoundTrip(withExtendedOffsets(text));
+    const auto stream = expectTheSameAfterTheRoundTrip(withExtendedOffsets(text));
     ASSERT_EQ(stream->segments.size(), 6U);
     EXPECT_GT(stream->segments[0]->programDateTime, 1577836800.0);
     EXPECT_NEAR(stream->segments[5]->programDateTime - stream->segments[0]->programDateTime, 5.0, 0.002);
@@ -267,7 +267,7 @@ TEST_F(Packager, WritesWhatAPatternCanSayInShort) {
          "#ZOR-PATTERN_START:p", "#EXTINF:1.000000,", "segment_{$n}.ts", "#ZOR-DEFINE_INCREMENT:n,1",
          "#ZOR-PATTERN_END:p", "#ZOR-PATTERN_REPEAT:p,5", "#EXT-X-ENDLIST"});
     const auto expanded = playlist::parsedMedia(pattern);
-    const auto original = expectTheSameBehindTheRoundTrip(text);
+    const auto original = expectTheSameAfterTheRoundTrip(text);
     ASSERT_NE(expanded, nullptr);
     EXPECT_EQ(playlist::renderedMedia(*expanded), playlist::renderedMedia(*original));
 }

@@ -122,7 +122,7 @@ TEST(VELHLSByteRange, ReadsFirstAndLastByteBothInclusive) {
                  '-', true);
 }
 
-TEST(VELHLSByteRange, StoresALastByteInFrontOfTheFirstAsComputed) {
+TEST(VELHLSByteRange, StoresALastByteBeforeTheFirstAsComputed) {
     expectParses({{"200-199", 0, 200},
                   {"200-198", -1, 200},
                   {"200-100", -99, 200},
@@ -280,7 +280,7 @@ TEST(VELHLSByteRange, RendersLengthAndAnOffsetThatIsNotNegative) {
     }
 }
 
-TEST(VELHLSByteRange, RendersBehindWhatIsThere) {
+TEST(VELHLSByteRange, RendersAfterWhatIsThere) {
     std::string out = "#EXT-X-BYTERANGE:";
     EXPECT_EQ(rangeOf(1024, 0).render(out), 0);
     EXPECT_EQ(out, "#EXT-X-BYTERANGE:1024@0");
@@ -294,7 +294,7 @@ TEST(VELHLSByteRange, DoesNotRenderANegativeLength) {
     }
 }
 
-TEST(VELHLSByteRange, DoesNotRenderALastByteInFrontOfTheFirst) {
+TEST(VELHLSByteRange, DoesNotRenderALastByteBeforeTheFirst) {
     EXPECT_EQ(rendered("200-199", '-', true), "0@200");
     EXPECT_EQ(rendered("200-198", '-', true), "-1");
     EXPECT_EQ(rendered("200-100", '-', true), "-1");
@@ -333,7 +333,7 @@ void expectRangesInUris(const std::vector<UriRow>& rows) {
     }
 }
 
-TEST(GetByteRangeFromUri, ReadsWhatStandsBehindTheLastRangeMarker) {
+TEST(GetByteRangeFromUri, ReadsWhatStandsAfterTheLastRangeMarker) {
     expectRangesInUris({{"v/range/1000-1999", "1000@1000"},
                         {"seg/range/0-0", "1@0"},
                         {"https://example.com/v.mp4/range/500", "500@-1"},
@@ -348,7 +348,7 @@ TEST(GetByteRangeFromUri, ReadsWhatStandsBehindTheLastRangeMarker) {
                         {"v/range/0-9223372036854775807", "9223372036854775807@0"}});
 }
 
-TEST(GetByteRangeFromUri, GivesNullForAnyOtherTextBehindTheMarker) {
+TEST(GetByteRangeFromUri, GivesNullForAnyOtherTextAfterTheMarker) {
     expectRangesInUris({{"v/range/", "null"},
                         {"/range/", "null"},
                         {"v/range/0-99/seg.ts", "null"},

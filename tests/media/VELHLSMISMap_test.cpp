@@ -310,7 +310,7 @@ TEST(VELHLSMISMap, RendersAByteRangeOfAtLeastOneByte) {
     }
 }
 
-TEST(VELHLSMISMap, RendersBehindWhatIsThere) {
+TEST(VELHLSMISMap, RendersAfterWhatIsThere) {
     std::string out = "before\n";
     EXPECT_EQ(mapOf("i", 0, -1).render(out), 0);
     EXPECT_EQ(out, "before\n#EXT-X-MAP:URI=\"i\"\n");

@@ -15,6 +15,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/PlainForms.h"
 #include "tests/support/PlaylistText.h"
 #include "tests/support/RecordText.h"
@@ -22,7 +23,7 @@
 namespace {
 
 using playlist::lines;
-using record::thrownBy;
+using playlist::thrownBy;
 using namespace std::string_literals;
 
 using Defines = std::shared_ptr<VELHLSDefineMap>;
@@ -67,8 +68,8 @@ std::shared_ptr<VELHLSProtectionData> keyNamed(const std::string& uri) {
                                                   std::vector<std::int32_t>());
 }
 
-/// A segment in front of the pattern: number 10 from 20 s on, 6 s long, without a date.
-std::shared_ptr<VELHLSMediaSegment> segmentInFront(const std::shared_ptr<VELHLSProtectionData>& key) {
+/// A segment before the pattern: number 10 from 20 s on, 6 s long, without a date.
+std::shared_ptr<VELHLSMediaSegment> segmentBefore(const std::shared_ptr<VELHLSProtectionData>& key) {
     return std::make_shared<VELHLSMediaSegment>(6.0, 20.0, 10, 3, ",", nullptr, false, 0.0, key, nullptr,
                                                 "in-front.ts", false, "", "");
 }
@@ -216,7 +217,7 @@ TEST(VELHLSMediaPatternExpand, FailsOnALineThatExpandsToNothing) {
     }
 }
 
-TEST(VELHLSMediaPatternExpand, KeepsTheIncrementsMadeInFrontOfAFailure) {
+TEST(VELHLSMediaPatternExpand, KeepsTheIncrementsMadeBeforeAFailure) {
     const Defines defines = defining({{"n", "1"}});
     EXPECT_EQ(expanded("#ZOR-DEFINE_INCREMENT:n,5\nseg.ts\n\n#ZOR-DEFINE_INCREMENT:n,70\n", 3, defines),
               "null");
@@ -381,7 +382,7 @@ TEST(VELHLSMediaPatternExpand, CountsTheValuesThatVariablesInsert) {
 }
 
 TEST(VELHLSMediaPatternExpand, CountsWhatTheLastLineInsertsWithoutWritingIt) {
-    // What the value begins ends behind its reference, and comes to nothing.
+    // What the value begins ends after its reference, and comes to nothing.
     constexpr std::size_t bytesOfAPass = 1048000;
     const std::string body = "a{$value}}\n";
     const std::string name(bytesOfAPass - body.size() - 4, 'n');
@@ -397,7 +398,7 @@ TEST(VELHLSMediaPatternExpand, LetsADefinitionThatLeadsBackToItselfFail) {
 
 TEST(VELHLSMediaPatternExpand, MakesSegmentsThatFollowThePreviousOne) {
     const auto key = keyNamed("key.bin");
-    const auto previous = segmentInFront(key);
+    const auto previous = segmentBefore(key);
     const Defines defines = defining({{"n", "1"}});
     const Segments segments = segmentsOf(exampleBody, 2, defines, previous);
     ASSERT_NE(segments, nullptr);
@@ -481,7 +482,7 @@ TEST(VELHLSMediaPatternExpand, RepeatsTheTagsOfTheBodyInEachPass) {
 TEST(VELHLSMediaPatternExpand, SharesKeyAndMapWithinAPassAndMakesNewOnesInTheNext) {
     const std::string body = lines({"#EXT-X-KEY:METHOD=AES-128,URI=\"k\"", "#EXT-X-MAP:URI=\"init.mp4\"",
                                     "#EXTINF:4,", "first.ts", "#EXTINF:4,", "second.ts"});
-    const Segments segments = segmentsOf(body, 1, defining({}), segmentInFront(keyNamed("in front")));
+    const Segments segments = segmentsOf(body, 1, defining({}), segmentBefore(keyNamed("before")));
     ASSERT_NE(segments, nullptr);
     ASSERT_EQ(segments->size(), 4U);
     EXPECT_EQ(segments->at(0)->protectionData->uri, "k");
@@ -494,7 +495,7 @@ TEST(VELHLSMediaPatternExpand, SharesKeyAndMapWithinAPassAndMakesNewOnesInTheNex
 }
 
 TEST(VELHLSMediaPatternExpand, LeavesThePreviousSegmentsKeyInForce) {
-    const auto previous = segmentInFront(keyNamed("in front"));
+    const auto previous = segmentBefore(keyNamed("before"));
     const Segments segments = segmentsOf("#EXTINF:4,\nsegment.ts\n", 1, nullptr, previous);
     ASSERT_NE(segments, nullptr);
     for (const auto& segment : *segments)
@@ -502,7 +503,7 @@ TEST(VELHLSMediaPatternExpand, LeavesThePreviousSegmentsKeyInForce) {
 }
 
 TEST(VELHLSMediaPatternExpand, DefinesVariablesOfTheBodyAfterTheWholeExpansion) {
-    // Lines in front of a pattern become the head of its body. The tag is read with the segments, so it has
+    // Lines before a pattern become the head of its body. The tag is read with the segments, so it has
     // the last word.
     const Defines defines = defining({{"n", "5"}});
     const std::string body = "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"1\"\n" + exampleBody;
@@ -631,14 +632,7 @@ TEST(VELHLSMediaPatternExpand, GivesTheSegmentsOfItsTextReadOneByOne) {
 
 template <typename Expand>
 std::string outcomeWithDefines(const Defines& defines, Expand expand) {
-    std::string outcome;
-    try {
-        outcome = expand();
-    } catch (const std::invalid_argument&) {
-        outcome = "invalid_argument";
-    } catch (const std::out_of_range&) {
-        outcome = "out_of_range";
-    }
+    std::string outcome = playlist::outcomeOf(expand);
     for (const char* name : {"n", "m", "x"}) {
         const auto define = defines->find(name);
         outcome += "\n" + std::string(name) + "=" + (define == defines->end() ? "none" : define->second);

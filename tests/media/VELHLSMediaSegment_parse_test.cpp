@@ -86,7 +86,7 @@ void expectPatternError(const Call& call, const std::string& line) {
     EXPECT_EQ(call.status.metrics, nullptr);
 }
 
-/// The segment that the text gives without one in front, and with a status and defines that are left as they
+/// The segment that the text gives without one before it, and with a status and defines that are left as they
 /// are.
 Segment segmentOf(const std::string& text) {
     SCOPED_TRACE(testing::PrintToString(text.substr(0, 200)));
@@ -122,7 +122,7 @@ std::string written(const std::shared_ptr<VELHLSByteRange>& range) {
     return std::to_string(range->length) + "@" + std::to_string(range->offset);
 }
 
-/// A segment in front of the one that is read, with everything in it.
+/// A segment before the one that is read, with everything in it.
 Segment fullSegment() {
     auto range = std::make_shared<VELHLSByteRange>();
     range->length = 5;
@@ -134,21 +134,21 @@ Segment fullSegment() {
                                                 "previous.ts", true, "30", "10/30");
 }
 
-/// Expects null for the line, as the first of a segment and as a later one, with nothing read behind it and
+/// Expects null for the line, as the first of a segment and as a later one, with nothing read after it and
 /// nothing recorded.
 void expectEndsSegment(const std::string& line) {
     SCOPED_TRACE(testing::PrintToString(line.substr(0, 200)));
-    const std::string behind = "#EXTINF:5,\nsegment.ts\n";
+    const std::string after = "#EXTINF:5,\nsegment.ts\n";
     Call first;
-    EXPECT_EQ(first.read(line + "\n" + behind), nullptr);
-    EXPECT_EQ(first.unread(), behind);
+    EXPECT_EQ(first.read(line + "\n" + after), nullptr);
+    EXPECT_EQ(first.unread(), after);
     EXPECT_EQ(first.pattern, nullptr);
     EXPECT_TRUE(first.defines->empty());
     expectStatusUntouched(first);
 
     Call later;
-    EXPECT_EQ(later.read("#EXTINF:5,\n" + line + "\n" + behind), nullptr);
-    EXPECT_EQ(later.unread(), behind);
+    EXPECT_EQ(later.read("#EXTINF:5,\n" + line + "\n" + after), nullptr);
+    EXPECT_EQ(later.unread(), after);
     EXPECT_EQ(later.pattern, nullptr);
     EXPECT_TRUE(later.defines->empty());
     expectStatusUntouched(later);
@@ -242,14 +242,14 @@ TEST(VELHLSMediaSegmentParse, ReadsTheTagsInAnyOrder) {
                                "#EXT-X-BYTERANGE:1024@0", "seg.ts"}));
 }
 
-TEST(VELHLSMediaSegmentParse, StopsBehindTheUri) {
+TEST(VELHLSMediaSegmentParse, StopsAfterTheUri) {
     Call call;
     ASSERT_NE(call.read("#EXTINF:10,\nsegment.ts\n#EXT-X-ENDLIST\nmore\n"), nullptr);
     EXPECT_TRUE(call.input.good());
     EXPECT_EQ(call.unread(), "#EXT-X-ENDLIST\nmore\n");
 }
 
-TEST(VELHLSMediaSegmentParse, StopsBehindAUriThatEndsTheInput) {
+TEST(VELHLSMediaSegmentParse, StopsAfterAUriThatEndsTheInput) {
     Call call;
     ASSERT_NE(call.read("#EXTINF:10,\nsegment.ts\n"), nullptr);
     EXPECT_TRUE(call.input.good());
@@ -651,7 +651,7 @@ struct TitleRow {
     std::string title;
 };
 
-TEST(VELHLSMediaSegmentParse, TheTitleBeginsAtTheFirstCommaWhateverStandsBehindTheNumber) {
+TEST(VELHLSMediaSegmentParse, TheTitleBeginsAtTheFirstCommaWhateverStandsAfterTheNumber) {
     for (int byte = 1; byte < 256; ++byte) {
         const char character = static_cast<char>(byte);
         if (std::string_view(",\r\n").find(character) != std::string_view::npos) continue;
@@ -758,14 +758,14 @@ TEST(VELHLSMediaSegmentParse, PrefersTheTagToTheByteRangeOfTheUri) {
     }
 }
 
-TEST(VELHLSMediaSegmentParse, DropsASegmentWhoseUriHasItsLastByteInFrontOfItsFirst) {
+TEST(VELHLSMediaSegmentParse, DropsASegmentWhoseUriHasItsLastByteBeforeItsFirst) {
     EXPECT_EQ(segmentOf("#EXTINF:10\nv/range/200-100\n"), nullptr);
 }
 
 TEST(VELHLSMediaSegmentParse, ThrowsForAByteRangeOfTheUriBeyondSixtyFourBits) {
     Call call;
-    EXPECT_THROW(call.read("#EXTINF:10\nv/range/9223372036854775808\nbehind\n"), std::out_of_range);
-    EXPECT_EQ(call.unread(), "behind\n");
+    EXPECT_THROW(call.read("#EXTINF:10\nv/range/9223372036854775808\nafter\n"), std::out_of_range);
+    EXPECT_EQ(call.unread(), "after\n");
     expectStatusUntouched(call);
 }
 
@@ -826,8 +826,8 @@ TEST(VELHLSMediaSegmentParse, ThrowsForAByteRangeOfTheMapBeyondSixtyFourBits) {
 
 TEST(VELHLSMediaSegmentParse, DropsASegmentWhoseMapHasAnEmptyUri) {
     Call call;
-    EXPECT_EQ(call.read("#EXT-X-MAP:URI=\"\"\n#EXTINF:10\nsegment.ts\nbehind\n"), nullptr);
-    EXPECT_EQ(call.unread(), "behind\n");
+    EXPECT_EQ(call.read("#EXT-X-MAP:URI=\"\"\n#EXTINF:10\nsegment.ts\nafter\n"), nullptr);
+    EXPECT_EQ(call.unread(), "after\n");
     expectStatusUntouched(call);
     EXPECT_NE(segmentOf("#EXT-X-MAP:URI=\"\"\n#EXT-X-MAP:URI=\"i\"\n#EXTINF:10\nsegment.ts\n"), nullptr);
 }
@@ -1096,12 +1096,12 @@ TEST(VELHLSMediaSegmentParse, HandsOutAPatternInsteadOfASegment) {
     EXPECT_TRUE(call.defines->empty());
 }
 
-TEST(VELHLSMediaSegmentParse, PutsTheLinesInFrontOfAPatternIntoItsBody) {
+TEST(VELHLSMediaSegmentParse, PutsTheLinesBeforeAPatternIntoItsBody) {
     Call call;
     EXPECT_EQ(
         call.read("#EXT-X-KEY:METHOD=NONE\n#EXTM3U\r\n\r\n  \n# comment: c\r\n#EXT-X-DEFINE:NAME=n,VALUE=1\n"
                   "#ZOR-PATTERN_END\n#EXT-X-DISCONTINUITY\r\n"
-                  "#ZOR-PATTERN_START:p\r\n#EXTINF:4,\r\nuri\n#ZOR-PATTERN_REPEAT:p,1\nbehind\n"),
+                  "#ZOR-PATTERN_START:p\r\n#EXTINF:4,\r\nuri\n#ZOR-PATTERN_REPEAT:p,1\nafter\n"),
         nullptr);
     ASSERT_NE(call.pattern, nullptr);
     EXPECT_EQ(call.pattern->name, "p");
@@ -1110,7 +1110,7 @@ TEST(VELHLSMediaSegmentParse, PutsTheLinesInFrontOfAPatternIntoItsBody) {
               "#ZOR-PATTERN_END\n#EXT-X-DISCONTINUITY\n#EXTINF:4,\r\nuri\n");
     EXPECT_EQ(call.pattern->repeatCount, 1U);
     EXPECT_EQ(*call.defines, (VELHLSDefineMap{{"n", "1"}}));
-    EXPECT_EQ(call.unread(), "behind\n");
+    EXPECT_EQ(call.unread(), "after\n");
 }
 
 TEST(VELHLSMediaSegmentParse, ReplacesThePatternOfTheCaller) {
@@ -1150,15 +1150,15 @@ TEST(VELHLSMediaSegmentParse, HandsOutNullForAMalformedPattern) {
         std::string offendingLine;
     };
     const std::vector<PatternRow> rows = {
-        {"#ZOR-PATTERN_START:p\n#EXTM3U\nbehind\n", "#EXTM3U"},
-        {"#ZOR-PATTERN_START:p\n#EXT-X-DISCONTINUITY\r\nbehind\n", "#EXT-X-DISCONTINUITY\r"},
-        {"#ZOR-PATTERN_START:p\n#ZOR-PATTERN_START:q\nbehind\n", "#ZOR-PATTERN_START:q"},
-        {"#ZOR-PATTERN_START:p\n#ZOR-PATTERN_REPEAT:q,3\nbehind\n", "#ZOR-PATTERN_REPEAT:q,3"},
-        {"#ZOR-PATTERN_START:p\n#ZOR-PATTERN_REPEAT:p\nbehind\n", "#ZOR-PATTERN_REPEAT:p"},
-        {"#EXTINF:10\n#ZOR-PATTERN_START:p\n#ZOR-PATTERN_END:q\nbehind\n", "#ZOR-PATTERN_END:q"},
-        {"#ZOR-PATTERN_STARTED:p\nbehind\n", "#ZOR-PATTERN_STARTED:p"},
-        {"#ZOR-PATTERN_START_:p\nbehind\n", "#ZOR-PATTERN_START_:p"},
-        {"#ZOR-PATTERN_START :p\nbehind\n", "#ZOR-PATTERN_START :p"},
+        {"#ZOR-PATTERN_START:p\n#EXTM3U\nafter\n", "#EXTM3U"},
+        {"#ZOR-PATTERN_START:p\n#EXT-X-DISCONTINUITY\r\nafter\n", "#EXT-X-DISCONTINUITY\r"},
+        {"#ZOR-PATTERN_START:p\n#ZOR-PATTERN_START:q\nafter\n", "#ZOR-PATTERN_START:q"},
+        {"#ZOR-PATTERN_START:p\n#ZOR-PATTERN_REPEAT:q,3\nafter\n", "#ZOR-PATTERN_REPEAT:q,3"},
+        {"#ZOR-PATTERN_START:p\n#ZOR-PATTERN_REPEAT:p\nafter\n", "#ZOR-PATTERN_REPEAT:p"},
+        {"#EXTINF:10\n#ZOR-PATTERN_START:p\n#ZOR-PATTERN_END:q\nafter\n", "#ZOR-PATTERN_END:q"},
+        {"#ZOR-PATTERN_STARTED:p\nafter\n", "#ZOR-PATTERN_STARTED:p"},
+        {"#ZOR-PATTERN_START_:p\nafter\n", "#ZOR-PATTERN_START_:p"},
+        {"#ZOR-PATTERN_START :p\nafter\n", "#ZOR-PATTERN_START :p"},
     };
     for (const PatternRow& row : rows) {
         SCOPED_TRACE(row.text);
@@ -1166,19 +1166,19 @@ TEST(VELHLSMediaSegmentParse, HandsOutNullForAMalformedPattern) {
         call.pattern = std::make_shared<VELHLSMediaPattern>("earlier", "", 0);
         EXPECT_EQ(call.read(row.text), nullptr);
         EXPECT_EQ(call.pattern, nullptr);
-        EXPECT_EQ(call.unread(), "behind\n");
+        EXPECT_EQ(call.unread(), "after\n");
         expectPatternError(call, row.offendingLine);
     }
 }
 
 TEST(VELHLSMediaSegmentParse, ThrowsForARepeatCountThatIsNoNumber) {
     Call call;
-    EXPECT_THROW(call.read("#ZOR-PATTERN_START:p\n#ZOR-PATTERN_REPEAT:p,x\nbehind\n"), std::invalid_argument);
+    EXPECT_THROW(call.read("#ZOR-PATTERN_START:p\n#ZOR-PATTERN_REPEAT:p,x\nafter\n"), std::invalid_argument);
     EXPECT_EQ(call.pattern, nullptr);
     EXPECT_TRUE(call.status.hasMediaPatterns);
     EXPECT_EQ(call.status.error, earlierError);
     EXPECT_EQ(call.status.message, "earlier");
-    EXPECT_EQ(call.unread(), "behind\n");
+    EXPECT_EQ(call.unread(), "after\n");
 }
 
 TEST(VELHLSMediaSegmentParse, RecordsNoErrorForAPatternStartWithoutColon) {
@@ -1415,15 +1415,15 @@ TEST(VELHLSMediaSegmentParse, DropsASegmentThatInheritsABrokenKeyOrMap) {
     Call brokenKey;
     brokenKey.previous = fullSegment();
     brokenKey.previous->protectionData->uri.clear();
-    EXPECT_EQ(brokenKey.read("#EXTINF:10\nsegment.ts\nbehind\n"), nullptr);
-    EXPECT_EQ(brokenKey.unread(), "behind\n");
+    EXPECT_EQ(brokenKey.read("#EXTINF:10\nsegment.ts\nafter\n"), nullptr);
+    EXPECT_EQ(brokenKey.unread(), "after\n");
     expectStatusUntouched(brokenKey);
 
     Call brokenMap;
     brokenMap.previous = fullSegment();
     brokenMap.previous->misMap->uri.clear();
-    EXPECT_EQ(brokenMap.read("#EXTINF:10\nsegment.ts\nbehind\n"), nullptr);
-    EXPECT_EQ(brokenMap.unread(), "behind\n");
+    EXPECT_EQ(brokenMap.read("#EXTINF:10\nsegment.ts\nafter\n"), nullptr);
+    EXPECT_EQ(brokenMap.unread(), "after\n");
     expectStatusUntouched(brokenMap);
 }
 

@@ -377,7 +377,7 @@ struct TitleRow {
     std::string line;
 };
 
-TEST(VELHLSMediaSegment, RendersATitleBehindACommaOfItsOwn) {
+TEST(VELHLSMediaSegment, RendersATitleAfterACommaOfItsOwn) {
     const std::vector<TitleRow> rows = {
         {"", "#EXTINF:10.000000"},
         {"Intro", "#EXTINF:10.000000,Intro"},
@@ -429,7 +429,7 @@ TEST(VELHLSMediaSegment, DoesNotRenderCuesAndNumbers) {
     EXPECT_EQ(rendered(segment), rendered(plainSegment()));
 }
 
-TEST(VELHLSMediaSegment, RendersBehindWhatIsThere) {
+TEST(VELHLSMediaSegment, RendersAfterWhatIsThere) {
     std::string out = "#EXTM3U\n";
     EXPECT_EQ(plainSegment().render(out, true, true), 0);
     EXPECT_EQ(fullSegment().render(out, false, false), 0);

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <iostream>
 #include <iterator>
 #include <limits>
@@ -14,7 +13,6 @@
 #include <string_view>
 #include <thread>
 #include <type_traits>
-#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -23,6 +21,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/MediaRoundTrip.h"
+#include "tests/support/Outcome.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -76,13 +75,8 @@ bool hasOutcomeOfBefore(const VELHLSParsingStatus& status) {
 /// "accepted", "rejected" or the exact exception.
 std::string outcomeThrough(Entry entry, const std::string& text, VELHLSParsingStatus* status) {
     std::istringstream input(text);
-    try {
-        return entry(input, status) == nullptr ? "rejected" : "accepted";
-    } catch (const std::exception& error) {
-        if (typeid(error) == typeid(std::invalid_argument)) return "invalid_argument";
-        if (typeid(error) == typeid(std::out_of_range)) return "out_of_range";
-        return typeid(error).name();
-    }
+    return playlist::outcomeOf(
+        [&] { return std::string(entry(input, status) == nullptr ? "rejected" : "accepted"); });
 }
 
 /// What a parse comes to: "accepted", "rejected", "pattern error: " and the line, or the exact exception. On
@@ -150,7 +144,7 @@ struct Row {
     std::string outcome;
 };
 
-/// A line between the segments, in front of them and at the end of the input comes to the same.
+/// A line between the segments, before them and at the end of the input comes to the same.
 void expectOutcomesOfLines(const std::vector<Row>& rows) {
     for (const auto& [line, outcome] : rows) {
         SCOPED_TRACE(testing::PrintToString(line.substr(0, 80)));
@@ -627,7 +621,7 @@ TEST(VELHLSMediaStreamParse, LetsTheLastHeaderTagHoldAnywhere) {
     EXPECT_EQ(stream.playlistType, VELHLSMediaStream::Vod);
     EXPECT_TRUE(stream.iFramesOnly);
     EXPECT_TRUE(stream.hasExtM3U);
-    // A segment counts on from the one in front of it.
+    // A segment counts on from the one before it.
     ASSERT_EQ(stream.segments.size(), 2U);
     EXPECT_EQ(stream.segments[0]->mediaSequenceNumber, 5U);
     EXPECT_EQ(stream.segments[1]->mediaSequenceNumber, 6U);
@@ -635,13 +629,13 @@ TEST(VELHLSMediaStreamParse, LetsTheLastHeaderTagHoldAnywhere) {
     EXPECT_EQ(stream.segments[1]->discontinuitySequenceNumber, 2U);
 }
 
-TEST(VELHLSMediaStreamParse, DoesNotNumberTheFirstSegmentByATagBehindIt) {
+TEST(VELHLSMediaStreamParse, DoesNotNumberTheFirstSegmentByATagAfterIt) {
     const VELHLSMediaStream stream = streamOf("#EXTINF:4,\nfirst.ts\n#EXT-X-MEDIA-SEQUENCE:50\n");
     EXPECT_EQ(stream.mediaSequence, 50);
     EXPECT_EQ(stream.segments.at(0)->mediaSequenceNumber, 0U);
 }
 
-TEST(VELHLSMediaStreamParse, StopsBehindTheEndWhenTheHeaderWasRead) {
+TEST(VELHLSMediaStreamParse, StopsAfterTheEndWhenTheHeaderWasRead) {
     const std::string rest = "#EXTINF:10,\nb.ts is not read\n\nno playlist";
     const std::string text =
         lines({"#EXTM3U", "#EXT-X-TARGETDURATION:10", "#EXTINF:10,", "first.ts", "#EXT-X-ENDLIST"});
@@ -656,7 +650,7 @@ TEST(VELHLSMediaStreamParse, StopsAtALateHeaderWhenTheEndWasRead) {
     EXPECT_EQ(unreadAfterParsing(text + "rest"), "rest");
 }
 
-TEST(VELHLSMediaStreamParse, ReadsOnBehindTheEndWithoutTheHeader) {
+TEST(VELHLSMediaStreamParse, ReadsOnAfterTheEndWithoutTheHeader) {
     const std::string text = "#EXTINF:4,\nfirst.ts\n#EXT-X-ENDLIST\n#EXTINF:4,\nsecond.ts\n";
     const VELHLSMediaStream stream = streamOf(text);
     EXPECT_TRUE(stream.endList);
@@ -788,7 +782,7 @@ TEST(VELHLSMediaStreamParse, NotesADiscontinuityThatOpensASegment) {
         streamOf("#EXT-X-DISCONTINUITY\n#EXTINF:4,\nfirst.ts\n#EXTINF:4,\nsecond.ts\n").discontinuitySeen);
 }
 
-TEST(VELHLSMediaStreamParse, DoesNotNoteADiscontinuityBehindAnotherTag) {
+TEST(VELHLSMediaStreamParse, DoesNotNoteADiscontinuityAfterAnotherTag) {
     const VELHLSMediaStream stream = streamOf("#EXTINF:4,\n#EXT-X-DISCONTINUITY\nsegment.ts\n");
     EXPECT_FALSE(stream.discontinuitySeen);
     ASSERT_EQ(stream.segments.size(), 1U);
@@ -882,7 +876,7 @@ TEST(VELHLSMediaStreamParse, GoesOnCountingFromPatternToPattern) {
               "seg1.ts seg2.ts seg3.ts seg70.ts seg71.ts seg72.ts");
 }
 
-TEST(VELHLSMediaStreamParse, RepeatsTheTagsInFrontOfAPatternWithIt) {
+TEST(VELHLSMediaStreamParse, RepeatsTheTagsBeforeAPatternWithIt) {
     const std::string pattern = "#ZOR-PATTERN_START:p\n#EXTINF:4,\nseg1.ts\n#ZOR-PATTERN_REPEAT:p,1\n";
     const VELHLSMediaStream stream = streamOf("#EXT-X-KEY:METHOD=AES-128,URI=\"k\"\n# comment\n" +
                                               "#EXT-X-PROGRAM-DATE-TIME:2020-01-01T00:00:00Z\n"s + pattern);
@@ -952,7 +946,7 @@ TEST(VELHLSMediaStreamParse, TellsWhatFailsInAPattern) {
         SCOPED_TRACE(testing::PrintToString(text));
         EXPECT_EQ(outcomeOf(text), outcome);
         EXPECT_EQ(outcomeOf("#EXTM3U\n#EXTINF:4,\nin-front.ts\n" + text), outcome);
-        // Tags in front of the pattern open a segment, whose lines the pattern takes over.
+        // Tags before the pattern open a segment, whose lines the pattern takes over.
         EXPECT_EQ(outcomeOf("#EXT-X-KEY:METHOD=NONE\n" + text), outcome);
     }
 }
@@ -963,7 +957,7 @@ TEST(VELHLSMediaStreamParse, TakesAPatternWithoutABodyAsNoSegments) {
     EXPECT_EQ(outcomeOf(start + "#ZOR-PATTERN_REPEAT:p,9223372036854775807\n"), "accepted");
     EXPECT_EQ(outcomeOf(start + "#ZOR-PATTERN_REPEAT:p,-1\n"), "accepted");
     EXPECT_TRUE(streamOf(start).segments.empty());
-    // The tags in front of it would be its body, and they have no URI.
+    // The tags before it would be its body, and they have no URI.
     EXPECT_EQ(outcomeOf("#EXTINF:4,\n" + start), "rejected");
 }
 
@@ -988,10 +982,10 @@ TEST(VELHLSMediaStreamParse, NeverClearsTheNoteOfPatterns) {
     EXPECT_TRUE(status.hasMediaPatterns);
 }
 
-TEST(VELHLSMediaStreamParse, LeavesTheLinesBehindARejectedPatternLineUnread) {
-    const std::string behind = "#EXTINF:4,\nbehind.ts\n";
-    EXPECT_EQ(unreadAfterParsing("#ZOR-PATTERN_START:p\n#ZOR-PATTERN_REPEAT:q,2\n" + behind), behind);
-    EXPECT_EQ(unreadAfterParsing("#EXTINF:4,\n#ZOR-PATTERN_END:p\n" + behind), behind);
+TEST(VELHLSMediaStreamParse, LeavesTheLinesAfterARejectedPatternLineUnread) {
+    const std::string after = "#EXTINF:4,\nafter.ts\n";
+    EXPECT_EQ(unreadAfterParsing("#ZOR-PATTERN_START:p\n#ZOR-PATTERN_REPEAT:q,2\n" + after), after);
+    EXPECT_EQ(unreadAfterParsing("#EXTINF:4,\n#ZOR-PATTERN_END:p\n" + after), after);
 }
 
 /// A pattern of one pass whose body has so many bytes.
@@ -1100,7 +1094,7 @@ TEST(VELHLSMediaStreamParse, ReadsMegabyteLinesAndNulBytes) {
 }
 
 /// The spans of a playlist that end with a line feed, with what the playlist comes to when it ends within:
-/// behind the first colon of a tag, up to and including the byte in front of its line feed.
+/// after the first colon of a tag, up to and including the byte before its line feed.
 std::string expectedOfCut(std::string_view cut) {
     const std::string_view lastLine = cut.substr(cut.rfind('\n') + 1);
     const bool inSegment = cut.rfind("#EXTINF:") != std::string_view::npos &&
@@ -1186,7 +1180,7 @@ TEST(VELHLSMediaStreamParse, LetsTheExceptionOfAStreamPass) {
     EXPECT_EQ(status.metrics, nullptr);
 }
 
-/// Hands its text out byte by byte. Behind it comes the end, or a broken connection.
+/// Hands its text out byte by byte. After it comes the end, or a broken connection.
 class ByteByByte : public std::streambuf {
   public:
     ByteByByte(std::string text, bool breaks) : text_(std::move(text)), breaks_(breaks) {}
@@ -1211,7 +1205,7 @@ class ByteByByte : public std::streambuf {
     char character_ = 0;
 };
 
-TEST(VELHLSMediaStreamParse, AsksForNoByteBehindTheEndOfThePlaylist) {
+TEST(VELHLSMediaStreamParse, AsksForNoByteAfterTheEndOfThePlaylist) {
     // Else a parse would wait for the next bytes of a connection that stays open.
     const std::string text = exampleHead + "#EXTM3U\n" + examplePattern + "#EXT-X-ENDLIST\n";
     ByteByByte bytes(text + "more", true);

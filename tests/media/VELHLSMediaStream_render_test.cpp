@@ -53,6 +53,13 @@ std::string renderedAgain(const std::string& text) {
     return stream == nullptr ? "rejected" : renderedMedia(*stream);
 }
 
+TEST(VELHLSMediaStreamRender, TypesHaveTheTextsThatPlaylistsWrite) {
+    EXPECT_EQ(VELHLSMediaStream::textOf(VELHLSMediaStream::Event), "EVENT");
+    EXPECT_EQ(VELHLSMediaStream::textOf(VELHLSMediaStream::Vod), "VOD");
+    EXPECT_EQ(VELHLSMediaStream::textOf(VELHLSMediaStream::None), "");
+    EXPECT_EQ(VELHLSMediaStream::textOf(static_cast<VELHLSMediaStream::PlaylistType>(3)), "");
+}
+
 TEST(VELHLSMediaStreamRender, WritesAnEmptyPlaylist) {
     EXPECT_EQ(renderedMedia(VELHLSMediaStream()), "#EXTM3U\n#EXT-X-TARGETDURATION:0\n");
 }
@@ -113,7 +120,7 @@ TEST(VELHLSMediaStreamRender, WritesOneLineForEachHeaderValue) {
         change(stream);
         EXPECT_EQ(renderedMedia(stream), "#EXTM3U\n" + line + "#EXT-X-TARGETDURATION:0\n");
     }
-    const std::vector<Written> rowsBehind = {
+    const std::vector<Written> rowsAfter = {
         {"", [](Stream& stream) { stream.mediaSequence = 0; }},
         {"#EXT-X-MEDIA-SEQUENCE:1\n", [](Stream& stream) { stream.mediaSequence = 1; }},
         {"#EXT-X-MEDIA-SEQUENCE:-1\n", [](Stream& stream) { stream.mediaSequence = -1; }},
@@ -131,7 +138,7 @@ TEST(VELHLSMediaStreamRender, WritesOneLineForEachHeaderValue) {
         {"#EXT-X-INDEPENDENT-SEGMENTS\n", [](Stream& stream) { stream.independentSegments = true; }},
         {"#EXT-X-ENDLIST\n", [](Stream& stream) { stream.endList = true; }},
     };
-    for (const auto& [line, change] : rowsBehind) {
+    for (const auto& [line, change] : rowsAfter) {
         VELHLSMediaStream stream;
         change(stream);
         EXPECT_EQ(renderedMedia(stream), "#EXTM3U\n#EXT-X-TARGETDURATION:0\n" + line);
@@ -544,7 +551,7 @@ const std::vector<std::string> playlists = {
     lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"1\"", "#EXT-X-DISCONTINUITY",
            "#EXT-X-KEY:METHOD=NONE", "#ZOR-PATTERN_START:p", "#EXTINF:4.5,Title", "seg{$n}.ts",
            "#ZOR-DEFINE_INCREMENT:n,1", "#ZOR-PATTERN_END:p", "#ZOR-PATTERN_REPEAT:p,2", "#EXTINF:2,",
-           "behind{$n}.ts", "#EXT-X-ENDLIST"}),
+           "after{$n}.ts", "#EXT-X-ENDLIST"}),
 };
 
 TEST(VELHLSMediaStreamRender, WritesTextThatReadsAsAnEqualPlaylist) {

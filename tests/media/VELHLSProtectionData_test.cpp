@@ -13,6 +13,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/RecordText.h"
 
 namespace {
@@ -68,7 +69,7 @@ std::string text(const std::string& attributes) {
 }
 
 std::string thrownBy(const std::string& attributes) {
-    return record::thrownBy([&] {
+    return playlist::thrownBy([&] {
         Key key = blank();
         static_cast<void>(key.parse(keyTag + attributes));
     });
@@ -83,6 +84,16 @@ void expectSameModel(const Key& seen, const Key& expected) {
 }
 
 // --- construction
+
+TEST(VELHLSProtectionData, MethodsHaveTheTextsThatPlaylistsWrite) {
+    EXPECT_EQ(VELHLSProtectionData::textOf(VELHLSProtectionData::None), "NONE");
+    EXPECT_EQ(VELHLSProtectionData::textOf(VELHLSProtectionData::AES128), "AES-128");
+    EXPECT_EQ(VELHLSProtectionData::textOf(VELHLSProtectionData::SampleAES), "SAMPLE-AES");
+    for (const int noMethod : {-1, 3, std::numeric_limits<int>::max()}) {
+        EXPECT_EQ(VELHLSProtectionData::textOf(static_cast<VELHLSProtectionData::ProtectionMethod>(noMethod)),
+                  "");
+    }
+}
 
 TEST(VELHLSProtectionData, ConstructorStoresEachArgumentInItsMember) {
     const Key key(Key::AES128, "uri", "iv", "format", {2, 1});
@@ -470,7 +481,7 @@ TEST(VELHLSProtectionData, ThrowsForKeyFormatVersionsThatAreNoNumbers) {
         EXPECT_EQ(thrownBy(aes + ",KEYFORMATVERSIONS=\"" + value + "\""), thrown) << value;
         EXPECT_EQ(thrownBy("KEYFORMATVERSIONS=\"" + value + "\"," + aes), thrown) << value;
         const std::string sessionKey = sessionKeyTag + aes + ",KEYFORMATVERSIONS=\"" + value + "\"";
-        EXPECT_EQ(record::thrownBy([&] { static_cast<void>(textOfLine(sessionKey)); }), thrown) << value;
+        EXPECT_EQ(playlist::thrownBy([&] { static_cast<void>(textOfLine(sessionKey)); }), thrown) << value;
     }
     EXPECT_THROW(static_cast<void>(text(aes + ",KEYFORMATVERSIONS=\"1/\"")), std::invalid_argument);
     EXPECT_THROW(static_cast<void>(text(aes + ",KEYFORMATVERSIONS=2147483648")), std::out_of_range);

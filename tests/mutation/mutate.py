@@ -24,7 +24,7 @@ EQUIVALENTS = pathlib.Path(__file__).with_name("equivalent.txt")
 MOST_SECONDS = 60
 MOST_SECONDS_BY_THE_CLOCK = 900
 MOST_MEMORY = 6 << 30
-# A test that takes longer runs behind the others, since most mutants are killed by those.
+# A test that takes longer runs after the others, since most mutants are killed by those.
 SLOW_MILLISECONDS = 60
 # So many of the tests that killed most run first.
 USUAL_KILLERS = 40
@@ -127,7 +127,7 @@ class Build:
 
     @staticmethod
     def _compile(entry, folder, made, source=None):
-        """Whether the source could be compiled, with the broken header in front of all others."""
+        """Whether the source could be compiled, with the broken header before all others."""
         arguments = shlex.split(entry["command"])
         arguments[arguments.index("-o") + 1] = str(made)
         arguments[-1] = str(source or entry["file"])
@@ -179,7 +179,7 @@ LIMITS = ["prlimit", f"--as={MOST_MEMORY}", f"--cpu={MOST_SECONDS}", "--core=0"]
 
 
 class Suite:
-    """The tests as a sequence of runs, the quickest first, and in front of all those that killed other mutants."""
+    """The tests as a sequence of runs, first those that killed other mutants, then the quickest."""
 
     def __init__(self, outcomes):
         self.killers = collections.Counter(outcome.split(": ")[1] for outcome in outcomes if re.search(r": \w+\.\w+$", outcome))

@@ -1,11 +1,11 @@
 # velhls_test_documentation(FILE...): makes a test of every code block of the Markdown files. What a block is says the
-# word behind its fence:
+# word after its fence:
 #
 #     cpp        a program, or lines for the middle of one; it is built, run, and must print what the text block that
 #                follows it shows, or nothing when none follows
-#     text       what the cpp block in front of it prints
-#     console    commands behind "$ ", each followed by what it prints, errors included
-#     m3u8       a playlist; with a name behind the word (m3u8 live.m3u8) the file's other blocks find it by that name
+#     text       what the cpp block before it prints
+#     console    commands after "$ ", each followed by what it prints, errors included
+#     m3u8       a playlist; with a name after the word (m3u8 live.m3u8) the file's other blocks find it by that name
 #     cmake      lines of one of the projects under tests/consumers, which build
 #     sh         commands that are not run here
 #
@@ -79,7 +79,7 @@ function(velhls_test_documentation_of path)
 
     string(FIND "${rest}" "\n```" start)
     while(NOT start EQUAL -1)
-        # `rest` becomes the text behind the opening fence; `line` is the line of that fence.
+        # `rest` becomes the text after the opening fence; `line` is the line of that fence.
         string(SUBSTRING "${rest}" 0 ${start} passed)
         string(REGEX MATCHALL "\n" feeds "${passed}\n")
         list(LENGTH feeds count)
@@ -123,7 +123,7 @@ function(velhls_test_documentation_of path)
         elseif(words STREQUAL "cmake")
             velhls_check_cmake_block(${name} "${code}")
         elseif(words STREQUAL "text" AND was_pending STREQUAL "")
-            message(FATAL_ERROR "${name}: this text block stands behind no cpp block")
+            message(FATAL_ERROR "${name}: this text block stands after no cpp block")
         elseif(NOT words MATCHES "^(text|m3u8|sh)$")
             message(FATAL_ERROR "${name}: a block of an unknown kind: \"${words}\"")
         endif()

@@ -135,10 +135,10 @@ inline void appendAttributes(std::vector<Input>& inputs) {
     append("attributes", [](std::size_t n) { return counted(n, "A~=1,") + "B=1"; });
     append("attributes that are not closed",
            [](std::size_t n) { return counted(n, "A~=\"1\",") + "B=\"1,"; });
-    append("attributes in front of a long one",
+    append("attributes before a long one",
            [](std::size_t n) { return counted(n, "A~=1,") + "B=" + std::string(16 * n, 'b') + ","; });
     append("attributes and carriage returns", [](std::size_t n) { return counted(n, "A~=\r1,\r") + "B=1"; });
-    append("attributes in front of carriage returns",
+    append("attributes before carriage returns",
            [](std::size_t n) { return counted(n, "A~=1,") + "B=1" + std::string(16 * n, '\r'); });
 }
 
@@ -218,7 +218,7 @@ inline void appendMedia(std::vector<Input>& inputs) {
     appendRecords("segments with dates", "#EXT-X-PROGRAM-DATE-TIME:2020-01-01T10:00:05.250Z\n" + segment);
     appendRecords("segments with byte ranges", "#EXT-X-BYTERANGE:1~@1~\n" + segment);
     appendRecords("segments with cues", "#EXT-X-CUE-OUT:~\n#EXT-X-CUE-OUT-CONT:~\n#EXT-X-CUE-IN\n" + segment);
-    appendRecords("segments behind discontinuities", "#EXT-X-DISCONTINUITY\n" + segment);
+    appendRecords("segments after discontinuities", "#EXT-X-DISCONTINUITY\n" + segment);
     appendRecords("segments that are too long", "#EXTINF:77,title ~\nsegment~.ts\n");
     appendRecords("keys of one segment", key);
     appendRecords("maps of one segment", "#EXT-X-MAP:URI=\"map~\"\n");
@@ -280,7 +280,7 @@ inline void appendVariables(std::vector<Input>& inputs) {
     });
     append("a pattern without an end",
            [](std::size_t n) { return "#ZOR-PATTERN_START:p\n" + times(n, segment); });
-    append("lines in front of a pattern", [](std::size_t n) {
+    append("lines before a pattern", [](std::size_t n) {
         return "#EXTINF:6,\n" + counted(n, "# comment ~\n") + patternOf("segment1.ts\n", "1");
     });
     for (const char* count :

@@ -24,7 +24,7 @@ inline std::shared_ptr<VELHLSMediaStream> parsedMedia(const std::string& text) {
     return VELHLSMediaStream::parseMediaStream(input, nullptr);
 }
 
-/// The text that the playlist renders. A status that is not 0 stands in front of it.
+/// The text that the playlist renders. A status that is not 0 stands before it.
 inline std::string renderedMedia(const VELHLSMediaStream& stream) {
     std::ostringstream text;
     const std::int32_t status = stream.render(text);
@@ -55,7 +55,7 @@ inline double targetDuration(double seconds) {
     return std::min(std::trunc(seconds), 2147483647.0);
 }
 
-/// Dates are written in milliseconds, and those far ahead cut off behind 31 characters: -1.0 when it cannot be read
+/// Dates are written in milliseconds, and those far ahead cut off after 31 characters: -1.0 when it cannot be read
 /// again.
 inline double date(double seconds) {
     std::string text;

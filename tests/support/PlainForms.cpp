@@ -168,10 +168,10 @@ std::optional<VELHLSByteRange> byteRange(const std::string& text, char separator
         range.offset = -1;
         return range;
     }
-    const std::string behind = text.substr(position + 1);
-    if (behind.empty() || behind.find_first_not_of(digits) != none) return std::nullopt;
+    const std::string after = text.substr(position + 1);
+    if (after.empty() || after.find_first_not_of(digits) != none) return std::nullopt;
     const std::int64_t first = std::stoll(text.substr(0, position));
-    const std::int64_t second = std::stoll(behind);
+    const std::int64_t second = std::stoll(after);
     // The one length that 64 bits do not hold is one too small.
     const std::int64_t inclusive = second - first == INT64_MAX ? INT64_MAX : second - first + 1;
     range.length = isInclusive ? inclusive : first;

@@ -51,7 +51,7 @@ std::string nextLine(std::istream& input) {
     return line;
 }
 
-/// The text between "#" and the first colon, and the text behind that; without a colon all and nothing.
+/// The text between "#" and the first colon, and the text after that; without a colon all and nothing.
 std::pair<std::string, std::string> nameAndValue(const std::string& line) {
     const std::size_t colon = line.find(':');
     if (colon == none) return {line.substr(1), ""};

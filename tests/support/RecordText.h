@@ -3,11 +3,8 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
-#include <stdexcept>
 #include <string>
 #include <string_view>
-#include <typeinfo>
 #include <vector>
 
 /// What the tests of the records share: a record is one tag of a playlist.
@@ -15,25 +12,12 @@ namespace record {
 
 using namespace std::string_literals;
 
-/// The text that a record renders. A status that is not 0 stands in front of it.
+/// The text that a record renders. A status that is not 0 stands before it.
 template <typename Record>
 std::string rendered(const Record& value) {
     std::string text;
     const std::int32_t status = value.render(text);
     return status == 0 ? text : "status " + std::to_string(status) + ": " + text;
-}
-
-/// The exact type of the standard exception that the work throws; "nothing" when it returns.
-template <typename Work>
-std::string thrownBy(Work work) {
-    try {
-        work();
-    } catch (const std::exception& error) {
-        if (typeid(error) == typeid(std::invalid_argument)) return "invalid_argument";
-        if (typeid(error) == typeid(std::out_of_range)) return "out_of_range";
-        return typeid(error).name();
-    }
-    return "nothing";
 }
 
 /// How long the work takes.
@@ -50,8 +34,8 @@ constexpr double quickSeconds = 5.0;
 
 constexpr std::size_t megabyte = 1U << 20U;
 
-/// Many attributes, and a long one behind them, with a comma at the end: whoever searches from each of the
-/// many to what stands behind the long one does so quadratically.
+/// Many attributes, and a long one after them, with a comma at the end: whoever searches from each of the
+/// many to what stands after the long one does so quadratically.
 inline std::string manyAttributes() {
     constexpr std::size_t count = 200000;
     std::string text;
@@ -69,7 +53,7 @@ inline std::vector<std::string> properPrefixes(std::string_view text) {
     return prefixes;
 }
 
-/// Attribute lists that are malformed, by themselves and behind other attributes.
+/// Attribute lists that are malformed, by themselves and after other attributes.
 inline const std::vector<std::string> malformedLists = {
     "X",          "X=",         "=",
     "=1",         ",",          ",X=1",

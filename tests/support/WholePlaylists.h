@@ -27,7 +27,7 @@ inline const std::string master =
     "ASSOC-LANGUAGE=\"de-AT\",AUTOSELECT=YES,FORCED=YES,URI=\"text/de/index.m3u8\"\n"
     "#EXT-X-MEDIA:TYPE=CLOSED-CAPTIONS,GROUP-ID=\"captions-in-the-video\",NAME=\"English captions, CEA-608\","
     "LANGUAGE=\"en\",INSTREAM-ID=\"CC1\"\n"
-    "#EXT-X-MEDIA:TYPE=VIDEO,GROUP-ID=\"video-from-the-goal\",NAME=\"The camera behind the "
+    "#EXT-X-MEDIA:TYPE=VIDEO,GROUP-ID=\"video-from-the-goal\",NAME=\"The camera after the "
     "goal\",DEFAULT=YES,"
     "URI=\"video/goal/index.m3u8\"\n"
     "#ZOR-STREAM-INF:NOMINAL_VIDEO_BITRATE=6200000,NOMINAL_AUDIO_BITRATE=128000\n"
@@ -91,7 +91,7 @@ inline const std::string media =
     "#ZOR-PATTERN_END:a-pattern-of-the-day\n"
     "#ZOR-PATTERN_REPEAT:a-pattern-of-the-day,3\n"
     "#EXT-X-ENDLIST\n"
-    "a line behind the end of the playlist\n";
+    "a line after the end of the playlist\n";
 
 /// Playlists that are rejected, each for another reason and in another place.
 inline const std::vector<std::string> rejectedMasters = {

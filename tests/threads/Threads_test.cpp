@@ -16,6 +16,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
 #include "tests/support/WholePlaylists.h"
 
 namespace {
@@ -63,13 +64,12 @@ template <typename Parse>
 std::string parsedAndRendered(const std::string& text, Parse parse) {
     std::istringstream input(text);
     VELHLSParsingStatus status;
-    std::string outcome;
-    try {
-        const auto playlist = parse(input, &status);
-        outcome = playlist == nullptr ? "rejected\n" : rendered(*playlist);
-    } catch (const std::logic_error& error) {
-        outcome = error.what();
-    }
+    const std::string outcome = playlist::outcomeOf(
+        [&] {
+            const auto playlist = parse(input, &status);
+            return playlist == nullptr ? "rejected\n" : rendered(*playlist);
+        },
+        playlist::kindAndMessageOf);
     return outcome + std::to_string(status.error) + status.message;
 }
 

@@ -20,12 +20,11 @@ class AttributeScanner {
     static constexpr CharacterSet valueEnds{",\""};
 
   public:
-    AttributeScanner(std::string_view text, Recorder* recorder)
-        : text_(text), recorder_(recorder), ended_(text.empty()) {}
+    AttributeScanner(std::string_view text, Reason& why) : text_(text), why_(why), ended_(text.empty()) {}
 
     [[nodiscard]] bool ended() const { return ended_; }
 
-    /// Reads the next attribute. False when the rest of the list is malformed.
+    /// Reads the next attribute. False, with the reason, when the rest of the list is malformed.
     bool next(Attribute& attribute) { return nextOfUsualForm(attribute) || nextByTheRules(attribute); }
 
   private:
@@ -45,6 +44,7 @@ class AttributeScanner {
 
         attribute.name = between(position_, equals);
         attribute.value = between(valueStart, valueEnd);
+        attribute.isQuoted = quoted;
         ended_ = end == text_.size();
         position_ = end + 1;
         return true;
@@ -67,10 +67,10 @@ class AttributeScanner {
             if (comma != none) {
                 // The comma may be part of the quoted value. What ends the attribute is a comma right after
                 // it.
-                if (closing == none) return malformed(Rule::attributeQuoteUnclosed, text_.substr(quote_));
+                if (closing == none) return why_(Rule::attributeQuoteUnclosed, text_.substr(quote_));
                 comma = text_.find(',', closing);
                 if (comma != none && comma != closing + 1) {
-                    return malformed(Rule::attributeTextAfterQuote, between(closing + 1, comma));
+                    return why_(Rule::attributeTextAfterQuote, between(closing + 1, comma));
                 }
             }
         }
@@ -79,17 +79,17 @@ class AttributeScanner {
         const std::size_t nameLimit = quoted ? quote_ : comma;
         const std::size_t limit = std::min(comma, text_.size());
         if (equals == none || equals > nameLimit) {
-            return malformed(Rule::attributeEqualsMissing, between(position_, limit));
+            return why_(Rule::attributeEqualsMissing, between(position_, limit));
         }
-        if (equals == position_) return malformed(Rule::attributeNameEmpty, between(position_, limit));
+        if (equals == position_) return why_(Rule::attributeNameEmpty, between(position_, limit));
         if (!quoted && equals + 1 == limit) {
-            return malformed(Rule::attributeValueEmpty, between(position_, limit));
+            return why_(Rule::attributeValueEmpty, between(position_, limit));
         }
-        if (quoted && recorder_ != nullptr) tellOfTextAroundQuotes(equals, closing, comma == none);
 
         attribute.name = between(position_, equals);
         attribute.value =
             quoted ? between(quote_ + 1, std::min(closing, text_.size())) : between(equals + 1, limit);
+        attribute.isQuoted = quoted;
         ended_ = comma == none;
         position_ = comma + 1;
         return true;
@@ -101,27 +101,12 @@ class AttributeScanner {
         quoteKnown_ = true;
     }
 
-    bool malformed(Rule rule, std::string_view where) const {
-        tell(recorder_, rule, where);
-        return false;
-    }
-
-    void tellOfTextAroundQuotes(std::size_t equals, std::size_t closing, bool isLast) const {
-        if (equals + 1 != quote_)
-            tell(recorder_, Rule::attributeTextBeforeQuote, between(equals + 1, quote_));
-        if (closing == none) {
-            tell(recorder_, Rule::attributeQuoteUnclosedAtEnd, text_.substr(quote_));
-        } else if (isLast && closing + 1 != text_.size()) {
-            tell(recorder_, Rule::attributeTextAfterLastQuote, text_.substr(closing + 1));
-        }
-    }
-
     [[nodiscard]] std::string_view between(std::size_t start, std::size_t end) const {
         return behind(firstOf(text_, end), start);
     }
 
     std::string_view text_;
-    Recorder* recorder_;
+    Reason& why_;
     bool ended_;
     std::size_t position_ = 0;
     /// Found when it is asked for.
@@ -149,14 +134,29 @@ std::uint64_t placeOf(std::string_view name, std::size_t index) {
 
 }  // namespace
 
-bool AttributeList::parse(std::string_view text, Recorder* recorder) {
-    AttributeScanner scanner(text, recorder);
+std::optional<std::vector<Attribute>> attributesAsWritten(std::string_view text) {
+    Reason ignored;
+    std::vector<Attribute> attributes;
+    AttributeScanner scanner(text, ignored);
+    while (!scanner.ended()) {
+        if (!scanner.next(attributes.emplace_back())) return std::nullopt;
+    }
+    return attributes;
+}
+
+bool AttributeList::read(std::string_view text, Reason& why) {
+    AttributeScanner scanner(text, why);
     while (!scanner.ended()) {
         if (!scanner.next(newAttribute())) return false;
-        keepNewAttribute(recorder);
+        keepNewAttribute();
     }
-    if (isLong()) sortMany(recorder);
+    if (isLong()) sortMany();
     return true;
+}
+
+bool AttributeList::readNonEmpty(const TagLine& tagLine, Reason& why) {
+    if (!read(withoutTrailing(tagLine.value, lineEnds), why)) return false;
+    return !empty() || why.missing(Rule::attributeListEmpty, tagLine.name);
 }
 
 /// Where the next attribute is read to: attributes are not moved once they were read, since a copy of what has just
@@ -173,7 +173,7 @@ bool AttributeList::isBefore(std::uint64_t left, std::uint64_t right) const {
 }
 
 /// Gives the attribute that was read last its place in the order, unless there is one of its name.
-void AttributeList::keepNewAttribute(Recorder* recorder) {
+void AttributeList::keepNewAttribute() {
     if (isLong()) return;
     const std::string_view name = few_[fewCount_].name;
     const std::uint64_t place = placeOf(name, fewCount_);
@@ -185,26 +185,16 @@ void AttributeList::keepNewAttribute(Recorder* recorder) {
     if (position > 0 && fewAt(order_[position - 1]).name == name) {
         std::copy(order_.begin() + position + 1, order_.begin() + fewCount_, order_.begin() + position);
         --fewCount_;
-        tell(recorder, Rule::attributeRepeated, name);
     }
 }
 
-void AttributeList::sortMany(Recorder* recorder) {
+void AttributeList::sortMany() {
     std::stable_sort(many_.begin(), many_.end(),
                      [](const Attribute& left, const Attribute& right) { return left.name < right.name; });
-    if (recorder != nullptr) tellOfRepeatedNames(*recorder);
     const auto sameName = [](const Attribute& left, const Attribute& right) {
         return left.name == right.name;
     };
     many_.erase(std::unique(many_.begin(), many_.end(), sameName), many_.end());
-}
-
-/// Called when the many are in order.
-void AttributeList::tellOfRepeatedNames(Recorder& recorder) const {
-    for (std::size_t index = 1; index < many_.size(); ++index) {
-        const bool isRepeated = many_[index].name == many_[index - 1].name;
-        if (isRepeated) recorder.report(Rule::attributeRepeated, many_[index].name, {});
-    }
 }
 
 std::optional<std::string_view> AttributeList::find(std::string_view name) const {

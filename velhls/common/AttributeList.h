@@ -1,4 +1,4 @@
-// Internal to the library, not installed: the one scanner of attribute lists (RFC 8216, section 4.2).
+// Internal to the library, not installed: the attribute lists of tags, as the models read them.
 #pragma once
 
 #include <array>
@@ -8,7 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "velhls/common/Recorder.h"
+#include "velhls/common/Reason.h"
+#include "velhls/common/TagLine.h"
 
 namespace velhls {
 
@@ -17,7 +18,11 @@ namespace velhls {
 struct Attribute {
     std::string_view name;
     std::string_view value;
+    bool isQuoted;
 };
+
+/// All attributes of a list in the order of the text, repeated ones too. Nothing when the list is malformed.
+[[nodiscard]] std::optional<std::vector<Attribute>> attributesAsWritten(std::string_view text);
 
 /// The attributes of one tag in the byte-wise order of their names. Of several with one name the first holds.
 ///
@@ -32,9 +37,12 @@ class AttributeList {
     AttributeList(const AttributeList&) = delete;
     AttributeList& operator=(const AttributeList&) = delete;
 
-    /// Scans a whole list into one that is empty, in time linear in its length but for the sorting of the names. False
-    /// when the text is malformed; an empty text is an empty list. The attributes look into `text`.
-    [[nodiscard]] bool parse(std::string_view text, Recorder* recorder = nullptr);
+    /// Reads a whole list into one that is empty, in time linear in its length but for the sorting of the names. False,
+    /// with the reason, when the text is malformed; an empty text is an empty list. The attributes look into `text`.
+    [[nodiscard]] bool read(std::string_view text, Reason& why);
+
+    /// The same for a tag that needs at least one attribute, and may have line ends after the last one.
+    [[nodiscard]] bool readNonEmpty(const TagLine& tagLine, Reason& why);
 
     [[nodiscard]] bool empty() const { return size() == 0; }
     [[nodiscard]] std::size_t size() const { return isLong() ? many_.size() : fewCount_; }
@@ -55,9 +63,8 @@ class AttributeList {
     [[nodiscard]] const Attribute& fewAt(std::uint64_t place) const { return few_[place % 256]; }
     [[nodiscard]] bool isBefore(std::uint64_t left, std::uint64_t right) const;
     [[nodiscard]] Attribute& newAttribute();
-    void keepNewAttribute(Recorder* recorder);
-    void sortMany(Recorder* recorder);
-    void tellOfRepeatedNames(Recorder& recorder) const;
+    void keepNewAttribute();
+    void sortMany();
 
     union {
         Attribute few_[mostFew];

@@ -17,17 +17,17 @@ struct CivilTime {
     std::int64_t second = 0;
 };
 
-/// The first and last year that the platform's calendar record holds: a 32-bit count of years from 1900.
+/// The first and last year that the platform's std::tm holds: a 32-bit count of years from 1900.
 inline constexpr std::int64_t firstYear = INT32_MIN + std::int64_t{1900};
 inline constexpr std::int64_t lastYear = INT32_MAX + std::int64_t{1900};
 
 inline constexpr std::int64_t secondsOfDay = 86400;
 
 /// Seconds since 1970-01-01T00:00:00Z. Nothing when the year that was given, or the year that the fields
-/// carry over to, is none that the platform's calendar record holds. Every field must fit 32 bits.
+/// carry over to, is none that std::tm holds. Every field must fit 32 bits.
 [[nodiscard]] std::optional<std::int64_t> secondsSinceEpoch(const CivilTime& time);
 
-/// The count of seconds; the nearest one whose year the calendar record holds.
+/// The count of seconds; the nearest one whose year std::tm holds.
 [[nodiscard]] std::int64_t limitedToCalendar(std::int64_t secondsSinceEpoch);
 
 /// The first second of the day that a second is of.

@@ -36,37 +36,24 @@ bool isSpreadOut(const VELHLSDefineMap& defines) {
     return true;
 }
 
-enum class Outcome { added, replaced, refused };
-
-Outcome setVariable(VELHLSDefineMap& defines, std::string name, std::string_view value) {
-    if (!hasRoomFor(defines, name)) return Outcome::refused;
+/// False when the name meets too many others.
+bool setVariable(VELHLSDefineMap& defines, std::string name, std::string_view value) {
+    if (!hasRoomFor(defines, name)) return false;
     const std::size_t buckets = defines.bucket_count();
-    const bool isNew = defines.insert_or_assign(std::move(name), std::string(value)).second;
-    if (defines.bucket_count() != buckets && !isSpreadOut(defines)) return Outcome::refused;
-    return isNew ? Outcome::added : Outcome::replaced;
+    defines.insert_or_assign(std::move(name), std::string(value));
+    return defines.bucket_count() == buckets || isSpreadOut(defines);
 }
 
 }  // namespace
 
-bool takeDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Recorder* recorder) {
-    AttributeList list;
-    if (!list.parse(tagLine.value, recorder)) return false;
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, list);
-    const std::optional<std::string_view> name = list.find(attribute::name);
-    if (!name) return rejectMissing(recorder, Rule::defineNameMissing, tagLine.name);
-    const std::optional<std::string_view> value = list.find(attribute::value);
-    if (!value) return rejectMissing(recorder, Rule::defineValueMissing, tagLine.name);
-    const Outcome outcome = setVariable(defines, std::string(*name), *value);
-    if (outcome == Outcome::refused) {
-        // With a recorder the reading goes on, and is not to meet the full bucket again and again.
-        if (recorder != nullptr) defines.clear();
-        return reject(recorder, Rule::defineNamesCollide, *name);
-    }
-    if (recorder != nullptr) {
-        if (outcome == Outcome::replaced) recorder->report(Rule::defineReplaced, *name, {});
-        recorder->report(Rule::defineNotWritten, tagLine.name, {});
-    }
-    return true;
+bool readDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Reason& why) {
+    AttributeList attributes;
+    if (!attributes.read(tagLine.value, why)) return false;
+    const std::optional<std::string_view> name = attributes.find(attribute::name);
+    if (!name) return why.missing(Rule::defineNameMissing, tagLine.name);
+    const std::optional<std::string_view> value = attributes.find(attribute::value);
+    if (!value) return why.missing(Rule::defineValueMissing, tagLine.name);
+    return setVariable(defines, std::string(*name), *value) || why(Rule::defineNamesCollide, *name);
 }
 
 }  // namespace velhls

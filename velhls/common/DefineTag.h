@@ -2,15 +2,15 @@
 // tags.
 #pragma once
 
-#include "velhls/common/Recorder.h"
+#include "velhls/common/Reason.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/VELHLSUtility.h"
 
 namespace velhls {
 
 /// Reads the attributes of the tag and sets the variable, replacing an earlier value. False, with
-/// the map as it was, when it is no attribute list, lacks NAME or VALUE, or has a NAME that meets too many others
+/// the reason, when it is no attribute list, lacks NAME or VALUE, or has a NAME that meets too many others
 /// (VELHLSUtility::maximumCollidingNames).
-[[nodiscard]] bool takeDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Recorder* recorder);
+[[nodiscard]] bool readDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Reason& why);
 
 }  // namespace velhls

@@ -4,6 +4,8 @@
 #include <new>
 #include <streambuf>
 
+#include "velhls/common/Reading.h"
+
 namespace velhls {
 namespace {
 
@@ -25,14 +27,23 @@ const char* find(const char* begin, const char* end, char wanted) {
 
 }  // namespace
 
-LineReader::LineReader(std::istream& input) : input_(input), lineFeed_(input.widen('\n')) {
+LineReader::LineReader(std::istream& input)
+    : input_(&input), lineFeed_(input.widen('\n')), good_(input.good()) {
     borrowGetArea();
+}
+
+LineReader::LineReader(std::string_view text, Reading* reading) : reading_(reading) {
+    // A view of nothing may be null, which is not to be searched.
+    if (text.empty()) return;
+    position_ = text.data();
+    textEnd_ = text.data() + text.size();
+    areaEnd_ = reading == nullptr ? textEnd_ : position_;
 }
 
 void LineReader::borrowGetArea() {
     // A tied stream is flushed before each line is read: that is left to std::getline.
-    if (!input_.good() || input_.tie() != nullptr) return;
-    const std::streambuf& buffer = *input_.rdbuf();
+    if (!good_ || input_->tie() != nullptr) return;
+    const std::streambuf& buffer = *input_->rdbuf();
     if (GetArea::begin(buffer) == GetArea::end(buffer)) return;
     position_ = GetArea::begin(buffer);
     areaEnd_ = GetArea::end(buffer);
@@ -41,11 +52,31 @@ void LineReader::borrowGetArea() {
 
 void LineReader::returnGetArea() {
     if (!borrowed_) return;
-    GetArea::moveTo(*input_.rdbuf(), position_);
+    GetArea::moveTo(*input_->rdbuf(), position_);
     borrowed_ = false;
     position_ = "";
     areaEnd_ = position_;
     clearEnd_ = nullptr;
+}
+
+std::string_view LineReader::nextOfInput() {
+    return input_ == nullptr ? nextOfText() : nextThroughStream();
+}
+
+/// The last line of a text, which has no line feed; or any one, when the lines are told to somebody.
+std::string_view LineReader::nextOfText() {
+    if (reading_ != nullptr && reading_->hasEnded()) good_ = false;
+    if (!good_) return {position_, 0};
+    const char* const lineEnd = find(position_, textEnd_, lineFeed_);
+    good_ = lineEnd != nullptr;
+    const char* const end = good_ ? lineEnd : textEnd_;
+    const std::string_view line(position_, static_cast<std::size_t>(end - position_));
+    position_ = good_ ? end + 1 : textEnd_;
+    areaEnd_ = position_;
+    // What the last line feed ends is followed by no line.
+    const bool isLine = good_ || !line.empty();
+    if (reading_ != nullptr && isLine) reading_->lineRead(line);
+    return line;
 }
 
 std::string_view LineReader::nextThroughStream() {
@@ -54,6 +85,7 @@ std::string_view LineReader::nextThroughStream() {
     // std::getline leaves the string alone when the stream is not good on entry.
     line_.clear();
     getLine();
+    good_ = input_->good();
     borrowGetArea();
     return line_;
 }
@@ -61,24 +93,24 @@ std::string_view LineReader::nextThroughStream() {
 /// std::getline, but for memory that runs out for a long line: std::getline takes that for a stream that has become
 /// bad, and the playlist would be cut off there without a word.
 void LineReader::getLine() {
-    const std::ios_base::iostate thrown = input_.exceptions();
-    if (!input_.good() || (thrown & std::ios_base::badbit) != 0) {
-        std::getline(input_, line_, lineFeed_);
+    const std::ios_base::iostate thrown = input_->exceptions();
+    if (!input_->good() || (thrown & std::ios_base::badbit) != 0) {
+        std::getline(*input_, line_, lineFeed_);
         return;
     }
-    input_.exceptions(thrown | std::ios_base::badbit);
+    input_->exceptions(thrown | std::ios_base::badbit);
     try {
-        std::getline(input_, line_, lineFeed_);
+        std::getline(*input_, line_, lineFeed_);
     } catch (const std::bad_alloc&) {
-        input_.exceptions(thrown);
+        input_->exceptions(thrown);
         throw;
     } catch (...) {
         // Throws again what the stream was told to throw. Anything else made it bad, and is left at that.
-        input_.exceptions(thrown);
-        if (line_.empty()) input_.setstate(std::ios_base::failbit);
+        input_->exceptions(thrown);
+        if (line_.empty()) input_->setstate(std::ios_base::failbit);
         return;
     }
-    input_.exceptions(thrown);
+    input_->exceptions(thrown);
 }
 
 std::string_view LineReader::withoutCarriageReturns(std::string_view line) {
@@ -87,6 +119,7 @@ std::string_view LineReader::withoutCarriageReturns(std::string_view line) {
     const auto position = static_cast<std::size_t>(carriageReturn - line.data());
     // The one at the end of each line, in playlists that have them, costs no copy.
     if (position + 1 == line.size()) return line.substr(0, position);
+    if (reading_ != nullptr) return reading_->withoutCarriageReturns(line);
     if (line.data() != line_.data()) {
         if (keeper_ != nullptr) keeper_->viewsEnd();
         line_ = line;

@@ -93,6 +93,19 @@ class ClassicLocale {
     locale_t locale_;
 };
 
+template <typename Number>
+Number convertedOrWhy(Number (*convert)(std::string_view), std::string_view text, Reason& why) {
+    try {
+        return convert(text);
+    } catch (const std::invalid_argument&) {
+        why(Rule::numberMissing, text);
+        throw;
+    } catch (const std::out_of_range&) {
+        why(Rule::numberOutOfRange, text);
+        throw;
+    }
+}
+
 /// "00", "01" and so on to "99".
 constexpr std::array<char, 200> makeDigitPairs() {
     std::array<char, 200> pairs = {};
@@ -117,7 +130,7 @@ char* putFourDigits(char* to, std::uint32_t number) {
     return putTwoDigits(to, number % 100);
 }
 
-/// The same, less the zeros in front.
+/// The same, less its leading zeros.
 char* putUpToFourDigits(char* to, std::uint32_t number) {
     if (number >= 1000) return putFourDigits(to, number);
     if (number >= 100) return putThreeDigits(to, number);
@@ -228,6 +241,22 @@ double toDouble(std::string_view text) {
     return number;
 }
 
+std::int32_t toInt32(std::string_view text, Reason& why) {
+    return convertedOrWhy<std::int32_t>(toInt32, text, why);
+}
+
+std::int64_t toInt64(std::string_view text, Reason& why) {
+    return convertedOrWhy<std::int64_t>(toInt64, text, why);
+}
+
+std::uint64_t toInt64AsUnsigned(std::string_view text, Reason& why) {
+    return convertedOrWhy<std::uint64_t>(toInt64AsUnsigned, text, why);
+}
+
+double toDouble(std::string_view text, Reason& why) {
+    return convertedOrWhy<double>(toDouble, text, why);
+}
+
 void appendDecimal(std::string& out, std::int64_t number) {
     std::array<char, mostDecimalBytes> text;
     out.append(text.data(), putDecimal(text.data(), number));
@@ -249,7 +278,7 @@ char* putDecimal(char* to, std::int64_t number) {
 }
 
 char* putFixed(char* to, double number, int decimals) {
-    // Below 1 a double has more bits behind the point than are counted with, and from 2^53 on none.
+    // Below 1 a double has more bits after the point than are counted with, and from 2^53 on none.
     const bool isPlain = number >= 1.0 && number < 9007199254740992.0;
     if (isPlain && decimals == 3) return putWithDecimals<3>(to, number);
     if (isPlain && decimals == 6) return putWithDecimals<6>(to, number);

@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "velhls/common/Reason.h"
+
 namespace velhls {
 
 /// std::stoi in base 10.
@@ -24,6 +26,12 @@ namespace velhls {
 
 /// std::stod: also exponents, hexadecimal floats, "inf" and "nan".
 [[nodiscard]] double toDouble(std::string_view text);
+
+/// The same, with the reason written before an exception is thrown.
+[[nodiscard]] std::int32_t toInt32(std::string_view text, Reason& why);
+[[nodiscard]] std::int64_t toInt64(std::string_view text, Reason& why);
+[[nodiscard]] std::uint64_t toInt64AsUnsigned(std::string_view text, Reason& why);
+[[nodiscard]] double toDouble(std::string_view text, Reason& why);
 
 /// A number at the start of a text, and how many characters of it are the number's: 0 when there is none.
 template <typename Number>
@@ -52,10 +60,10 @@ void appendDecimal(std::string& out, std::uint64_t number);
 inline constexpr std::size_t mostDecimalBytes = 20;
 inline constexpr std::size_t mostFixedBytes = 320;
 
-/// Puts a number below 100, with a zero in front where it is below 10, and returns the place behind it.
+/// Puts a number below 100, with a zero before it where it is below 10, and returns the place after it.
 [[nodiscard]] char* putTwoDigits(char* to, std::uint32_t number);
 
-/// Puts the number to where there is room for it, and returns the place behind it.
+/// Puts the number to where there is room for it, and returns the place after it.
 [[nodiscard]] char* putDecimal(char* to, std::int64_t number);
 
 /// The same in fixed notation with up to six decimals, as printf's "%.*f" in the "C" locale writes it: "nan"

@@ -43,7 +43,7 @@ class Slab {
     /// While blocks can be taken the count never comes to 0, and taking one costs no atomic operation.
     static constexpr std::size_t beyondAllBlocks = std::numeric_limits<std::size_t>::max();
 
-    /// The memory follows right behind the object.
+    /// The memory follows right after the object.
     char* next_;
     std::size_t bytesLeft_;
     std::size_t taken_ = 0;

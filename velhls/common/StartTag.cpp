@@ -1,6 +1,7 @@
 #include "velhls/common/StartTag.h"
 
 #include <locale>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -13,63 +14,35 @@
 #include "velhls/common/TextScan.h"
 
 namespace velhls {
-namespace {
+bool readStartTag(const TagLine& tagLine, double& timeOffset, bool& precise, Reason& why) {
+    AttributeList attributes;
+    if (!attributes.read(tagLine.value, why)) return false;
+    const std::optional<std::string_view> offset = attributes.find(attribute::timeOffset);
+    if (!offset) return why.missing(Rule::startTimeOffsetMissing, tagLine.name);
+    if (offset->empty() || !holdsOnly(*offset, digitsPointAndSigns)) {
+        return why(Rule::startTimeOffsetMalformed, *offset);
+    }
+    timeOffset = toDouble(*offset, why);
+    // A later tag does not take PRECISE=YES back.
+    if (attributes.find(attribute::precise) == fixed::yes) precise = true;
+    return true;
+}
 
-/// The number as the stream would print it, but for the stream's locale and field width.
-std::string inFormatOf(const std::ostream& out, double number) {
+std::string startOffsetText(const std::ostream& out, double timeOffset) {
     std::ostringstream text;
     text.imbue(std::locale::classic());
     text.flags(out.flags());
     text.precision(out.precision());
-    text << number;
+    text << timeOffset;
     return text.str();
 }
 
-/// What writing does not keep of an offset, for a stream with the default format.
-void tellOfWriting(Recorder& recorder, std::string_view text, double offset) {
-    if (offset == 0.0) {
-        recorder.report(Rule::startZeroNotWritten, text, {});
-        return;
-    }
-    const std::string written = inFormatOf(std::ostringstream(), offset);
-    if (toDouble(written) == offset && holdsOnly(written, digitsPointAndSigns)) return;
-    recorder.report(Rule::startOffsetRounded, text, quoted(text) + ", written as " + written);
-}
-
-void tellOfPrecise(Recorder& recorder, std::string_view text) {
-    if (text != fixed::yes && text != fixed::no) recorder.report(Rule::startPreciseInvalid, text, {});
-}
-
-}  // namespace
-
-std::optional<StartTag> parseStartTag(const TagLine& tagLine, Recorder* recorder) {
-    AttributeList list;
-    if (!list.parse(tagLine.value, recorder)) return std::nullopt;
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, list);
-    const std::optional<std::string_view> offset = list.find(attribute::timeOffset);
-    if (!offset) {
-        tellMissing(recorder, Rule::startTimeOffsetMissing, tagLine.name);
-        return std::nullopt;
-    }
-    if (offset->empty() || !holdsOnly(*offset, digitsPointAndSigns)) {
-        tell(recorder, Rule::startTimeOffsetMalformed, *offset);
-        return std::nullopt;
-    }
-    const double seconds = toDouble(number(recorder, *offset, NumberForm::signedDecimal));
-    const std::optional<std::string_view> precise = list.find(attribute::precise);
-    if (recorder != nullptr) {
-        tellOfWriting(*recorder, *offset, seconds);
-        if (precise) tellOfPrecise(*recorder, *precise);
-    }
-    return StartTag{seconds, precise == fixed::yes};
-}
-
-void writeStartTag(std::ostream& out, const StartTag& start) {
-    if (start.timeOffset == 0.0) return;
+void writeStartTag(std::ostream& out, double timeOffset, bool precise) {
+    if (timeOffset == 0.0) return;
     std::string line;
     appendTag(line, tag::start);
-    appendAttribute(line, attribute::timeOffset, inFormatOf(out, start.timeOffset));
-    if (start.precise) {
+    appendAttribute(line, attribute::timeOffset, startOffsetText(out, timeOffset));
+    if (precise) {
         line += ',';
         appendAttribute(line, attribute::precise, fixed::yes);
     }

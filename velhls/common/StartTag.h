@@ -2,27 +2,24 @@
 // playlist have (RFC 8216, section 4.3.5.2).
 #pragma once
 
-#include <optional>
 #include <ostream>
+#include <string>
 
-#include "velhls/common/Recorder.h"
+#include "velhls/common/Reason.h"
 #include "velhls/common/TagLine.h"
 
 namespace velhls {
 
-struct StartTag {
-    /// TIME-OFFSET in seconds; negative from the end of the playlist.
-    double timeOffset = 0.0;
-    /// True for PRECISE=YES only.
-    bool precise = false;
-};
+/// Reads TIME-OFFSET, and sets `precise` for PRECISE=YES; a tag without it leaves that as it was. False, with the reason,
+/// when the tag has no attribute list, or no TIME-OFFSET made of digits, points and signs; such a TIME-OFFSET that is no
+/// number throws.
+[[nodiscard]] bool readStartTag(const TagLine& tagLine, double& timeOffset, bool& precise, Reason& why);
 
-/// Reads the attributes of the tag. Nothing when it is no attribute list, or has no TIME-OFFSET made
-/// of digits, points and signs; such a TIME-OFFSET that is no number throws.
-[[nodiscard]] std::optional<StartTag> parseStartTag(const TagLine& tagLine, Recorder* recorder);
+/// The number as the stream would print it, but for the stream's locale and field width.
+[[nodiscard]] std::string startOffsetText(const std::ostream& out, double timeOffset);
 
 /// Writes the tag's line, with the stream's own precision and floating-point flags; nothing for an offset of
 /// 0.
-void writeStartTag(std::ostream& out, const StartTag& start);
+void writeStartTag(std::ostream& out, double timeOffset, bool precise);
 
 }  // namespace velhls

@@ -13,7 +13,7 @@ namespace {
 /// How far the substitution of one variable has come.
 struct Progress {
     bool open = false;
-    /// Set when the value was read to its end without a reference that goes on behind it: such a value always
+    /// Set when the value was read to its end without a reference that goes on after it: such a value always
     /// gives the same text, which is then copied from where it first stood in the result.
     bool complete = false;
     std::size_t start = 0;
@@ -24,9 +24,9 @@ struct Progress {
 /// start.
 ///
 /// A replaced reference is read again from its value's first character, so a value may hold references of its
-/// own, and even begin one that ends in the text behind it. Therefore the texts form a stack: the given one
+/// own, and even begin one that ends in the text after it. Therefore the texts form a stack: the given one
 /// at the bottom, and on it the values that are open, each with its position. A value stays open until a
-/// character behind its end is read. So a reference to an open variable is one that its own value led to,
+/// character after its end is read. So a reference to an open variable is one that its own value led to,
 /// with nothing consumed from outside it: it would come back for ever.
 class Substituter {
   public:
@@ -95,7 +95,7 @@ class Substituter {
         std::optional<char> next = readInsideReference();
         if (!second || !next) return std::nullopt;
         if (*second == '}') {
-            // The "}" ends the reference before any name; what was read after it stands behind the reference.
+            // The "}" ends the reference before any name; what was read after it stands after the reference.
             giveBackCharacter();
             return std::string();
         }

@@ -11,6 +11,7 @@ namespace velhls {
 
 /// A tag line cut at its first colon. Both views look into the line that was cut.
 struct TagLine {
+    TagLine() = default;
     /// Cuts a line that begins with "#".
     explicit TagLine(std::string_view line) {
         const std::size_t colon = line.find(':');

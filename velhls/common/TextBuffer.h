@@ -9,7 +9,7 @@
 
 namespace velhls {
 
-/// Copies a piece of text and returns the place behind it. There must be room.
+/// Copies a piece of text and returns the place after it. There must be room.
 inline char* put(char* to, std::string_view piece) {
     std::memcpy(to, piece.data(), piece.size());
     return to + piece.size();

@@ -10,7 +10,7 @@
 namespace velhls {
 
 /// Runs the parse and writes its duration into the status' metrics, whatever the result is; an exception
-/// passes through before they are written. Nothing can fail behind the parse, which has written its success. Without a
+/// passes through before they are written. Nothing can fail after the parse, which has written its success. Without a
 /// status the clock is not asked: that would take a fifteenth of the time of a short playlist.
 template <typename Parse>
 auto timedParse(VELHLSParsingStatus* status, Parse parse) {

@@ -62,26 +62,19 @@ std::string_view between(std::string_view text, std::size_t before, std::size_t 
     return text.substr(start, after - start);
 }
 
-double rejectTimestamp(Recorder* recorder, Rule rule, std::string_view text) {
-    tell(recorder, rule, text);
+double rejected(Reason& why, Rule rule, std::string_view text) {
+    why(rule, text);
     return noTimestamp;
 }
 
-/// Two digits, and a fraction or none.
-bool areSecondsOfTwoDigits(std::string_view seconds) {
-    if (seconds.size() == 2) return holdsOnly(seconds, digits);
-    return seconds.size() > 3 && seconds[2] == '.' && holdsOnly(seconds.substr(0, 2), digits) &&
-           holdsOnly(seconds.substr(3), digits);
-}
-
 /// Reads the offset as numbers, so that what is none throws. The offset does not change a timestamp.
-void readOffset(std::string_view text, const Separators& at, Recorder* recorder) {
+void readOffset(std::string_view text, const Separators& at, Reason& why) {
     const std::string_view hours = between(text, at.zone, at.offsetHourEnd);
-    static_cast<void>(toInt32(number(recorder, hours, NumberForm::any)));
+    static_cast<void>(toInt32(hours, why));
     std::size_t end = at.offsetHourEnd + 1;
     while (end < text.size() && isDigit(text[end]))
         ++end;
-    static_cast<void>(toInt32(between(text, at.offsetHourEnd, end)));
+    static_cast<void>(toInt32(between(text, at.offsetHourEnd, end), why));
 }
 
 /// The seconds without their fraction; nothing when they are not a number that fits 32 bits.
@@ -171,54 +164,47 @@ struct UsualForm {
         seconds = leadingDecimal(rest);
         return hour >= 0 && minute >= 0 && seconds.length > 0 && isUsualZone(behind(rest, seconds.length));
     }
-
-    [[nodiscard]] std::string_view secondsIn(std::string_view text) const {
-        return text.substr(secondsStart, seconds.length);
-    }
 };
 
 /// Seconds with their fraction behind a count of whole ones, or the value for none. The text is what both were read
 /// from.
 double timestampOf(std::string_view text, double seconds, std::int32_t wholeSeconds, std::int64_t sinceEpoch,
-                   Recorder* recorder) {
+                   Reason& why) {
     const double result = (seconds - wholeSeconds) + static_cast<double>(sinceEpoch);
-    if (result < 0.0) tell(recorder, Rule::dateTimeBefore1970, text);
+    if (result < 0.0) why(Rule::dateTimeBefore1970, text);
     return result;
 }
 
 /// Reads each field as a number, wherever its separators stand.
-double timestampByFields(std::string_view text, Recorder* recorder) {
-    const auto field = [recorder](std::string_view piece) {
-        return number(recorder, piece, NumberForm::any);
-    };
+double timestampByFields(std::string_view text, Reason& why) {
     const std::optional<Separators> at = findSeparators(text);
-    if (!at) return rejectTimestamp(recorder, Rule::dateTimeMalformed, text);
+    if (!at) return rejected(why, Rule::dateTimeMalformed, text);
     CivilTime time;
-    time.year = toInt32(field(text.substr(0, at->yearEnd)));
-    time.month = toInt32(field(between(text, at->yearEnd, at->monthEnd)));
-    time.day = toInt32(field(between(text, at->monthEnd, at->dayEnd)));
-    time.hour = toInt32(field(between(text, at->dayEnd, at->hourEnd)));
-    time.minute = toInt32(field(between(text, at->hourEnd, at->minuteEnd)));
-    const double seconds = toDouble(field(between(text, at->minuteEnd, at->zone)));
-    if (at->offsetHourEnd != none) readOffset(text, *at, recorder);
+    time.year = toInt32(text.substr(0, at->yearEnd), why);
+    time.month = toInt32(between(text, at->yearEnd, at->monthEnd), why);
+    time.day = toInt32(between(text, at->monthEnd, at->dayEnd), why);
+    time.hour = toInt32(between(text, at->dayEnd, at->hourEnd), why);
+    time.minute = toInt32(between(text, at->hourEnd, at->minuteEnd), why);
+    const double seconds = toDouble(between(text, at->minuteEnd, at->zone), why);
+    if (at->offsetHourEnd != none) readOffset(text, *at, why);
     const std::optional<std::int32_t> whole = wholeSeconds(seconds);
-    if (!whole) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
+    if (!whole) return rejected(why, Rule::dateTimeBefore1970, text);
     time.second = *whole;
     const std::optional<std::int64_t> sinceEpoch = secondsSinceEpoch(time);
-    if (!sinceEpoch) return rejectTimestamp(recorder, Rule::dateTimeBefore1970, text);
-    return timestampOf(text, seconds, *whole, *sinceEpoch, recorder);
+    if (!sinceEpoch) return rejected(why, Rule::dateTimeBefore1970, text);
+    return timestampOf(text, seconds, *whole, *sinceEpoch, why);
 }
 
 }  // namespace
 
-double TimestampReader::read(std::string_view text, Recorder* recorder) {
+double TimestampReader::read(std::string_view text, Reason& why) {
     UsualForm usual;
-    if (!usual.read(text) || !readDay(usual.day)) return timestampByFields(text, recorder);
+    if (!usual.read(text) || !readDay(usual.day)) return timestampByFields(text, why);
     const std::optional<std::int32_t> whole = wholeSeconds(usual.seconds.number);
-    if (!whole) return timestampByFields(text, recorder);
+    if (!whole) return timestampByFields(text, why);
     const std::int64_t sinceEpoch =
         dayStart_ + std::int64_t{usual.hour} * 3600 + std::int64_t{usual.minute} * 60 + *whole;
-    return timestampOf(text, usual.seconds.number, *whole, sinceEpoch, recorder);
+    return timestampOf(text, usual.seconds.number, *whole, sinceEpoch, why);
 }
 
 /// False when the day is none of four, two and two digits.
@@ -237,31 +223,6 @@ bool TimestampReader::readDay(std::string_view day) {
     dayStart_ = secondsSinceEpoch(time).value_or(0);
     day.copy(day_.data(), day_.size());
     return true;
-}
-
-void tellOfTimestamp(Recorder& recorder, std::string_view text, double seconds) {
-    if (seconds == 0.0) recorder.report(Rule::dateTimeZeroNotWritten, text, {});
-    std::array<char, mostTimestampBytes> buffer;
-    const char* const end = TimestampWriter().put(buffer.data(), seconds);
-    const std::string_view written(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-    UsualForm usual;
-    const bool isUsual = usual.read(text);
-    constexpr std::size_t minuteLength = std::string_view("2026-11-21T10:00").size();
-    if (!isUsual || !areSecondsOfTwoDigits(usual.secondsIn(text)) ||
-        text.substr(0, minuteLength) != written.substr(0, minuteLength)) {
-        recorder.report(Rule::dateTimeNotIso8601, text, quoted(text) + ", read as " + std::string(written));
-        return;
-    }
-    const std::string_view zone = text.substr(minuteLength + 1 + usual.seconds.length);
-    if (!holdsNone(zone, CharacterSet("123456789"))) {
-        recorder.report(Rule::dateTimeOffsetNotApplied, zone, {});
-    }
-    constexpr double millisecond = 0.001;
-    const double lost = std::abs(parseTimestamp(written) - seconds);
-    if (lost > millisecond / 100) recorder.report(Rule::dateTimeRounded, text, {});
-    // The first digit of the seconds stands two behind the minute.
-    const bool isShortened = written[minuteLength + 2] == '.';
-    if (isShortened) recorder.report(Rule::dateTimeSecondsShortened, text, {});
 }
 
 char* TimestampWriter::put(char* to, double seconds) {

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "velhls/common/Recorder.h"
+#include "velhls/common/Reason.h"
 
 namespace velhls {
 
@@ -16,8 +16,8 @@ namespace velhls {
 /// kept.
 class TimestampReader {
   public:
-    /// See VELHLSUtility::parseTimestamp.
-    [[nodiscard]] double read(std::string_view text, Recorder* recorder);
+    /// See VELHLSUtility::parseTimestamp. What gives -1 has a reason.
+    [[nodiscard]] double read(std::string_view text, Reason& why);
 
   private:
     [[nodiscard]] bool readDay(std::string_view day);
@@ -28,12 +28,9 @@ class TimestampReader {
 };
 
 /// See VELHLSUtility::parseTimestamp.
-[[nodiscard]] inline double parseTimestamp(std::string_view text, Recorder* recorder = nullptr) {
-    return TimestampReader().read(text, recorder);
+[[nodiscard]] inline double readTimestamp(std::string_view text, Reason& why) {
+    return TimestampReader().read(text, why);
 }
-
-/// Tells of what was read otherwise than it was written, and of what writing does not keep.
-void tellOfTimestamp(Recorder& recorder, std::string_view text, double seconds);
 
 inline constexpr std::size_t mostTimestampBytes = 31;
 

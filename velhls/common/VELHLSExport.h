@@ -9,9 +9,6 @@
 /// @def VELHLS_API
 /// Marks what users of a shared libvelhls may call.
 
-/// @def VELHLS_HIDDEN
-/// Marks a private member of a class that is handed out: it stays inside the shared library.
-
 #if defined(VELHLS_SHARED) && defined(_WIN32)
 #if defined(VELHLS_BUILDING)
 #define VELHLS_API __declspec(dllexport)
@@ -22,10 +19,4 @@
 #define VELHLS_API __attribute__((visibility("default")))
 #else
 #define VELHLS_API
-#endif
-
-#if defined(VELHLS_SHARED) && !defined(_WIN32)
-#define VELHLS_HIDDEN __attribute__((visibility("hidden")))
-#else
-#define VELHLS_HIDDEN
 #endif

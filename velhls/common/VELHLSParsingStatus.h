@@ -6,8 +6,7 @@
 #include "velhls/common/VELHLSParsingError.h"
 #include "velhls/common/VELHLSParsingMetrics.h"
 
-/// The record through which a parse reports to its caller. The caller owns it; the library only writes into
-/// it.
+/// What a parse tells its caller besides its result. The caller owns it; the library only writes into it.
 ///
 ///     VELHLSParsingStatus status;
 ///     auto manifest = VELHLSParsedManifest::parseManifest(input, &status);
@@ -23,7 +22,7 @@ struct VELHLSParsingStatus {
     /// the master playlist parser.
     bool hasMediaPatterns = false;
 
-    /// Outcome of the last parse that stored one. A fresh record holds 0, which is neither success nor any
+    /// Outcome of the last parse that stored one. A fresh status holds 0, which is neither success nor any
     /// failure. Kept as is: a failed master playlist parse, and a media playlist parse that fails for any
     /// other reason than a media pattern tag, leave this field as it was, so look at the parse's result
     /// first.

@@ -27,7 +27,8 @@ std::int64_t VELHLSUtility::getTimeNow() {
 
 std::unique_ptr<VELHLSAttributeMap> VELHLSUtility::parseAttributeMap(const std::string& text) {
     velhls::AttributeList list;
-    if (!list.parse(text)) return nullptr;
+    velhls::Reason ignored;
+    if (!list.read(text, ignored)) return nullptr;
     auto map = std::make_unique<VELHLSAttributeMap>();
     for (const velhls::Attribute& attribute : list) {
         map->emplace_hint(map->end(), attribute.name, attribute.value);
@@ -54,7 +55,8 @@ std::string VELHLSUtility::substituteVariables(std::string text, std::shared_ptr
 }
 
 double VELHLSUtility::parseTimestamp(const std::string& text) {
-    return velhls::parseTimestamp(text);
+    velhls::Reason ignored;
+    return velhls::readTimestamp(text, ignored);
 }
 
 void VELHLSUtility::renderTimestamp(double seconds, std::string& out) {

@@ -5,8 +5,8 @@
 
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
+#include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/diagnostics/TagKinds.h"
 
 namespace velhls {
 namespace {
@@ -86,10 +86,10 @@ std::optional<VELHLSDiagnostics::Detection> detectKind(std::string_view text) {
         const std::string_view line = lines.next();
         if (!isTagOrComment(line)) continue;
         const std::string_view name = TagLine(line).name;
-        if (isVariantTag(name)) return detection(VELHLSDiagnostics::Master, name, lines.number());
+        if (hasUse<ofVariant>(name)) return detection(VELHLSDiagnostics::Master, name, lines.number());
         if (first) continue;
-        if (isMasterTag(name)) first = detection(VELHLSDiagnostics::Master, name, lines.number());
-        if (isMediaTag(name)) first = detection(VELHLSDiagnostics::Media, name, lines.number());
+        if (hasUse<ofMasterPlaylist>(name)) first = detection(VELHLSDiagnostics::Master, name, lines.number());
+        if (hasUse<ofMediaPlaylist>(name)) first = detection(VELHLSDiagnostics::Media, name, lines.number());
     }
     if (first && first->tag == tag::extInf && isIptvList(text)) return std::nullopt;
     return first;

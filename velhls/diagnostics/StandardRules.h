@@ -6,11 +6,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
-#include "velhls/common/AttributeList.h"
-#include "velhls/common/TagLine.h"
-#include "velhls/diagnostics/FindingList.h"
-#include "velhls/diagnostics/TextLines.h"
+#include "velhls/common/Reading.h"
+#include "velhls/document/FindingList.h"
+#include "velhls/document/TextLines.h"
+#include "velhls/losses/Loss.h"
 #include "velhls/diagnostics/VELHLSDiagnostics.h"
 
 class VELHLSMediaStream;
@@ -18,24 +20,20 @@ class VELHLSParsedManifest;
 
 namespace velhls {
 
-class FindingRecorder;
-
 /// Looks at what the readers read as RFC 8216 does. Nothing of it rejects a playlist.
 class StandardRules {
   public:
     StandardRules(VELHLSDiagnostics::PlaylistKind kind, const TextLines& lines, FindingList& findings)
         : kind_(kind), lines_(lines), findings_(findings) {}
 
-    void lineRead(std::size_t lineNumber);
-    void tagRead(const TagLine& tagLine, const Place& name, const Place& value);
-    void tagIgnored(const TagLine& tagLine, const Place& name);
-    void attributeRead(std::string_view tagName, const Attribute& attribute, const Place& name,
-                       const Place& value);
-    void attributesRead(std::string_view tagName, const AttributeList& attributes, const Place& name);
+    void lineRead(const LossLine& line);
 
     /// The playlist was read, or as much of it as was not rejected.
-    void masterRead(const VELHLSParsedManifest& manifest, const FindingRecorder& places);
-    void mediaRead(const VELHLSMediaStream& stream, const FindingRecorder& places);
+    void masterRead(const VELHLSParsedManifest& manifest, const Reading& reading);
+    void mediaRead(const VELHLSMediaStream& stream, const Reading& reading);
+
+    /// All of its rules.
+    [[nodiscard]] static std::vector<VELHLSRule> rules();
 
   private:
     /// What needs the highest version so far.
@@ -45,17 +43,22 @@ class StandardRules {
         Place place;
     };
 
+    void checkCharacters(const LossLine& line);
+    void tagRead(const LossLine& line);
+    void tagIgnored(const LossLine& line);
+    void attributesRead(const LossLine& line);
     void headerRead(const Place& name);
-    void countTag(const TagLine& tagLine, const Place& name);
-    void checkType(const Attribute& attribute, std::string_view name, const Place& value);
-    void checkDefault(const Attribute& attribute, std::string_view name, const Place& place);
+    void countTag(const LossLine& line);
+    void checkType(const LossLine& line, const Attribute& attribute, std::string_view name);
+    void checkDefault(const LossLine& line, const Attribute& attribute, std::string_view name);
     void needVersion(int version, std::string_view feature, const Place& place);
-    void needVersionForAttribute(std::string_view name, std::string_view text, const Place& place);
-    void checkDuration(std::string_view value, const Place& place);
+    void needVersionForAttribute(const LossLine& line, const Attribute& attribute, std::string_view name);
+    void checkDuration(const LossLine& line);
     void checkHeader();
     void checkVersion(int version);
-    void checkOrderOfRenditions(const VELHLSParsedManifest& manifest, const FindingRecorder& places);
-    void checkTargetDuration(const VELHLSMediaStream& stream, const FindingRecorder& places);
+    void checkOrderOfRenditions(const VELHLSParsedManifest& manifest, const Reading& reading);
+    void checkTargetDuration(const VELHLSMediaStream& stream, const Reading& reading);
+    [[nodiscard]] Place placeOfDuration(const RecordLines& record) const;
 
     VELHLSDiagnostics::PlaylistKind kind_;
     const TextLines& lines_;

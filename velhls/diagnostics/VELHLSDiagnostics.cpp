@@ -1,63 +1,145 @@
 #include "velhls/diagnostics/VELHLSDiagnostics.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <memory>
-#include <sstream>
+#include <optional>
+#include <string_view>
 
+#include "velhls/common/Names.h"
+#include "velhls/common/Reading.h"
+#include "velhls/common/TagLine.h"
+#include "velhls/common/TextScan.h"
 #include "velhls/common/WholeText.h"
-#include "velhls/diagnostics/FindingList.h"
-#include "velhls/diagnostics/FindingRecorder.h"
 #include "velhls/diagnostics/KindDetection.h"
-#include "velhls/diagnostics/RuleTable.h"
 #include "velhls/diagnostics/StandardRules.h"
-#include "velhls/diagnostics/TextLines.h"
+#include "velhls/document/FindingList.h"
+#include "velhls/document/TextLines.h"
+#include "velhls/losses/LossFinder.h"
+#include "velhls/losses/ReadLines.h"
 #include "velhls/manifest/ManifestReader.h"
 #include "velhls/manifest/ManifestRules.h"
 #include "velhls/media/MediaStreamReader.h"
 
 namespace {
 
+using velhls::Reading;
+using velhls::ReadLines;
+using velhls::RecordLines;
 using velhls::Rule;
 
-/// One reading of a text with everything recorded.
-class RecordedReading {
+constexpr VELHLSRule notAPlaylist = {"not-a-playlist",
+                                     VELHLSFinding::Error,
+                                     "The text is no HLS playlist at all.",
+                                     "an HLS playlist",
+                                     "RFC 8216, section 4.1",
+                                     false};
+
+static_assert(VELHLSDiagnostics::maximumFindingsPerRule == velhls::FindingList::mostOfOneRule &&
+              VELHLSDiagnostics::maximumFindingsPerRule == Reading::mostRejectionsOfOneRule);
+
+VELHLSRule ruleOf(Rule reason) {
+    const velhls::ReasonRow row = velhls::rowOf(reason);
+    return {row.id, VELHLSFinding::Error, row.summary, row.expected, row.source, false};
+}
+
+/// One reading of a text, and what is to be said of it.
+class CheckedText {
   public:
-    RecordedReading(const std::string& text, VELHLSDiagnostics::PlaylistKind kind)
-        : lines_(text),
+    CheckedText(std::string_view text, VELHLSDiagnostics::PlaylistKind kind)
+        : text_(text),
+          lines_(text),
           findings_(lines_),
           standardRules_(kind, lines_, findings_),
-          recorder_(lines_, findings_, standardRules_),
-          input_(text) {}
+          reading_(text, Reading::Extent::toEnd) {}
 
-    std::vector<VELHLSFinding> readMaster() {
-        const auto manifest = velhls::ManifestReader(input_, &recorder_).read();
-        findings_.readingEnded();
-        velhls::pairStreamInformation(*manifest, &recorder_);
-        static_cast<void>(velhls::keepsRules(*manifest, &recorder_));
-        standardRules_.masterRead(*manifest, recorder_);
+    std::vector<VELHLSFinding> checkMaster() {
+        const auto manifest = velhls::ManifestReader(text_, &reading_).read();
+        manifest->sanitize();
+        addRejections();
+        std::optional<bool> pairs = manifest->hasZORStreamInformation;
+        if (!variantsAreKnown()) pairs = std::nullopt;
+        ReadLines lines(lines_, reading_, ReadLines::Kind::master, pairs);
+        for (velhls::LossLine line; lines.next(line);) {
+            standardRules_.lineRead(line);
+            velhls::findLossesOfMasterLine(line, findings_);
+        }
+        addBrokenRules(*manifest);
+        standardRules_.masterRead(*manifest, reading_);
         return findings_.takeAll();
     }
 
-    std::vector<VELHLSFinding> readMedia() {
-        const auto stream = velhls::MediaStreamReader(input_, nullptr, &recorder_).read();
+    std::vector<VELHLSFinding> checkMedia() {
+        const auto stream = velhls::MediaStreamReader(text_, &reading_).read();
+        addRejections();
+        ReadLines lines(lines_, reading_, ReadLines::Kind::media, std::nullopt);
+        for (velhls::LossLine line; lines.next(line);) {
+            standardRules_.lineRead(line);
+            velhls::findLossesOfMediaLine(line, findings_);
+        }
+        velhls::findLossesOfSegments(*stream, reading_, lines_, lines, findings_);
         findings_.readingEnded();
-        standardRules_.mediaRead(*stream, recorder_);
+        standardRules_.mediaRead(*stream, reading_);
         return findings_.takeAll();
     }
 
   private:
+    void addRejections() {
+        for (const velhls::Rejection& rejection : reading_.rejections())
+            findings_.add(ruleOf(rejection.rule), rejection.place, rejection.seen);
+        for (std::size_t index = 0; index < velhls::ruleCount; ++index) {
+            const std::size_t count = reading_.countOf(static_cast<Rule>(index));
+            if (count <= Reading::mostRejectionsOfOneRule) continue;
+            findings_.addSuppressed(ruleOf(static_cast<Rule>(index)),
+                                    count - Reading::mostRejectionsOfOneRule);
+        }
+    }
+
+    /// What only follows from a variant or a rendition that was rejected is left out.
+    void addBrokenRules(const VELHLSParsedManifest& manifest) {
+        findings_.readingEnded();
+        const bool renditionsAreKnown = !rejectedTag({velhls::tag::media});
+        const auto broken = velhls::brokenRulesOf(manifest, velhls::BrokenRules::Wanted::all);
+        for (const velhls::BrokenRule& rule : broken.all()) {
+            const bool isOfVariants = rule.rule == Rule::variantsMissing;
+            const bool isOfSession =
+                rule.rule == Rule::sessionDataRepeated || rule.rule == Rule::sessionKeyRepeated;
+            if (!isOfSession && !(isOfVariants ? variantsAreKnown() : renditionsAreKnown)) continue;
+            const VELHLSRule row = ruleOf(rule.rule);
+            if (findings_.isFull(row)) continue;
+            const velhls::Rejection rejection = velhls::rejectionOf(text_, reading_, rule);
+            findings_.add(row, rejection.place, rejection.seen);
+        }
+    }
+
+    [[nodiscard]] bool variantsAreKnown() const {
+        return !rejectedTag({velhls::tag::streamInf, velhls::tag::iFrameStreamInf});
+    }
+
+    /// Whether a line with one of the tags was rejected.
+    [[nodiscard]] bool rejectedTag(std::initializer_list<std::string_view> names) const {
+        const auto& records = reading_.records();
+        return std::any_of(records.begin(), records.end(), [&](const RecordLines& record) {
+            if (record.kind != RecordLines::Kind::rejected) return false;
+            const std::string_view line = lines_.line(record.firstLine);
+            return std::any_of(names.begin(), names.end(), [line](std::string_view name) {
+                return velhls::isTagOrComment(line) && velhls::TagLine(line).name == name;
+            });
+        });
+    }
+
+    std::string_view text_;
     velhls::TextLines lines_;
     velhls::FindingList findings_;
     velhls::StandardRules standardRules_;
-    velhls::FindingRecorder recorder_;
-    std::istringstream input_;
+    Reading reading_;
 };
 
 std::vector<VELHLSFinding> noPlaylist(const std::string& text) {
     const velhls::TextLines lines(text);
     velhls::FindingList findings(lines);
     const std::size_t lengthOfLine = velhls::withoutTrailing(lines.line(1), velhls::lineEnds).size();
-    findings.add(Rule::notAPlaylist, {1, 1, lengthOfLine}, velhls::describeNoPlaylist(text));
+    findings.add(notAPlaylist, {1, 1, lengthOfLine}, velhls::describeNoPlaylist(text));
     return findings.takeAll();
 }
 
@@ -69,8 +151,8 @@ std::vector<VELHLSFinding> VELHLSDiagnostics::check(const std::string& text, Pla
         if (!detection) return noPlaylist(text);
         kind = detection->kind;
     }
-    RecordedReading reading(text, kind);
-    return kind == Master ? reading.readMaster() : reading.readMedia();
+    CheckedText checked(text, kind);
+    return kind == Master ? checked.checkMaster() : checked.checkMedia();
 }
 
 std::vector<VELHLSFinding> VELHLSDiagnostics::check(std::istream& input, PlaylistKind kind) {
@@ -83,13 +165,20 @@ std::optional<VELHLSDiagnostics::Detection> VELHLSDiagnostics::detectKind(const 
 }
 
 std::vector<VELHLSRule> VELHLSDiagnostics::rules() {
-    return {velhls::ruleTable().begin(), velhls::ruleTable().end()};
+    std::vector<VELHLSRule> all = {notAPlaylist};
+    for (std::size_t index = 0; index < velhls::ruleCount; ++index)
+        all.push_back(ruleOf(static_cast<Rule>(index)));
+    for (const VELHLSRule& rule : velhls::rulesOfLosses())
+        all.push_back(rule);
+    for (const VELHLSRule& rule : velhls::StandardRules::rules())
+        all.push_back(rule);
+    return all;
 }
 
 std::optional<VELHLSRule> VELHLSDiagnostics::ruleNamed(const std::string& id) {
-    const auto& table = velhls::ruleTable();
+    const std::vector<VELHLSRule> all = rules();
     const auto rule =
-        std::find_if(table.begin(), table.end(), [&id](const VELHLSRule& row) { return row.id == id; });
-    if (rule == table.end()) return std::nullopt;
+        std::find_if(all.begin(), all.end(), [&id](const VELHLSRule& row) { return row.id == id; });
+    if (rule == all.end()) return std::nullopt;
     return *rule;
 }

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "velhls/common/VELHLSExport.h"
-#include "velhls/diagnostics/VELHLSFinding.h"
-#include "velhls/diagnostics/VELHLSRule.h"
+#include "velhls/document/VELHLSFinding.h"
+#include "velhls/document/VELHLSRule.h"
 
 /// Says what is wrong with the text of a playlist, where, and what the library makes of it.
 ///

@@ -1,156 +1,118 @@
 #include "velhls/manifest/ManifestReader.h"
 
-#include <optional>
 #include <utility>
+#include <vector>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/manifest/RecordParsers.h"
-#include "velhls/media/RecordParsers.h"
+#include "velhls/manifest/RecordTags.h"
+#include "velhls/media/KeyAndMapTags.h"
 
 namespace velhls {
 
 std::shared_ptr<VELHLSParsedManifest> ManifestReader::read() {
-    while (lines_.good()) {
-        // Kept, since a variant's URI is read while its tag is still needed.
+    while (lines_.good() && !playlistEnded_) {
         line_ = lines_.next();
-        noteLine(line_);
-        const Outcome outcome = recorder_ == nullptr ? takeLine() : takeLineWithoutThrowing();
-        if (outcome == Outcome::rejected && recorder_ == nullptr) return nullptr;
-        if (outcome == Outcome::playlistEnds) break;
+        if (reading_ != nullptr) reading_->recordBegins();
+        if (succeeds([this] { return readLine(); }, reading_, why_)) continue;
+        if (!readsOn(reading_)) return nullptr;
+        reading_->recordRejected();
     }
     return std::move(manifest_);
 }
 
-void ManifestReader::noteLine(std::string_view line) {
-    if (recorder_ != nullptr) recorder_->lineRead(line);
+void ManifestReader::viewsEnd() {
+    if (line_.data() == lineMemory_.data()) return;
+    lineMemory_ = line_;
+    line_ = lineMemory_;
 }
 
-ManifestReader::Outcome ManifestReader::takeLineWithoutThrowing() {
-    return withoutThrowing(*recorder_, Outcome::rejected, [this] { return takeLine(); });
-}
-
-ManifestReader::Outcome ManifestReader::takeLine() {
+bool ManifestReader::readLine() {
     if (isStandardTag(line_)) {
         const TagLine tagLine(line_);
-        if (recorder_ != nullptr) recorder_->tagRead(tagLine);
-        return tagLine.hasColon ? takeTag(tagLine) : takeBareTag(tagLine);
+        return tagLine.hasColon ? readTag(tagLine) : readBareTag(tagLine);
     }
-    if (isVendorTag(line_)) return takeVendorTag(TagLine(line_));
-    if (isTagOrComment(line_)) {
-        tell(recorder_, Rule::commentNotWritten, line_);
-        return Outcome::goOn;
-    }
-    if (isBlank(line_)) return Outcome::goOn;
+    if (isTagLine(line_, tag::zorStreamInf)) return readStreamInformation(TagLine(line_));
     // A variant's URI was read together with its tag. Any other is out of place.
-    tell(recorder_, Rule::uriWithoutTag, line_);
-    return Outcome::rejected;
+    return isTagOrComment(line_) || isBlank(line_) || why_(Rule::uriWithoutTag, line_);
 }
 
-ManifestReader::Outcome ManifestReader::takeBareTag(const TagLine& tagLine) {
+bool ManifestReader::readBareTag(const TagLine& tagLine) {
     if (tagLine.name == tag::extM3U) {
-        // The header of a second playlist ends the first.
-        if (manifest_->hasHeader) {
-            tell(recorder_, Rule::headerEndsPlaylist, line_);
-            return Outcome::playlistEnds;
-        }
+        playlistEnded_ = manifest_->hasHeader;
         manifest_->hasHeader = true;
-        return Outcome::goOn;
+        return true;
     }
-    if (tagLine.name == tag::independentSegments) {
-        manifest_->independentSegments = true;
-        return Outcome::goOn;
-    }
-    tell(recorder_, Rule::masterBareTagUnknown, tagLine.name);
-    return Outcome::rejected;
+    if (tagLine.name != tag::independentSegments) return why_(Rule::masterBareTagUnknown, tagLine.name);
+    manifest_->independentSegments = true;
+    return true;
 }
 
-ManifestReader::Outcome ManifestReader::takeTag(const TagLine& tagLine) {
-    if (tagLine.name == tag::media) return takeRendition();
-    if (tagLine.name == tag::streamInf) return takeVariant(false);
-    if (tagLine.name == tag::iFrameStreamInf) return takeVariant(true);
-    if (tagLine.name == tag::sessionData) return takeSessionData();
-    if (tagLine.name == tag::sessionKey) return takeSessionKey();
-    if (tagLine.name == tag::start) return takeStart(tagLine);
-    if (tagLine.name == tag::version) {
-        manifest_->version = toInt32(number(recorder_, tagLine.value));
-        return Outcome::goOn;
+bool ManifestReader::readTag(const TagLine& tagLine) {
+    if (tagLine.name == tag::media) return readRendition(tagLine);
+    if (tagLine.name == tag::streamInf) return readVariant(false);
+    if (tagLine.name == tag::iFrameStreamInf) return readVariant(true);
+    if (tagLine.name == tag::sessionData) return readSessionData();
+    if (tagLine.name == tag::sessionKey) return readSessionKey(tagLine);
+    if (tagLine.name == tag::start) {
+        return readStartTag(tagLine, manifest_->startTimeOffset, manifest_->startPrecise, why_);
     }
-    if (recorder_ != nullptr) recorder_->tagIgnored(tagLine);
-    return Outcome::goOn;
+    if (tagLine.name == tag::version) manifest_->version = toInt32(tagLine.value, why_);
+    return true;
 }
 
-ManifestReader::Outcome ManifestReader::takeVendorTag(const TagLine& tagLine) {
-    if (recorder_ != nullptr) recorder_->tagRead(tagLine);
-    if (tagLine.name != tag::zorStreamInf) {
-        if (recorder_ != nullptr) recorder_->tagIgnored(tagLine);
-        return Outcome::goOn;
-    }
-    if (auto information = parseStreamInformation(line_, recorder_)) {
-        if (recorder_ != nullptr) recorder_->recordRead(information.get(), TagLine(line_).name);
-        manifest_->zorStreamInformation.push_back(std::move(information));
-    }
-    return Outcome::goOn;
+/// One that does not parse is dropped.
+bool ManifestReader::readStreamInformation(const TagLine& tagLine) {
+    auto information = velhls::readStreamInformation(tagLine, why_);
+    if (information == nullptr) return true;
+    recordMade(information.get());
+    manifest_->zorStreamInformation.push_back(std::move(information));
+    return true;
 }
 
-ManifestReader::Outcome ManifestReader::takeRendition() {
-    auto rendition = parseRendition(line_, &recordMaker_, recorder_);
-    if (rendition == nullptr) return Outcome::rejected;
-    if (recorder_ != nullptr) recorder_->recordRead(rendition.get(), TagLine(line_).name);
+bool ManifestReader::readRendition(const TagLine& tagLine) {
+    auto rendition = velhls::readRendition(tagLine, &recordMaker_, why_);
+    if (rendition == nullptr) return false;
     // The first rendition with a name stays.
     auto& group = manifest_->renditions[rendition->type][rendition->groupId];
-    const bool isNew = group.emplace(rendition->name, rendition).second;
-    if (!isNew && recorder_ != nullptr) {
-        recorder_->reportRecord(Rule::renditionRepeated, rendition.get(), attribute::name, {});
-    }
-    return Outcome::goOn;
+    const bool isKept = group.emplace(rendition->name, rendition).second;
+    recordMade(isKept ? rendition.get() : nullptr);
+    return true;
 }
 
-ManifestReader::Outcome ManifestReader::takeVariant(bool isIFrame) {
-    std::string_view uriLine;
-    if (!isIFrame) {
-        uriLine = lines_.next();
-        noteLine(uriLine);
-    }
-    auto variant = parseVariant(line_, uriLine, &recordMaker_, recorder_);
-    if (variant == nullptr) return Outcome::rejected;
-    if (recorder_ != nullptr) recorder_->recordRead(variant.get(), TagLine(line_).name);
-    // Behind all others of no more bandwidth: the hint only says where that often is.
+bool ManifestReader::readVariant(bool isIFrame) {
+    const std::string_view uriLine = isIFrame ? std::string_view() : lines_.next();
+    // Reading the URI may have moved the line.
+    auto variant = velhls::readVariant(TagLine(line_), uriLine, &recordMaker_, why_);
+    if (variant == nullptr) return false;
+    recordMade(variant.get());
+    // After all others of no more bandwidth: the hint only says where that often is.
     manifest_->variants.emplace_hint(manifest_->variants.end(), variant->bandwidth, variant);
     if (!isIFrame) manifest_->streamVariants.push_back(std::move(variant));
-    return Outcome::goOn;
+    return true;
 }
 
-ManifestReader::Outcome ManifestReader::takeSessionData() {
-    auto entry = parseSessionData(line_, recorder_);
-    if (entry == nullptr) return Outcome::rejected;
-    if (recorder_ != nullptr) recorder_->recordRead(entry.get(), TagLine(line_).name);
+bool ManifestReader::readSessionData() {
+    auto entry = velhls::readSessionData(line_, why_);
+    if (entry == nullptr) return false;
+    recordMade(entry.get());
     manifest_->sessionData.push_back(std::move(entry));
-    return Outcome::goOn;
+    return true;
 }
 
-ManifestReader::Outcome ManifestReader::takeSessionKey() {
+bool ManifestReader::readSessionKey(const TagLine& tagLine) {
     auto key = std::make_shared<VELHLSProtectionData>(VELHLSProtectionData::None, "", "", "",
                                                       std::vector<std::int32_t>());
-    if (!parseKey(line_, *key, recorder_)) return Outcome::rejected;
-    if (recorder_ != nullptr) {
-        recorder_->recordRead(key.get(), TagLine(line_).name);
-        recorder_->reportRecord(Rule::sessionKeyNotWritten, key.get(), {}, {});
-    }
+    if (!readKey(tagLine, *key, why_)) return false;
+    recordMade(key.get());
     manifest_->sessionKeys.push_back(std::move(key));
-    return Outcome::goOn;
+    return true;
 }
 
-ManifestReader::Outcome ManifestReader::takeStart(const TagLine& tagLine) {
-    const std::optional<StartTag> start = parseStartTag(tagLine, recorder_);
-    if (!start) return Outcome::rejected;
-    manifest_->startTimeOffset = start->timeOffset;
-    // A later tag does not take PRECISE=YES back.
-    if (start->precise) manifest_->startPrecise = true;
-    if (manifest_->startPrecise && !start->precise) tell(recorder_, Rule::startPreciseKept, tagLine.name);
-    return Outcome::goOn;
+void ManifestReader::recordMade(const void* record) {
+    if (reading_ != nullptr) reading_->recordMade(record);
 }
 
 }  // namespace velhls

@@ -4,10 +4,12 @@
 #include <istream>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/Reading.h"
+#include "velhls/common/Reason.h"
 #include "velhls/common/RecordMaker.h"
-#include "velhls/common/Recorder.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 
@@ -15,34 +17,39 @@ namespace velhls {
 
 /// Reads the lines of one master playlist and files what their tags say in a manifest. What binds the records
 /// to each other is not looked at here.
-class ManifestReader {
+class ManifestReader : private LineReader::ViewKeeper {
   public:
-    ManifestReader(std::istream& input, Recorder* recorder) : lines_(input), recorder_(recorder) {}
+    explicit ManifestReader(std::istream& input) : lines_(input) { lines_.tell(*this); }
+    /// The reading may be null.
+    ManifestReader(std::string_view text, Reading* reading) : lines_(text, reading), reading_(reading) {
+        lines_.tell(*this);
+    }
 
-    /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line. With a
-    /// recorder it goes on, and what was not rejected comes back.
+    /// Reads to the end of the playlist. Null when a line is rejected; reading stops after that line. A reading that goes
+    /// on after rejections gives what was not rejected.
     [[nodiscard]] std::shared_ptr<VELHLSParsedManifest> read();
 
   private:
-    /// What a line means for the lines behind it.
-    enum class Outcome { goOn, playlistEnds, rejected };
-
-    void noteLine(std::string_view line);
-    Outcome takeLine();
-    Outcome takeLineWithoutThrowing();
-    Outcome takeBareTag(const TagLine& tagLine);
-    Outcome takeTag(const TagLine& tagLine);
-    Outcome takeVendorTag(const TagLine& tagLine);
-    Outcome takeRendition();
-    Outcome takeVariant(bool isIFrame);
-    Outcome takeSessionData();
-    Outcome takeSessionKey();
-    Outcome takeStart(const TagLine& tagLine);
+    void viewsEnd() override;
+    bool readLine();
+    bool readBareTag(const TagLine& tagLine);
+    bool readTag(const TagLine& tagLine);
+    bool readStreamInformation(const TagLine& tagLine);
+    bool readRendition(const TagLine& tagLine);
+    bool readVariant(bool isIFrame);
+    bool readSessionData();
+    bool readSessionKey(const TagLine& tagLine);
+    void recordMade(const void* record);
 
     LineReader lines_;
-    Recorder* recorder_;
+    Reading* reading_ = nullptr;
+    Reason why_;
     RecordMaker recordMaker_;
-    std::string line_;
+    /// A variant's URI is read while the line of its tag is still needed: it is copied if the view ends with that.
+    std::string_view line_;
+    std::string lineMemory_;
+    /// The header of a second playlist was read, which ends the first.
+    bool playlistEnded_ = false;
     std::shared_ptr<VELHLSParsedManifest> manifest_ = std::make_shared<VELHLSParsedManifest>();
 };
 

@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <set>
-#include <string>
-#include <string_view>
+#include <utility>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/manifest/RenditionTypeText.h"
 #include "velhls/media/KeyFormatVersions.h"
 
@@ -21,15 +20,8 @@ using Rendition = VELHLSMediaStreamRendition;
 using Groups = VELHLSParsedManifest::RenditionGroups;
 using Group = VELHLSParsedManifest::RenditionsByName;
 
-/// A broken rule, at the record that breaks it. Only a caller can have put a null record there, which nobody
-/// records.
-void tellOfRecord(Recorder* recorder, Rule rule, const void* record, std::string_view attributeName,
-                  const std::string& seen = {}) {
-    if (recorder != nullptr && record != nullptr) recorder->reportRecord(rule, record, attributeName, seen);
-}
-
-bool holdsVariants(const VELHLSParsedManifest& manifest, Recorder* recorder) {
-    return !manifest.variants.empty() || rejectMissing(recorder, Rule::variantsMissing, {});
+void holdVariants(const VELHLSParsedManifest& manifest, BrokenRules& broken) {
+    if (manifest.variants.empty()) broken.add({Rule::variantsMissing, nullptr, {}, "none"});
 }
 
 bool holdsGroup(const VELHLSParsedManifest& manifest, Rendition::RenditionType type,
@@ -40,80 +32,62 @@ bool holdsGroup(const VELHLSParsedManifest& manifest, Rendition::RenditionType t
     return group != groups->second.end() && !group->second.empty();
 }
 
-bool groupReferencesResolve(const VELHLSParsedManifest& manifest, Recorder* recorder) {
-    bool allResolve = true;
+void referToGroups(const VELHLSParsedManifest& manifest, BrokenRules& broken) {
     for (const auto& [bandwidth, variant] : manifest.variants) {
-        if (variant == nullptr) return false;
+        if (variant == nullptr) return broken.addByCaller();
         for (const auto& [type, groupId] : variant->groupIds) {
             if (holdsGroup(manifest, type, groupId)) continue;
-            if (recorder == nullptr) return false;
-            tellOfRecord(recorder, Rule::groupMissing, variant.get(), textOf(type).value_or(""));
-            allResolve = false;
+            broken.add({Rule::groupMissing, variant.get(), textOf(type).value_or(""), {}});
+            if (broken.areEnough()) return;
         }
     }
-    return allResolve;
 }
 
-/// Whether the group has the renditions of the reference group, up to the first that it has not, and no more.
-bool agreesWith(const Group& reference, const Group& group, Recorder* recorder) {
+/// The first rendition of the reference group that the group has not, or has otherwise; or one that it has besides.
+void agreeWith(const Group& reference, const Group& group, BrokenRules& broken) {
     for (const auto& [name, wanted] : reference) {
+        if (wanted == nullptr) return broken.addByCaller();
         const auto found = group.find(wanted->name);
         if (found == group.end()) {
-            const void* any = group.empty() ? nullptr : group.begin()->second.get();
-            tellOfRecord(recorder, Rule::groupRenditionMissing, any, attribute::groupId,
-                         "no rendition " + quoted(wanted->name));
-            return false;
+            const void* const any = group.empty() ? nullptr : group.begin()->second.get();
+            return broken.add({Rule::groupRenditionMissing, any, attribute::groupId,
+                               "no rendition " + quoted(wanted->name)});
         }
         if (!wanted->equalExceptURIAndGroupID(found->second)) {
-            tellOfRecord(recorder, Rule::groupRenditionDifferent, found->second.get(), attribute::name);
-            return false;
+            return broken.add(
+                {Rule::groupRenditionDifferent, found->second.get(), attribute::name, {}});
         }
     }
-    if (group.size() == reference.size()) return true;
+    if (group.size() == reference.size()) return;
     const auto unmatched = std::find_if(group.begin(), group.end(), [&reference](const auto& rendition) {
         return reference.count(rendition.first) == 0;
     });
-    if (unmatched != group.end()) {
-        tellOfRecord(recorder, Rule::groupRenditionUnmatched, unmatched->second.get(), attribute::name);
-    }
-    return false;
+    if (unmatched == group.end()) return broken.addByCaller();
+    broken.add({Rule::groupRenditionUnmatched, unmatched->second.get(), attribute::name, {}});
 }
 
-bool hasOneDefault(const Group& group, Recorder* recorder) {
+void haveOneDefault(const Group& group, BrokenRules& broken) {
     bool defaultSeen = false;
     for (const auto& [name, rendition] : group) {
-        if (rendition == nullptr) return false;
+        if (rendition == nullptr) return broken.addByCaller();
         if (rendition->isDefault && defaultSeen) {
-            tellOfRecord(recorder, Rule::groupDefaultRepeated, rendition.get(), attribute::defaultFlag);
-            return false;
+            return broken.add(
+                {Rule::groupDefaultRepeated, rendition.get(), attribute::defaultFlag, {}});
         }
         defaultSeen = defaultSeen || rendition->isDefault;
     }
-    return true;
 }
 
-/// The reference group is the one with the smallest GROUP-ID. All others are compared with it.
-bool groupsAgree(const Groups& groups, Recorder* recorder) {
-    if (groups.empty()) return true;
-    const Group& reference = groups.begin()->second;
-    bool allAgree = hasOneDefault(reference, recorder);
-    if (!allAgree && recorder == nullptr) return false;
-    for (auto other = std::next(groups.begin()); other != groups.end(); ++other) {
-        if (agreesWith(reference, other->second, recorder)) continue;
-        if (recorder == nullptr) return false;
-        allAgree = false;
-    }
-    return allAgree;
-}
-
-bool groupsOfEachTypeAgree(const VELHLSParsedManifest& manifest, Recorder* recorder) {
-    bool allAgree = true;
+/// The reference group of a type is the one with the smallest GROUP-ID. All others are compared with it.
+void agreeInGroups(const VELHLSParsedManifest& manifest, BrokenRules& broken) {
     for (const auto& [type, groups] : manifest.renditions) {
-        if (groupsAgree(groups, recorder)) continue;
-        if (recorder == nullptr) return false;
-        allAgree = false;
+        if (groups.empty()) continue;
+        const Group& reference = groups.begin()->second;
+        haveOneDefault(reference, broken);
+        for (auto other = std::next(groups.begin()); other != groups.end() && !broken.areEnough(); ++other)
+            agreeWith(reference, other->second, broken);
+        if (broken.areEnough()) return;
     }
-    return allAgree;
 }
 
 std::string identityOf(const VELHLSManifestSessionData& entry) {
@@ -134,65 +108,46 @@ std::string identityOf(const VELHLSProtectionData& key) {
 
 /// The texts are kept in order and not hashed, so that no choice of texts makes the check slow.
 template <typename Records>
-bool identitiesAreUnique(const Records& records, Rule rule, std::string_view attributeName,
-                         Recorder* recorder) {
+void haveOneIdentityEach(const Records& records, Rule rule, std::string_view attributeName,
+                         BrokenRules& broken) {
     std::set<std::string> identities;
-    bool allAreUnique = true;
     for (const auto& record : records) {
-        if (record == nullptr) return false;
+        if (record == nullptr) return broken.addByCaller();
         if (identities.insert(identityOf(*record)).second) continue;
-        if (recorder == nullptr) return false;
-        tellOfRecord(recorder, rule, record.get(), attributeName);
-        allAreUnique = false;
+        broken.add({rule, record.get(), attributeName, {}});
+        if (broken.areEnough()) return;
     }
-    return allAreUnique;
 }
 
-bool sessionDataIsUnique(const VELHLSParsedManifest& manifest, Recorder* recorder) {
-    return identitiesAreUnique(manifest.sessionData, Rule::sessionDataRepeated, attribute::dataId, recorder);
+void haveUniqueSessionData(const VELHLSParsedManifest& manifest, BrokenRules& broken) {
+    haveOneIdentityEach(manifest.sessionData, Rule::sessionDataRepeated, attribute::dataId, broken);
 }
 
-bool sessionKeysAreUnique(const VELHLSParsedManifest& manifest, Recorder* recorder) {
-    return identitiesAreUnique(manifest.sessionKeys, Rule::sessionKeyRepeated, attribute::uri, recorder);
-}
-
-/// As many of the ones as of the others.
-bool pairsWithVariants(const VELHLSParsedManifest& manifest) {
-    const auto streams = std::count_if(
-        manifest.variants.begin(), manifest.variants.end(),
-        [](const auto& variant) { return variant.second != nullptr && !variant.second->isIFrame; });
-    return static_cast<std::size_t>(streams) == manifest.zorStreamInformation.size();
+void haveUniqueSessionKeys(const VELHLSParsedManifest& manifest, BrokenRules& broken) {
+    haveOneIdentityEach(manifest.sessionKeys, Rule::sessionKeyRepeated, attribute::uri, broken);
 }
 
 }  // namespace
 
-bool keepsRules(const VELHLSParsedManifest& manifest, Recorder* recorder) {
-    constexpr std::array rules = {holdsVariants, groupReferencesResolve, groupsOfEachTypeAgree,
-                                  sessionDataIsUnique, sessionKeysAreUnique};
-    bool keepsAll = true;
-    for (const auto keepsRule : rules) {
-        if (keepsRule(manifest, recorder)) continue;
-        if (recorder == nullptr) return false;
-        keepsAll = false;
+BrokenRules brokenRulesOf(const VELHLSParsedManifest& manifest, BrokenRules::Wanted wanted) {
+    constexpr std::array rules = {holdVariants, referToGroups, agreeInGroups, haveUniqueSessionData,
+                                  haveUniqueSessionKeys};
+    BrokenRules broken(wanted);
+    for (const auto rule : rules) {
+        rule(manifest, broken);
+        if (broken.areEnough()) break;
     }
-    return keepsAll;
+    return broken;
 }
 
-void pairStreamInformation(VELHLSParsedManifest& manifest, Recorder* recorder) {
-    if (manifest.zorStreamInformation.empty()) return;
-    const bool pairs = pairsWithVariants(manifest);
-    if (recorder != nullptr) {
-        const Rule rule =
-            pairs ? Rule::vendorStreamInformationNotWritten : Rule::vendorStreamInformationUnpaired;
-        for (const auto& entry : manifest.zorStreamInformation) {
-            tellOfRecord(recorder, rule, entry.get(), {});
-        }
-    }
-    if (pairs) {
-        manifest.hasZORStreamInformation = true;
-    } else {
-        manifest.zorStreamInformation.clear();
-    }
+Rejection rejectionOf(std::string_view text, const Reading& reading, const BrokenRule& broken) {
+    const auto& records = reading.records();
+    const auto lines = std::find_if(records.begin(), records.end(), [&broken](const RecordLines& record) {
+        return record.record == broken.record;
+    });
+    if (broken.record == nullptr || lines == records.end()) return {broken.rule, {}, broken.seen};
+    const std::string_view line = lineOf(text, lines->firstLine);
+    return {broken.rule, placeOfAttribute(lines->firstLine, line, broken.attribute), broken.seen};
 }
 
 }  // namespace velhls

@@ -2,16 +2,55 @@
 // other.
 #pragma once
 
-#include "velhls/common/Recorder.h"
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "velhls/common/Reading.h"
+#include "velhls/common/Rule.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 
 namespace velhls {
 
-/// See VELHLSParsedManifest::validate. With a recorder all rules are looked at, and each group at most once for
-/// what it lacks.
-[[nodiscard]] bool keepsRules(const VELHLSParsedManifest& manifest, Recorder* recorder);
+/// A rule that a record breaks.
+struct BrokenRule {
+    Rule rule = {};
+    /// Null when it is the manifest as a whole.
+    const void* record = nullptr;
+    /// The attribute of the record that breaks the rule, or an empty name.
+    std::string_view attribute;
+    /// What was seen there; empty for the text of the attribute itself.
+    std::string seen;
+};
 
-/// See VELHLSParsedManifest::sanitize.
-void pairStreamInformation(VELHLSParsedManifest& manifest, Recorder* recorder);
+/// What the rules find: all that is broken, or no more than the first.
+class BrokenRules {
+  public:
+    enum class Wanted { first, all };
+
+    explicit BrokenRules(Wanted wanted) : wanted_(wanted) {}
+
+    /// What only a caller can have done to a manifest, such as a null record: there is no line to tell of.
+    void addByCaller() { isByCaller_ = true; }
+    void add(BrokenRule broken) { rules_.push_back(std::move(broken)); }
+
+    [[nodiscard]] bool areEnough() const {
+        return isByCaller_ || (wanted_ == Wanted::first && !rules_.empty());
+    }
+    [[nodiscard]] bool empty() const { return rules_.empty() && !isByCaller_; }
+    [[nodiscard]] const std::vector<BrokenRule>& all() const { return rules_; }
+
+  private:
+    Wanted wanted_;
+    bool isByCaller_ = false;
+    std::vector<BrokenRule> rules_;
+};
+
+/// See VELHLSParsedManifest::validate. Where all are wanted each group is told at most once what it lacks.
+[[nodiscard]] BrokenRules brokenRulesOf(const VELHLSParsedManifest& manifest, BrokenRules::Wanted wanted);
+
+/// Where the record that breaks a rule stands in the text that was read.
+[[nodiscard]] Rejection rejectionOf(std::string_view text, const Reading& reading, const BrokenRule& broken);
 
 }  // namespace velhls

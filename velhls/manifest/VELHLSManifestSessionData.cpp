@@ -4,9 +4,10 @@
 #include <string_view>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
-#include "velhls/manifest/RecordParsers.h"
+#include "velhls/manifest/RecordTags.h"
 
 namespace {
 
@@ -30,61 +31,36 @@ std::string_view nameOfAttributeOf(velhls::Rule rule) {
     return rule == velhls::Rule::sessionDataIdMissing ? attribute::dataId : attribute::value;
 }
 
-/// Most often the attribute is there, and was lost as the first one.
-void tellWhyInvalid(velhls::Recorder& recorder, velhls::Rule rule, const velhls::AttributeList& attributes,
-                    std::string_view tagName) {
+/// Most often the attribute is there, and was lost as the first one. Always false.
+bool tellWhyInvalid(velhls::Rule rule, const velhls::AttributeList& attributes, std::string_view tagName,
+                    velhls::Reason& why) {
     for (const velhls::Attribute& attribute : attributes) {
         if (!velhls::startsWith(attribute.name, ":")) continue;
         const std::string_view lost = attribute.name.substr(1);
         const bool isMissed = lost == nameOfAttributeOf(rule) || lost == attribute::uri;
         const bool isUriForId = lost == attribute::uri && rule == velhls::Rule::sessionDataIdMissing;
         if (!isMissed || isUriForId) break;
-        recorder.report(rule, lost, std::string(lost) + " as the first attribute, which is lost");
-        return;
+        return why(rule, lost, std::string(lost) + " as the first attribute, which is lost");
     }
-    recorder.report(rule, tagName, rule == velhls::Rule::sessionDataValueAndUri ? "both" : "none");
-}
-
-/// The attribute that was lost; the colon in front of its name is what it was lost for.
-void tellOfLostAttribute(velhls::Recorder* recorder, const velhls::AttributeList& attributes) {
-    if (recorder == nullptr || attributes.empty()) return;
-    for (const velhls::Attribute& attribute : attributes) {
-        if (!velhls::startsWith(attribute.name, ":")) continue;
-        recorder->report(velhls::Rule::sessionDataAttributeLost, attribute.name.substr(1), {});
-        return;
-    }
+    return why(rule, tagName, rule == velhls::Rule::sessionDataValueAndUri ? "both" : "none");
 }
 
 }  // namespace
 
-std::shared_ptr<VELHLSManifestSessionData> velhls::parseSessionData(const std::string& line,
-                                                                    Recorder* recorder) {
-    if (!isTagLine(line, tag::sessionData)) return nullptr;
-    const std::string_view tagName = TagLine(line).name;
+std::shared_ptr<VELHLSManifestSessionData> velhls::readSessionData(std::string_view line, Reason& why) {
     AttributeList attributes;
-    if (!attributes.parse(attributeText(line), recorder)) return nullptr;
-    if (recorder != nullptr) recorder->attributesRead(tagName, attributes);
-
+    if (!attributes.read(attributeText(line), why)) return nullptr;
     auto entry = std::make_shared<VELHLSManifestSessionData>("", "", "", "");
     for (const Attribute& attribute : attributes) {
-        if (attribute.name == attribute::dataId) {
-            entry->dataId = attribute.value;
-        } else if (attribute.name == attribute::value) {
-            entry->value = attribute.value;
-        } else if (attribute.name == attribute::uri) {
-            entry->uri = attribute.value;
-        } else if (attribute.name == attribute::language) {
-            entry->language = attribute.value;
-        } else if (!startsWith(attribute.name, ":")) {
-            tell(recorder, Rule::attributeIgnored, attribute.name);
-        }
+        if (attribute.name == attribute::dataId) entry->dataId = attribute.value;
+        if (attribute.name == attribute::value) entry->value = attribute.value;
+        if (attribute.name == attribute::uri) entry->uri = attribute.value;
+        if (attribute.name == attribute::language) entry->language = attribute.value;
     }
-    if (const std::optional<Rule> broken = brokenRule(*entry)) {
-        if (recorder != nullptr) tellWhyInvalid(*recorder, *broken, attributes, tagName);
-        return nullptr;
-    }
-    tellOfLostAttribute(recorder, attributes);
-    return entry;
+    const std::optional<Rule> broken = brokenRule(*entry);
+    if (!broken) return entry;
+    tellWhyInvalid(*broken, attributes, TagLine(line).name, why);
+    return nullptr;
 }
 
 VELHLSManifestSessionData::VELHLSManifestSessionData(const std::string& dataId, const std::string& value,
@@ -93,24 +69,21 @@ VELHLSManifestSessionData::VELHLSManifestSessionData(const std::string& dataId, 
 
 std::shared_ptr<VELHLSManifestSessionData> VELHLSManifestSessionData::parseSessionData(
     const std::string& line) {
-    return velhls::parseSessionData(line, nullptr);
+    velhls::Reason ignored;
+    if (!velhls::isTagLine(line, velhls::tag::sessionData)) return nullptr;
+    return velhls::readSessionData(line, ignored);
 }
 
 std::int32_t VELHLSManifestSessionData::render(std::string& out) const {
     if (!validate()) return -1;
-    velhls::appendTag(out, velhls::tag::sessionData);
-    velhls::appendQuotedAttribute(out, attribute::dataId, dataId);
-    out += ',';
+    velhls::AttributeWriter line(out, velhls::tag::sessionData);
+    line.appendQuoted(attribute::dataId, dataId);
     if (value.empty()) {
-        velhls::appendQuotedAttribute(out, attribute::uri, uri);
+        line.appendQuoted(attribute::uri, uri);
     } else {
-        velhls::appendQuotedAttribute(out, attribute::value, value);
+        line.appendQuoted(attribute::value, value);
     }
-    if (!language.empty()) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, attribute::language, language);
-    }
-    out += '\n';
+    line.appendQuotedUnlessEmpty(attribute::language, language).endLine();
     return 0;
 }
 

@@ -22,7 +22,7 @@ class VELHLS_API VELHLSManifestSessionData {
     ///
     /// Kept as is: the attribute that stands first is lost, since its name is read with the tag's colon in
     /// front of it. So a tag whose DATA-ID comes first is rejected, although that is the usual order, and the
-    /// one that `render` writes; put another attribute in front of it.
+    /// one that `render` writes; put another attribute before it.
     [[nodiscard]] static std::shared_ptr<VELHLSManifestSessionData> parseSessionData(const std::string& line);
 
     /// Appends the EXT-X-SESSION-DATA line, DATA-ID first. Returns 0, or -1 with nothing appended when the
@@ -38,7 +38,7 @@ class VELHLS_API VELHLSManifestSessionData {
     /// VALUE; empty when the data is given by URI.
     std::string value;
 
-    /// URI of a JSON resource; empty when the data is given by VALUE.
+    /// URI of a JSON resource, not resolved (VELHLS.h); empty when the data is given by VALUE.
     std::string uri;
 
     /// LANGUAGE (RFC 5646); empty when absent.

@@ -4,9 +4,10 @@
 #include <utility>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
-#include "velhls/manifest/RecordParsers.h"
+#include "velhls/manifest/RecordTags.h"
 #include "velhls/manifest/RenditionTypeText.h"
 
 namespace {
@@ -14,44 +15,38 @@ namespace {
 namespace attribute = velhls::attribute;
 
 using velhls::Attribute;
-using velhls::Recorder;
+using velhls::Reason;
 using velhls::Rule;
 
 /// Gives access to the constructor that a reader needs.
 struct ReadRendition : VELHLSMediaStreamRendition {};
 
 /// Sets the flag; false for a value that is neither of the two.
-bool readFlag(std::string_view value, bool& flag, Recorder* recorder) {
+bool readFlag(std::string_view value, bool& flag, Reason& why) {
     flag = value == velhls::fixed::yes;
-    if (flag || value == velhls::fixed::no) return true;
-    return velhls::reject(recorder, Rule::renditionFlagInvalid, value);
+    return flag || value == velhls::fixed::no || why(Rule::renditionFlagInvalid, value);
 }
 
-bool readType(std::string_view value, VELHLSMediaStreamRendition::RenditionType& type, Recorder* recorder) {
+bool readType(std::string_view value, VELHLSMediaStreamRendition::RenditionType& type, Reason& why) {
     const auto named = velhls::renditionTypeNamed(value);
     type = named.value_or(VELHLSMediaStreamRendition::Unknown);
-    return named || velhls::reject(recorder, Rule::renditionTypeUnknown, value);
+    return named || why(Rule::renditionTypeUnknown, value);
 }
 
-/// The last piece that was read is a view into the value, so that what a set makes of the order can be told.
-void readCharacteristics(std::string_view value, std::set<std::string>& characteristics, Recorder* recorder) {
-    std::string_view last;
+void readCharacteristics(std::string_view value, std::set<std::string>& characteristics) {
     for (std::size_t start = 0;;) {
         const std::size_t comma = value.find(',', start);
-        const std::string_view piece = value.substr(start, comma - start);
-        characteristics.emplace(piece);
-        if (start != 0 && piece <= last) tell(recorder, Rule::renditionCharacteristicsChanged, piece);
+        characteristics.emplace(value.substr(start, comma - start));
         if (comma == std::string_view::npos) return;
-        last = piece;
         start = comma + 1;
     }
 }
 
-bool readAttribute(VELHLSMediaStreamRendition& rendition, const Attribute& read, Recorder* recorder) {
-    if (read.name == attribute::type) return readType(read.value, rendition.type, recorder);
-    if (read.name == attribute::defaultFlag) return readFlag(read.value, rendition.isDefault, recorder);
-    if (read.name == attribute::autoSelect) return readFlag(read.value, rendition.autoSelect, recorder);
-    if (read.name == attribute::forced) return readFlag(read.value, rendition.forced, recorder);
+bool readAttribute(VELHLSMediaStreamRendition& rendition, const Attribute& read, Reason& why) {
+    if (read.name == attribute::type) return readType(read.value, rendition.type, why);
+    if (read.name == attribute::defaultFlag) return readFlag(read.value, rendition.isDefault, why);
+    if (read.name == attribute::autoSelect) return readFlag(read.value, rendition.autoSelect, why);
+    if (read.name == attribute::forced) return readFlag(read.value, rendition.forced, why);
     if (read.name == attribute::uri) {
         rendition.uri = read.value;
     } else if (read.name == attribute::groupId) {
@@ -66,27 +61,10 @@ bool readAttribute(VELHLSMediaStreamRendition& rendition, const Attribute& read,
         rendition.instreamId = read.value;
     } else if (read.name == attribute::audioTrackType) {
         rendition.audioTrackType = read.value;
-        tell(recorder, Rule::renditionAudioTrackTypeNotWritten, read.name);
     } else if (read.name == attribute::characteristics) {
-        readCharacteristics(read.value, rendition.characteristics, recorder);
-    } else {
-        tell(recorder, Rule::attributeIgnored, read.name);
+        readCharacteristics(read.value, rendition.characteristics);
     }
     return true;
-}
-
-/// A default rendition may always be chosen without asking.
-void implyAutoSelect(VELHLSMediaStreamRendition& rendition, const velhls::AttributeList& attributes,
-                     Recorder* recorder) {
-    if (!rendition.isDefault || rendition.autoSelect) return;
-    rendition.autoSelect = true;
-    if (recorder == nullptr) return;
-    const std::optional<std::string_view> said = attributes.find(attribute::autoSelect);
-    if (said) {
-        recorder->report(Rule::renditionAutoselectOverruled, *said, {});
-    } else {
-        recorder->report(Rule::renditionAutoselectImplied, *attributes.find(attribute::defaultFlag), "none");
-    }
 }
 
 struct BrokenRule {
@@ -117,18 +95,6 @@ std::optional<BrokenRule> brokenRule(const VELHLSMediaStreamRendition& rendition
     return std::nullopt;
 }
 
-void appendQuotedUnlessEmpty(std::string& out, std::string_view name, std::string_view value) {
-    if (value.empty()) return;
-    out += ',';
-    velhls::appendQuotedAttribute(out, name, value);
-}
-
-void appendIfSet(std::string& out, std::string_view name, bool flag) {
-    if (!flag) return;
-    out += ',';
-    velhls::appendAttribute(out, name, velhls::fixed::yes);
-}
-
 std::string joinedByCommas(const std::set<std::string>& pieces) {
     std::string text;
     for (auto piece = pieces.begin(); piece != pieces.end(); ++piece) {
@@ -140,26 +106,25 @@ std::string joinedByCommas(const std::set<std::string>& pieces) {
 
 }  // namespace
 
-std::shared_ptr<VELHLSMediaStreamRendition> velhls::parseRendition(const std::string& line,
-                                                                   RecordMaker* maker, Recorder* recorder) {
-    if (!isTagLine(line, tag::media)) return nullptr;
-    const TagLine tagLine(line);
+std::shared_ptr<VELHLSMediaStreamRendition> velhls::readRendition(const TagLine& tagLine,
+                                                                  RecordMaker* maker, Reason& why) {
     AttributeList attributes;
-    if (!attributes.parse(tagLine.value, recorder)) return nullptr;
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, attributes);
-
+    if (!attributes.read(tagLine.value, why)) return nullptr;
     auto rendition = makeRecord<ReadRendition>(maker);
     for (const Attribute& attribute : attributes) {
-        if (!readAttribute(*rendition, attribute, recorder)) return nullptr;
+        if (!readAttribute(*rendition, attribute, why)) return nullptr;
     }
-    implyAutoSelect(*rendition, attributes, recorder);
-    if (const std::optional<BrokenRule> broken = brokenRule(*rendition)) {
-        const std::optional<std::string_view> value = attributes.find(broken->attributeName);
-        if (value) tell(recorder, broken->rule, *value);
-        if (!value) tellMissing(recorder, broken->rule, tagLine.name);
-        return nullptr;
+    // A default rendition may always be chosen without asking.
+    if (rendition->isDefault) rendition->autoSelect = true;
+    const std::optional<BrokenRule> broken = brokenRule(*rendition);
+    if (!broken) return rendition;
+    const std::optional<std::string_view> value = attributes.find(broken->attributeName);
+    if (value) {
+        why(broken->rule, *value);
+    } else {
+        why.missing(broken->rule, tagLine.name);
     }
-    return rendition;
+    return nullptr;
 }
 
 VELHLSMediaStreamRendition::VELHLSMediaStreamRendition(
@@ -181,32 +146,35 @@ VELHLSMediaStreamRendition::VELHLSMediaStreamRendition(
       audioTrackType(audioTrackType) {}
 
 std::shared_ptr<VELHLSMediaStreamRendition> VELHLSMediaStreamRendition::parse(const std::string& line) {
-    return velhls::parseRendition(line, nullptr, nullptr);
+    velhls::Reason ignored;
+    if (!velhls::isTagLine(line, velhls::tag::media)) return nullptr;
+    return velhls::readRendition(velhls::TagLine(line), nullptr, ignored);
+}
+
+std::string_view VELHLSMediaStreamRendition::textOf(RenditionType type) noexcept {
+    return velhls::textOf(type).value_or("");
 }
 
 std::int32_t VELHLSMediaStreamRendition::render(std::string& out) const {
     if (!validate()) return -1;
-    velhls::appendTag(out, velhls::tag::media);
-    const std::optional<std::string_view> typeText = velhls::textOf(type);
-    velhls::appendAttribute(out, attribute::type, typeText.value_or(""));
-    if (!typeText) return -1;
+    velhls::AttributeWriter line(out, velhls::tag::media);
+    const std::string_view typeText = textOf(type);
+    line.append(attribute::type, typeText);
+    if (typeText.empty()) return -1;
 
-    out += ',';
-    velhls::appendQuotedAttribute(out, attribute::groupId, groupId);
-    out += ',';
-    velhls::appendQuotedAttribute(out, attribute::name, name);
-    appendQuotedUnlessEmpty(out, attribute::uri, uri);
-    appendQuotedUnlessEmpty(out, attribute::language, language);
-    appendQuotedUnlessEmpty(out, attribute::assocLanguage, assocLanguage);
-    appendIfSet(out, attribute::defaultFlag, isDefault);
-    appendIfSet(out, attribute::autoSelect, autoSelect);
-    appendIfSet(out, attribute::forced, forced);
-    appendQuotedUnlessEmpty(out, attribute::instreamId, instreamId);
+    line.appendQuoted(attribute::groupId, groupId)
+        .appendQuoted(attribute::name, name)
+        .appendQuotedUnlessEmpty(attribute::uri, uri)
+        .appendQuotedUnlessEmpty(attribute::language, language)
+        .appendQuotedUnlessEmpty(attribute::assocLanguage, assocLanguage)
+        .appendIfSet(attribute::defaultFlag, isDefault)
+        .appendIfSet(attribute::autoSelect, autoSelect)
+        .appendIfSet(attribute::forced, forced)
+        .appendQuotedUnlessEmpty(attribute::instreamId, instreamId);
     if (!characteristics.empty()) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, attribute::characteristics, joinedByCommas(characteristics));
+        line.appendQuoted(attribute::characteristics, joinedByCommas(characteristics));
     }
-    out += '\n';
+    line.endLine();
     return 0;
 }
 

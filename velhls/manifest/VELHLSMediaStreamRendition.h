@@ -33,7 +33,24 @@ class VELHLS_API VELHLSMediaStreamRendition {
         Unknown = 0xFFFFFFFF,  ///< TYPE has not been read; such a rendition is never valid
     };
 
+    /// The text of a TYPE, as a playlist has it: "AUDIO", "VIDEO", "SUBTITLES" or "CLOSED-CAPTIONS"; a
+    /// variant names its groups by the same texts. Empty for Unknown, and for a value that is no type.
+    [[nodiscard]] static std::string_view textOf(RenditionType type) noexcept;
+
     /// Stores its arguments and checks nothing; `characteristics` starts empty. The media stream is shared.
+    ///
+    ///     VELHLSMediaStreamRendition english(VELHLSMediaStreamRendition::Audio,
+    ///                                        "audio/en.m3u8",    // uri
+    ///                                        nullptr,            // mediaStream: none attached
+    ///                                        "aac",              // groupId
+    ///                                        "en",               // language
+    ///                                        "",                 // assocLanguage: absent
+    ///                                        "English",          // name
+    ///                                        true,               // isDefault
+    ///                                        true,               // autoSelect: needed for a default
+    ///                                        false,              // forced
+    ///                                        "",                 // instreamId: for ClosedCaptions alone
+    ///                                        "");                // audioTrackType
     VELHLSMediaStreamRendition(RenditionType type, const std::string& uri,
                                std::shared_ptr<VELHLSMediaStream> mediaStream, const std::string& groupId,
                                const std::string& language, const std::string& assocLanguage,
@@ -68,7 +85,8 @@ class VELHLS_API VELHLSMediaStreamRendition {
     /// TYPE.
     RenditionType type = Unknown;
 
-    /// URI of the rendition's media playlist; empty when the media lies in the variants' own playlists.
+    /// URI of the rendition's media playlist, not resolved (VELHLS.h); empty when the media lies in the
+    /// variants' own playlists.
     std::string uri;
 
     /// The rendition's media playlist, once a caller has attached it by assignment; null after parsing.

@@ -5,63 +5,41 @@
 #include <utility>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
-#include "velhls/manifest/RecordParsers.h"
+#include "velhls/manifest/RecordTags.h"
 #include "velhls/manifest/RenditionTypeText.h"
 #include "velhls/media/VELHLSMediaStream.h"
 
 namespace {
 
 namespace attribute = velhls::attribute;
-using velhls::Recorder;
+using velhls::Reason;
 using velhls::Rule;
 
-void appendNumber(std::string& out, std::string_view name, std::uint64_t number) {
-    velhls::appendAttribute(out, name, "");
-    velhls::appendDecimal(out, number);
-}
-
-/// Of a line that is no variant's, all but its first character: its attributes are read too, and their
-/// numbers may throw, although without a URI it never becomes a variant.
-std::string_view attributeText(std::string_view tagLine, bool isVariant) {
-    if (isVariant) return velhls::TagLine(tagLine).value;
-    return tagLine.empty() ? tagLine : tagLine.substr(1);
-}
-
 void readGroup(VELHLSMediaVariant& variant, VELHLSMediaStreamRendition::RenditionType type,
-               std::string_view value, Recorder* recorder) {
-    if (type == VELHLSMediaStreamRendition::ClosedCaptions && value == velhls::fixed::none) {
-        // What is quoted stands behind a quote.
-        const bool isQuoted = recorder != nullptr && value.data()[-1] == '"';
-        if (isQuoted) recorder->report(Rule::variantCaptionsQuotedNone, value, {});
-        return;
-    }
-    variant.groupIds.emplace(type, value);
+               std::string_view value) {
+    const bool isNone = type == VELHLSMediaStreamRendition::ClosedCaptions && value == velhls::fixed::none;
+    if (!isNone) variant.groupIds.emplace(type, value);
 }
 
-void readAttribute(VELHLSMediaVariant& variant, const velhls::Attribute& read, Recorder* recorder) {
+void readAttribute(VELHLSMediaVariant& variant, const velhls::Attribute& read, Reason& why) {
     if (read.name == attribute::bandwidth) {
-        variant.bandwidth = velhls::toInt64AsUnsigned(number(recorder, read.value));
+        variant.bandwidth = velhls::toInt64AsUnsigned(read.value, why);
     } else if (read.name == attribute::averageBandwidth) {
-        variant.averageBandwidth = velhls::toInt64AsUnsigned(number(recorder, read.value));
+        variant.averageBandwidth = velhls::toInt64AsUnsigned(read.value, why);
     } else if (read.name == attribute::codecs) {
         variant.codecs = read.value;
     } else if (read.name == attribute::resolution) {
         variant.resolution = read.value;
     } else if (read.name == attribute::programId) {
-        variant.programId = static_cast<std::uint32_t>(velhls::toInt32(number(recorder, read.value)));
+        variant.programId = static_cast<std::uint32_t>(velhls::toInt32(read.value, why));
     } else if (read.name == attribute::uri) {
-        if (variant.isIFrame) {
-            variant.uri = read.value;
-        } else {
-            tell(recorder, Rule::variantUriAttributeIgnored, read.value);
-        }
+        if (variant.isIFrame) variant.uri = read.value;
     } else if (const auto type = velhls::renditionTypeNamed(read.name)) {
-        readGroup(variant, *type, read.value, recorder);
-    } else {
-        tell(recorder, Rule::attributeIgnored, read.name);
+        readGroup(variant, *type, read.value);
     }
 }
 
@@ -70,52 +48,60 @@ struct ReadVariant : VELHLSMediaVariant {
     explicit ReadVariant(bool isIFrame) : VELHLSMediaVariant(isIFrame) {}
 };
 
-/// Why a variant that was read does not validate.
-void tellWhyInvalid(Recorder& recorder, const VELHLSMediaVariant& variant,
-                    const velhls::AttributeList& attributes, std::string_view tagName) {
+/// Says why a variant that was read does not validate.
+void tellWhyInvalid(const VELHLSMediaVariant& variant, const velhls::AttributeList& attributes,
+                    std::string_view tagName, Reason& why) {
     if (variant.uri.empty()) {
-        recorder.report(Rule::variantUriAttributeMissing, tagName, "none");
+        why.missing(Rule::variantUriAttributeMissing, tagName);
     } else if (const auto bandwidth = attributes.find(attribute::bandwidth)) {
-        recorder.report(Rule::variantBandwidthZero, *bandwidth, {});
+        why(Rule::variantBandwidthZero, *bandwidth);
     } else {
-        recorder.report(Rule::variantBandwidthMissing, tagName, "none");
+        why.missing(Rule::variantBandwidthMissing, tagName);
     }
 }
 
-/// What is read of a variant otherwise than it seems to be meant.
-void tellOfSurprises(Recorder& recorder, const velhls::AttributeList& attributes, std::string_view tagName,
-                     std::string_view uriLine) {
-    if (velhls::isTagOrComment(uriLine)) recorder.report(Rule::variantUriIsTag, uriLine, {});
-    const bool saysCaptions = attributes.find(attribute::closedCaptions).has_value();
-    if (!saysCaptions) recorder.report(Rule::variantCaptionsNoneAdded, tagName, "none");
+/// Of a line that is no variant's, all but its first character: its attributes are read too, and their
+/// numbers may throw, although without a URI it never becomes a variant.
+velhls::TagLine foreignLine(std::string_view line) {
+    velhls::TagLine tagLine;
+    tagLine.value = line.empty() ? line : line.substr(1);
+    return tagLine;
+}
+
+/// A type that is none has no text, and is not written.
+void appendGroups(velhls::AttributeWriter& line,
+                  const std::map<VELHLSMediaStreamRendition::RenditionType, std::string>& groupIds) {
+    for (const auto& [type, groupId] : groupIds) {
+        const std::string_view typeText = VELHLSMediaStreamRendition::textOf(type);
+        if (!typeText.empty()) line.appendQuoted(typeText, groupId);
+    }
+    if (groupIds.count(VELHLSMediaStreamRendition::ClosedCaptions) == 0) {
+        line.append(attribute::closedCaptions, velhls::fixed::none);
+    }
 }
 
 }  // namespace
 
-std::shared_ptr<VELHLSMediaVariant> velhls::parseVariant(std::string_view tagLine, std::string_view uriLine,
-                                                         RecordMaker* maker, Recorder* recorder) {
-    const bool isStream = isTagLine(tagLine, tag::streamInf);
-    const bool isIFrame = isTagLine(tagLine, tag::iFrameStreamInf);
+std::shared_ptr<VELHLSMediaVariant> velhls::readVariant(const TagLine& tagLine, std::string_view uriLine,
+                                                        RecordMaker* maker, Reason& why) {
+    const bool isStream = tagLine.name == tag::streamInf;
+    const bool isIFrame = tagLine.name == tag::iFrameStreamInf;
     if (isStream && uriLine.empty()) {
-        tellMissing(recorder, Rule::variantUriMissing, TagLine(tagLine).name);
+        why.missing(Rule::variantUriMissing, tagLine.name);
         return nullptr;
     }
     if (isIFrame && !uriLine.empty()) return nullptr;
 
     AttributeList attributes;
-    if (!attributes.parse(attributeText(tagLine, isStream || isIFrame), recorder)) return nullptr;
-    if (recorder != nullptr) recorder->attributesRead(TagLine(tagLine).name, attributes);
+    if (!attributes.read(tagLine.value, why)) return nullptr;
     auto variant = makeRecord<ReadVariant>(maker, isIFrame);
     if (isStream) variant->uri = uriLine;
     for (const Attribute& attribute : attributes) {
-        readAttribute(*variant, attribute, recorder);
+        readAttribute(*variant, attribute, why);
     }
-    if (!variant->validate()) {
-        if (recorder != nullptr) tellWhyInvalid(*recorder, *variant, attributes, TagLine(tagLine).name);
-        return nullptr;
-    }
-    if (recorder != nullptr) tellOfSurprises(*recorder, attributes, TagLine(tagLine).name, uriLine);
-    return variant;
+    if (variant->validate()) return variant;
+    tellWhyInvalid(*variant, attributes, tagLine.name, why);
+    return nullptr;
 }
 
 VELHLSMediaVariant::VELHLSMediaVariant(std::uint64_t bandwidth, std::uint64_t averageBandwidth,
@@ -133,53 +119,29 @@ VELHLSMediaVariant::VELHLSMediaVariant(std::uint64_t bandwidth, std::uint64_t av
 
 std::shared_ptr<VELHLSMediaVariant> VELHLSMediaVariant::parseVariant(const std::string& tagLine,
                                                                      const std::string& uriLine) {
-    return velhls::parseVariant(tagLine, uriLine, nullptr, nullptr);
+    const bool isVariant = velhls::isTagLine(tagLine, velhls::tag::streamInf) ||
+                           velhls::isTagLine(tagLine, velhls::tag::iFrameStreamInf);
+    velhls::Reason ignored;
+    return velhls::readVariant(isVariant ? velhls::TagLine(tagLine) : foreignLine(tagLine), uriLine, nullptr,
+                               ignored);
 }
 
 std::int32_t VELHLSMediaVariant::render(std::string& out) const {
     if (!validate()) return -1;
-    velhls::appendTag(out, isIFrame ? velhls::tag::iFrameStreamInf : velhls::tag::streamInf);
-    appendNumber(out, attribute::bandwidth, bandwidth);
-    if (programId != 0) {
-        out += ',';
-        appendNumber(out, attribute::programId, programId);
-    }
-    if (averageBandwidth != 0) {
-        out += ',';
-        appendNumber(out, attribute::averageBandwidth, averageBandwidth);
-    }
-    if (!codecs.empty()) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, attribute::codecs, codecs);
-    }
-    if (!resolution.empty()) {
-        out += ',';
-        velhls::appendAttribute(out, attribute::resolution, resolution);
-    }
-    appendGroups(out);
-    if (isIFrame) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, attribute::uri, uri);
-    }
-    out += '\n';
+    velhls::AttributeWriter line(out, isIFrame ? velhls::tag::iFrameStreamInf : velhls::tag::streamInf);
+    line.append(attribute::bandwidth, bandwidth)
+        .appendUnlessZero(attribute::programId, programId)
+        .appendUnlessZero(attribute::averageBandwidth, averageBandwidth)
+        .appendQuotedUnlessEmpty(attribute::codecs, codecs)
+        .appendUnlessEmpty(attribute::resolution, resolution);
+    appendGroups(line, groupIds);
+    if (isIFrame) line.appendQuoted(attribute::uri, uri);
+    line.endLine();
     if (!isIFrame) {
         out += uri;
         out += '\n';
     }
     return 0;
-}
-
-void VELHLSMediaVariant::appendGroups(std::string& out) const {
-    for (const auto& [type, groupId] : groupIds) {
-        const std::optional<std::string_view> typeText = velhls::textOf(type);
-        if (!typeText) continue;
-        out += ',';
-        velhls::appendQuotedAttribute(out, *typeText, groupId);
-    }
-    if (groupIds.count(VELHLSMediaStreamRendition::ClosedCaptions) == 0) {
-        out += ',';
-        velhls::appendAttribute(out, attribute::closedCaptions, velhls::fixed::none);
-    }
 }
 
 bool VELHLSMediaVariant::validate() const {

@@ -11,7 +11,7 @@
 
 class VELHLSMediaStream;
 
-/// One variant of a master playlist: EXT-X-STREAM-INF with the URI line behind it (RFC 8216, section
+/// One variant of a master playlist: EXT-X-STREAM-INF with the URI line after it (RFC 8216, section
 /// 4.3.4.2), or EXT-X-I-FRAME-STREAM-INF (section 4.3.4.3).
 ///
 ///     #EXT-X-STREAM-INF:BANDWIDTH=5605600,            bandwidth           peak bits per second
@@ -25,6 +25,16 @@ class VELHLSMediaStream;
 class VELHLS_API VELHLSMediaVariant {
   public:
     /// Stores its arguments and checks nothing; no groups, nominal bit rates 0. The media stream is shared.
+    ///
+    ///     VELHLSMediaVariant low(800000,                       // bandwidth
+    ///                            0,                            // averageBandwidth: absent
+    ///                            "avc1.42c01e,mp4a.40.2",      // codecs
+    ///                            "640x360",                    // resolution
+    ///                            "low/video.m3u8",             // uri
+    ///                            nullptr,                      // mediaStream: none attached
+    ///                            false,                        // isIFrame
+    ///                            0);                           // programId: absent
+    ///     low.groupIds[VELHLSMediaStreamRendition::Audio] = "aac";
     VELHLSMediaVariant(std::uint64_t bandwidth, std::uint64_t averageBandwidth, const std::string& codecs,
                        const std::string& resolution, const std::string& uri,
                        std::shared_ptr<VELHLSMediaStream> mediaStream, bool isIFrame,
@@ -40,7 +50,7 @@ class VELHLS_API VELHLSMediaVariant {
     /// start, and std::out_of_range when it fits no signed 64-bit (PROGRAM-ID: 32-bit) integer.
     ///
     /// Kept as is: text after a number is ignored ("12kbit" is 12), and a negative number is stored in two's
-    /// complement ("-1" is 2^64 - 1). Of a line that is neither of the two tags, all behind its first
+    /// complement ("-1" is 2^64 - 1). Of a line that is neither of the two tags, all after its first
     /// character is read as attributes, whose numbers may throw, before the result is null. The URI line is
     /// taken whatever it holds, a tag included. A URI attribute of EXT-X-STREAM-INF is ignored, as are all
     /// other attributes, FRAME-RATE and HDCP-LEVEL among them. CLOSED-CAPTIONS=NONE stores nothing.
@@ -65,7 +75,8 @@ class VELHLS_API VELHLSMediaVariant {
     /// nominal video bit rate of 0 gives an infinite result, or not-a-number when the numerator is 0 too.
     [[nodiscard]] double getCVBRRatio() const;
 
-    /// BANDWIDTH: peak bits per second.
+    /// BANDWIDTH: peak bits per second. VELHLSParsedManifest::variants keeps a copy as its key, which does
+    /// not follow.
     std::uint64_t bandwidth = 0;
 
     /// AVERAGE-BANDWIDTH: bits per second; 0 when absent.
@@ -83,7 +94,7 @@ class VELHLS_API VELHLSMediaVariant {
     /// The GROUP-ID that the variant names for each rendition type: AUDIO, VIDEO, SUBTITLES, CLOSED-CAPTIONS.
     std::map<VELHLSMediaStreamRendition::RenditionType, std::string> groupIds;
 
-    /// URI of the variant's media playlist.
+    /// URI of the variant's media playlist, not resolved (VELHLS.h).
     std::string uri;
 
     /// The variant's media playlist, once a caller has attached it by assignment; null after parsing.
@@ -102,7 +113,4 @@ class VELHLS_API VELHLSMediaVariant {
   protected:
     /// For the library's own reader, which sets all other members in place.
     explicit VELHLSMediaVariant(bool isIFrameVariant) : isIFrame(isIFrameVariant) {}
-
-  private:
-    VELHLS_HIDDEN void appendGroups(std::string& out) const;
 };

@@ -1,9 +1,13 @@
 #include "velhls/manifest/VELHLSParsedManifest.h"
 
 #include <algorithm>
+#include <stdexcept>
+#include <utility>
 
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
+#include "velhls/common/Reading.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TimedParse.h"
 #include "velhls/manifest/ManifestReader.h"
@@ -50,6 +54,24 @@ bool writeSessionData(std::ostream& out, const VELHLSParsedManifest& manifest) {
     return true;
 }
 
+/// What was read, with its records bound to each other; null when they break a rule.
+std::shared_ptr<VELHLSParsedManifest> finished(std::shared_ptr<VELHLSParsedManifest> manifest) {
+    if (manifest == nullptr) return nullptr;
+    manifest->sanitize();
+    if (!manifest->validate()) return nullptr;
+    manifest->populateMetaData();
+    return manifest;
+}
+
+/// Of a text that is rejected.
+velhls::Rejection firstRejection(std::string_view text) {
+    velhls::Reading reading(text, velhls::Reading::Extent::toFirstRejection);
+    const auto manifest = velhls::ManifestReader(text, &reading).read();
+    if (manifest == nullptr) return reading.rejections().front();
+    const auto broken = velhls::brokenRulesOf(*manifest, velhls::BrokenRules::Wanted::first);
+    return velhls::rejectionOf(text, reading, broken.all().front());
+}
+
 }  // namespace
 
 std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::istream& input,
@@ -57,13 +79,21 @@ std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::i
     return velhls::timedParse(status, [&] { return internalParseManifest(input, status); });
 }
 
+std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::string_view text,
+                                                                          VELHLSReason* reason) {
+    try {
+        if (auto manifest = finished(velhls::ManifestReader(text, nullptr).read())) return manifest;
+    } catch (const std::logic_error&) {
+        // A number that cannot be converted. The second reading takes it for a reason.
+    }
+    if (reason != nullptr) *reason = velhls::reasonOf(text, firstRejection(text));
+    return nullptr;
+}
+
 std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::internalParseManifest(
     std::istream& input, VELHLSParsingStatus* status) {
-    std::shared_ptr<VELHLSParsedManifest> manifest = velhls::ManifestReader(input, nullptr).read();
+    auto manifest = finished(velhls::ManifestReader(input).read());
     if (manifest == nullptr) return nullptr;
-    manifest->sanitize();
-    if (!manifest->validate()) return nullptr;
-    manifest->populateMetaData();
     if (status != nullptr) status->error = VELHLSParsingErrorNone;
     return manifest;
 }
@@ -73,18 +103,27 @@ std::int32_t VELHLSParsedManifest::render(std::ostream& out) const {
     velhls::writeTag(out, velhls::tag::extM3U);
     if (version != 1) velhls::writeTag(out, velhls::tag::version, std::int64_t{version});
     if (independentSegments) velhls::writeTag(out, velhls::tag::independentSegments);
-    velhls::writeStartTag(out, {startTimeOffset, startPrecise});
+    velhls::writeStartTag(out, startTimeOffset, startPrecise);
     if (!writeAllRenditions(out, *this)) return -1;
     if (!writeVariants(out, *this)) return -1;
     return writeSessionData(out, *this) ? 0 : -1;
 }
 
 bool VELHLSParsedManifest::validate() const {
-    return velhls::keepsRules(*this, nullptr);
+    using velhls::BrokenRules;
+    return velhls::brokenRulesOf(*this, BrokenRules::Wanted::first).empty();
 }
 
 void VELHLSParsedManifest::sanitize() {
-    velhls::pairStreamInformation(*this, nullptr);
+    if (zorStreamInformation.empty()) return;
+    const auto streams = std::count_if(variants.begin(), variants.end(), [](const auto& variant) {
+        return variant.second != nullptr && !variant.second->isIFrame;
+    });
+    if (static_cast<std::size_t>(streams) == zorStreamInformation.size()) {
+        hasZORStreamInformation = true;
+    } else {
+        zorStreamInformation.clear();
+    }
 }
 
 void VELHLSParsedManifest::populateMetaData() {

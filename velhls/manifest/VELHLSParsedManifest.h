@@ -6,10 +6,12 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velhls/common/VELHLSExport.h"
 #include "velhls/common/VELHLSParsingStatus.h"
+#include "velhls/common/VELHLSReason.h"
 #include "velhls/manifest/VELHLSManifestSessionData.h"
 #include "velhls/manifest/VELHLSMediaStreamRendition.h"
 #include "velhls/manifest/VELHLSMediaVariant.h"
@@ -39,15 +41,16 @@ class VELHLS_API VELHLSParsedManifest {
     /// The groups of one rendition type, by GROUP-ID.
     using RenditionGroups = std::map<std::string, RenditionsByName>;
 
-    /// Reads a master playlist from the stream, which is left behind the last line that was read. Returns
-    /// null when the playlist is rejected. `status` may be null.
+    /// Reads a master playlist from the stream, which is left after the last line that was read. Returns
+    /// null when the playlist is rejected; why and where it is, is had from the
+    /// overload that takes a text. `status` may be null.
     ///
     /// On success the status' error is set to VELHLSParsingErrorNone; a rejection leaves its error and
     /// message as they were. Its metrics are written in both cases. The exceptions of number conversion
     /// (std::invalid_argument, std::out_of_range) are not caught: for such values as a VERSION that is no
     /// number, a BANDWIDTH beyond 64 bits or a TIME-OFFSET of "+-" they leave this function, and then the
-    /// metrics are not written. The exceptions of a stream that was told to throw leave it too. When memory runs
-    /// out std::bad_alloc leaves it, and error, message and metrics are as they were.
+    /// metrics are not written. The exceptions of a stream that was told to throw leave it too. When memory
+    /// runs out std::bad_alloc leaves it, and error, message and metrics are as they were.
     ///
     /// A playlist is rejected for: a line that is no tag, no comment, not blank and no variant's URI; a line
     /// that begins with "#EXT", has no colon and is not "#EXTM3U" or "#EXT-X-INDEPENDENT-SEGMENTS", so also
@@ -56,8 +59,8 @@ class VELHLS_API VELHLSParsedManifest {
     /// `validate` rejects.
     ///
     /// Kept as is:
-    /// - "#EXTM3U" is not required, and a second one ends the playlist: nothing behind it is read.
-    /// - The line behind EXT-X-STREAM-INF is its URI whatever it holds, a tag included.
+    /// - "#EXTM3U" is not required, and a second one ends the playlist: nothing after it is read.
+    /// - The line after EXT-X-STREAM-INF is its URI whatever it holds, a tag included.
     /// - Of two renditions with the same type, GROUP-ID and NAME the second is dropped.
     /// - Unknown tags with a colon, and tags of media playlists with one, are ignored.
     /// - PRECISE=YES is not undone by a later EXT-X-START; PRECISE values other than YES and NO are not
@@ -70,12 +73,19 @@ class VELHLS_API VELHLSParsedManifest {
     [[nodiscard]] static std::shared_ptr<VELHLSParsedManifest> parseManifest(std::istream& input,
                                                                              VELHLSParsingStatus* status);
 
-    /// parseManifest without its timing: the status' metrics are not touched.
+    /// The same of a text in memory, which need not outlive the manifest: no stream is made, and nothing is copied but
+    /// what the manifest keeps. Throws std::bad_alloc alone: a number that cannot be converted is a reason as any other,
+    /// and null. Only a rejected text is read a second time, up to the place of the reason, to say where that is;
+    /// `reason` may be null, and is left as it was when the playlist is accepted.
+    [[nodiscard]] static std::shared_ptr<VELHLSParsedManifest> parseManifest(std::string_view text,
+                                                                             VELHLSReason* reason = nullptr);
+
+    /// Not for callers: what parseManifest times. The status' metrics are not touched.
     [[nodiscard]] static std::shared_ptr<VELHLSParsedManifest> internalParseManifest(
         std::istream& input, VELHLSParsingStatus* status);
 
     /// Writes the manifest as playlist text. Returns 0, or -1 with nothing written when it does not validate,
-    /// or -1 with the output cut off behind the last whole record when a record does not render. Write errors
+    /// or -1 with the output cut off after the last whole record when a record does not render. Write errors
     /// of the stream are not looked at: ask the stream. Each line that is not a record's is flushed.
     ///
     /// The order is: header, version, independent segments, start; renditions by type, GROUP-ID and NAME, in
@@ -121,9 +131,17 @@ class VELHLS_API VELHLSParsedManifest {
     std::map<VELHLSMediaStreamRendition::RenditionType, RenditionGroups> renditions;
 
     /// The EXT-X-STREAM-INF variants in the order of the playlist. I-frame variants are not among them.
+    ///
+    /// These are the objects that `variants` holds too: a variant that is changed here is changed there.
+    /// Which variants there are is said by each of the two by itself: add a variant to both, and take it out
+    /// of both (examples/drop_variants.cpp). `render` and `validate` look at `variants`; `sanitize` and
+    /// `populateMetaData` at this one.
     std::vector<std::shared_ptr<VELHLSMediaVariant>> streamVariants;
 
     /// The variants of both kinds by bandwidth; equal bandwidths in the order of the playlist.
+    ///
+    /// The key is a copy: a variant whose bandwidth is changed stays under its old one, and `render` writes
+    /// it in that one's place. Take it out before, and put it in again under the new one.
     std::multimap<std::uint64_t, std::shared_ptr<VELHLSMediaVariant>> variants;
 
     /// EXT-X-SESSION-DATA entries in the order of the playlist.

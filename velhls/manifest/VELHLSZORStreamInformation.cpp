@@ -4,38 +4,29 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
-#include "velhls/manifest/RecordParsers.h"
+#include "velhls/manifest/RecordTags.h"
 
-std::shared_ptr<VELHLSZORStreamInformation> velhls::parseStreamInformation(const std::string& line,
-                                                                           Recorder* recorder) {
-    if (!isTagLine(line, tag::zorStreamInf)) {
-        tell(recorder, Rule::vendorStreamInformationDropped, line);
-        return nullptr;
-    }
-    const TagLine tagLine(line);
-    // A malformed list does not reject the playlist: why it is malformed is not told as an error.
+std::shared_ptr<VELHLSZORStreamInformation> velhls::readStreamInformation(const TagLine& tagLine,
+                                                                          Reason& why) {
+    // A malformed list does not reject the playlist: why it is malformed is no reason.
+    Reason ignored;
     AttributeList attributes;
-    if (!attributes.parse(tagLine.value)) {
-        tell(recorder, Rule::vendorStreamInformationDropped, tagLine.value);
-        return nullptr;
-    }
-    if (recorder != nullptr) recorder->attributesRead(tagLine.name, attributes);
-
+    if (!attributes.read(tagLine.value, ignored)) return nullptr;
     auto entry = std::make_shared<VELHLSZORStreamInformation>();
     for (const Attribute& attribute : attributes) {
         if (attribute.name == attribute::nominalVideoBitrate) {
-            entry->nominalVideoBitrate = toInt64AsUnsigned(number(recorder, attribute.value));
+            entry->nominalVideoBitrate = toInt64AsUnsigned(attribute.value, why);
         } else if (attribute.name == attribute::nominalAudioBitrate) {
-            entry->nominalAudioBitrate = toInt64AsUnsigned(number(recorder, attribute.value));
+            entry->nominalAudioBitrate = toInt64AsUnsigned(attribute.value, why);
         }
     }
-    if (entry->validate()) return entry;
-    tell(recorder, Rule::vendorStreamInformationDropped, tagLine.value);
-    return nullptr;
+    return entry->validate() ? entry : nullptr;
 }
 
 std::shared_ptr<VELHLSZORStreamInformation> VELHLSZORStreamInformation::parse(const std::string& line) {
-    return velhls::parseStreamInformation(line, nullptr);
+    velhls::Reason ignored;
+    if (!velhls::isTagLine(line, velhls::tag::zorStreamInf)) return nullptr;
+    return velhls::readStreamInformation(velhls::TagLine(line), ignored);
 }
 
 bool VELHLSZORStreamInformation::validate() const {

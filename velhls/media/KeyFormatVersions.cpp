@@ -4,12 +4,12 @@
 
 namespace velhls {
 
-std::vector<std::int32_t> splitKeyFormatVersions(std::string_view text, Recorder* recorder) {
+std::vector<std::int32_t> splitKeyFormatVersions(std::string_view text, Reason& why) {
     std::vector<std::int32_t> versions;
     std::size_t start = 0;
     while (true) {
         const std::size_t slash = text.find('/', start);
-        versions.push_back(toInt32(number(recorder, text.substr(start, slash - start))));
+        versions.push_back(toInt32(text.substr(start, slash - start), why));
         if (slash == std::string_view::npos) return versions;
         start = slash + 1;
     }

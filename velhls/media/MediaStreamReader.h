@@ -1,11 +1,14 @@
 // Internal to the library, not installed: the line loop of a media playlist.
 #pragma once
 
+#include <cstdint>
 #include <istream>
 #include <memory>
 #include <string_view>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/Reading.h"
+#include "velhls/common/Reason.h"
 #include "velhls/common/RecordMaker.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/VELHLSParsingStatus.h"
@@ -19,38 +22,34 @@ namespace velhls {
 /// readers.
 class MediaStreamReader {
   public:
-    MediaStreamReader(std::istream& input, VELHLSParsingStatus* status, Recorder* recorder)
-        : recorder_(recorder),
-          lines_(input),
-          segmentReader_(lines_, &recordMaker_, stream_->hlsDefineMap, status, recorder) {}
+    /// The status may be null.
+    MediaStreamReader(std::istream& input, VELHLSParsingStatus* status) : lines_(input), status_(status) {}
+    /// The reading may be null.
+    MediaStreamReader(std::string_view text, Reading* reading) : lines_(text, reading), reading_(reading) {}
 
-    /// Reads to the end of the playlist. Null when a line is rejected; reading stops behind that line. All
-    /// segments are valid. With a recorder it goes on, and what was not rejected comes back.
+    /// Reads to the end of the playlist. Null when a line is rejected; reading stops after that line. All
+    /// segments are valid. A reading that goes on after rejections gives what was not rejected.
     [[nodiscard]] std::shared_ptr<VELHLSMediaStream> read();
 
   private:
-    [[nodiscard]] std::shared_ptr<VELHLSMediaStream> readRecorded();
-    void readRecordedLine();
-    bool takeLine();
-    bool takeBareTag(const TagLine& tagLine);
-    void tellOfIgnoredTag(const TagLine& tagLine);
-    void tellOfUnreadLines();
-    bool takeCount(Rule rule, std::string_view value, std::int64_t& count);
-    bool takeTag(const TagLine& tagLine);
-    bool takeTargetDuration(std::string_view value);
-    bool takePlaylistType(std::string_view value);
-    bool takeStart(const TagLine& tagLine);
-    bool takeSegment(bool afterDiscontinuity);
-    bool takePattern();
+    bool readLine();
+    bool readBareTag(const TagLine& tagLine);
+    bool readTag(const TagLine& tagLine);
+    bool readCount(Rule rule, std::string_view value, std::int64_t& count);
+    bool readTargetDuration(std::string_view value);
+    bool readPlaylistType(std::string_view value);
+    bool readSegment(bool afterDiscontinuity);
     bool appendPattern();
     [[nodiscard]] SegmentOrigin nextOrigin() const;
 
     std::shared_ptr<VELHLSMediaStream> stream_ = std::make_shared<VELHLSMediaStream>();
-    Recorder* recorder_;
     LineReader lines_;
+    VELHLSParsingStatus* status_ = nullptr;
+    Reading* reading_ = nullptr;
+    Reason why_;
     std::string_view line_;
     RecordMaker recordMaker_;
-    SegmentReader segmentReader_;
+    SegmentReader segmentReader_{lines_, {&recordMaker_, stream_->hlsDefineMap, status_, reading_}, why_};
     ExpansionAllowance allowance_{VELHLSMediaPattern::maximumExpansionBytesOfPlaylist};
 };
 

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <istream>
 #include <limits>
-#include <streambuf>
+#include <stdexcept>
 #include <utility>
 
 #include "velhls/common/LineReader.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/common/Substitution.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
@@ -18,34 +18,20 @@
 namespace velhls {
 namespace {
 
-/// A stream over a text that is not copied.
-class TextStream : private std::streambuf, public std::istream {
+/// Tells who follows the reading how long the lines are those of a pattern's text.
+class FollowedExpansion {
   public:
-    explicit TextStream(std::string_view text) : std::istream(static_cast<std::streambuf*>(this)) {
-        // A get area is declared as text that may be changed; nothing in it ever is.
-        char* const begin = const_cast<char*>(text.data());
-        setg(begin, begin, begin + text.size());
+    FollowedExpansion(Reading* reading, std::string_view body) : reading_(reading) {
+        if (reading_ != nullptr) reading_->expansionBegins(body);
     }
-};
-
-/// Tells the recorder where the lines come from as long as a pattern is dealt with.
-class RecordedExpansion {
-  public:
-    RecordedExpansion(Recorder* recorder, std::string_view body) : recorder_(recorder) {
-        if (recorder_ != nullptr) recorder_->expansionBegins(body);
+    ~FollowedExpansion() {
+        if (reading_ != nullptr) reading_->expansionEnds();
     }
-    ~RecordedExpansion() {
-        if (recorder_ != nullptr) recorder_->expansionEnds();
-    }
-    RecordedExpansion(const RecordedExpansion&) = delete;
-    RecordedExpansion& operator=(const RecordedExpansion&) = delete;
-
-    void textBegins() {
-        if (recorder_ != nullptr) recorder_->expandedTextBegins();
-    }
+    FollowedExpansion(const FollowedExpansion&) = delete;
+    FollowedExpansion& operator=(const FollowedExpansion&) = delete;
 
   private:
-    Recorder* recorder_;
+    Reading* reading_;
 };
 
 /// Takes back what was appended to a list, unless all went well.
@@ -67,19 +53,14 @@ class AppendedSegments {
     bool kept_ = false;
 };
 
-void tellOfPattern(Recorder* recorder, Rule rule, const VELHLSMediaPattern& pattern) {
-    if (recorder != nullptr) recorder->reportRecord(rule, &pattern, {}, "more");
-}
-
 }  // namespace
 
 bool PatternExpander::expand() {
     if (pattern_.body.empty()) return true;
-    if (!fits()) return rejectAsTooLarge();
+    if (!fits()) return isTooLarge();
     readBody();
     for (std::uint64_t pass = 0; pass <= pattern_.repeatCount; ++pass) {
         if (!expandOnce()) return false;
-        isFirstPass_ = false;
     }
     return true;
 }
@@ -160,80 +141,85 @@ void PatternExpander::findReferences(Step& step) const {
         rest.remove_prefix(close + 1);
     }
     step.references = std::move(references);
-    step.textBehind = rest;
+    step.textAfter = rest;
 }
 
 bool PatternExpander::expandOnce() {
     for (const Step& step : steps_) {
-        if (!take(step)) return false;
+        if (!expandStep(step)) return false;
     }
     std::string_view rest = restOfBody_;
     while (!rest.empty()) {
-        if (!take(takeStep(rest))) return false;
+        if (!expandStep(takeStep(rest))) return false;
     }
     return true;
 }
 
-bool PatternExpander::take(const Step& step) {
-    if (!allowance_.spend(step.bytes)) return rejectAsTooLarge();
-    if (recorder_ != nullptr && isFirstPass_ && (step.kind == Kind::copied || step.kind == Kind::uri))
-        recorder_->lineExpanded(step.line);
+bool PatternExpander::expandStep(const Step& step) {
+    if (!allowance_.spend(step.bytes)) return isTooLarge();
     switch (step.kind) {
         case Kind::copied:
             append(step.line);
             return true;
         case Kind::uri:
-            return putUri(step);
+            return appendUri(step);
         case Kind::increment:
             return increment(step);
         case Kind::failing:
             break;
     }
-    return reject(recorder_, step.rule, step.line);
+    return why_(step.rule, step.line);
 }
 
-bool PatternExpander::rejectAsTooLarge() {
-    tellOfPattern(recorder_, Rule::patternTooLarge, pattern_);
-    return false;
+bool PatternExpander::isTooLarge() {
+    return why_.ofRecord(Rule::patternTooLarge, tag::zorPatternStart, "more");
 }
 
-bool PatternExpander::putUri(const Step& step) {
-    std::size_t length = step.textBehind.size();
+bool PatternExpander::appendUri(const Step& step) {
+    std::size_t length = step.textAfter.size();
     for (const Reference& reference : step.references)
         length += reference.textBefore.size() + reference.value->size();
     const bool isPlain =
         !step.references.empty() && step.valuesArePlain && length <= VELHLSUtility::maximumSubstitutedBytes;
-    return isPlain ? putPlainUri(step, length) : putSubstitutedUri(step.line);
+    return isPlain ? appendPlainUri(step, length) : appendSubstitutedUri(step.line);
 }
 
-bool PatternExpander::putPlainUri(const Step& step, std::size_t length) {
-    if (length == 0) return reject(recorder_, Rule::patternVariableUnresolved, step.line);
+bool PatternExpander::appendPlainUri(const Step& step, std::size_t length) {
+    if (length == 0) return why_(Rule::patternVariableUnresolved, step.line);
     char* end = text_.room(length + 1);
     for (const Reference& reference : step.references) {
-        if (!allowance_.spend(reference.value->size() + 1)) return rejectAsTooLarge();
+        if (!allowance_.spend(reference.value->size() + 1)) return isTooLarge();
         end = put(end, reference.textBefore);
         end = put(end, *reference.value);
     }
-    end = put(end, step.textBehind);
+    end = put(end, step.textAfter);
     text_.endAt(put(end, '\n'));
     return true;
 }
 
-bool PatternExpander::putSubstitutedUri(std::string_view uri) {
+bool PatternExpander::appendSubstitutedUri(std::string_view uri) {
     const Substitution substitution = substitute(uri, *defines_);
-    if (!allowance_.spendAfterwards(substitution.insertedBytes)) return rejectAsTooLarge();
+    if (!allowance_.spendAfterwards(substitution.insertedBytes)) return isTooLarge();
     append(substitution.text);
-    return !substitution.text.empty() || reject(recorder_, Rule::patternVariableUnresolved, uri);
+    return !substitution.text.empty() || why_(Rule::patternVariableUnresolved, uri);
+}
+
+/// Adds two 32-bit numbers: their sum fits 64 bits.
+std::int64_t PatternExpander::incremented(const Step& step) {
+    try {
+        return std::int64_t{toInt32(*step.variable, why_)} +
+               (step.plainAmount ? *step.plainAmount : toInt32(step.amount, why_));
+    } catch (const std::logic_error&) {
+        // The variable was set elsewhere.
+        why_(why_.rule, step.line, why_.where.empty() ? "nothing" : quoted(why_.where));
+        throw;
+    }
 }
 
 bool PatternExpander::increment(const Step& step) {
-    // Two 32-bit numbers: their sum fits 64 bits.
-    if (recorder_ != nullptr) recorder_->converting(*step.variable, NumberForm::any, step.line);
-    const std::int64_t current = toInt32(*step.variable);
-    const std::int64_t amount =
-        step.plainAmount ? *step.plainAmount : toInt32(number(recorder_, step.amount, NumberForm::any));
+    const std::int64_t number = incremented(step);
     std::array<char, mostDecimalBytes> text;
-    const auto length = static_cast<std::size_t>(putDecimal(text.data(), current + amount) - text.data());
+    const auto length = static_cast<std::size_t>(putDecimal(text.data(), number) - text.data());
     // Mostly as long as before: only its digits change.
     step.variable->resize(length);
     std::copy_n(text.data(), length, step.variable->data());
@@ -245,35 +231,40 @@ void PatternExpander::append(std::string_view line) {
     text_.endAt(put(end, '\n'));
 }
 
-bool createSegments(std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments,
-                    const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-                    const std::shared_ptr<VELHLSDefineMap>& defines, RecordMaker& maker,
-                    ExpansionAllowance& allowance, Recorder* recorder) {
-    AppendedSegments appended(segments);
-    RecordedExpansion recorded(recorder, pattern.body);
-    PatternExpander expander(pattern, defines.get(), allowance, recorder);
-    if (!expander.expand()) return false;
-    recorded.textBegins();
+namespace {
 
-    TextStream input(expander.text());
-    LineReader lines(input);
-    SegmentReader reader(lines, &maker, defines, nullptr, recorder);
+/// Reads the segments of an expanded text.
+bool readSegments(std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments, PatternExpander& expander,
+                  const SegmentOrigin& origin, const SegmentSurroundings& surroundings,
+                  ExpansionAllowance& allowance, Reason& why) {
+    LineReader lines(expander.text(), surroundings.reading);
+    SegmentReader reader(lines, surroundings, why);
     SegmentOrigin next = origin;
     for (std::string_view line = lines.nextRaw(); lines.good(); line = lines.nextRaw()) {
-        if (recorder != nullptr) recorder->lineRead(line);
         auto segment = reader.read(line, next);
-        if (segment == nullptr) {
-            // What a variable held has begun a pattern of its own.
-            if (reader.openedPattern()) tell(recorder, Rule::patternStartRepeated, line);
-            return false;
-        }
-        if (!allowance.spendSegment()) {
-            tellOfPattern(recorder, Rule::patternTooLarge, pattern);
-            return false;
-        }
+        // What a variable held has begun a pattern of its own.
+        if (reader.openedPattern()) return why(Rule::patternStartRepeated, line);
+        if (segment == nullptr) return false;
+        if (!allowance.spendSegment()) return expander.isTooLarge();
         next.previous = segment.get();
+        if (surroundings.reading != nullptr) surroundings.reading->recordMade(segment.get());
         segments.push_back(std::move(segment));
     }
+    return true;
+}
+
+}  // namespace
+
+bool createSegments(std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments,
+                    const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
+                    const SegmentSurroundings& surroundings, ExpansionAllowance& allowance, Reason& why) {
+    AppendedSegments appended(segments);
+    const FollowedExpansion followed(surroundings.reading, pattern.body);
+    PatternExpander expander(pattern, surroundings.defines.get(), allowance, why);
+    const auto create = [&] {
+        return expander.expand() && readSegments(segments, expander, origin, surroundings, allowance, why);
+    };
+    if (!succeeds(create, surroundings.reading, why)) return false;
     appended.keep();
     return true;
 }

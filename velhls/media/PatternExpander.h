@@ -10,7 +10,9 @@
 #include <string_view>
 #include <vector>
 
-#include "velhls/common/Recorder.h"
+#include "velhls/common/Reading.h"
+#include "velhls/common/Reason.h"
+#include "velhls/common/RecordMaker.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/VELHLSUtility.h"
 #include "velhls/media/SegmentReader.h"
@@ -59,18 +61,21 @@ class ExpansionAllowance {
 class PatternExpander {
   public:
     PatternExpander(const VELHLSMediaPattern& pattern, VELHLSDefineMap* defines,
-                    ExpansionAllowance& allowance, Recorder* recorder)
-        : pattern_(pattern), defines_(defines), allowance_(allowance), recorder_(recorder) {}
+                    ExpansionAllowance& allowance, Reason& why)
+        : pattern_(pattern), defines_(defines), allowance_(allowance), why_(why) {}
 
-    /// False when the expansion fails. The text is then not to be used.
+    /// False, with the reason, when the expansion fails. The text is then not to be used.
     [[nodiscard]] bool expand();
+
+    /// Says that the pattern makes too much, and returns false.
+    bool isTooLarge();
 
     [[nodiscard]] std::string_view text() const { return text_.text(); }
 
   private:
     enum class Kind { copied, uri, increment, failing };
 
-    /// A reference and the text in front of it. The value may change from pass to pass.
+    /// A reference and the text before it. The value may change from pass to pass.
     struct Reference {
         std::string_view textBefore;
         const std::string* value;
@@ -86,7 +91,7 @@ class PatternExpander {
         std::string_view line;
         /// Of a URI whose references all name variables; empty otherwise.
         std::vector<Reference> references;
-        std::string_view textBehind;
+        std::string_view textAfter;
         /// None of the values holds a reference in turn. An increment makes no such value.
         bool valuesArePlain = true;
         /// Of an increment; null for a variable that is not defined.
@@ -103,19 +108,18 @@ class PatternExpander {
     [[nodiscard]] Step vendorTagStep(std::string_view line) const;
     void findReferences(Step& step) const;
     bool expandOnce();
-    bool take(const Step& step);
-    bool putUri(const Step& step);
-    bool putPlainUri(const Step& step, std::size_t length);
-    bool putSubstitutedUri(std::string_view uri);
+    bool expandStep(const Step& step);
+    bool appendUri(const Step& step);
+    bool appendPlainUri(const Step& step, std::size_t length);
+    bool appendSubstitutedUri(std::string_view uri);
     bool increment(const Step& step);
-    bool rejectAsTooLarge();
+    [[nodiscard]] std::int64_t incremented(const Step& step);
     void append(std::string_view line);
 
     const VELHLSMediaPattern& pattern_;
     VELHLSDefineMap* defines_;
     ExpansionAllowance& allowance_;
-    Recorder* recorder_;
-    bool isFirstPass_ = true;
+    Reason& why_;
     /// A step takes much more memory than its line: those of a very long body are made anew in each pass.
     static constexpr std::size_t mostSteps = 4096;
     std::vector<Step> steps_;
@@ -123,11 +127,11 @@ class PatternExpander {
     TextBuffer text_;
 };
 
-/// See VELHLSMediaPattern::createMediaSegments. Appends the segments. False, and none are appended, when the expansion
-/// fails or goes beyond the allowance.
+/// See VELHLSMediaPattern::createMediaSegments. Appends the segments. False, with the reason and with none appended, when
+/// the expansion fails or goes beyond the allowance.
 [[nodiscard]] bool createSegments(std::vector<std::shared_ptr<VELHLSMediaSegment>>& segments,
                                   const VELHLSMediaPattern& pattern, const SegmentOrigin& origin,
-                                  const std::shared_ptr<VELHLSDefineMap>& defines, RecordMaker& maker,
-                                  ExpansionAllowance& allowance, Recorder* recorder);
+                                  const SegmentSurroundings& surroundings, ExpansionAllowance& allowance,
+                                  Reason& why);
 
 }  // namespace velhls

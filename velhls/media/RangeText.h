@@ -6,15 +6,15 @@
 #include <string_view>
 
 #include "velhls/common/Numbers.h"
-#include "velhls/common/Recorder.h"
+#include "velhls/common/Reason.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/media/VELHLSByteRange.h"
 
 namespace velhls {
 
 /// See VELHLSByteRange::parse. False when the text is no range; `range` is then left as it was.
-[[nodiscard]] bool parseRange(std::string_view text, char separator, bool inclusiveRange,
-                              VELHLSByteRange& range, Recorder* recorder);
+[[nodiscard]] bool readRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range,
+                             Reason& why);
 
 inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 
@@ -27,13 +27,17 @@ inline constexpr std::size_t shortestUriWithoutRange = 6;
 /// the place behind it. See VELHLSByteRange::render.
 [[nodiscard]] char* putRange(char* to, const VELHLSByteRange& range);
 
-/// False for most URIs: then there is no byte range in this one, and rangeInUri need not be asked. Every range
-/// ends in a digit; what is too short is for rangeInUri to throw for.
+/// False for most URIs: then there is no byte range in this one, and readRangeInUri need not be asked. Every range
+/// ends in a digit; what is too short is for readRangeInUri to throw for.
 [[nodiscard]] inline bool mayHoldRange(std::string_view uri) {
     return uri.size() < shortestUriWithoutRange || isDigit(uri.back());
 }
 
-/// See getByteRangeFromUri. False when there is no range; `range` is then left as it was.
-[[nodiscard]] bool rangeInUri(std::string_view uri, VELHLSByteRange& range, Recorder* recorder);
+/// Where a range in a URI of at least six characters begins, if it has one.
+[[nodiscard]] std::size_t startOfRangeInUri(std::string_view uri);
+
+/// See getByteRangeFromUri. False when there is no range; `range` is then left as it was. One of a negative length, and
+/// a URI that is too short, which throws, have a reason.
+[[nodiscard]] bool readRangeInUri(std::string_view uri, VELHLSByteRange& range, Reason& why);
 
 }  // namespace velhls

@@ -1,9 +1,6 @@
 #include "velhls/media/SegmentReader.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,55 +9,31 @@
 #include "velhls/common/Numbers.h"
 #include "velhls/common/PatternTags.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/common/Timestamps.h"
+#include "velhls/media/KeyAndMapTags.h"
 #include "velhls/media/PatternReader.h"
 #include "velhls/media/RangeText.h"
-#include "velhls/media/RecordParsers.h"
 
 namespace velhls {
 namespace {
-
-/// The tags that describe a segment, each of which it can have once; EXTINF is the first.
-constexpr std::array<std::string_view, 9> segmentTags = {
-    tag::extInf, tag::byteRange,  tag::key,   tag::map,          tag::programDateTime,
-    tag::cueOut, tag::cueOutCont, tag::cueIn, tag::discontinuity};
 
 /// Gives access to the constructor that a reader needs.
 struct ReadSegment : VELHLSMediaSegment {
     ReadSegment(std::string_view title, std::string_view uri) : VELHLSMediaSegment(title, uri) {}
 };
 
-bool isKeptByWriting(double duration) {
-    constexpr int decimals = 6;
-    std::array<char, mostFixedBytes> text;
-    const char* const end = putFixed(text.data(), duration, decimals);
-    return toDouble({text.data(), static_cast<std::size_t>(end - text.data())}) == duration;
-}
-
 }  // namespace
 
-SegmentReader::SegmentReader(LineReader& lines, RecordMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
-                             VELHLSParsingStatus* status, Recorder* recorder)
-    : lines_(lines), maker_(maker), defines_(std::move(defines)), status_(status), recorder_(recorder) {
+SegmentReader::SegmentReader(LineReader& lines, SegmentSurroundings surroundings, Reason& why)
+    : lines_(lines), with_(std::move(surroundings)), why_(why) {
     lines_.tell(*this);
 }
 
 std::shared_ptr<VELHLSMediaSegment> SegmentReader::read(std::string_view firstLine,
                                                         const SegmentOrigin& origin) {
-    reset();
-    if (recorder_ != nullptr) return readRecorded(firstLine, origin);
-    if (!gather(firstLine) || !isComplete()) return nullptr;
+    clear();
+    if (!readLines(firstLine)) return nullptr;
+    if (!succeeds([this] { return isComplete(); }, with_.reading, why_)) return nullptr;
     return build(origin);
-}
-
-std::shared_ptr<VELHLSMediaSegment> SegmentReader::readRecorded(std::string_view firstLine,
-                                                                const SegmentOrigin& origin) {
-    recorded_ = {};
-    if (!gatherRecorded(firstLine)) return nullptr;
-    if (!withoutThrowing(*recorder_, false, [this] { return isComplete(); })) return nullptr;
-    auto segment = build(origin);
-    recordMade(*segment, origin.previous);
-    return segment;
 }
 
 void SegmentReader::Tags::clear() {
@@ -76,193 +49,143 @@ void SegmentReader::Tags::clear() {
     cueOutCont.clear();
 }
 
-void SegmentReader::reset() {
-    takenText_.clear();
-    takenLineCount_ = 0;
+void SegmentReader::clear() {
+    keptText_.clear();
+    keptLineCount_ = 0;
     openedPattern_ = false;
     if (pattern_ != nullptr) pattern_ = nullptr;
     tags_.clear();
     title_ = {};
     uri_ = {};
+    unreadLine_ = {};
 }
 
-void SegmentReader::recordStart(std::string_view firstLine) {
-    recorder_->recordRead(this, isTagOrComment(firstLine) ? TagLine(firstLine).name : firstLine);
-    // A first line that ends the input is not looked at.
-    if (!lines_.good()) static_cast<void>(tellWhyIncomplete());
-}
-
-void SegmentReader::recordTag(const TagLine& tagLine) {
-    recorder_->tagRead(tagLine);
-    const auto found = std::find(segmentTags.begin(), segmentTags.end(), tagLine.name);
-    if (found == segmentTags.end()) return;
-    const auto index = static_cast<std::size_t>(found - segmentTags.begin());
-    if (recorded_.tags.test(index)) recorder_->report(Rule::segmentTagReplaced, tagLine.name, {});
-    recorded_.tags.set(index);
-}
-
-/// Reads on to the URI. False when the lines hold no segment.
-bool SegmentReader::gather(std::string_view firstLine) {
-    if (!lines_.good()) return false;
-    std::string_view line = firstLine;
-    while (takeLine(line)) {
-        if (!uri_.empty()) return true;
-        keep(line);
-        line = lines_.next();
-        // A line that ends the input without a line feed is not looked at.
-        if (!lines_.good()) return true;
-    }
-    return false;
-}
-
-/// The same with a recorder. Behind a line that is rejected it goes on to the URI, so that the lines behind the
-/// segment are read as what they are.
-bool SegmentReader::gatherRecorded(std::string_view firstLine) {
-    recordStart(firstLine);
-    if (!lines_.good()) return false;
-    bool allTaken = true;
+/// Reads on to the URI. False when the lines hold no segment. Where the reading goes on after a rejection it goes on to
+/// the URI too, so that the lines after the segment are read as what they are.
+bool SegmentReader::readLines(std::string_view firstLine) {
+    // A line that ends the input without a line feed is not looked at.
+    if (!lines_.good()) return true;
+    bool allAccepted = true;
     std::string_view line = firstLine;
     while (true) {
-        allTaken = takeRecordedLine(line) && allTaken;
-        if (openedPattern_) return false;
-        if (!uri_.empty()) return allTaken;
+        if (!succeeds([this, line] { return readLine(line); }, with_.reading, why_)) {
+            if (openedPattern_ || !readsOn(with_.reading)) return false;
+            allAccepted = false;
+        }
+        if (!uri_.empty()) return allAccepted;
         keep(line);
         line = lines_.next();
-        recorder_->lineRead(line);
-        ++recorded_.linesTaken;
-        recorded_.unreadLine = line;
-        if (!lines_.good()) return allTaken;
+        if (lines_.good()) continue;
+        unreadLine_ = line;
+        return allAccepted;
     }
 }
 
 void SegmentReader::keep(std::string_view line) {
-    if (takenLineCount_ == takenLines_.size()) viewsEnd();
-    takenLines_[takenLineCount_] = line;
-    ++takenLineCount_;
+    if (keptLineCount_ == keptLines_.size()) viewsEnd();
+    keptLines_[keptLineCount_] = line;
+    ++keptLineCount_;
 }
 
 void SegmentReader::viewsEnd() {
-    for (std::size_t index = 0; index < takenLineCount_; ++index) {
-        const std::string_view line = takenLines_[index];
-        char* const end = put(takenText_.room(line.size() + 1), line);
-        takenText_.endAt(put(end, '\n'));
+    for (std::size_t index = 0; index < keptLineCount_; ++index) {
+        const std::string_view line = keptLines_[index];
+        char* const end = put(keptText_.room(line.size() + 1), line);
+        keptText_.endAt(put(end, '\n'));
     }
-    takenLineCount_ = 0;
+    keptLineCount_ = 0;
 }
 
-/// All lines that were taken, each with a line feed.
-std::string SegmentReader::textTaken() {
+/// All lines that were kept, each with a line feed.
+std::string SegmentReader::keptText() {
     viewsEnd();
-    return std::string(takenText_.text());
+    return std::string(keptText_.text());
 }
 
-bool SegmentReader::takeRecordedLine(std::string_view line) {
-    if (isStandardTag(line)) recordTag(TagLine(line));
-    const bool taken = withoutThrowing(*recorder_, false, [this, line] { return takeLine(line); });
-    if (taken && isTagLine(line, tag::extInf)) tellOfDuration(TagLine(line).value);
-    if (taken && isTagLine(line, tag::byteRange) && tags_.byteRange.length == 0) {
-        recorder_->report(Rule::byteRangeEmptyNotWritten, TagLine(line).value, {});
-    }
-    if (!uri_.empty()) tellOfUri(line);
-    return taken;
-}
-
-bool SegmentReader::takeLine(std::string_view line) {
+bool SegmentReader::readLine(std::string_view line) {
     if (!isTagOrComment(line)) {
         uri_ = withoutTrailing(line, blanks);
         return true;
     }
     // The tags that many segments have are told without looking for their colon.
-    if (isTagLine(line, tag::extInf)) return takeDuration(behind(line, tagLength(tag::extInf)));
-    if (!isStandardTag(line)) return takeVendorTagOrComment(line);
-    if (isTagLine(line, tag::byteRange)) return takeByteRange(behind(line, tagLength(tag::byteRange)));
+    if (isTagLine(line, tag::extInf)) return readDuration(behind(line, tagLength(tag::extInf)));
+    if (!isStandardTag(line)) return readVendorTagOrComment(line);
+    if (isTagLine(line, tag::byteRange)) return readByteRange(behind(line, tagLength(tag::byteRange)));
     if (isTagLine(line, tag::programDateTime)) {
-        return takeProgramDateTime(behind(line, tagLength(tag::programDateTime)));
+        return readProgramDateTime(behind(line, tagLength(tag::programDateTime)));
     }
     const TagLine tagLine(line);
-    return tagLine.hasColon ? takeTag(tagLine, line) : takeBareTag(tagLine);
+    return tagLine.hasColon ? readTag(tagLine) : readBareTag(tagLine);
 }
 
-void SegmentReader::tellOfUri(std::string_view line) const {
-    if (uri_.size() != line.size()) {
-        recorder_->report(Rule::segmentUriTrimmed, line.substr(uri_.size()), {});
-    }
-    const std::size_t reference = uri_.find("{$");
-    if (reference != std::string_view::npos) {
-        recorder_->report(Rule::variableNotReplaced, uri_.substr(reference), {});
-    }
+bool SegmentReader::readVendorTagOrComment(std::string_view line) {
+    const bool isOfPattern = startsPattern(line) || isPatternTag(line);
+    return !isOfPattern || readPatternTag(line);
 }
 
-bool SegmentReader::takeVendorTagOrComment(std::string_view line) {
-    if (startsPattern(line)) {
-        notePattern();
-        if (!TagLine(line).hasColon) return reject(recorder_, Rule::patternStartWithoutColon, line);
-        openedPattern_ = true;
-        if (recorder_ != nullptr) recorder_->patternBegins(recorded_.linesTaken);
-        pattern_ = readPattern(line, textTaken(), lines_, status_, recorder_);
-        return false;
-    }
-    if (isPatternTag(line)) {
-        notePattern();
-        VELHLSUtility::updateParsingStatusWithError(status_, VELHLSParsingErrorMediaPattern,
+/// Always false: at best the lines are a pattern's, and no segment's.
+bool SegmentReader::readPatternTag(std::string_view line) {
+    if (with_.status != nullptr) with_.status->hasMediaPatterns = true;
+    if (!startsPattern(line)) {
+        VELHLSUtility::updateParsingStatusWithError(with_.status, VELHLSParsingErrorMediaPattern,
                                                     std::string(line));
-        return reject(recorder_, Rule::patternTagMisplaced, line);
+        return why_(Rule::patternTagMisplaced, line);
     }
-    tellOfComment(recorder_, line);
-    return true;
+    if (!TagLine(line).hasColon) return why_(Rule::patternStartWithoutColon, line);
+    openedPattern_ = true;
+    pattern_ = readPattern(line, keptText(), lines_, with_.status, with_.reading, why_);
+    return false;
 }
 
-bool SegmentReader::takeBareTag(const TagLine& tagLine) {
+bool SegmentReader::readBareTag(const TagLine& tagLine) {
     if (tagLine.name == tag::discontinuity) {
         tags_.discontinuity = true;
-        return true;
-    }
-    if (tagLine.name == tag::cueIn) {
-        tell(recorder_, Rule::cueNotWritten, tagLine.name);
+    } else if (tagLine.name == tag::cueIn) {
         tags_.cueIn = true;
-        return true;
+    } else if (tagLine.name != tag::extM3U) {
+        return why_(Rule::segmentBareTagUnknown, tagLine.name);
     }
-    if (tagLine.name == tag::extM3U) return true;
-    return reject(recorder_, Rule::segmentBareTagUnknown, tagLine.name);
-}
-
-bool SegmentReader::takeTag(const TagLine& tagLine, std::string_view line) {
-    if (tagLine.name == tag::key) return takeKey(line);
-    if (tagLine.name == tag::map) return takeMap(line);
-    if (tagLine.name == tag::define) return takeDefine(tagLine);
-    if (tagLine.name == tag::cueOut) {
-        tell(recorder_, Rule::cueNotWritten, tagLine.name);
-        tags_.cueOut = tagLine.value;
-        return true;
-    }
-    if (tagLine.name == tag::cueOutCont) {
-        tell(recorder_, Rule::cueNotWritten, tagLine.name);
-        tags_.cueOutCont = tagLine.value;
-        return true;
-    }
-    return reject(recorder_, Rule::segmentTagUnknown, tagLine.name);
-}
-
-bool SegmentReader::takeDuration(std::string_view value) {
-    if (startsWith(value, ",")) return reject(recorder_, Rule::segmentDurationEmpty, value);
-    const std::size_t length = readDuration(value);
-    // The title keeps its comma, and gets another one when it is written: both are part of the interface.
-    takeTitle(behind(value, length));
     return true;
 }
 
-/// Reads the duration, and finds out where it ends: at the first comma or the end of the line.
-std::size_t SegmentReader::readDuration(std::string_view value) {
+bool SegmentReader::readTag(const TagLine& tagLine) {
+    if (tagLine.name == tag::key) {
+        tags_.key = std::make_shared<VELHLSProtectionData>(VELHLSProtectionData::None, "", "", "",
+                                                           std::vector<std::int32_t>());
+        return readKey(tagLine, *tags_.key, why_);
+    }
+    if (tagLine.name == tag::map) {
+        tags_.map = std::make_shared<VELHLSMISMap>();
+        return readMap(tagLine, *tags_.map, why_);
+    }
+    if (tagLine.name == tag::define) {
+        if (with_.defines == nullptr) with_.defines = std::make_shared<VELHLSDefineMap>();
+        return readDefineTag(tagLine, *with_.defines, why_);
+    }
+    if (tagLine.name == tag::cueOut) {
+        tags_.cueOut = tagLine.value;
+    } else if (tagLine.name == tag::cueOutCont) {
+        tags_.cueOutCont = tagLine.value;
+    } else {
+        return why_(Rule::segmentTagUnknown, tagLine.name);
+    }
+    return true;
+}
+
+/// The duration ends at the first comma or the end of the line.
+bool SegmentReader::readDuration(std::string_view value) {
+    if (startsWith(value, ",")) return why_(Rule::segmentDurationEmpty, value);
     const LeadingNumber<double> plain = leadingDecimal(value);
     const bool isAll = plain.length > 0 && (plain.length == value.size() || value[plain.length] == ',');
     const std::size_t length = isAll ? plain.length : std::min(value.find(','), value.size());
-    const std::string_view text = number(recorder_, firstOf(value, length), NumberForm::decimal);
-    tags_.duration = isAll ? plain.number : toDouble(text);
-    return length;
+    tags_.duration = isAll ? plain.number : toDouble(firstOf(value, length), why_);
+    // The title keeps its comma, and gets another one when it is rendered: both are part of the interface.
+    readTitle(behind(value, length));
+    return true;
 }
 
 /// Most titles are nothing but their comma, which is not worth a copy.
-void SegmentReader::takeTitle(std::string_view title) {
+void SegmentReader::readTitle(std::string_view title) {
     constexpr std::string_view comma = ",";
     if (title == comma) {
         title_ = comma;
@@ -272,106 +195,47 @@ void SegmentReader::takeTitle(std::string_view title) {
     title_ = titleMemory_;
 }
 
-bool SegmentReader::takeByteRange(std::string_view value) {
-    if (!parseRange(value, '@', false, tags_.byteRange, recorder_)) {
-        return reject(recorder_, Rule::byteRangeMalformed, value);
-    }
+bool SegmentReader::readByteRange(std::string_view value) {
+    if (!readRange(value, '@', false, tags_.byteRange, why_)) return why_(Rule::byteRangeMalformed, value);
     tags_.hasByteRange = true;
     return true;
 }
 
-bool SegmentReader::takeKey(std::string_view line) {
-    tags_.key = std::make_shared<VELHLSProtectionData>(VELHLSProtectionData::None, "", "", "",
-                                                       std::vector<std::int32_t>());
-    return parseKey(line, *tags_.key, recorder_);
-}
-
-bool SegmentReader::takeMap(std::string_view line) {
-    tags_.map = std::make_shared<VELHLSMISMap>();
-    if (recorder_ != nullptr) recorder_->recordRead(&tags_.map, TagLine(line).name);
-    return parseMap(line, *tags_.map, recorder_);
-}
-
-bool SegmentReader::takeProgramDateTime(std::string_view value) {
-    tags_.programDateTime = timestamps_.read(value, recorder_);
+bool SegmentReader::readProgramDateTime(std::string_view value) {
+    tags_.programDateTime = timestamps_.read(value, why_);
     tags_.hasProgramDateTime = true;
-    if (tags_.programDateTime < 0.0) return false;
-    if (recorder_ != nullptr) tellOfTimestamp(*recorder_, value, tags_.programDateTime);
-    return true;
+    return !(tags_.programDateTime < 0.0);
 }
 
-bool SegmentReader::takeDefine(const TagLine& tagLine) {
-    if (defines_ == nullptr) defines_ = std::make_shared<VELHLSDefineMap>();
-    return takeDefineTag(tagLine, *defines_, recorder_);
-}
-
-void SegmentReader::notePattern() {
-    if (status_ != nullptr) status_->hasMediaPatterns = true;
-}
-
-/// False when what was gathered is no valid segment. A key that parses is valid; a map is not when its URI is
+/// False when what was read is no valid segment. A key that was read is valid; a map is not when its URI is
 /// empty.
 bool SegmentReader::isComplete() {
-    if (tags_.duration == 0.0 || uri_.empty()) return recorder_ != nullptr && tellWhyIncomplete();
+    if (tags_.duration == 0.0 || uri_.empty()) return isIncomplete();
     if (!tags_.hasByteRange && mayHoldRange(uri_)) {
-        tags_.hasByteRange = rangeInUri(uri_, tags_.byteRange, recorder_);
+        tags_.hasByteRange = readRangeInUri(uri_, tags_.byteRange, why_);
     }
     if (tags_.hasByteRange && tags_.byteRange.length < 0) return false;
-    if (tags_.map == nullptr || tags_.map->validate()) return true;
-    if (recorder_ != nullptr) recorder_->reportRecord(Rule::mapUriEmpty, &tags_.map, {}, {});
-    return false;
+    return tags_.map == nullptr || tags_.map->validate() || why_.ofRecord(Rule::mapUriEmpty, tag::map);
 }
 
-/// Called for a segment without a duration or a URI.
-bool SegmentReader::tellWhyIncomplete() const {
-    const std::string_view unread = lines_.good() ? std::string_view() : recorded_.unreadLine;
-    if (uri_.empty() && !isBlank(unread) && !isTagOrComment(unread)) {
-        recorder_->report(Rule::segmentUriWithoutLineFeed, unread, {});
-    } else if (uri_.empty()) {
-        recorder_->reportRecord(Rule::segmentUriMissing, this, {}, "the end of the playlist");
-    } else if (recorded_.tags.test(0)) {
-        recorder_->reportRecord(Rule::segmentDurationZero, &tags_.duration, {}, {});
-    } else {
-        recorder_->report(Rule::segmentDurationMissing, uri_, "none");
+/// Says what a segment without a duration or a URI lacks, and returns false.
+bool SegmentReader::isIncomplete() {
+    if (uri_.empty()) {
+        const bool isUri = !isBlank(unreadLine_) && !isTagOrComment(unreadLine_);
+        return isUri ? why_(Rule::segmentUriWithoutLineFeed, unreadLine_)
+                     : why_.ofRecord(Rule::segmentUriMissing, {}, "the end of the playlist");
     }
-    return false;
-}
-
-void SegmentReader::tellOfDuration(std::string_view value) const {
-    const std::string_view text = value.substr(0, value.find(','));
-    const std::string_view title = value.substr(text.size());
-    recorder_->recordRead(&tags_.duration, text);
-    if (tags_.duration < 0.0) recorder_->report(Rule::segmentDurationNegative, text, {});
-    if (std::isfinite(tags_.duration) && !isKeptByWriting(tags_.duration)) {
-        recorder_->report(Rule::segmentDurationRounded, text, {});
-    }
-    if (title.empty()) {
-        recorder_->report(Rule::segmentCommaMissing, text, {});
-    } else if (title == ",") {
-        recorder_->report(Rule::segmentEmptyTitleGainsComma, title, "\",\" written as \",,\"");
-    } else {
-        recorder_->report(Rule::segmentTitleGainsComma, title.substr(1), {});
-    }
-}
-
-/// What the segment got from the one in front of it, and the playlist did not say.
-void SegmentReader::recordMade(const VELHLSMediaSegment& segment, const VELHLSMediaSegment* previous) const {
-    recorder_->recordMade(&segment, &tags_.duration);
-    if (previous == nullptr) return;
-    if (!tags_.hasProgramDateTime && segment.programDateTime > 0.0) {
-        recorder_->report(Rule::dateTimeAdded, uri_, "none");
-    }
-    const bool inherits =
-        (segment.protectionData != nullptr && segment.protectionData == previous->protectionData) ||
-        (segment.misMap != nullptr && segment.misMap == previous->misMap);
-    if (inherits) recorder_->report(Rule::keyAndMapRepeated, uri_, "a segment without");
+    constexpr std::string_view durationStart = "\n#EXTINF:";
+    const bool hasDuration = ("\n" + keptText()).find(durationStart) != std::string::npos;
+    return hasDuration ? why_.ofRecord(Rule::segmentDurationZero, tag::extInf)
+                       : why_.missing(Rule::segmentDurationMissing, uri_);
 }
 
 std::shared_ptr<VELHLSMediaSegment> SegmentReader::build(const SegmentOrigin& origin) {
-    auto made = makeRecord<ReadSegment>(maker_, title_, uri_);
+    auto made = makeRecord<ReadSegment>(with_.maker, title_, uri_);
     VELHLSMediaSegment& segment = *made;
     segment.duration = tags_.duration;
-    if (tags_.hasByteRange) segment.byteRange = makeRecord<VELHLSByteRange>(maker_, tags_.byteRange);
+    if (tags_.hasByteRange) segment.byteRange = makeRecord<VELHLSByteRange>(with_.maker, tags_.byteRange);
     segment.discontinuity = tags_.discontinuity;
     if (tags_.key != nullptr) segment.protectionData = std::move(tags_.key);
     if (tags_.map != nullptr) segment.misMap = std::move(tags_.map);

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,8 +9,9 @@
 #include <string_view>
 
 #include "velhls/common/LineReader.h"
+#include "velhls/common/Reading.h"
+#include "velhls/common/Reason.h"
 #include "velhls/common/RecordMaker.h"
-#include "velhls/common/Recorder.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/Timestamps.h"
@@ -30,22 +30,31 @@ struct SegmentOrigin {
     std::uint64_t firstDiscontinuitySequenceNumber = 0;
 };
 
+/// What one segment after the other is read with. All of it is used as long as the reader is.
+struct SegmentSurroundings {
+    /// Null when each segment has memory of its own.
+    RecordMaker* maker = nullptr;
+    /// Variables go in here. Made on demand when it is null.
+    std::shared_ptr<VELHLSDefineMap> defines;
+    /// Null when nobody asks.
+    VELHLSParsingStatus* status = nullptr;
+    /// Null when nobody follows the reading.
+    Reading* reading = nullptr;
+};
+
 /// Reads segments one by one: the tags of each up to and including its URI line, straight into a new record.
 /// See VELHLSMediaSegment::parseNextSegment.
 class SegmentReader : private LineReader::ViewKeeper {
   public:
-    /// All three are used as long as the reader is. The maker may be null: each segment then has memory of
-    /// its own. Variables go into `defines`, which is made on demand when it is null.
-    SegmentReader(LineReader& lines, RecordMaker* maker, std::shared_ptr<VELHLSDefineMap> defines,
-                  VELHLSParsingStatus* status, Recorder* recorder);
+    SegmentReader(LineReader& lines, SegmentSurroundings surroundings, Reason& why);
 
-    /// Reads a segment from its first line on. Null when there is none; the lines may have opened a pattern
-    /// instead. A segment is valid as long as the key and the map that it takes over from the previous one
+    /// Reads a segment from its first line on. Null, with the reason, when there is none; the lines may have opened a
+    /// pattern instead. A segment is valid as long as the key and the map that it takes over from the previous one
     /// are: those are not looked at.
     [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> read(std::string_view firstLine,
                                                            const SegmentOrigin& origin);
 
-    /// Whether the lines that were last read opened a pattern, and that pattern; null when it does not parse.
+    /// Whether the lines that were last read opened a pattern, and that pattern; null when it was rejected.
     [[nodiscard]] bool openedPattern() const { return openedPattern_; }
     [[nodiscard]] const std::shared_ptr<VELHLSMediaPattern>& pattern() const { return pattern_; }
 
@@ -68,48 +77,33 @@ class SegmentReader : private LineReader::ViewKeeper {
         std::string cueOutCont;
     };
 
-    void reset();
-    bool gather(std::string_view firstLine);
-    [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> readRecorded(std::string_view firstLine,
-                                                                   const SegmentOrigin& origin);
-    bool gatherRecorded(std::string_view firstLine);
+    void clear();
+    bool readLines(std::string_view firstLine);
     void keep(std::string_view line);
     void viewsEnd() override;
-    [[nodiscard]] std::string textTaken();
-    bool takeRecordedLine(std::string_view line);
-    bool takeLine(std::string_view line);
-    bool takeVendorTagOrComment(std::string_view line);
-    bool takeBareTag(const TagLine& tagLine);
-    bool takeTag(const TagLine& tagLine, std::string_view line);
-    bool takeDuration(std::string_view value);
-    std::size_t readDuration(std::string_view value);
-    void takeTitle(std::string_view title);
-    bool takeByteRange(std::string_view value);
-    bool takeKey(std::string_view line);
-    bool takeMap(std::string_view line);
-    bool takeProgramDateTime(std::string_view value);
-    bool takeDefine(const TagLine& tagLine);
-    void notePattern();
-    void recordStart(std::string_view firstLine);
-    void recordTag(const TagLine& tagLine);
-    void tellOfUri(std::string_view line) const;
-    void tellOfDuration(std::string_view value) const;
-    [[nodiscard]] bool tellWhyIncomplete() const;
-    void recordMade(const VELHLSMediaSegment& segment, const VELHLSMediaSegment* previous) const;
+    [[nodiscard]] std::string keptText();
+    bool readLine(std::string_view line);
+    bool readVendorTagOrComment(std::string_view line);
+    bool readPatternTag(std::string_view line);
+    bool readBareTag(const TagLine& tagLine);
+    bool readTag(const TagLine& tagLine);
+    bool readDuration(std::string_view value);
+    void readTitle(std::string_view title);
+    bool readByteRange(std::string_view value);
+    bool readProgramDateTime(std::string_view value);
     [[nodiscard]] bool isComplete();
+    bool isIncomplete();
     [[nodiscard]] std::shared_ptr<VELHLSMediaSegment> build(const SegmentOrigin& origin);
 
     LineReader& lines_;
-    RecordMaker* maker_;
-    std::shared_ptr<VELHLSDefineMap> defines_;
-    VELHLSParsingStatus* status_;
-    Recorder* recorder_;
+    SegmentSurroundings with_;
+    Reason& why_;
 
-    /// The lines that were taken, since a pattern that begins behind them repeats them: hardly ever, so that they are
-    /// kept as views, and copied when those end. What was copied stands in front of what was not.
-    TextBuffer takenText_;
-    std::array<std::string_view, 8> takenLines_;
-    std::size_t takenLineCount_ = 0;
+    /// The lines that were read, since a pattern that begins after them repeats them: hardly ever, so that they are
+    /// kept as views, and copied when those end. What was copied stands before what was not.
+    TextBuffer keptText_;
+    std::array<std::string_view, 8> keptLines_;
+    std::size_t keptLineCount_ = 0;
     bool openedPattern_ = false;
     std::shared_ptr<VELHLSMediaPattern> pattern_;
 
@@ -120,14 +114,8 @@ class SegmentReader : private LineReader::ViewKeeper {
     std::string titleMemory_;
     /// Looks into the line that was read last.
     std::string_view uri_;
-
-    /// What only a recorder needs to be told.
-    struct Recorded {
-        std::bitset<16> tags;
-        std::size_t linesTaken = 0;
-        std::string_view unreadLine;
-    };
-    Recorded recorded_;
+    /// The line that ends the input without a line feed, and is not looked at.
+    std::string_view unreadLine_;
 };
 
 }  // namespace velhls

@@ -59,8 +59,8 @@ void setRange(VELHLSByteRange& range, const Bounds& bounds, bool inclusiveRange)
 
 namespace velhls {
 
-bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range,
-                Recorder* recorder) {
+bool readRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range,
+               Reason& why) {
     if (const std::optional<Bounds> plain = plainBounds(text, separator)) {
         setRange(range, *plain, inclusiveRange);
         return true;
@@ -72,8 +72,8 @@ bool parseRange(std::string_view text, char separator, bool inclusiveRange, VELH
     if (before.empty() || !holdsOnly(before, digits)) return false;
     if (hasSeparator && (after.empty() || !holdsOnly(after, digits))) return false;
 
-    Bounds bounds{toInt64(number(recorder, before)), std::nullopt};
-    if (hasSeparator) bounds.second = toInt64(number(recorder, after));
+    Bounds bounds{toInt64(before, why), std::nullopt};
+    if (hasSeparator) bounds.second = toInt64(after, why);
     setRange(range, bounds, inclusiveRange);
     return true;
 }
@@ -85,30 +85,30 @@ char* putRange(char* to, const VELHLSByteRange& range) {
     return putDecimal(end, range.offset);
 }
 
-bool rangeInUri(std::string_view uri, VELHLSByteRange& range, Recorder* recorder) {
+std::size_t startOfRangeInUri(std::string_view uri) {
     constexpr std::string_view marker = "/range/";
     static_assert(shortestUriWithoutRange == marker.size() - 1);
+    const std::size_t position = uri.rfind(marker);
+    return position != std::string_view::npos ? position + marker.size() : shortestUriWithoutRange;
+}
+
+bool readRangeInUri(std::string_view uri, VELHLSByteRange& range, Reason& why) {
     if (uri.empty() || !mayHoldRange(uri)) return false;
     if (uri.size() < shortestUriWithoutRange) {
-        tell(recorder, Rule::segmentUriTooShort, uri);
+        why(Rule::segmentUriTooShort, uri);
         throwTooShort(uri);
     }
-    const std::size_t markerPosition = uri.rfind(marker);
-    const bool hasMarker = markerPosition != std::string_view::npos;
-    const std::size_t start = hasMarker ? markerPosition + marker.size() : shortestUriWithoutRange;
-    if (!parseRange(uri.substr(start), '-', true, range, recorder)) return false;
-    if (range.length < 0) {
-        tell(recorder, Rule::byteRangeNegative, uri.substr(start));
-    } else {
-        tell(recorder, Rule::byteRangeFromUri, uri.substr(start));
-    }
+    const std::size_t start = startOfRangeInUri(uri);
+    if (!readRange(uri.substr(start), '-', true, range, why)) return false;
+    if (range.length < 0) why(Rule::byteRangeNegative, uri.substr(start));
     return true;
 }
 
 }  // namespace velhls
 
 std::int32_t VELHLSByteRange::parse(const std::string& text, char separator, bool inclusiveRange) {
-    return velhls::parseRange(text, separator, inclusiveRange, *this, nullptr) ? 0 : -1;
+    velhls::Reason ignored;
+    return velhls::readRange(text, separator, inclusiveRange, *this, ignored) ? 0 : -1;
 }
 
 std::int32_t VELHLSByteRange::render(std::string& out) const {
@@ -120,6 +120,7 @@ std::int32_t VELHLSByteRange::render(std::string& out) const {
 
 std::shared_ptr<VELHLSByteRange> getByteRangeFromUri(std::string uri) {
     VELHLSByteRange range;
-    if (!velhls::rangeInUri(uri, range, nullptr)) return nullptr;
+    velhls::Reason ignored;
+    if (!velhls::readRangeInUri(uri, range, ignored)) return nullptr;
     return std::make_shared<VELHLSByteRange>(range);
 }

@@ -18,7 +18,7 @@ class VELHLS_API VELHLSByteRange {
     /// for any other text, with the record as it was.
     ///
     /// One number is the length; the offset is then -1. Two are length and offset, or with `inclusiveRange`
-    /// the first and the last byte. Kept as is: a last byte in front of the first gives a length of 0 or
+    /// the first and the last byte. Kept as is: a last byte before the first gives a length of 0 or
     /// less. A last byte of 2^63 - 1 with first byte 0 has a length that no signed 64-bit number holds: it
     /// gives 2^63 - 1.
     ///

@@ -29,7 +29,7 @@ class VELHLS_API VELHLSMISMap {
     /// byte range of length 0 or less is not written.
     [[nodiscard]] std::int32_t render(std::string& out) const;
 
-    /// URI of the resource that holds the section.
+    /// URI of the resource that holds the section, not resolved (VELHLS.h).
     std::string uri;
 
     /// BYTERANGE; null when absent.

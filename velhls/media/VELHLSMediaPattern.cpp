@@ -16,13 +16,15 @@ std::shared_ptr<VELHLSMediaPattern> VELHLSMediaPattern::parseMediaPattern(const 
                                                                           std::istream& input,
                                                                           VELHLSParsingStatus* status) {
     velhls::LineReader lines(input);
-    return velhls::readPattern(startLine, velhls::readAll(prefix), lines, status, nullptr);
+    velhls::Reason ignored;
+    return velhls::readPattern(startLine, velhls::readAll(prefix), lines, status, nullptr, ignored);
 }
 
 std::shared_ptr<std::stringstream> VELHLSMediaPattern::expandMediaPattern(
     const std::shared_ptr<VELHLSDefineMap>& defines) const {
     velhls::ExpansionAllowance allowance(maximumExpansionBytes);
-    velhls::PatternExpander expander(*this, defines.get(), allowance, nullptr);
+    velhls::Reason ignored;
+    velhls::PatternExpander expander(*this, defines.get(), allowance, ignored);
     if (!expander.expand()) return nullptr;
     return std::make_shared<std::stringstream>(std::string(expander.text()));
 }
@@ -36,9 +38,9 @@ std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> VELHLSMediaPat
     auto segments = std::make_shared<std::vector<std::shared_ptr<VELHLSMediaSegment>>>();
     const velhls::SegmentOrigin origin{previous.get(), firstMediaSequenceNumber,
                                        firstDiscontinuitySequenceNumber};
-    const bool areCreated =
-        velhls::createSegments(*segments, *this, origin, defines, maker, allowance, nullptr);
-    if (!areCreated) return nullptr;
+    const velhls::SegmentSurroundings surroundings{&maker, std::move(defines), nullptr, nullptr};
+    velhls::Reason ignored;
+    if (!velhls::createSegments(*segments, *this, origin, surroundings, allowance, ignored)) return nullptr;
     // The caller's previous segment may hold a key or a map that is not valid.
     const bool allValid = std::all_of(segments->begin(), segments->end(),
                                       [](const auto& segment) { return segment->validate(); });

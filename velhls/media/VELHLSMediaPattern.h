@@ -39,9 +39,9 @@ class VELHLS_API VELHLSMediaPattern {
     /// Stores its arguments.
     VELHLSMediaPattern(std::string name, std::string body, std::uint64_t repeatCount);
 
-    /// Reads a pattern: `startLine`, its "ZOR-PATTERN_START" line, and the lines behind it in `input` up to
-    /// and including its "ZOR-PATTERN_REPEAT" line. `prefix` holds the lines of the current segment in front
-    /// of the start line, each with its line feed: they become the head of the body, and are repeated with
+    /// Reads a pattern: `startLine`, its "ZOR-PATTERN_START" line, and the lines after it in `input` up to
+    /// and including its "ZOR-PATTERN_REPEAT" line. `prefix` holds the lines of the current segment before
+    /// the start line, each with its line feed: they become the head of the body, and are repeated with
     /// it. `status` may be null.
     ///
     /// Returns the pattern; or null for a line that may not stand in a pattern, with the status' error set to
@@ -55,7 +55,7 @@ class VELHLS_API VELHLSMediaPattern {
     ///
     /// Kept as is: carriage returns are not removed inside a pattern, so with CRLF line ends a
     /// ZOR-PATTERN_END does not match and an EXT-X-DISCONTINUITY is not allowed. Without a ZOR-PATTERN_REPEAT
-    /// the rest of the input is read as the pattern, with repeat count 0. Lines behind ZOR-PATTERN_END belong
+    /// the rest of the input is read as the pattern, with repeat count 0. Lines after ZOR-PATTERN_END belong
     /// to the body still. A negative repeat count converts to a very large one, whose expansion fails.
     [[nodiscard]] static std::shared_ptr<VELHLSMediaPattern> parseMediaPattern(const std::string& startLine,
                                                                                std::istream& prefix,
@@ -79,14 +79,14 @@ class VELHLS_API VELHLSMediaPattern {
     /// Expands the pattern and reads the result as segments that follow `previous`, which may be null: then
     /// they start at the two given sequence numbers. Returns the segments in order, or null when the
     /// expansion fails, a segment does not parse, or there are more of them than
-    /// `maximumExpansionSegments`. `status` is not used: no error is recorded. Throws what
+    /// `maximumExpansionSegments`. `status` is not used: no error is stored. Throws what
     /// expansion and VELHLSMediaSegment::parseNextSegment throw.
     [[nodiscard]] std::shared_ptr<std::vector<std::shared_ptr<VELHLSMediaSegment>>> createMediaSegments(
         const std::shared_ptr<VELHLSMediaSegment>& previous, std::uint64_t firstMediaSequenceNumber,
         std::uint64_t firstDiscontinuitySequenceNumber, std::shared_ptr<VELHLSDefineMap> defines,
         VELHLSParsingStatus* status) const;
 
-    /// The text behind the colon of ZOR-PATTERN_START.
+    /// The text after the colon of ZOR-PATTERN_START.
     std::string name;
 
     /// The lines of the pattern as they were read, each with a line feed.

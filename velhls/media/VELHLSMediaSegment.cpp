@@ -34,7 +34,8 @@ std::shared_ptr<VELHLSMediaSegment> VELHLSMediaSegment::parseNextSegment(
     std::uint64_t firstDiscontinuitySequenceNumber, std::shared_ptr<VELHLSDefineMap> defines,
     VELHLSParsingStatus* status) {
     velhls::LineReader lines(input);
-    velhls::SegmentReader reader(lines, nullptr, std::move(defines), status, nullptr);
+    velhls::Reason ignored;
+    velhls::SegmentReader reader(lines, {nullptr, std::move(defines), status, nullptr}, ignored);
     auto segment =
         reader.read(line, {previous.get(), firstMediaSequenceNumber, firstDiscontinuitySequenceNumber});
     if (reader.openedPattern()) pattern = reader.pattern();

@@ -31,6 +31,20 @@ class VELHLS_API VELHLSMediaSegment {
   public:
     /// Stores every argument in the member of its name and checks nothing. The order of the arguments is not
     /// that of the members.
+    ///
+    ///     VELHLSMediaSegment segment(6.006,                  // duration
+    ///                                0.0,                    // startTime
+    ///                                100, 3,                 // mediaSequenceNumber, discontinuitySequenceNumber
+    ///                                "Intro",                // title: `render` puts a comma before it
+    ///                                nullptr,                // byteRange: the whole resource
+    ///                                false,                  // discontinuity
+    ///                                0.0,                    // programDateTime: none
+    ///                                nullptr, nullptr,       // protectionData, misMap: none
+    ///                                "segment100.ts",        // uri
+    ///                                false, "", "");         // cueIn, cueOut, cueOutCont: none
+    ///
+    /// A parsed title has a comma of its own. To make the segments after the first one, buildNextSegment asks
+    /// for less.
     VELHLSMediaSegment(double duration, double startTime, std::uint64_t mediaSequenceNumber,
                        std::uint64_t discontinuitySequenceNumber, const std::string& title,
                        std::shared_ptr<VELHLSByteRange> byteRange, bool discontinuity, double programDateTime,
@@ -39,9 +53,9 @@ class VELHLS_API VELHLSMediaSegment {
                        const std::string& cueOut, const std::string& cueOutCont);
 
     /// Reads one segment: `line`, the first line that belongs to it and that the caller has just read, and
-    /// the lines behind it in `input` up to and including the segment's URI.
+    /// the lines after it in `input` up to and including the segment's URI.
     ///
-    /// `previous` is the segment in front, or null: the new one takes over its key, map and numbering, and
+    /// `previous` is the segment before it, or null: the new one takes over its key, map and numbering, and
     /// without it starts at the two given sequence numbers. `defines` takes the variables of EXT-X-DEFINE.
     /// `status` may be null.
     ///
@@ -49,7 +63,7 @@ class VELHLS_API VELHLSMediaSegment {
     /// a tag that does not parse; a tag, with or without a colon, that is none of a segment's; an EXTINF
     /// whose comma follows its colon, or whose duration is 0; the end of the input; a segment that does not
     /// validate; a media pattern tag. When a "ZOR-PATTERN_START" opens a media pattern (vendor extension),
-    /// `pattern` receives it, and null is returned. A ZOR-PATTERN_START without a colon records nothing; any
+    /// `pattern` receives it, and null is returned. A ZOR-PATTERN_START without a colon stores nothing; any
     /// other pattern tag sets the status' error to VELHLSParsingErrorMediaPattern and its message to the
     /// line. All of them set `hasMediaPatterns`.
     ///
@@ -89,7 +103,7 @@ class VELHLS_API VELHLSMediaSegment {
     /// or not they are those of the segment before. Returns 0, or -1 with nothing appended when the segment,
     /// its key or its map does not validate.
     ///
-    /// Kept as is: the duration has six decimals, and a title is written behind a comma, so a parsed title
+    /// Kept as is: the duration has six decimals, and a title is written after a comma, so a parsed title
     /// gets a second one ("#EXTINF:10.000000,,Intro"). A byte range of length 0 and cue markers are not
     /// written, nor is a program date-time of 0 or less. Infinite and not-a-number durations are written as
     /// "inf" and "nan".
@@ -98,7 +112,7 @@ class VELHLS_API VELHLSMediaSegment {
     /// EXTINF: seconds. 0 means none, and makes the segment invalid.
     double duration = 0.0;
 
-    /// Start on the playlist's own timeline in seconds: the durations of the segments in front, summed up.
+    /// Start on the playlist's own timeline in seconds: the durations of the segments before it, summed up.
     double startTime = 0.0;
 
     /// Media sequence number.
@@ -107,13 +121,13 @@ class VELHLS_API VELHLSMediaSegment {
     /// Discontinuity sequence number.
     std::uint64_t discontinuitySequenceNumber = 0;
 
-    /// Title of EXTINF with the comma in front of it; empty when there is not even a comma.
+    /// Title of EXTINF with the comma before it; empty when there is not even a comma.
     std::string title;
 
     /// EXT-X-BYTERANGE, or the range in the URI (vendor extension); null when there is neither.
     std::shared_ptr<VELHLSByteRange> byteRange;
 
-    /// EXT-X-DISCONTINUITY stands in front of this segment.
+    /// EXT-X-DISCONTINUITY stands before this segment.
     bool discontinuity = false;
 
     /// The key in force; null when there is none.
@@ -125,17 +139,17 @@ class VELHLS_API VELHLSMediaSegment {
     /// Time of the first sample in seconds since the Unix epoch; 0 means none.
     double programDateTime = 0.0;
 
-    /// The URI line without its trailing white space.
+    /// The URI line without its trailing white space, not resolved (VELHLS.h).
     std::string uri;
 
     /// EXT-X-CUE-IN stood among the segment's tags (vendor extension; not written back).
     bool cueIn = false;
 
-    /// The text behind the colon of EXT-X-CUE-OUT (vendor extension; not written back); empty when there is
+    /// The text after the colon of EXT-X-CUE-OUT (vendor extension; not written back); empty when there is
     /// none.
     std::string cueOut;
 
-    /// The text behind the colon of EXT-X-CUE-OUT-CONT (vendor extension; not written back); likewise.
+    /// The text after the colon of EXT-X-CUE-OUT-CONT (vendor extension; not written back); likewise.
     std::string cueOutCont;
 
   protected:

@@ -2,11 +2,14 @@
 
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
+#include "velhls/common/Reading.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TimedParse.h"
 #include "velhls/media/MediaStreamReader.h"
@@ -22,12 +25,6 @@ std::int32_t wholeTargetDuration(double seconds) {
     if (seconds <= smallest) return smallest;
     if (seconds >= largest) return largest;
     return static_cast<std::int32_t>(seconds);
-}
-
-void writePlaylistType(std::ostream& out, VELHLSMediaStream::PlaylistType type) {
-    if (type == VELHLSMediaStream::Vod) velhls::writeTag(out, velhls::tag::playlistType, velhls::fixed::vod);
-    if (type == VELHLSMediaStream::Event)
-        velhls::writeTag(out, velhls::tag::playlistType, velhls::fixed::event);
 }
 
 void writeUnlessZero(std::ostream& out, std::string_view tag, std::int64_t number) {
@@ -50,14 +47,33 @@ void writeSegments(std::ostream& out, const std::vector<std::shared_ptr<VELHLSMe
 
 }  // namespace
 
+std::string_view VELHLSMediaStream::textOf(PlaylistType type) noexcept {
+    if (type == Event) return velhls::fixed::event;
+    return type == Vod ? velhls::fixed::vod : std::string_view();
+}
+
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::istream& input,
                                                                        VELHLSParsingStatus* status) {
     return velhls::timedParse(status, [&] { return internalParseMediaStream(input, status); });
 }
 
+std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::string_view text,
+                                                                       VELHLSReason* reason) {
+    try {
+        if (auto stream = velhls::MediaStreamReader(text, nullptr).read()) return stream;
+    } catch (const std::logic_error&) {
+        // A number that cannot be converted. The second reading takes it for a reason.
+    }
+    if (reason == nullptr) return nullptr;
+    velhls::Reading reading(text, velhls::Reading::Extent::toFirstRejection);
+    static_cast<void>(velhls::MediaStreamReader(text, &reading).read());
+    *reason = velhls::reasonOf(text, reading.rejections().front());
+    return nullptr;
+}
+
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::internalParseMediaStream(std::istream& input,
                                                                                VELHLSParsingStatus* status) {
-    std::shared_ptr<VELHLSMediaStream> stream = velhls::MediaStreamReader(input, status, nullptr).read();
+    std::shared_ptr<VELHLSMediaStream> stream = velhls::MediaStreamReader(input, status).read();
     if (stream == nullptr) return nullptr;
     if (status != nullptr) status->error = VELHLSParsingErrorNone;
     return stream;
@@ -82,10 +98,11 @@ std::int32_t VELHLSMediaStream::render(std::ostream& out) const {
     velhls::writeTag(out, velhls::tag::targetDuration, std::int64_t{wholeTargetDuration(targetDuration)});
     writeUnlessZero(out, velhls::tag::mediaSequence, mediaSequence);
     writeUnlessZero(out, velhls::tag::discontinuitySequence, discontinuitySequence);
-    writePlaylistType(out, playlistType);
+    const std::string_view typeText = textOf(playlistType);
+    if (!typeText.empty()) velhls::writeTag(out, velhls::tag::playlistType, typeText);
     if (iFramesOnly) velhls::writeTag(out, velhls::tag::iFramesOnly);
     if (independentSegments) velhls::writeTag(out, velhls::tag::independentSegments);
-    velhls::writeStartTag(out, {startTimeOffset, startPrecise});
+    velhls::writeStartTag(out, startTimeOffset, startPrecise);
 
     writeSegments(out, segments);
     if (endList) velhls::writeTag(out, velhls::tag::endList);

@@ -4,10 +4,12 @@
 #include <istream>
 #include <memory>
 #include <ostream>
+#include <string_view>
 #include <vector>
 
 #include "velhls/common/VELHLSExport.h"
 #include "velhls/common/VELHLSParsingStatus.h"
+#include "velhls/common/VELHLSReason.h"
 #include "velhls/common/VELHLSUtility.h"
 #include "velhls/media/VELHLSMediaSegment.h"
 
@@ -37,12 +39,16 @@ class VELHLS_API VELHLSMediaStream {
         Vod = 2,    ///< "VOD"
     };
 
-    /// Reads a media playlist from the stream. Returns null when the playlist is rejected. `status` may be
-    /// null.
+    /// The text of an EXT-X-PLAYLIST-TYPE, as a playlist has it: "EVENT" or "VOD". Empty for None, and for a
+    /// value that is no type.
+    [[nodiscard]] static std::string_view textOf(PlaylistType type) noexcept;
+
+    /// Reads a media playlist from the stream. Returns null when the playlist is rejected; why and where it is, is had from
+    /// the overload that takes a text. `status` may be null.
     ///
     /// On success the status' error is set to VELHLSParsingErrorNone. A rejection for a media pattern tag
     /// sets it to VELHLSParsingErrorMediaPattern, with the line as the message, except that a
-    /// ZOR-PATTERN_START without a colon and a pattern that is read but does not expand record nothing; all
+    /// ZOR-PATTERN_START without a colon and a pattern that is read but does not expand store nothing; all
     /// others leave both as they were. The metrics are written in all these cases. The exceptions of number
     /// conversion (std::invalid_argument, std::out_of_range) are not caught, nor those of a stream that was
     /// told to throw: they leave this function, and then the metrics are not written. When memory runs out
@@ -52,14 +58,14 @@ class VELHLS_API VELHLSMediaStream {
     /// EXT-X-TARGETDURATION that is empty or holds other characters than digits and points; an
     /// EXT-X-MEDIA-SEQUENCE or EXT-X-DISCONTINUITY-SEQUENCE that is empty or holds others than digits; an
     /// EXT-X-PLAYLIST-TYPE other than EVENT and VOD; an EXT-X-START without a TIME-OFFSET made of the
-    /// characters "+-0123456789."; an EXT-X-DEFINE without NAME or VALUE, or with a NAME whose hash was made to
-    /// meet too many others (VELHLSUtility::maximumCollidingNames); and a segment or pattern that does
-    /// not parse: see VELHLSMediaSegment::parseNextSegment and VELHLSMediaPattern::parseMediaPattern.
+    /// characters "+-0123456789."; an EXT-X-DEFINE without NAME or VALUE, or with a NAME whose hash was made
+    /// to meet too many others (VELHLSUtility::maximumCollidingNames); and a segment or pattern that does not
+    /// parse: see VELHLSMediaSegment::parseNextSegment and VELHLSMediaPattern::parseMediaPattern.
     ///
     /// Kept as is:
     /// - A segment URI of fewer than 6 characters without EXT-X-BYTERANGE throws std::out_of_range. Write a
     ///   longer one ("./0.ts" for "0.ts"), or give the byte range.
-    /// - "#EXTM3U" is not required. With it reading stops behind "#EXT-X-ENDLIST"; without it to the end.
+    /// - "#EXTM3U" is not required. With it reading stops after "#EXT-X-ENDLIST"; without it to the end.
     /// - Unknown tags between segments are ignored, EXT-X-CUE-IN among them; among a segment's tags an
     ///   unknown one rejects the playlist.
     /// - A last URI line without a line feed rejects the playlist.
@@ -69,7 +75,14 @@ class VELHLS_API VELHLSMediaStream {
     [[nodiscard]] static std::shared_ptr<VELHLSMediaStream> parseMediaStream(std::istream& input,
                                                                              VELHLSParsingStatus* status);
 
-    /// parseMediaStream without its timing: the status' metrics are not touched.
+    /// The same of a text in memory, which need not outlive the playlist: no stream is made, and nothing is copied but
+    /// what the playlist keeps. Throws std::bad_alloc alone: a number that cannot be converted is a reason as any other,
+    /// and null. Only a rejected text is read a second time, up to the place of the reason, to say where that is;
+    /// `reason` may be null, and is left as it was when the playlist is accepted.
+    [[nodiscard]] static std::shared_ptr<VELHLSMediaStream> parseMediaStream(std::string_view text,
+                                                                             VELHLSReason* reason = nullptr);
+
+    /// Not for callers: what parseMediaStream times. The status' metrics are not touched.
     [[nodiscard]] static std::shared_ptr<VELHLSMediaStream> internalParseMediaStream(
         std::istream& input, VELHLSParsingStatus* status);
 

@@ -4,16 +4,18 @@
 #include <string_view>
 #include <utility>
 
-#include "velhls/common/AttributeTag.h"
+#include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
+#include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/media/KeyAndMapTags.h"
 #include "velhls/media/KeyFormatVersions.h"
-#include "velhls/media/RecordParsers.h"
 
 namespace {
 
 namespace attribute = velhls::attribute;
-using velhls::Recorder;
+using velhls::Reason;
 using velhls::Rule;
 
 constexpr std::string_view ivStart = "0x";
@@ -31,61 +33,48 @@ std::optional<VELHLSProtectionData::ProtectionMethod> encryptingMethodNamed(std:
     return std::nullopt;
 }
 
-bool readAttribute(VELHLSProtectionData& key, const velhls::Attribute& read, Recorder* recorder) {
+bool readAttribute(VELHLSProtectionData& key, const velhls::Attribute& read, Reason& why) {
     if (read.name == attribute::uri) {
         key.uri = read.value;
     } else if (read.name == attribute::iv) {
-        if (!isInitializationVector(read.value)) return reject(recorder, Rule::keyIvMalformed, read.value);
+        if (!isInitializationVector(read.value)) return why(Rule::keyIvMalformed, read.value);
         key.iv = read.value;
     } else if (read.name == attribute::keyFormat) {
         key.keyFormat = read.value;
     } else if (read.name == attribute::keyFormatVersions) {
         if (!velhls::holdsOnly(read.value, velhls::digitsAndSlash)) {
-            return reject(recorder, Rule::keyFormatVersionsMalformed, read.value);
+            return why(Rule::keyFormatVersionsMalformed, read.value);
         }
-        key.keyFormatVersions = velhls::splitKeyFormatVersions(read.value, recorder);
-    } else if (read.name != attribute::method) {
-        tell(recorder, Rule::attributeIgnored, read.name);
+        key.keyFormatVersions = velhls::splitKeyFormatVersions(read.value, why);
     }
     return true;
 }
 
-bool readAttributes(VELHLSProtectionData& key, const velhls::AttributeList& attributes, Recorder* recorder) {
+bool readAttributes(VELHLSProtectionData& key, const velhls::AttributeList& attributes, Reason& why) {
     for (const velhls::Attribute& attribute : attributes) {
-        if (!readAttribute(key, attribute, recorder)) return false;
+        if (!readAttribute(key, attribute, why)) return false;
     }
     return true;
-}
-
-void tellOfIgnoredAttributes(Recorder* recorder, const velhls::AttributeList& attributes) {
-    if (recorder == nullptr) return;
-    for (const velhls::Attribute& read : attributes) {
-        if (read.name != attribute::method) recorder->report(Rule::keyAttributesIgnored, read.name, {});
-    }
 }
 
 }  // namespace
 
-bool velhls::parseKey(std::string_view line, VELHLSProtectionData& key, Recorder* recorder) {
-    const bool isSessionKey = isTagLine(line, tag::sessionKey);
-    if (!isSessionKey && !isTagLine(line, tag::key)) return false;
-    const std::string_view tagName = TagLine(line).name;
+bool velhls::readKey(const TagLine& tagLine, VELHLSProtectionData& key, Reason& why) {
     AttributeList attributes;
-    if (!parseNonEmptyAttributes(line, attributes, recorder)) return false;
+    if (!attributes.readNonEmpty(tagLine, why)) return false;
     const std::optional<std::string_view> methodName = attributes.find(attribute::method);
-    if (!methodName) return rejectMissing(recorder, Rule::keyMethodMissing, tagName);
+    if (!methodName) return why.missing(Rule::keyMethodMissing, tagLine.name);
 
     const bool encrypts = *methodName != fixed::none;
-    if (!encrypts && isSessionKey) return reject(recorder, Rule::sessionKeyMethodNone, *methodName);
+    if (!encrypts && tagLine.name == tag::sessionKey) return why(Rule::sessionKeyMethodNone, *methodName);
     const auto encryptingMethod = encryptingMethodNamed(*methodName);
-    if (encrypts && !encryptingMethod) return reject(recorder, Rule::keyMethodUnknown, *methodName);
+    if (encrypts && !encryptingMethod) return why(Rule::keyMethodUnknown, *methodName);
 
     // Apart from the key, since the line may be a text that it holds.
     VELHLSProtectionData read(encryptingMethod.value_or(VELHLSProtectionData::None), "", "", "", {});
-    if (encrypts && !readAttributes(read, attributes, recorder)) return false;
-    if (!encrypts) tellOfIgnoredAttributes(recorder, attributes);
+    if (encrypts && !readAttributes(read, attributes, why)) return false;
     // The one rule that may still be broken: the vector was looked at when it was read.
-    if (encrypts && read.uri.empty()) return rejectMissing(recorder, Rule::keyUriMissing, tagName);
+    if (encrypts && read.uri.empty()) return why.missing(Rule::keyUriMissing, tagLine.name);
     key = std::move(read);
     return true;
 }
@@ -100,7 +89,9 @@ VELHLSProtectionData::VELHLSProtectionData(ProtectionMethod method, const std::s
       keyFormatVersions(versions.empty() ? std::vector<std::int32_t>{1} : std::move(versions)) {}
 
 std::int32_t VELHLSProtectionData::parse(const std::string& line) {
-    return velhls::parseKey(line, *this, nullptr) ? 0 : -1;
+    const bool isKey = velhls::isTagLine(line, velhls::tag::key) || velhls::isTagLine(line, velhls::tag::sessionKey);
+    velhls::Reason ignored;
+    return isKey && velhls::readKey(velhls::TagLine(line), *this, ignored) ? 0 : -1;
 }
 
 bool VELHLSProtectionData::validate() const {
@@ -108,43 +99,36 @@ bool VELHLSProtectionData::validate() const {
     return iv.empty() || isInitializationVector(iv);
 }
 
-std::int32_t VELHLSProtectionData::render(std::string& out) const {
-    if (!validate()) return -1;
+std::string_view VELHLSProtectionData::textOf(ProtectionMethod method) noexcept {
     switch (method) {
         case None:
-            velhls::appendTag(out, velhls::tag::key);
-            velhls::appendAttribute(out, velhls::attribute::method, velhls::fixed::none);
-            out += '\n';
-            return 0;
+            return velhls::fixed::none;
         case AES128:
-            appendEncryptingKey(out, velhls::fixed::aes128);
-            return 0;
+            return velhls::fixed::aes128;
         case SampleAES:
-            appendEncryptingKey(out, velhls::fixed::sampleAes);
-            return 0;
+            return velhls::fixed::sampleAes;
     }
-    // Kept as is: a value that is no method is written as nothing at all.
-    return 0;
+    return {};
 }
 
-void VELHLSProtectionData::appendEncryptingKey(std::string& out, std::string_view methodName) const {
-    velhls::appendTag(out, velhls::tag::key);
-    velhls::appendAttribute(out, velhls::attribute::method, methodName);
-    out += ',';
-    velhls::appendQuotedAttribute(out, velhls::attribute::uri, uri);
-    if (!iv.empty()) {
-        out += ',';
-        velhls::appendAttribute(out, velhls::attribute::iv, iv);
+std::int32_t VELHLSProtectionData::render(std::string& out) const {
+    if (!validate()) return -1;
+    const std::string_view methodText = textOf(method);
+    // Kept as is: a value that is no method is written as nothing at all.
+    if (methodText.empty()) return 0;
+
+    velhls::AttributeWriter line(out, velhls::tag::key);
+    line.append(velhls::attribute::method, methodText);
+    if (method != None) {
+        line.appendQuoted(velhls::attribute::uri, uri)
+            .appendUnlessEmpty(velhls::attribute::iv, iv)
+            .appendQuotedUnlessEmpty(velhls::attribute::keyFormat, keyFormat);
+        const bool hasDefaultVersions = keyFormatVersions.size() == 1 && keyFormatVersions.front() == 1;
+        if (!hasDefaultVersions) {
+            line.appendQuoted(velhls::attribute::keyFormatVersions,
+                              velhls::joinKeyFormatVersions(keyFormatVersions));
+        }
     }
-    if (!keyFormat.empty()) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, velhls::attribute::keyFormat, keyFormat);
-    }
-    const bool defaultVersions = keyFormatVersions.size() == 1 && keyFormatVersions.front() == 1;
-    if (!defaultVersions) {
-        out += ',';
-        velhls::appendQuotedAttribute(out, velhls::attribute::keyFormatVersions,
-                                      velhls::joinKeyFormatVersions(keyFormatVersions));
-    }
-    out += '\n';
+    line.endLine();
+    return 0;
 }

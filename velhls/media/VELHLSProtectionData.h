@@ -26,6 +26,10 @@ class VELHLS_API VELHLSProtectionData {
         SampleAES = 2,  ///< "SAMPLE-AES"
     };
 
+    /// The text of a METHOD, as a playlist has it: "NONE", "AES-128" or "SAMPLE-AES". Empty for a value that
+    /// is no method.
+    [[nodiscard]] static std::string_view textOf(ProtectionMethod method) noexcept;
+
     /// Stores its arguments; an empty list of versions becomes the single version 1. Checks nothing.
     VELHLSProtectionData(ProtectionMethod method, const std::string& uri, const std::string& iv,
                          const std::string& keyFormat, std::vector<std::int32_t> versions);
@@ -56,7 +60,7 @@ class VELHLS_API VELHLSProtectionData {
     /// METHOD.
     ProtectionMethod method;
 
-    /// URI of the key; empty for method None.
+    /// URI of the key, not resolved (VELHLS.h); empty for method None.
     std::string uri;
 
     /// IV as it was written: "0x" and 32 hexadecimal digits. Empty when absent.
@@ -67,7 +71,4 @@ class VELHLS_API VELHLSProtectionData {
 
     /// KEYFORMATVERSIONS; {1} when absent.
     std::vector<std::int32_t> keyFormatVersions;
-
-  private:
-    VELHLS_HIDDEN void appendEncryptingKey(std::string& out, std::string_view methodName) const;
 };

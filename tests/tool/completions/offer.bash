@@ -1,7 +1,9 @@
-# offer.bash FILE LINE: what the completions of FILE offer for the end of the line.
+# offer.bash FILE LINE...: what the completions of FILE offer for the end of each line, and "." after each.
 source "$1"
-IFS=' ' read -ra COMP_WORDS <<<"$2"
-if [[ $2 == *' ' ]]; then COMP_WORDS+=(""); fi
-COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-_velhls
-printf '%s\n' "${COMPREPLY[@]}"
+for line in "${@:2}"; do
+    IFS=' ' read -ra COMP_WORDS <<<"$line"
+    if [[ $line == *' ' ]]; then COMP_WORDS+=(""); fi
+    COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+    _velhls
+    printf '%s\n' "${COMPREPLY[@]}" .
+done

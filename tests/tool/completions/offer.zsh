@@ -1,4 +1,5 @@
-# offer.zsh FILE LINE: what the completions of FILE offer for the end of the line, asked of an interactive zsh.
+# offer.zsh FILE LINE...: what the completions of FILE offer for the end of each line, and "." after each, asked of an
+# interactive zsh. It needs a terminal: where there is none it exits with 77 and says so.
 zmodload zsh/zpty
 offers=$(mktemp)
 init=$(mktemp)
@@ -20,19 +21,23 @@ compadd() {
 list() { _main_complete; }
 zle -C list list-choices list
 bindkey '^I' list
-finish() { print DONE >>${(q)offers}; exit; }
+next() { print . >>${(q)offers}; BUFFER=; }
+zle -N next
+bindkey '^X' next
+finish() { print; print FINISHED; exit; }
 zle -N finish
-bindkey '^X' finish
+bindkey '^Y' finish
 print READY
 END
-zpty shell zsh -f -i
+if ! zpty shell zsh -f -i 2>/dev/null; then
+    rm -f $offers $init
+    print -u2 "skipped: zsh completes on terminals alone, and there is none to be had (is /dev/pts mounted?)"
+    exit 77
+fi
 zpty -w shell "source $init"
 zpty -r -m shell ignored '*READY*'
-zpty -w -n shell "$2"$'\t'
-zpty -w -n shell $'\x18'
-for attempt in {1..100}; do
-    [[ $(tail -n 1 $offers) == DONE ]] && break
-    sleep 0.05
-done
-grep -v '^DONE$' $offers
+for line in "${@[2,-1]}"; do zpty -w -n shell "$line"$'\t\x18'; done
+zpty -w -n shell $'\x19'
+zpty -r -m shell ignored '*FINISHED*'
+cat $offers
 rm -f $offers $init

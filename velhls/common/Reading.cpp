@@ -1,0 +1,251 @@
+#include "velhls/common/Reading.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <utility>
+
+#include "velhls/common/AttributeList.h"
+#include "velhls/common/Names.h"
+#include "velhls/common/TagLine.h"
+#include "velhls/common/TextScan.h"
+
+namespace velhls {
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+std::string cleaned(std::string_view line) {
+    std::string text(line);
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
+/// Where in the line of the text the character stands that is at the position in the line as it was read.
+std::size_t positionInText(std::string_view lineOfText, std::size_t sizeAsRead, std::size_t position) {
+    if (lineOfText.size() == sizeAsRead) return position;
+    std::size_t left = position;
+    std::size_t at = 0;
+    for (; at < lineOfText.size() && (left > 0 || lineOfText[at] == '\r'); ++at) {
+        if (lineOfText[at] != '\r') --left;
+    }
+    // Carriage returns at the end of the line stand after all of its characters.
+    return std::min(at, std::max(position, withoutTrailing(lineOfText, lineEnds).size()));
+}
+
+Place wholeLine(std::size_t number, std::string_view line) {
+    return {number, 1, withoutTrailing(line, lineEnds).size()};
+}
+
+/// The first line of the text, which is taken off with its line feed.
+std::string_view takeLine(std::string_view& text) {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    return line;
+}
+
+/// Whether the line of a body makes one of the expanded text. All vendor tags with a colon are increments, or fail.
+bool isExpanded(std::string_view line) {
+    return !isVendorTag(line) || !TagLine(line).hasColon;
+}
+
+}  // namespace
+
+bool isPartOf(std::string_view piece, std::string_view text) {
+    const std::less_equal<const char*> notAfter;
+    return notAfter(text.data(), piece.data()) &&
+           notAfter(piece.data() + piece.size(), text.data() + text.size());
+}
+
+Place placeIn(std::size_t lineNumber, std::string_view lineOfText, std::string_view lineAsRead,
+              std::string_view piece) {
+    const auto start = static_cast<std::size_t>(piece.data() - lineAsRead.data());
+    const std::size_t first = positionInText(lineOfText, lineAsRead.size(), start);
+    if (piece.empty()) return {lineNumber, first + 1, 0};
+    const std::size_t last = positionInText(lineOfText, lineAsRead.size(), start + piece.size() - 1);
+    return {lineNumber, first + 1, last + 1 - first};
+}
+
+Place placeOfAttribute(std::size_t lineNumber, std::string_view lineOfText, std::string_view attributeName) {
+    const std::string line = cleaned(lineOfText);
+    const TagLine tagLine(line);
+    AttributeList attributes;
+    Reason ignored;
+    const bool isList = !attributeName.empty() && attributes.read(tagLine.value, ignored);
+    const std::optional<std::string_view> value = isList ? attributes.find(attributeName) : std::nullopt;
+    return placeIn(lineNumber, lineOfText, line, value.value_or(tagLine.name));
+}
+
+void Reading::lineRead(std::string_view line) {
+    if (isExpanding()) {
+        expandedLine_ = line;
+        ++expandedLinesRead_;
+    } else {
+        ++linesRead_;
+        line_ = {line, linesRead_};
+    }
+}
+
+std::string_view Reading::withoutCarriageReturns(std::string_view line) {
+    cleanLines_.push_back({cleaned(line), line, currentLine().number});
+    return cleanLines_.back().text;
+}
+
+void Reading::recordBegins() {
+    recordStart_ = line_;
+    recordsBefore_ = records_.size();
+    const bool lastIsClean = !cleanLines_.empty() && cleanLines_.back().line.data() == line_.line.data();
+    while (cleanLines_.size() > (lastIsClean ? 1U : 0U))
+        cleanLines_.pop_front();
+}
+
+void Reading::recordMade(const void* record) {
+    if (!isExpanding() || expandedLines_.empty()) {
+        records_.push_back({RecordLines::Kind::record, record, recordStart_.number, line_.number});
+        return;
+    }
+    const std::size_t first = expandedRecordStart_ % expandedLines_.size();
+    records_.push_back(
+        {RecordLines::Kind::record, record, expandedLines_[first].number, currentLine().number});
+    expandedRecordStart_ = expandedLinesRead_;
+    cleanLines_.clear();
+}
+
+void Reading::patternMade() {
+    records_.push_back({RecordLines::Kind::pattern, nullptr, recordStart_.number, line_.number});
+}
+
+void Reading::recordRejected() {
+    records_.resize(recordsBefore_);
+    records_.push_back({RecordLines::Kind::rejected, nullptr, recordStart_.number, line_.number});
+}
+
+void Reading::rejected(Reason& reason) {
+    if (!reason.isSet) return;
+    reason.clear();
+    // From here on setting a variable would take the time that the rule is there to spare.
+    if (reason.rule == Rule::defineNamesCollide) hasEnded_ = true;
+    const bool isMarked =
+        reason.rule == Rule::uriWithoutTag && linesRead_ == 1 && startsWith(text_, byteOrderMark);
+    const Rule rule = isMarked ? Rule::byteOrderMark : reason.rule;
+    const std::size_t count = ++counts_[static_cast<std::size_t>(rule)];
+    if (count > mostRejectionsOfOneRule) return;
+    if (isMarked) {
+        rejections_.push_back({rule, {1, 1, byteOrderMark.size()}, "one"});
+    } else {
+        const bool hasPlace = reason.where.data() != nullptr;
+        rejections_.push_back(
+            {rule, hasPlace ? find(reason.where) : placeOfRecord(reason.tag), std::move(reason.seen)});
+    }
+}
+
+/// The lines of a body are lines of the record, in their order: those of the pattern's own tags are left out.
+void Reading::expansionBegins(std::string_view body) {
+    bodyLines_.clear();
+    expandedLines_.clear();
+    std::string_view rest = body;
+    for (const NumberedLine& line : linesOfRecord()) {
+        std::string_view after = rest;
+        const std::string_view bodyLine = takeLine(after);
+        if (rest.empty() || (line.line != bodyLine && cleaned(line.line) != bodyLine)) continue;
+        rest = after;
+        bodyLines_.push_back(line);
+        if (isExpanded(bodyLine)) expandedLines_.push_back(line);
+    }
+    body_ = body;
+    expandedLine_ = {};
+    expandedLinesRead_ = 0;
+    expandedRecordStart_ = 0;
+}
+
+void Reading::expansionEnds() {
+    body_ = {};
+    cleanLines_.clear();
+}
+
+Reading::NumberedLine Reading::currentLine() const {
+    if (!isExpanding() || expandedLinesRead_ == 0 || expandedLines_.empty()) return line_;
+    return expandedLines_[(expandedLinesRead_ - 1) % expandedLines_.size()];
+}
+
+/// While a pattern is expanded those of its segment that was begun last.
+std::vector<Reading::NumberedLine> Reading::linesOfRecord() const {
+    if (!isExpanding() || expandedLines_.empty()) return linesOfTextSince(recordStart_);
+    std::vector<NumberedLine> lines;
+    for (std::size_t index = expandedRecordStart_; index < expandedLinesRead_; ++index)
+        lines.push_back(expandedLines_[index % expandedLines_.size()]);
+    return lines;
+}
+
+std::vector<Reading::NumberedLine> Reading::linesOfTextSince(const NumberedLine& start) const {
+    std::vector<NumberedLine> lines;
+    if (start.line.data() == nullptr) return lines;
+    const char* const end = line_.line.data() + line_.line.size();
+    std::string_view rest(start.line.data(), static_cast<std::size_t>(end - start.line.data()));
+    for (std::size_t number = start.number; number <= line_.number; ++number)
+        lines.push_back({takeLine(rest), number});
+    return lines;
+}
+
+Place Reading::find(std::string_view piece) const {
+    if (isPartOf(piece, text_)) return findInText(piece);
+    if (isExpanding() && isPartOf(piece, body_)) return findInBody(piece);
+    const auto clean = std::find_if(cleanLines_.rbegin(), cleanLines_.rend(), [piece](const CleanLine& line) {
+        return isPartOf(piece, line.text);
+    });
+    if (clean == cleanLines_.rend()) return findInExpandedLine(expandedLine_, piece);
+    if (isExpanding()) return findInExpandedLine(clean->text, piece);
+    return placeIn(clean->number, clean->line, clean->text, piece);
+}
+
+/// Mostly in the line that was read last.
+Place Reading::findInText(std::string_view piece) const {
+    const auto position = static_cast<std::size_t>(piece.data() - text_.data());
+    const auto lineStart = static_cast<std::size_t>(line_.line.data() - text_.data());
+    if (position >= lineStart) return {line_.number, position - lineStart + 1, piece.size()};
+    const std::size_t feed = position == 0 ? std::string_view::npos : text_.rfind('\n', position - 1);
+    const std::size_t start = feed == std::string_view::npos ? 0 : feed + 1;
+    const auto between = std::count(text_.begin() + static_cast<std::ptrdiff_t>(start),
+                                    text_.begin() + static_cast<std::ptrdiff_t>(lineStart), '\n');
+    return {line_.number - static_cast<std::size_t>(between), position - start + 1, piece.size()};
+}
+
+Place Reading::findInBody(std::string_view piece) const {
+    const auto position = static_cast<std::size_t>(piece.data() - body_.data());
+    const auto index = static_cast<std::size_t>(
+        std::count(body_.begin(), body_.begin() + static_cast<std::ptrdiff_t>(position), '\n'));
+    if (index >= bodyLines_.size()) return {};
+    const std::size_t feed = position == 0 ? std::string_view::npos : body_.rfind('\n', position - 1);
+    const std::string_view rest = body_.substr(feed == std::string_view::npos ? 0 : feed + 1);
+    return placeIn(bodyLines_[index].number, bodyLines_[index].line, rest.substr(0, rest.find('\n')), piece);
+}
+
+/// A line that holds what was put in the place of variables has no columns in the text.
+Place Reading::findInExpandedLine(std::string_view line, std::string_view piece) const {
+    if (!isExpanding() || !isPartOf(piece, line)) return {};
+    const NumberedLine bodyLine = currentLine();
+    const bool isSame = cleaned(bodyLine.line) == cleaned(line);
+    return isSame ? placeIn(bodyLine.number, bodyLine.line, line, piece)
+                  : wholeLine(bodyLine.number, bodyLine.line);
+}
+
+/// The media pattern that makes a segment is a record around it.
+Place Reading::placeOfRecord(std::string_view tagName) const {
+    const std::vector<NumberedLine> lines = linesOfRecord();
+    const auto hasTag = [tagName](const NumberedLine& line) {
+        return isTagLine(cleaned(line.line), tagName);
+    };
+    for (const auto& candidates : {lines, linesOfTextSince(recordStart_)}) {
+        const auto found = std::find_if(candidates.rbegin(), candidates.rend(), hasTag);
+        if (found == candidates.rend()) continue;
+        const std::string text = cleaned(found->line);
+        const std::string_view value = TagLine(text).value;
+        return placeIn(found->number, found->line, text, value.substr(0, value.find(',')));
+    }
+    if (lines.empty()) return {};
+    const std::string text = cleaned(lines.front().line);
+    return placeIn(lines.front().number, lines.front().line, text,
+                   isTagOrComment(text) ? TagLine(text).name : std::string_view(text));
+}
+
+}  // namespace velhls

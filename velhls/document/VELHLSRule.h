@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string_view>
+
+#include "velhls/document/VELHLSFinding.h"
+
+/// One rule that VELHLSDiagnostics knows. All texts live as long as the program.
+struct VELHLSRule {
+    /// The rule's stable name: "variant-bandwidth-zero".
+    std::string_view id;
+
+    /// How much its findings weigh.
+    VELHLSFinding::Severity severity;
+
+    /// One sentence: what the rule finds.
+    std::string_view summary;
+
+    /// What its findings say was expected.
+    std::string_view expected;
+
+    /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
+    std::string_view source;
+
+    /// Whether what the library writes does no longer hold what the rule finds.
+    bool isLostWhenWritten;
+};

@@ -1,0 +1,268 @@
+#include "velhls/losses/Loss.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+
+#include "velhls/common/Names.h"
+#include "velhls/common/Numbers.h"
+#include "velhls/common/ReasonText.h"
+#include "velhls/common/StartTag.h"
+#include "velhls/common/TextScan.h"
+#include "velhls/losses/LossText.h"
+
+namespace velhls {
+namespace {
+
+constexpr bool lost = true;
+constexpr bool kept = false;
+
+const WrittenAttribute* lastAttribute(const LossLine& line) {
+    return line.attributes == nullptr || line.attributes->empty() ? nullptr : &line.attributes->back();
+}
+
+/// The text of the line from the end of a piece on.
+std::string_view textAfter(const LossLine& line, std::string_view piece) {
+    return line.text.substr(static_cast<std::size_t>(piece.data() + piece.size() - line.text.data()));
+}
+
+/// Of a quoted value that is the last one and is not closed, with its opening quote.
+void findUnclosedQuote(const LossLine& line, const Tell& tell) {
+    const WrittenAttribute* const last = lastAttribute(line);
+    if (last == nullptr || !last->isQuoted || !textAfter(line, last->value).empty()) return;
+    tell(line, line.text.substr(line.text.size() - last->value.size() - 1));
+}
+
+void findTextAfterLastQuote(const LossLine& line, const Tell& tell) {
+    const WrittenAttribute* const last = lastAttribute(line);
+    if (last == nullptr || !last->isQuoted) return;
+    const std::string_view after = textAfter(line, last->value);
+    if (after.size() > 1) tell(line, after.substr(1));
+}
+
+void findTextBeforeQuote(const LossLine& line, const Tell& tell) {
+    if (line.attributes == nullptr) return;
+    for (const WrittenAttribute& attribute : *line.attributes) {
+        if (!attribute.isQuoted) continue;
+        const auto length = static_cast<std::size_t>(attribute.value.data() - attribute.name.data()) -
+                            attribute.name.size() - 2;
+        if (length > 0) tell(line, textAfter(line, attribute.name).substr(1, length));
+    }
+}
+
+void findRepeatedAttribute(const LossLine& line, const Tell& tell) {
+    if (line.attributes == nullptr) return;
+    for (const WrittenAttribute& attribute : *line.attributes) {
+        if (attribute.isRepeated) tell(line, attribute.name);
+    }
+}
+
+/// The attributes that the model of a tag has a field for.
+struct KeptAttributes {
+    std::string_view tag;
+    std::array<std::string_view, 12> names;
+};
+
+constexpr std::array<std::string_view, 12> keptOfVariant = {
+    attribute::bandwidth, attribute::averageBandwidth, attribute::codecs, attribute::resolution,
+    attribute::programId, attribute::uri,              attribute::audio,  attribute::video,
+    attribute::subtitles, attribute::closedCaptions};
+constexpr std::array<std::string_view, 12> keptOfKey = {attribute::method, attribute::uri, attribute::iv,
+                                                        attribute::keyFormat,
+                                                        attribute::keyFormatVersions};
+
+constexpr KeptAttributes keptAttributes[] = {
+    {tag::streamInf, keptOfVariant},
+    {tag::iFrameStreamInf, keptOfVariant},
+    {tag::media,
+     {attribute::type, attribute::defaultFlag, attribute::autoSelect, attribute::forced, attribute::uri,
+      attribute::groupId, attribute::language, attribute::assocLanguage, attribute::name,
+      attribute::instreamId, attribute::audioTrackType, attribute::characteristics}},
+    {tag::sessionData, {attribute::dataId, attribute::value, attribute::uri, attribute::language}},
+    {tag::sessionKey, keptOfKey},
+    {tag::key, keptOfKey},
+    {tag::map, {attribute::uri, attribute::byteRange}},
+};
+
+bool endsEncryption(const LossLine& line) {
+    const Attribute* const method = line.find(attribute::method);
+    return line.isTagNamed(tag::key) && method != nullptr && method->value == fixed::none;
+}
+
+void findIgnoredAttribute(const LossLine& line, const Tell& tell) {
+    // The first attribute of session data is lost with the tag's colon, and has a rule of its own, as have those of a
+    // key that ends encryption.
+    if (line.attributes == nullptr || endsEncryption(line)) return;
+    for (const KeptAttributes& known : keptAttributes) {
+        if (line.tag.name != known.tag) continue;
+        for (const WrittenAttribute& attribute : *line.attributes) {
+            const bool isKnown =
+                std::find(known.names.begin(), known.names.end(), attribute.name) != known.names.end();
+            if (isKnown || attribute.isRepeated || startsWith(attribute.name, ":")) continue;
+            tell(line, attribute.name);
+        }
+    }
+}
+
+void findComment(const LossLine& line, const Tell& tell) {
+    const bool isComment = isTagOrComment(line.text) && !line.isTag;
+    const bool isLost = line.role != LineRole::variantUri && line.role != LineRole::rejected;
+    if (isComment && isLost) tell(line, line.text);
+}
+
+/// EXT-X-START that the models read, and the seconds of its offset; nothing for any other line.
+std::optional<double> startOffset(const LossLine& line) {
+    if (!line.isTagNamed(tag::start) || !line.tag.hasColon) return std::nullopt;
+    double offset = 0.0;
+    bool precise = false;
+    Reason ignored;
+    try {
+        if (readStartTag(line.tag, offset, precise, ignored)) return offset;
+    } catch (const std::logic_error&) {
+        // Rejected.
+    }
+    return std::nullopt;
+}
+
+/// What a number may be made of, by RFC 8216, section 4.2.
+enum class NumberForm { integer, decimal, signedDecimal };
+
+bool hasForm(std::string_view number, NumberForm form) {
+    if (form == NumberForm::signedDecimal && startsWith(number, "-")) number.remove_prefix(1);
+    if (form == NumberForm::integer) return !number.empty() && holdsOnly(number, digits);
+    return !number.empty() && holdsOnly(number, digitsAndPoint) &&
+           std::count(number.begin(), number.end(), '.') <= 1;
+}
+
+/// What the models read; nothing when they read nothing.
+std::optional<std::string> textAsRead(std::string_view number, NumberForm form) {
+    try {
+        if (form != NumberForm::integer) return inSeconds(toDouble(number));
+        std::string text;
+        appendDecimal(text, toInt64(number));
+        return text;
+    } catch (const std::logic_error&) {
+        // A number that cannot be converted is a reason to reject, and no loss.
+        return std::nullopt;
+    }
+}
+
+enum class Kind { master, media, both };
+
+/// Where a number stands that the models read.
+struct NumberPlace {
+    Kind kind;
+    std::string_view tag;
+    /// Empty for the start of the tag's value.
+    std::string_view attribute;
+    NumberForm form;
+};
+
+constexpr NumberPlace numberPlaces[] = {
+    {Kind::media, tag::extInf, {}, NumberForm::decimal},
+    {Kind::both, tag::version, {}, NumberForm::integer},
+    {Kind::media, tag::zorPatternRepeat, {}, NumberForm::integer},
+    {Kind::media, tag::targetDuration, {}, NumberForm::decimal},
+    {Kind::both, tag::start, attribute::timeOffset, NumberForm::signedDecimal},
+    {Kind::master, tag::streamInf, attribute::bandwidth, NumberForm::integer},
+    {Kind::master, tag::streamInf, attribute::averageBandwidth, NumberForm::integer},
+    {Kind::master, tag::streamInf, attribute::programId, NumberForm::integer},
+    {Kind::master, tag::iFrameStreamInf, attribute::bandwidth, NumberForm::integer},
+    {Kind::master, tag::iFrameStreamInf, attribute::averageBandwidth, NumberForm::integer},
+    {Kind::master, tag::iFrameStreamInf, attribute::programId, NumberForm::integer},
+    {Kind::master, tag::zorStreamInf, attribute::nominalVideoBitrate, NumberForm::integer},
+    {Kind::master, tag::zorStreamInf, attribute::nominalAudioBitrate, NumberForm::integer},
+};
+
+void findOtherNotation(const LossLine& line, const Tell& tell) {
+    if (!line.isTag || !line.tag.hasColon) return;
+    // An offset of other characters is rejected before it is read.
+    if (line.tag.name == tag::start && !startOffset(line)) return;
+    for (const NumberPlace& place : numberPlaces) {
+        const bool isOther = place.kind == (line.playlist->isMaster ? Kind::media : Kind::master);
+        if (line.tag.name != place.tag || isOther) continue;
+        const Attribute* const attribute = line.find(place.attribute);
+        if (attribute == nullptr && !place.attribute.empty()) continue;
+        std::string_view number = line.tag.value;
+        if (attribute != nullptr) number = attribute->value;
+        if (line.tag.name == tag::extInf) number = number.substr(0, number.find(','));
+        if (line.tag.name == tag::zorPatternRepeat) number = number.substr(number.find(',') + 1);
+        if (hasForm(number, place.form)) continue;
+        const std::optional<std::string> read = textAsRead(number, place.form);
+        if (read) tell(line, number, quoted(number) + ", read as " + *read);
+    }
+}
+
+void findInvalidPrecise(const LossLine& line, const Tell& tell) {
+    const Attribute* const precise = startOffset(line) ? line.find(attribute::precise) : nullptr;
+    if (precise == nullptr || precise->value == fixed::yes || precise->value == fixed::no) return;
+    tell(line, precise->value);
+}
+
+void findPreciseKept(const LossLine& line, const Tell& tell) {
+    if (!startOffset(line) || !line.playlist->startIsPrecise) return;
+    const Attribute* const precise = line.find(attribute::precise);
+    if (precise == nullptr || precise->value != fixed::yes) tell(line, line.tag.name);
+}
+
+void findStartOfZero(const LossLine& line, const Tell& tell) {
+    if (startOffset(line) == 0.0) tell(line, line.find(attribute::timeOffset)->value);
+}
+
+void findRoundedStart(const LossLine& line, const Tell& tell) {
+    const std::optional<double> offset = startOffset(line);
+    if (!offset || *offset == 0.0) return;
+    const std::string_view text = line.find(attribute::timeOffset)->value;
+    const std::string written = startOffsetText(std::ostringstream(), *offset);
+    if (toDouble(written) == *offset && holdsOnly(written, digitsPointAndSigns)) return;
+    tell(line, text, quoted(text) + ", written as " + written);
+}
+
+// clang-format off
+constexpr LineLoss losses[] = {
+    {{"comment-not-written", VELHLSFinding::Note, "A comment is not written back.",
+      "a line that is written back", libraryBehaviour, lost},
+     findComment},
+    {{"number-not-decimal", VELHLSFinding::Warning, "A number holds more than RFC 8216 allows, and is read in part or in another notation.",
+      "a decimal number and nothing else", "RFC 8216, section 4.2", kept},
+     findOtherNotation},
+    {{"attribute-quote-unclosed-at-end", VELHLSFinding::Warning, "The last value of an attribute list has no closing quote.",
+      "a closing quote", "RFC 8216, section 4.2", kept},
+     findUnclosedQuote},
+    {{"attribute-text-after-last-quote", VELHLSFinding::Warning, "Text stands after the closing quote of the last value, and is dropped.",
+      "the end of the line after the closing quote", "RFC 8216, section 4.2", lost},
+     findTextAfterLastQuote},
+    {{"attribute-text-before-quote", VELHLSFinding::Warning, "Text stands between an equals sign and the opening quote, and is dropped.",
+      "the opening quote right after the equals sign", "RFC 8216, section 4.2", lost},
+     findTextBeforeQuote},
+    {{"attribute-repeated", VELHLSFinding::Warning, "An attribute stands a second time, and is dropped.",
+      "the attribute once", "RFC 8216, section 4.2", lost},
+     findRepeatedAttribute},
+    {{"attribute-ignored", VELHLSFinding::Warning, "An attribute that the model has no field for is dropped.",
+      "an attribute that the library keeps", libraryBehaviour, lost},
+     findIgnoredAttribute},
+    {{"start-precise-invalid", VELHLSFinding::Warning, "PRECISE is neither YES nor NO.",
+      "YES or NO", "RFC 8216, section 4.3.5.2", kept},
+     findInvalidPrecise},
+    {{"start-precise-kept", VELHLSFinding::Warning, "A later EXT-X-START does not take PRECISE=YES back.",
+      "PRECISE=YES, which an earlier EXT-X-START has set", libraryBehaviour, kept},
+     findPreciseKept},
+    {{"start-zero-not-written", VELHLSFinding::Warning, "An EXT-X-START with an offset of 0 is not written back.",
+      "an offset other than 0", libraryBehaviour, lost},
+     findStartOfZero},
+    {{"start-offset-rounded", VELHLSFinding::Warning, "The offset of EXT-X-START is written with six significant digits.",
+      "at most six significant digits", libraryBehaviour, kept},
+     findRoundedStart},
+};
+// clang-format on
+
+}  // namespace
+
+LossTable<LineLoss> lineLosses() {
+    return {losses, std::size(losses)};
+}
+
+}  // namespace velhls

@@ -1,0 +1,37 @@
+#include "velhls/losses/Loss.h"
+
+#include <algorithm>
+
+#include "velhls/common/Reading.h"
+
+namespace velhls {
+
+const Attribute* LossLine::find(std::string_view name) const {
+    if (attributes == nullptr) return nullptr;
+    const auto found = std::find_if(attributes->begin(), attributes->end(),
+                                    [name](const Attribute& attribute) { return attribute.name == name; });
+    return found == attributes->end() ? nullptr : &*found;
+}
+
+void Tell::operator()(const LossLine& line, std::string_view piece, std::string_view seen) const {
+    if (findings_.isFull(rule_)) return;
+    findings_.add(rule_, placeIn(line.number, line.lineOfText, line.text, piece), seen);
+}
+
+void Tell::operator()(const Place& place, std::string_view seen) const {
+    if (!findings_.isFull(rule_)) findings_.add(rule_, place, seen);
+}
+
+bool LossSegment::hasTag(std::string_view name) const {
+    return std::any_of(lines.begin(), lines.end(),
+                       [name](const LossLine& line) { return line.isTagNamed(name); });
+}
+
+std::string_view LossSegment::inUriLine(std::string_view pieceOfUri) const {
+    const std::string_view line = uriLine().text;
+    const std::string_view uri = segment.uri;
+    if (line.substr(0, uri.size()) != uri) return line;
+    return line.substr(static_cast<std::size_t>(pieceOfUri.data() - uri.data()), pieceOfUri.size());
+}
+
+}  // namespace velhls

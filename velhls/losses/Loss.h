@@ -1,0 +1,147 @@
+// Internal to the library, not installed: what the models drop, change or read otherwise than it seems to be meant.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velhls/common/AttributeList.h"
+#include "velhls/common/TagLine.h"
+#include "velhls/document/FindingList.h"
+#include "velhls/document/TextLines.h"
+#include "velhls/document/VELHLSRule.h"
+#include "velhls/manifest/VELHLSParsedManifest.h"
+#include "velhls/media/VELHLSMediaStream.h"
+
+namespace velhls {
+
+/// What a line was for the reader.
+enum class LineRole {
+    alone,        ///< no record was made of it
+    record,       ///< a record's: of a segment its tags and its URI, of a variant its tag
+    variantUri,   ///< the line after EXT-X-STREAM-INF
+    pattern,      ///< a media pattern's: its own tags, and those of its segments
+    rejected,     ///< of something that was rejected
+};
+
+/// An attribute of a tag, as it was written.
+struct WrittenAttribute : Attribute {
+    /// The tag has one of this name before, which holds.
+    bool isRepeated = false;
+};
+
+/// What is known of the playlist when one of its lines is looked at.
+struct LossPlaylist {
+    bool isMaster = false;
+    /// Whether its ZOR-STREAM-INF lines are as many as its EXT-X-STREAM-INF tags. Unknown when one was rejected.
+    std::optional<bool> pairsStreamInformation;
+
+    // What the lines before said.
+    bool hasHeader = false;
+    bool startIsPrecise = false;
+    /// Ordered, so that no choice of names makes looking one up slow.
+    std::set<std::string, std::less<>> variables;
+};
+
+/// A line as a reader read it, with what was made of it.
+struct LossLine {
+    std::size_t number = 1;
+    std::string_view lineOfText;
+    /// Without carriage returns.
+    std::string_view text;
+    LineRole role = LineRole::alone;
+    bool isTag = false;
+    TagLine tag;
+    /// Of a tag that the models read attributes of; null where they are malformed.
+    const std::vector<WrittenAttribute>* attributes = nullptr;
+    /// Whether the playlist kept the record.
+    bool isKept = true;
+    const LossPlaylist* playlist = nullptr;
+
+    [[nodiscard]] bool isTagNamed(std::string_view name) const { return isTag && tag.name == name; }
+    /// The attribute that holds; null when there is none.
+    [[nodiscard]] const Attribute* find(std::string_view name) const;
+};
+
+/// Tells of one rule.
+class Tell {
+  public:
+    Tell(FindingList& findings, const VELHLSRule& rule) : findings_(findings), rule_(rule) {}
+
+    /// At a piece of the line. Without `seen` that text is what was seen.
+    void operator()(const LossLine& line, std::string_view piece, std::string_view seen = {}) const;
+    /// At a place of the text.
+    void operator()(const Place& place, std::string_view seen = {}) const;
+
+  private:
+    FindingList& findings_;
+    const VELHLSRule& rule_;
+};
+
+/// A segment that was kept, and its lines. Of a media pattern's segments only those of the first pass are looked at.
+struct LossSegment {
+    const VELHLSMediaSegment& segment;
+    /// Null for the first one.
+    const VELHLSMediaSegment* previous;
+    const std::vector<LossLine>& lines;
+    /// A variable may have been put into its URI.
+    bool isOfPattern;
+
+    [[nodiscard]] const LossLine& uriLine() const { return lines.back(); }
+    [[nodiscard]] bool hasTag(std::string_view name) const;
+    /// A piece of the segment's URI in its line: the whole line where a variable was put in.
+    [[nodiscard]] std::string_view inUriLine(std::string_view pieceOfUri) const;
+};
+
+/// The lines of a media pattern that was kept.
+struct LossPattern {
+    const std::vector<LossLine>& lines;
+    std::size_t startLine;
+    bool madeSegments;
+
+    [[nodiscard]] const LossLine& start() const { return lines[startLine]; }
+};
+
+/// A rule, and beside it the one function that finds it.
+template <typename Subject>
+struct Loss {
+    VELHLSRule rule;
+    void (*find)(const Subject& subject, const Tell& tell);
+};
+
+/// What stands after the line that ended the playlist.
+struct LossRest {
+    const TextLines& lines;
+    std::size_t firstLine;
+};
+
+using LineLoss = Loss<LossLine>;
+using SegmentLoss = Loss<LossSegment>;
+using PatternLoss = Loss<LossPattern>;
+using RestLoss = Loss<LossRest>;
+
+template <typename Entry>
+struct LossTable {
+    const Entry* first;
+    std::size_t count;
+
+    [[nodiscard]] const Entry* begin() const { return first; }
+    [[nodiscard]] const Entry* end() const { return first + count; }
+};
+
+// The tables. Each stands beside its functions, in the file of its name.
+[[nodiscard]] LossTable<LineLoss> lineLosses();
+[[nodiscard]] LossTable<LineLoss> masterLosses();
+[[nodiscard]] LossTable<LineLoss> mediaLosses();
+[[nodiscard]] LossTable<SegmentLoss> segmentLosses();
+[[nodiscard]] LossTable<PatternLoss> patternLosses();
+[[nodiscard]] LossTable<RestLoss> restLosses();
+
+inline constexpr std::string_view libraryBehaviour = "library behaviour";
+inline constexpr std::string_view vendorExtension = "vendor extension";
+
+}  // namespace velhls
