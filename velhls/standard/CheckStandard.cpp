@@ -115,7 +115,7 @@ void checkSegments(const CheckedPlaylist& playlist, StandardFindings& findings) 
 
 void checkPlaylist(const CheckedPlaylist& playlist, StandardFindings& findings) {
     if (playlist.profile() == StandardProfile::apple)
-        return findAll(authoringPlaylistRules(), playlist, findings);
+        return findAll(playlist.isMaster() ? authoringMasterRules() : authoringMediaRules(), playlist, findings);
     for (const auto& table :
          {headerRules(), versionRules(), keyRelationRules(), dateRules(), dateRangeRelationRules(),
           mediaPlaylistRules(), variantRelationRules(), groupRules(), sessionRelationRules()})
@@ -156,8 +156,9 @@ void checkStandard(const VELHLSDocument& document, StandardProfile profile,
 std::vector<StandardRule> rulesOfStandard(StandardProfile profile) {
     std::vector<StandardRule> rules;
     if (profile == StandardProfile::apple) {
-        appendRules(authoringPlaylistRules(), rules);
+        appendRules(authoringMasterRules(), rules);
         appendRules(authoringLineRules(), rules);
+        appendRules(authoringMediaRules(), rules);
         appendRules(authoringSegmentRules(), rules);
         return rules;
     }

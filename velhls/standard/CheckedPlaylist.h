@@ -33,7 +33,7 @@ class CheckedPlaylist {
     template <typename Row>
     [[nodiscard]] bool knows(const Row& row) const {
         if (row.profile == VELHLSProfile::vendor) return false;
-        return row.profile == VELHLSProfile::rfc8216 || profile_ == StandardProfile::rfc8216bis;
+        return row.profile == VELHLSProfile::rfc8216 || profile_ != StandardProfile::rfc8216;
     }
 
     /// The numbers of the lines with a tag, given by its tagIndex. Not those of EXTINF: every segment has one.
@@ -131,7 +131,8 @@ using PlaylistEntry = StandardEntry<CheckedPlaylist>;
 [[nodiscard]] StandardTable<CheckedPlaylist> groupRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> sessionRelationRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> laterPlaylistRules();
-[[nodiscard]] StandardTable<CheckedPlaylist> authoringPlaylistRules();
+[[nodiscard]] StandardTable<CheckedPlaylist> authoringMasterRules();
+[[nodiscard]] StandardTable<CheckedPlaylist> authoringMediaRules();
 
 /// The value of the line's first attribute with this name; nothing without one.
 [[nodiscard]] std::optional<std::string_view> valueOf(const VELHLSLine& line, std::string_view name);
