@@ -33,7 +33,8 @@ void forEachKnown(const CheckedLine& checked, Visit visit) {
     }
 }
 
-void findFault(const CheckedLine& checked, const Tell& tell, VELHLSAttribute::Fault fault, std::string_view expected = {}) {
+void findFault(const CheckedLine& checked, const Tell& tell, VELHLSAttribute::Fault fault,
+               std::string_view expected = {}) {
     for (const VELHLSAttribute& attribute : checked.attributes) {
         if (attribute.fault == fault) tell(checked.line, attribute.faultText, {expected, {}, {}});
     }
@@ -52,7 +53,8 @@ void findWhiteSpace(const CheckedLine& checked, const Tell& tell) {
     for (const VELHLSAttribute& attribute : checked.attributes) {
         if (attribute.fault != VELHLSAttribute::WhiteSpace) continue;
         const char* const begin = attribute.faultText.data();
-        const bool isInside = begin >= checked.value.data() && begin < checked.value.data() + checked.value.size();
+        const bool isInside =
+            begin >= checked.value.data() && begin < checked.value.data() + checked.value.size();
         if (isInside) tell(checked.line, attribute.faultText, {{}, "white space", {}});
     }
 }
@@ -75,9 +77,9 @@ void findRepeated(const CheckedLine& checked, const Tell& tell) {
     for (const VELHLSAttribute& attribute : checked.attributes) {
         if (!attribute.name.empty()) named.push_back(&attribute);
     }
-    std::stable_sort(named.begin(), named.end(), [](const VELHLSAttribute* left, const VELHLSAttribute* right) {
-        return left->name < right->name;
-    });
+    std::stable_sort(
+        named.begin(), named.end(),
+        [](const VELHLSAttribute* left, const VELHLSAttribute* right) { return left->name < right->name; });
     for (std::size_t place = 1; place < named.size(); ++place) {
         if (named[place]->name == named[place - 1]->name) tell(checked.line, named[place]->name);
     }
@@ -116,7 +118,8 @@ void findWrongType(const CheckedLine& checked, const Tell& tell) {
     forEachKnown(checked, [&](const VELHLSAttribute& attribute, const VELHLSAttributeDefinition& row) {
         if (isFaulty(attribute) || row.hasType(attribute)) return;
         // Of these the tag's own section says how they are written.
-        const bool isTags = checked.is(tagIndex("EXT-X-DATERANGE")) || row.content == VELHLSAttributeDefinition::ByteRange ||
+        const bool isTags = checked.is(tagIndex("EXT-X-DATERANGE")) ||
+                            row.content == VELHLSAttributeDefinition::ByteRange ||
                             row.type == VELHLSAttributeDefinition::QuotedOrEnumerated;
         const std::string source = isTags ? ownSource(checked) : std::string(sectionOfLists);
         tell(checked.line, attribute.writtenValue, {nameOf(row.type), {}, source});

@@ -52,7 +52,8 @@ bool hasCharacteristic(const CheckedLine& checked, std::string_view wanted) {
 template <typename Visit>
 void forEachCodec(const CheckedLine& checked, Visit visit) {
     if (!isVariant(checked) || checked.find(attribute::codecs) == nullptr) return;
-    forEachPart(valueIn(checked, attribute::codecs), ',', [&](std::string_view codec) { visit(trimmed(codec)); });
+    forEachPart(valueIn(checked, attribute::codecs), ',',
+                [&](std::string_view codec) { visit(trimmed(codec)); });
 }
 
 template <std::size_t count>
@@ -60,12 +61,14 @@ bool isNamed(std::string_view codec, const std::array<std::string_view, count>& 
     return std::find(names.begin(), names.end(), codec.substr(0, codec.find('.'))) != names.end();
 }
 
-constexpr std::array<std::string_view, 9> allowedVideo = {"avc1", "avc3", "hvc1", "hev1", "dvh1", "dvhe", "av01", "dav1", "dvav"};
+constexpr std::array<std::string_view, 9> allowedVideo = {"avc1", "avc3", "hvc1", "hev1", "dvh1",
+                                                          "dvhe", "av01", "dav1", "dvav"};
 constexpr std::array<std::string_view, 3> inBandNames = {"avc3", "hev1", "dvhe"};
 
 void findOtherVideo(const CheckedLine& checked, const Tell& tell) {
     forEachCodec(checked, [&](std::string_view codec) {
-        if (kindOfCodec(codec) == CodecKind::video && !isNamed(codec, allowedVideo)) tell(checked.line, codec);
+        if (kindOfCodec(codec) == CodecKind::video && !isNamed(codec, allowedVideo))
+            tell(checked.line, codec);
     });
 }
 
@@ -108,7 +111,8 @@ void findHighHevc(const CheckedLine& checked, const Tell& tell) {
         const std::string_view profileText = codec.substr(5, codec.find('.', 5) - 5);
         const auto profile = VELHLSSyntax::readDecimalInteger(profileText);
         const std::size_t tier = codec.find_first_of("LH", 5);
-        const std::string_view levelText = tier == std::string_view::npos ? std::string_view() : codec.substr(tier + 1);
+        const std::string_view levelText =
+            tier == std::string_view::npos ? std::string_view() : codec.substr(tier + 1);
         const auto level = VELHLSSyntax::readDecimalInteger(levelText.substr(0, levelText.find('.')));
         if (profile.value_or(0) > main10 || level.value_or(0) > level51) tell(checked.line, codec);
     });
@@ -140,7 +144,8 @@ bool isForDeaf(const CheckedLine& checked) {
 void findNotSelected(const CheckedLine& checked, const Tell& tell, bool isAsked, std::string_view clause) {
     if (!isAsked || valueIn(checked, attribute::autoSelect) == fixed::yes) return;
     const VELHLSAttribute* const select = checked.find(attribute::autoSelect);
-    tell(checked.line, select == nullptr ? checked.line.name : select->text, {{}, select == nullptr ? "none" : "", clause});
+    tell(checked.line, select == nullptr ? checked.line.name : select->text,
+         {{}, select == nullptr ? "none" : "", clause});
 }
 
 void findAccessibleNotSelected(const CheckedLine& checked, const Tell& tell) {
@@ -149,38 +154,44 @@ void findAccessibleNotSelected(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findForcedNotSelected(const CheckedLine& checked, const Tell& tell) {
-    const bool isForced = isRendition(checked, attribute::subtitles) && valueIn(checked, attribute::forced) == fixed::yes;
+    const bool isForced =
+        isRendition(checked, attribute::subtitles) && valueIn(checked, attribute::forced) == fixed::yes;
     findNotSelected(checked, tell, isForced, {});
 }
 
 void findHalfCharacteristics(const CheckedLine& checked, const Tell& tell) {
-    if (isForDeaf(checked) && hasCharacteristic(checked, transcribes) != hasCharacteristic(checked, describesSound))
+    if (isForDeaf(checked) &&
+        hasCharacteristic(checked, transcribes) != hasCharacteristic(checked, describesSound))
         tell(checked.line, valueIn(checked, attribute::characteristics));
 }
 
 void findLanguageMissing(const CheckedLine& checked, const Tell& tell) {
     const bool isAsked = checked.is(tagIndex(tag::media)) && !isRendition(checked, attribute::video);
     if (!isAsked || checked.find(attribute::language) != nullptr) return;
-    const std::string_view source = isDescribedVideo(checked)                           ? "Apple's authoring rules, 2.27"
-                                    : isRendition(checked, attribute::closedCaptions) ? "Apple's authoring rules, 4.4"
-                                    : isRendition(checked, attribute::subtitles)      ? "Apple's authoring rules, 4.7"
-                                                                                        : "Apple's authoring rules, 8.10";
+    const std::string_view source =
+        isDescribedVideo(checked)                         ? "Apple's authoring rules, 2.27"
+        : isRendition(checked, attribute::closedCaptions) ? "Apple's authoring rules, 4.4"
+        : isRendition(checked, attribute::subtitles)      ? "Apple's authoring rules, 4.7"
+                                                          : "Apple's authoring rules, 8.10";
     tell(checked.line, checked.line.name, {{}, "none", source});
 }
 
 /// Of variants with video, as far as CODECS tells.
 bool hasVideo(const CheckedLine& checked) {
-    return checked.find(attribute::codecs) == nullptr || hasCodec(valueIn(checked, attribute::codecs), CodecKind::video);
+    return checked.find(attribute::codecs) == nullptr ||
+           hasCodec(valueIn(checked, attribute::codecs), CodecKind::video);
 }
 
 void findCodecsMissing(const CheckedLine& checked, const Tell& tell) {
     if (isVariant(checked) && checked.find(attribute::codecs) == nullptr)
-        tell(checked.line, checked.line.name, {{}, "none", isStreamInf(checked) ? "" : "Apple's authoring rules, 9.3"});
+        tell(checked.line, checked.line.name,
+             {{}, "none", isStreamInf(checked) ? "" : "Apple's authoring rules, 9.3"});
 }
 
 void findResolutionMissing(const CheckedLine& checked, const Tell& tell) {
     if (isVariant(checked) && hasVideo(checked) && checked.find(attribute::resolution) == nullptr)
-        tell(checked.line, checked.line.name, {{}, "none", isStreamInf(checked) ? "" : "Apple's authoring rules, 9.4"});
+        tell(checked.line, checked.line.name,
+             {{}, "none", isStreamInf(checked) ? "" : "Apple's authoring rules, 9.4"});
 }
 
 void findAverageMissing(const CheckedLine& checked, const Tell& tell) {
@@ -204,28 +215,27 @@ void findPathwayMissing(const CheckedLine& checked, const Tell& tell) {
         tell(checked.line, checked.line.name, {{}, "none", {}});
 }
 
-void findPlainHttp(const CheckedLine& checked, const Tell& tell) {
-    const std::string_view uri = valueIn(checked, attribute::uri);
-    const bool isPlaylist = checked.is(tagIndex(tag::media)) || checked.is(tagIndex(tag::iFrameStreamInf));
-    if (isPlaylist && startsWith(uri, "http://")) tell(checked.line, uri);
-}
-
 bool isFairPlay(const CheckedLine& checked) {
-    return isKey(checked) && (valueIn(checked, attribute::keyFormat) == fairPlay || startsWith(valueIn(checked, attribute::uri), "skd:"));
+    return isKey(checked) && (valueIn(checked, attribute::keyFormat) == fairPlay ||
+                              startsWith(valueIn(checked, attribute::uri), "skd:"));
 }
 
 void findOtherMethod(const CheckedLine& checked, const Tell& tell) {
     if (isFairPlay(checked) && valueIn(checked, attribute::method) != fixed::sampleAes)
-        tell(checked.line, checked.find(attribute::method) == nullptr ? checked.line.name : valueIn(checked, attribute::method));
+        tell(checked.line, checked.find(attribute::method) == nullptr ? checked.line.name
+                                                                      : valueIn(checked, attribute::method));
 }
 
 void findOtherFormat(const CheckedLine& checked, const Tell& tell) {
     if (isFairPlay(checked) && valueIn(checked, attribute::keyFormat) != fairPlay)
-        tell(checked.line, checked.find(attribute::keyFormat) == nullptr ? checked.line.name : valueIn(checked, attribute::keyFormat));
+        tell(checked.line, checked.find(attribute::keyFormat) == nullptr
+                               ? checked.line.name
+                               : valueIn(checked, attribute::keyFormat));
 }
 
 void findVector(const CheckedLine& checked, const Tell& tell) {
-    if (isFairPlay(checked) && checked.find(attribute::iv) != nullptr) tell(checked.line, checked.find(attribute::iv)->text);
+    if (isFairPlay(checked) && checked.find(attribute::iv) != nullptr)
+        tell(checked.line, checked.find(attribute::iv)->text);
 }
 
 void findCounterMode(const CheckedLine& checked, const Tell& tell) {
@@ -267,8 +277,6 @@ constexpr LineEntry rules[] = {
        "video in every variant", "Apple's authoring rules, 9.20", false}, "MUST"}, findAudioOnly},
     {{{"authoring-pathway-missing", warning, "EXT-X-CONTENT-STEERING has no PATHWAY-ID.",
        "PATHWAY-ID", "Apple's authoring rules, 9.18", false}, "SHOULD"}, findPathwayMissing},
-    {{{"authoring-playlist-not-https", warning, "A media playlist is fetched by http.",
-       "https", "Apple's authoring rules, 11.2", false}, "SHOULD"}, findPlainHttp},
     {{{"authoring-fairplay-method", error, "A FairPlay key has another METHOD than SAMPLE-AES.",
        "SAMPLE-AES", "Apple's authoring rules, 13.2", false}, "MUST"}, findOtherMethod},
     {{{"authoring-fairplay-format", error, "A FairPlay key has not its KEYFORMAT.",

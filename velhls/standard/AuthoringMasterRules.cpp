@@ -34,7 +34,8 @@ struct Variant {
     [[nodiscard]] bool isSdr() const { return videoRange.empty() || videoRange == "SDR"; }
     [[nodiscard]] bool names(std::string_view codec) const {
         bool has = false;
-        forEachPart(codecs, ',', [&](std::string_view each) { has = has || startsWith(trimmed(each), codec); });
+        forEachPart(codecs, ',',
+                    [&](std::string_view each) { has = has || startsWith(trimmed(each), codec); });
         return has;
     }
     [[nodiscard]] bool isH264() const { return names("avc1") || names("avc3"); }
@@ -49,7 +50,9 @@ std::vector<Variant> variantsOf(const CheckedPlaylist& playlist, std::size_t tag
         variant.codecs = valueOf(variant.line, attribute::codecs).value_or("");
         variant.resolution = valueOf(variant.line, attribute::resolution).value_or("");
         variant.videoRange = valueOf(variant.line, "VIDEO-RANGE").value_or("");
-        variant.bandwidth = VELHLSSyntax::readDecimalInteger(valueOf(variant.line, attribute::bandwidth).value_or("")).value_or(0);
+        variant.bandwidth =
+            VELHLSSyntax::readDecimalInteger(valueOf(variant.line, attribute::bandwidth).value_or(""))
+                .value_or(0);
         variants.push_back(variant);
     }
     return variants;
@@ -57,7 +60,9 @@ std::vector<Variant> variantsOf(const CheckedPlaylist& playlist, std::size_t tag
 
 std::vector<Variant> videoOf(const CheckedPlaylist& playlist, std::size_t tag = streamInf) {
     std::vector<Variant> variants = variantsOf(playlist, tag);
-    variants.erase(std::remove_if(variants.begin(), variants.end(), [](const Variant& variant) { return !variant.hasVideo(); }), variants.end());
+    variants.erase(std::remove_if(variants.begin(), variants.end(),
+                                  [](const Variant& variant) { return !variant.hasVideo(); }),
+                   variants.end());
     return variants;
 }
 
@@ -72,12 +77,14 @@ bool noneIs(const std::vector<Variant>& variants, Claim claim) {
 }
 
 bool areCodecsTold(const std::vector<Variant>& variants) {
-    return std::all_of(variants.begin(), variants.end(), [](const Variant& variant) { return !variant.codecs.empty(); });
+    return std::all_of(variants.begin(), variants.end(),
+                       [](const Variant& variant) { return !variant.codecs.empty(); });
 }
 
 void findNoH264(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = videoOf(playlist);
-    if (areCodecsTold(variants) && noneIs(variants, [](const Variant& variant) { return variant.isH264(); })) tellOfAll(variants, tell);
+    if (areCodecsTold(variants) && noneIs(variants, [](const Variant& variant) { return variant.isH264(); }))
+        tellOfAll(variants, tell);
 }
 
 void findNoSdr(const CheckedPlaylist& playlist, const Tell& tell) {
@@ -88,17 +95,20 @@ void findNoSdr(const CheckedPlaylist& playlist, const Tell& tell) {
 /// How far a variant is from the one that most should start with.
 std::uint64_t distanceFromDefault(const Variant& variant) {
     constexpr std::uint64_t bitsPerSecond = 2000000;
-    return variant.bandwidth > bitsPerSecond ? variant.bandwidth - bitsPerSecond : bitsPerSecond - variant.bandwidth;
+    return variant.bandwidth > bitsPerSecond ? variant.bandwidth - bitsPerSecond
+                                             : bitsPerSecond - variant.bandwidth;
 }
 
 void findOtherFirst(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = videoOf(playlist);
     if (variants.empty()) return;
-    const auto nearest = std::min_element(variants.begin(), variants.end(), [](const Variant& left, const Variant& right) {
-        return distanceFromDefault(left) < distanceFromDefault(right);
-    });
+    const auto nearest =
+        std::min_element(variants.begin(), variants.end(), [](const Variant& left, const Variant& right) {
+            return distanceFromDefault(left) < distanceFromDefault(right);
+        });
     if (distanceFromDefault(*nearest) == distanceFromDefault(variants.front())) return;
-    const std::string expected = "the variant of 2000 kbit/s first, or the one nearest to it, of line " + std::to_string(nearest->line.number);
+    const std::string expected = "the variant of 2000 kbit/s first, or the one nearest to it, of line " +
+                                 std::to_string(nearest->line.number);
     const std::string seen = std::to_string(variants.front().bandwidth / 1000) + " kbit/s";
     tell(variants.front().line, variants.front().line.name, {expected, seen, {}});
 }
@@ -116,7 +126,8 @@ void findOtherAspect(const CheckedPlaylist& playlist, const Tell& tell) {
         if (!first) first = aspect;
         // Widths are rounded to what codecs can hold.
         constexpr double tolerance = 0.02;
-        if (aspect && std::fabs(*aspect - *first) > tolerance * *first) tell(variant.line, variant.resolution);
+        if (aspect && std::fabs(*aspect - *first) > tolerance * *first)
+            tell(variant.line, variant.resolution);
     }
 }
 
@@ -127,7 +138,8 @@ std::map<std::string_view, bool> stereoGroups(const CheckedPlaylist& playlist) {
         const VELHLSLine line = playlist.document().line(number);
         if (valueOf(line, attribute::type) != attribute::audio) continue;
         const std::string_view channels = valueOf(line, "CHANNELS").value_or("2");
-        groups[valueOf(line, attribute::groupId).value_or("")] |= channels.substr(0, channels.find('/')) == "2";
+        groups[valueOf(line, attribute::groupId).value_or("")] |=
+            channels.substr(0, channels.find('/')) == "2";
     }
     return groups;
 }
@@ -135,7 +147,9 @@ std::map<std::string_view, bool> stereoGroups(const CheckedPlaylist& playlist) {
 void findNoStereo(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = variantsOf(playlist, streamInf);
     const auto groups = stereoGroups(playlist);
-    const bool hasAudio = std::any_of(variants.begin(), variants.end(), [](const Variant& variant) { return hasCodec(variant.codecs, CodecKind::audio); });
+    const bool hasAudio = std::any_of(variants.begin(), variants.end(), [](const Variant& variant) {
+        return hasCodec(variant.codecs, CodecKind::audio);
+    });
     const bool hasStereo = std::any_of(variants.begin(), variants.end(), [&groups](const Variant& variant) {
         const auto group = groups.find(valueOf(variant.line, attribute::audio).value_or(""));
         return variant.names("mp4a.40") && (group == groups.end() || group->second);
@@ -145,8 +159,12 @@ void findNoStereo(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findNoAc3(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = variantsOf(playlist, streamInf);
-    const auto enhanced = std::find_if(variants.begin(), variants.end(), [](const Variant& variant) { return variant.names("ec-3"); });
-    if (enhanced == variants.end() || std::any_of(variants.begin(), variants.end(), [](const Variant& variant) { return variant.names("ac-3"); })) return;
+    const auto enhanced = std::find_if(variants.begin(), variants.end(),
+                                       [](const Variant& variant) { return variant.names("ec-3"); });
+    if (enhanced == variants.end() ||
+        std::any_of(variants.begin(), variants.end(),
+                    [](const Variant& variant) { return variant.names("ac-3"); }))
+        return;
     tell(enhanced->line, enhanced->codecs);
 }
 
@@ -167,13 +185,16 @@ void findNoIFrames(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findOneIFrameRate(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = variantsOf(playlist, iFrameStreamInf);
-    const bool differ = std::any_of(variants.begin(), variants.end(), [&](const Variant& variant) { return variant.bandwidth != variants.front().bandwidth; });
+    const bool differ = std::any_of(variants.begin(), variants.end(), [&](const Variant& variant) {
+        return variant.bandwidth != variants.front().bandwidth;
+    });
     if (!variants.empty() && !differ) tellOfAll(variants, tell, "one bit rate");
 }
 
 void findNoH264IFrames(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = videoOf(playlist, iFrameStreamInf);
-    if (areCodecsTold(variants) && noneIs(variants, [](const Variant& variant) { return variant.isH264(); })) tellOfAll(variants, tell);
+    if (areCodecsTold(variants) && noneIs(variants, [](const Variant& variant) { return variant.isH264(); }))
+        tellOfAll(variants, tell);
 }
 
 void findNoSdrIFrames(const CheckedPlaylist& playlist, const Tell& tell) {
@@ -183,7 +204,9 @@ void findNoSdrIFrames(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findOneRate(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = videoOf(playlist);
-    const bool differ = std::any_of(variants.begin(), variants.end(), [&](const Variant& variant) { return variant.bandwidth != variants.front().bandwidth; });
+    const bool differ = std::any_of(variants.begin(), variants.end(), [&](const Variant& variant) {
+        return variant.bandwidth != variants.front().bandwidth;
+    });
     if (!variants.empty() && !differ) tellOfAll(variants, tell, "one bit rate");
 }
 
@@ -228,7 +251,8 @@ void findSpecificFirst(const CheckedPlaylist& playlist, const Tell& tell) {
         const VELHLSLine line = playlist.document().line(number);
         const auto language = line.attributes().find(attribute::language);
         if (!language) continue;
-        const Key group(valueOf(line, attribute::type).value_or(""), valueOf(line, attribute::groupId).value_or(""));
+        const Key group(valueOf(line, attribute::type).value_or(""),
+                        valueOf(line, attribute::groupId).value_or(""));
         const std::size_t hyphen = language->value.find('-');
         auto& ofGroup = specific[group];
         if (hyphen != std::string_view::npos) {
@@ -254,15 +278,17 @@ void findScoreMissing(const CheckedPlaylist& playlist, const Tell& tell) {
 void findNoSlowVariant(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr std::uint64_t cellular = 192000;
     const auto variants = variantsOf(playlist, streamInf);
-    if (noneIs(variants, [](const Variant& variant) { return variant.bandwidth <= cellular; })) tellOfAll(variants, tell);
+    if (noneIs(variants, [](const Variant& variant) { return variant.bandwidth <= cellular; }))
+        tellOfAll(variants, tell);
 }
 
 void findPlainHttp(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.isMaster()) return;
-    for (const VELHLSStructure::Variant& variant : playlist.structure().variants()) {
-        if (variant.uriLine == 0) continue;
-        const VELHLSLine line = playlist.document().line(variant.uriLine);
-        if (startsWith(line.value, "http://")) tell(line, line.value);
+    for (const VELHLSUri& uri : playlist.document().uris()) {
+        const VELHLSLine line = playlist.document().line(uri.line);
+        const bool isPlaylist =
+            uri.attribute.empty() || line.name == tag::media || line.name == tag::iFrameStreamInf;
+        if (isPlaylist && startsWith(uri.text, "http://")) tell(line, uri.text);
     }
 }
 
@@ -304,7 +330,7 @@ constexpr PlaylistEntry rules[] = {
        "SCORE in every variant or in none", "Apple's authoring rules, 9.19", false}, "MUST"}, findScoreMissing},
     {{{"authoring-slow-variant-missing", error, "No variant is slow enough for cellular networks.",
        "a variant of at most 192 kbit/s", "Apple's authoring rules, 9.21", false}, "MUST"}, findNoSlowVariant},
-    {{{"authoring-variant-not-https", warning, "A variant is fetched by http.",
+    {{{"authoring-playlist-not-https", warning, "A media playlist is fetched by http.",
        "https", "Apple's authoring rules, 11.2", false}, "SHOULD"}, findPlainHttp},
 };
 // clang-format on

@@ -27,7 +27,8 @@ void findLongSegment(const CheckedSegment& checked, const Tell& tell) {
 
 void findMapMissing(const CheckedSegment& checked, const Tell& tell) {
     const bool isFragment = formatOf(checked.uri.value) == SegmentFormat::fragmentedMp4;
-    if (isFragment && checked.segment.inForce.mapLine == 0) tell(checked.uri, checked.uri.value, {{}, "none", {}});
+    if (isFragment && checked.segment.inForce.mapLine == 0)
+        tell(checked.uri, checked.uri.value, {{}, "none", {}});
 }
 
 void findPlainHttp(const CheckedSegment& checked, const Tell& tell) {
@@ -36,7 +37,9 @@ void findPlainHttp(const CheckedSegment& checked, const Tell& tell) {
 
 void findOtherTargetDuration(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr std::uint64_t recommended = 6;
-    if (!playlist.isMedia() || isIFrames(playlist) || playlist.targetDuration().value_or(recommended) == recommended) return;
+    if (!playlist.isMedia() || isIFrames(playlist) ||
+        playlist.targetDuration().value_or(recommended) == recommended)
+        return;
     const VELHLSLine line = playlist.firstLine(tagIndex(tag::targetDuration));
     tell(line, line.value);
 }
@@ -57,17 +60,21 @@ void findOtherDurations(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findDateMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     const bool hasDate = playlist.has(tagIndex(tag::programDateTime));
-    if (playlist.isLive() && playlist.segmentCount() > 0 && !hasDate) tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, "none", {}});
+    if (playlist.isLive() && playlist.segmentCount() > 0 && !hasDate)
+        tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, "none", {}});
 }
 
 void findTypeMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (!playlist.isMedia() || !playlist.has(tagIndex(tag::endList)) || playlist.has(tagIndex(tag::playlistType))) return;
+    if (!playlist.isMedia() || !playlist.has(tagIndex(tag::endList)) ||
+        playlist.has(tagIndex(tag::playlistType)))
+        return;
     tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, "none", {}});
 }
 
 void findFewSegments(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr std::size_t least = 6;
-    if (!playlist.isLive() || playlist.segmentCount() >= least || playlist.has(tagIndex("EXT-X-SKIP"))) return;
+    if (!playlist.isLive() || playlist.segmentCount() >= least || playlist.has(tagIndex("EXT-X-SKIP")))
+        return;
     const std::string seen = std::to_string(playlist.segmentCount());
     tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, seen, {}});
 }
@@ -76,14 +83,18 @@ void findShortLive(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr double quarterOfAnHour = 900.0;
     // Segments are of any length, so that the last one may be missing to it.
     const double tolerance = static_cast<double>(playlist.targetDuration().value_or(0));
-    if (!playlist.isLive() || playlist.has(tagIndex("EXT-X-SKIP")) || playlist.duration() + tolerance >= quarterOfAnHour) return;
+    if (!playlist.isLive() || playlist.has(tagIndex("EXT-X-SKIP")) ||
+        playlist.duration() + tolerance >= quarterOfAnHour)
+        return;
     const std::string seen = std::to_string(std::llround(playlist.duration())) + " seconds";
     tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, seen, {}});
 }
 
 void findDiscontinuitySequenceMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr std::size_t discontinuity = tagIndex(tag::discontinuity);
-    if (!playlist.isLive() || !playlist.has(discontinuity) || playlist.has(tagIndex(tag::discontinuitySequence))) return;
+    if (!playlist.isLive() || !playlist.has(discontinuity) ||
+        playlist.has(tagIndex(tag::discontinuitySequence)))
+        return;
     const VELHLSLine line = playlist.firstLine(discontinuity);
     tell(line, line.name, {{}, "none", {}});
 }

@@ -65,8 +65,7 @@ class LineRun {
 
     void checkList(const CheckedLine& checked) {
         findAll(attributeRules(), checked, findings_);
-        if (playlist_.profile() == StandardProfile::rfc8216bis)
-            findAll(laterLineRules(), checked, findings_);
+        if (playlist_.profile() == StandardProfile::rfc8216bis) findAll(laterLineRules(), checked, findings_);
         const std::string_view tag = checked.line.definition->name;
         if (tag == tag::key || tag == tag::sessionKey) findAll(keyRules(), checked, findings_);
         if (tag == "EXT-X-DATERANGE") findAll(dateRangeRules(), checked, findings_);
@@ -102,11 +101,11 @@ void checkSegments(const CheckedPlaylist& playlist, StandardFindings& findings) 
     for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
         if (segment.uriLine == 0) break;
         const VELHLSLine uri = playlist.document().line(segment.uriLine);
-        findAll(table,
-                CheckedSegment{playlist, segment, uri, previousUri, previous ? &*previous : nullptr,
-                               segment.discontinuitySequence != discontinuities,
-                               durationLine(playlist, segment)},
-                findings);
+        findAll(
+            table,
+            CheckedSegment{playlist, segment, uri, previousUri, previous ? &*previous : nullptr,
+                           segment.discontinuitySequence != discontinuities, durationLine(playlist, segment)},
+            findings);
         discontinuities = segment.discontinuitySequence;
         previous = segment;
         previousUri = uri.value;
@@ -115,10 +114,11 @@ void checkSegments(const CheckedPlaylist& playlist, StandardFindings& findings) 
 
 void checkPlaylist(const CheckedPlaylist& playlist, StandardFindings& findings) {
     if (playlist.profile() == StandardProfile::apple)
-        return findAll(playlist.isMaster() ? authoringMasterRules() : authoringMediaRules(), playlist, findings);
-    for (const auto& table :
-         {headerRules(), versionRules(), keyRelationRules(), dateRules(), dateRangeRelationRules(),
-          mediaPlaylistRules(), variantRelationRules(), groupRules(), sessionRelationRules()})
+        return findAll(playlist.isMaster() ? authoringMasterRules() : authoringMediaRules(), playlist,
+                       findings);
+    for (const auto& table : {headerRules(), versionRules(), lastSegmentRules(), keyRelationRules(),
+                              dateRules(), dateRangeRelationRules(), mediaPlaylistRules(),
+                              variantRelationRules(), groupRules(), sessionRelationRules()})
         findAll(table, playlist, findings);
     if (playlist.profile() == StandardProfile::rfc8216bis) findAll(laterPlaylistRules(), playlist, findings);
 }
@@ -169,6 +169,7 @@ std::vector<StandardRule> rulesOfStandard(StandardProfile profile) {
     appendRules(attributeRules(), rules);
     appendRules(versionRules(), rules);
     appendRules(segmentRules(), rules);
+    appendRules(lastSegmentRules(), rules);
     appendRules(keyRules(), rules);
     appendRules(keyRelationRules(), rules);
     appendRules(dateRules(), rules);

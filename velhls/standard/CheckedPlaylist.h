@@ -121,6 +121,7 @@ using PlaylistEntry = StandardEntry<CheckedPlaylist>;
 [[nodiscard]] StandardTable<CheckedSegment> segmentRules();
 [[nodiscard]] StandardTable<CheckedSegment> authoringSegmentRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> encodingRules();
+[[nodiscard]] StandardTable<CheckedPlaylist> lastSegmentRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> headerRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> versionRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> keyRelationRules();

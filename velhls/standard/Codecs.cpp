@@ -29,19 +29,22 @@ constexpr std::array rows = {
     Row{"stpp", CodecKind::text},  Row{"wvtt", CodecKind::text},
 };
 
-constexpr CharacterSet ofTokens("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789!#$%&'*+-.^_`{|}~");
+constexpr CharacterSet ofTokens(
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789!#$%&'*+-.^_`{|}~");
 
 }  // namespace
 
 CodecKind kindOfCodec(std::string_view codec) {
     const std::string_view name = codec.substr(0, codec.find('.'));
-    const auto row = std::find_if(rows.begin(), rows.end(), [name](const Row& each) { return each.name == name; });
+    const auto row =
+        std::find_if(rows.begin(), rows.end(), [name](const Row& each) { return each.name == name; });
     return row == rows.end() ? CodecKind::unknown : row->kind;
 }
 
 bool hasCodec(std::string_view codecs, CodecKind kind) {
     bool has = false;
-    forEachPart(codecs, ',', [&](std::string_view codec) { has = has || kindOfCodec(trimmed(codec)) == kind; });
+    forEachPart(codecs, ',',
+                [&](std::string_view codec) { has = has || kindOfCodec(trimmed(codec)) == kind; });
     return has;
 }
 

@@ -107,7 +107,8 @@ void findOtherSplice(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findDateMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (!playlist.isMedia() || !playlist.has(dateRange) || playlist.has(tagIndex(tag::programDateTime))) return;
+    if (!playlist.isMedia() || !playlist.has(dateRange) || playlist.has(tagIndex(tag::programDateTime)))
+        return;
     const VELHLSLine line = playlist.firstLine(dateRange);
     tell(line, line.name, {{}, "none", {}});
 }
@@ -133,9 +134,7 @@ std::vector<Shared> sharedAttributes(const CheckedPlaylist& playlist) {
         const auto id = valueOf(playlist.document().line(number), "ID");
         if (id) ids.push_back({*id, {}, {}, number});
     }
-    const auto orderOf = [](const Shared& shared) {
-        return std::tie(shared.id, shared.name, shared.line);
-    };
+    const auto orderOf = [](const Shared& shared) { return std::tie(shared.id, shared.name, shared.line); };
     const auto isBefore = [orderOf](const Shared& left, const Shared& right) {
         return orderOf(left) < orderOf(right);
     };
@@ -160,7 +159,8 @@ void findOtherValue(const CheckedPlaylist& playlist, const Tell& tell) {
         const bool isFirst = first == nullptr || first->id != shared.id || first->name != shared.name;
         if (isFirst) first = &shared;
         if (first->line == shared.line || isSame(first->value, shared.value)) continue;
-        const std::string expected = "the value that it has in line " + std::to_string(first->line) + ", for the same ID";
+        const std::string expected =
+            "the value that it has in line " + std::to_string(first->line) + ", for the same ID";
         tell(playlist.document().line(shared.line), shared.value, {expected, {}, {}});
     }
 }
@@ -184,11 +184,17 @@ std::optional<Range> rangeOf(const VELHLSLine& line) {
     const auto duration = microsecondsOf(valueOf(line, "DURATION"));
     if (!end && duration) end = *start + *duration;
     const bool endsOnNext = valueOf(line, "END-ON-NEXT") == fixed::yes;
-    return Range{*category, *start, endsOnNext ? std::nullopt : end, valueOf(line, "ID").value_or(""), static_cast<std::uint32_t>(line.number), endsOnNext};
+    return Range{*category,
+                 *start,
+                 endsOnNext ? std::nullopt : end,
+                 valueOf(line, "ID").value_or(""),
+                 static_cast<std::uint32_t>(line.number),
+                 endsOnNext};
 }
 
 /// Of the ranges of one class, in the order of their dates.
-void findOverlapOfClass(const CheckedPlaylist& playlist, const Range* first, const Range* last, const Tell& tell) {
+void findOverlapOfClass(const CheckedPlaylist& playlist, const Range* first, const Range* last,
+                        const Tell& tell) {
     if (std::none_of(first, last, [](const Range& range) { return range.endsOnNext; })) return;
     const Range* longest = first;
     for (const Range* range = first + 1; range < last; ++range) {
@@ -210,7 +216,8 @@ void findOverlap(const CheckedPlaylist& playlist, const Tell& tell) {
         if (const auto range = rangeOf(playlist.document().line(number))) ranges.push_back(*range);
     }
     std::sort(ranges.begin(), ranges.end(), [](const Range& left, const Range& right) {
-        return std::tie(left.category, left.start, left.line) < std::tie(right.category, right.start, right.line);
+        return std::tie(left.category, left.start, left.line) <
+               std::tie(right.category, right.start, right.line);
     });
     for (std::size_t first = 0; first < ranges.size();) {
         std::size_t last = first;

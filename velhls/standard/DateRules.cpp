@@ -19,16 +19,18 @@ void forEachDate(const CheckedPlaylist& playlist, Visit visit) {
 }
 
 void findZoneMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    forEachDate(playlist, [&tell](const VELHLSLine& line, std::string_view value, const VELHLSSyntax::DateTime& date) {
-        if (!date.hasZone) tell(line, value);
-    });
+    forEachDate(playlist,
+                [&tell](const VELHLSLine& line, std::string_view value, const VELHLSSyntax::DateTime& date) {
+                    if (!date.hasZone) tell(line, value);
+                });
 }
 
 void findMillisecondsMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr std::size_t ofMilliseconds = 3;
-    forEachDate(playlist, [&tell](const VELHLSLine& line, std::string_view value, const VELHLSSyntax::DateTime& date) {
-        if (date.fractionDigits < ofMilliseconds) tell(line, value);
-    });
+    forEachDate(playlist,
+                [&tell](const VELHLSLine& line, std::string_view value, const VELHLSSyntax::DateTime& date) {
+                    if (date.fractionDigits < ofMilliseconds) tell(line, value);
+                });
 }
 
 // clang-format off

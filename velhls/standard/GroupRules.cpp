@@ -30,7 +30,8 @@ std::vector<Rendition> renditionsOf(const CheckedPlaylist& playlist) {
         const auto name = valueOf(line, attribute::name);
         // Without them it belongs nowhere, which is another rule's.
         if (!name || !valueOf(line, attribute::groupId)) continue;
-        renditions.push_back({valueOf(line, attribute::type).value_or(""), *valueOf(line, attribute::groupId), *name, number});
+        renditions.push_back(
+            {valueOf(line, attribute::type).value_or(""), *valueOf(line, attribute::groupId), *name, number});
     }
     return renditions;
 }
@@ -66,11 +67,12 @@ void findRepeatedDefault(const CheckedPlaylist& playlist, const Tell& tell) {
 }
 
 void findIndistinct(const CheckedPlaylist& playlist, const Tell& tell) {
-    using Key = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view, std::string_view,
-                           std::string_view>;
+    using Key = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view,
+                           std::string_view, std::string_view>;
     findRepeated<Key>(playlist, tell, [](const Rendition& rendition, const VELHLSLine& line) {
         if (valueOf(line, attribute::autoSelect) != fixed::yes) return std::optional<Key>();
-        return std::optional<Key>(Key(rendition.type, rendition.group, valueOf(line, attribute::language).value_or(""),
+        return std::optional<Key>(Key(rendition.type, rendition.group,
+                                      valueOf(line, attribute::language).value_or(""),
                                       valueOf(line, attribute::assocLanguage).value_or(""),
                                       valueOf(line, attribute::forced).value_or(fixed::no),
                                       valueOf(line, attribute::characteristics).value_or("")));
@@ -113,14 +115,18 @@ std::string shortened(std::string_view text) {
 
 /// One finding a group names the first member that is there too little, or too much.
 void findOtherMembers(const CheckedPlaylist& playlist, const Tell& tell) {
-    forEachGroup(playlist, [&](std::string_view firstName, const Members& first, std::string_view name, const Members& members) {
-        const auto missing = std::find_if(first.begin(), first.end(), [&](const auto& member) { return members.count(member.first) == 0; });
-        const auto extra = std::find_if(members.begin(), members.end(), [&](const auto& member) { return first.count(member.first) == 0; });
+    forEachGroup(playlist, [&](std::string_view firstName, const Members& first, std::string_view name,
+                               const Members& members) {
+        const auto missing = std::find_if(
+            first.begin(), first.end(), [&](const auto& member) { return members.count(member.first) == 0; });
+        const auto extra = std::find_if(members.begin(), members.end(),
+                                        [&](const auto& member) { return first.count(member.first) == 0; });
         if (missing == first.end() && extra == members.end()) return;
         const std::uint32_t number = extra != members.end() ? extra->second : members.begin()->second;
         const VELHLSLine line = playlist.document().line(number);
-        const std::string expected = "in group " + shortened(name) + " the same members as in group " + shortened(firstName) +
-                                     " of line " + std::to_string(first.begin()->second);
+        const std::string expected = "in group " + shortened(name) + " the same members as in group " +
+                                     shortened(firstName) + " of line " +
+                                     std::to_string(first.begin()->second);
         const std::string seen = extra != members.end() ? shortened(extra->first) + ", which is not there"
                                                         : "none named " + shortened(missing->first);
         tell(line, line.name, {expected, seen, {}});
@@ -134,8 +140,8 @@ struct Compared {
 };
 
 constexpr Compared compared[] = {
-    {attribute::language, ""},     {attribute::assocLanguage, ""},        {attribute::defaultFlag, "NO"},
-    {attribute::autoSelect, "NO"}, {attribute::forced, "NO"},             {attribute::instreamId, ""},
+    {attribute::language, ""},        {attribute::assocLanguage, ""}, {attribute::defaultFlag, "NO"},
+    {attribute::autoSelect, "NO"},    {attribute::forced, "NO"},      {attribute::instreamId, ""},
     {attribute::characteristics, ""},
 };
 
@@ -149,18 +155,21 @@ void findOtherAttributes(const CheckedPlaylist& playlist, const Tell& tell) {
             values.push_back(valueOf(line, each.name).value_or(each.whenMissing));
         return values;
     };
-    forEachGroup(playlist, [&](std::string_view, const Members& first, std::string_view, const Members& members) {
+    forEachGroup(playlist, [&](std::string_view, const Members& first, std::string_view,
+                               const Members& members) {
         for (const auto& [name, number] : members) {
             const auto member = first.find(name);
             if (member == first.end()) continue;
             auto known = ofFirst.find(member->second);
-            if (known == ofFirst.end()) known = ofFirst.emplace(member->second, valuesOf(member->second)).first;
+            if (known == ofFirst.end())
+                known = ofFirst.emplace(member->second, valuesOf(member->second)).first;
             const std::vector<std::string_view> values = valuesOf(number);
             for (std::size_t place = 0; place < values.size(); ++place) {
                 if (values[place] == known->second[place]) continue;
                 const VELHLSLine line = playlist.document().line(number);
                 const auto attribute = line.attributes().find(compared[place].name);
-                const std::string expected = std::string(compared[place].name) + " as in line " + std::to_string(member->second) +
+                const std::string expected = std::string(compared[place].name) + " as in line " +
+                                             std::to_string(member->second) +
                                              ", the same member of another group";
                 tell(line, attribute ? attribute->text : line.name, {expected, attribute ? "" : "none", {}});
             }
@@ -175,8 +184,10 @@ void findChannelsNotTold(const CheckedPlaylist& playlist, const Tell& tell) {
     for (const Rendition& rendition : renditionsOf(playlist)) {
         if (rendition.type != attribute::audio) continue;
         const bool hasChannels = valueOf(playlist.document().line(rendition.line), "CHANNELS").has_value();
-        if (hasChannels) told = rendition.line;
-        else lacking.push_back(rendition.line);
+        if (hasChannels)
+            told = rendition.line;
+        else
+            lacking.push_back(rendition.line);
     }
     if (told == 0) return;
     for (const std::uint32_t number : lacking) {

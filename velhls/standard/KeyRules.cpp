@@ -23,12 +23,14 @@ bool hasMethod(const CheckedLine& checked, std::string_view name) {
 void findAttributesOfNone(const CheckedLine& checked, const Tell& tell) {
     if (!isKey(checked) || !hasMethod(checked, fixed::none)) return;
     for (const VELHLSAttribute& attribute : checked.attributes) {
-        if (!attribute.name.empty() && attribute.name != attribute::method) tell(checked.line, attribute.name);
+        if (!attribute.name.empty() && attribute.name != attribute::method)
+            tell(checked.line, attribute.name);
     }
 }
 
 void findUriMissing(const CheckedLine& checked, const Tell& tell) {
-    if (isKey(checked) && !checked.value.empty() && !hasMethod(checked, fixed::none) && checked.find(attribute::uri) == nullptr)
+    if (isKey(checked) && !checked.value.empty() && !hasMethod(checked, fixed::none) &&
+        checked.find(attribute::uri) == nullptr)
         tell(checked.line, checked.line.name, {{}, "none", {}});
 }
 
@@ -90,7 +92,8 @@ Encryption encryptionOf(const VELHLSLine& line) {
     Encryption encryption;
     for (const VELHLSAttribute& attribute : line.attributes()) {
         if (attribute.name == attribute::method) encryption.method = attribute.value;
-        if (attribute.name == attribute::iv) encryption.iv = attribute.value.substr(std::min<std::size_t>(2, attribute.value.size()));
+        if (attribute.name == attribute::iv)
+            encryption.iv = attribute.value.substr(std::min<std::size_t>(2, attribute.value.size()));
     }
     return encryption;
 }
@@ -106,8 +109,10 @@ void findDisagreement(const CheckedPlaylist& playlist, const Tell& tell) {
         const auto keys = playlist.structure().inForceAt(number).keyLines;
         const bool appliesWithIt = std::find(keys.begin(), keys.end(), before) != keys.end() &&
                                    std::find(keys.begin(), keys.end(), number) != keys.end();
-        const bool isOfOneSegment = playlist.structure().segmentOf(number) == playlist.structure().segmentOf(before);
-        const bool differs = encryption.method != encryptionBefore.method || encryption.iv != encryptionBefore.iv;
+        const bool isOfOneSegment =
+            playlist.structure().segmentOf(number) == playlist.structure().segmentOf(before);
+        const bool differs =
+            encryption.method != encryptionBefore.method || encryption.iv != encryptionBefore.iv;
         if (before != 0 && appliesWithIt && isOfOneSegment && differs) {
             const std::string expected = "the METHOD and IV of the key in line " + std::to_string(before) +
                                          ", which applies to the same segments";

@@ -33,13 +33,15 @@ std::optional<double> secondsIn(const CheckedLine& checked, std::string_view nam
 
 /// The longest part, in seconds.
 std::optional<double> partTarget(const CheckedPlaylist& playlist) {
-    return playlist.has(partInf) ? secondsOf(valueOf(playlist.firstLine(partInf), "PART-TARGET")) : std::nullopt;
+    return playlist.has(partInf) ? secondsOf(valueOf(playlist.firstLine(partInf), "PART-TARGET"))
+                                 : std::nullopt;
 }
 
 void findOtherDefinition(const CheckedLine& checked, const Tell& tell) {
     if (!checked.is(define)) return;
     std::size_t count = 0;
-    for (const std::string_view name : {attribute::name, std::string_view("IMPORT"), std::string_view("QUERYPARAM")})
+    for (const std::string_view name :
+         {attribute::name, std::string_view("IMPORT"), std::string_view("QUERYPARAM")})
         count += checked.find(name) == nullptr ? 0 : 1;
     if (count != 1) tell(checked.line, checked.line.name, {{}, count == 0 ? "none" : "several", {}});
 }
@@ -52,7 +54,8 @@ void findDefinitionWithoutValue(const CheckedLine& checked, const Tell& tell) {
 
 void findImportInMaster(const CheckedLine& checked, const Tell& tell) {
     const VELHLSAttribute* const imported = checked.find("IMPORT");
-    if (checked.is(define) && checked.playlist.isMaster() && imported != nullptr) tell(checked.line, imported->text);
+    if (checked.is(define) && checked.playlist.isMaster() && imported != nullptr)
+        tell(checked.line, imported->text);
 }
 
 void findInterstitialWithoutAsset(const CheckedLine& checked, const Tell& tell) {
@@ -70,7 +73,8 @@ void findSkippedDateRanges(const CheckedLine& checked, const Tell& tell) {
 }
 
 /// Tells of seconds that are fewer than they must be.
-void findTooFew(const CheckedLine& checked, const Tell& tell, std::string_view name, std::optional<double> unit, double times) {
+void findTooFew(const CheckedLine& checked, const Tell& tell, std::string_view name,
+                std::optional<double> unit, double times) {
     const auto seconds = secondsIn(checked, name);
     // What is written with few decimals is not held against the product.
     constexpr double rounding = 1e-6;
@@ -117,7 +121,8 @@ void findNameDefinedTwice(const CheckedPlaylist& playlist, const Tell& tell) {
     for (const std::uint32_t number : playlist.lines(define)) {
         const VELHLSLine line = playlist.document().line(number);
         for (const VELHLSAttribute& attribute : line.attributes()) {
-            const bool isName = attribute.name == attribute::name || attribute.name == "IMPORT" || attribute.name == "QUERYPARAM";
+            const bool isName = attribute.name == attribute::name || attribute.name == "IMPORT" ||
+                                attribute.name == "QUERYPARAM";
             if (isName && !names.insert(attribute.value).second) tell(line, attribute.value);
         }
     }
@@ -131,7 +136,8 @@ void findPartsWithoutTarget(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findPartsWithoutHoldBack(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.has(partInf)) return;
-    const bool isTold = playlist.has(serverControl) && valueOf(playlist.firstLine(serverControl), "PART-HOLD-BACK");
+    const bool isTold =
+        playlist.has(serverControl) && valueOf(playlist.firstLine(serverControl), "PART-HOLD-BACK");
     const VELHLSLine line = playlist.firstLine(partInf);
     if (!isTold) tell(line, line.name, {{}, "none", {}});
 }

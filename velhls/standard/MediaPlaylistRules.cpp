@@ -51,6 +51,14 @@ void findSequenceAfterDiscontinuity(const CheckedPlaylist& playlist, const Tell&
     tell(line, line.name, {{}, seen, {}});
 }
 
+/// Whether every segment says how long it is, so that it is known how long the playlist is.
+bool isDurationKnown(const CheckedPlaylist& playlist) {
+    for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
+        if (segment.uriLine != 0 && segment.durationLine == 0) return false;
+    }
+    return !playlist.has(tagIndex("EXT-X-SKIP"));
+}
+
 /// Where the EXT-X-START of a media playlist points, in seconds from its start and from its end.
 struct Start {
     VELHLSLine line;
@@ -59,12 +67,13 @@ struct Start {
 };
 
 std::optional<Start> startOf(const CheckedPlaylist& playlist) {
-    if (!playlist.isMedia() || playlist.segmentCount() == 0 || !playlist.has(tagIndex(tag::start))) return std::nullopt;
+    if (!playlist.isMedia() || playlist.segmentCount() == 0 || !playlist.has(tagIndex(tag::start)))
+        return std::nullopt;
     Start start;
     start.line = playlist.firstLine(tagIndex(tag::start));
     start.text = valueOf(start.line, attribute::timeOffset).value_or("");
     const auto offset = VELHLSSyntax::readSignedDecimalFloatingPoint(start.text);
-    if (!offset) return std::nullopt;
+    if (!offset || !isDurationKnown(playlist)) return std::nullopt;
     start.offset = *offset;
     return start;
 }
@@ -87,7 +96,8 @@ void findStartNearEnd(const CheckedPlaylist& playlist, const Tell& tell) {
     const bool isNegative = !start->text.empty() && start->text.front() == '-';
     const double fromEnd = isNegative ? -start->offset : playlist.duration() - start->offset;
     if (fromEnd >= *least) return;
-    const std::string expected = "a start at least " + secondsText(*least) + " before the end of a playlist without EXT-X-ENDLIST";
+    const std::string expected =
+        "a start at least " + secondsText(*least) + " before the end of a playlist without EXT-X-ENDLIST";
     tell(start->line, start->text, {expected, {}, {}});
 }
 
@@ -100,10 +110,11 @@ void findVodWithoutEnd(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findShortWindow(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto least = threeTargetDurations(playlist);
-    const bool hasSkipped = playlist.has(tagIndex("EXT-X-SKIP"));
-    if (!playlist.isSlidingWindow() || !least || playlist.segmentCount() == 0 || hasSkipped || playlist.duration() >= *least) return;
+    if (!playlist.isSlidingWindow() || !least || playlist.segmentCount() == 0) return;
+    if (playlist.duration() >= *least || !isDurationKnown(playlist)) return;
     const VELHLSLine line = playlist.firstLine(tagIndex(tag::targetDuration));
-    const std::string expected = "at least " + secondsText(*least) + ", three target durations, in a live playlist";
+    const std::string expected =
+        "at least " + secondsText(*least) + ", three target durations, in a live playlist";
     const std::string seen = secondsText(playlist.duration());
     tell(line, line.value, {expected, seen, {}});
 }
@@ -125,7 +136,8 @@ void findDiscontinuitySequenceMissing(const CheckedPlaylist& playlist, const Tel
 void findTypeOfLive(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr std::size_t type = tagIndex(tag::playlistType);
     const bool hasMoved = playlist.number(tagIndex(tag::mediaSequence)).value_or(0) > 0;
-    if (!playlist.isMedia() || !playlist.has(type) || !hasMoved || playlist.has(tagIndex(tag::endList))) return;
+    if (!playlist.isMedia() || !playlist.has(type) || !hasMoved || playlist.has(tagIndex(tag::endList)))
+        return;
     const VELHLSLine line = playlist.firstLine(type);
     tell(line, line.name);
 }

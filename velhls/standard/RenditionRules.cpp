@@ -35,13 +35,15 @@ void findSubtitlesWithoutUri(const CheckedLine& checked, const Tell& tell) {
 
 void findDefaultNotSelected(const CheckedLine& checked, const Tell& tell) {
     const VELHLSAttribute* const select = checked.find(attribute::autoSelect);
-    if (select != nullptr && select->value == fixed::no && valueIn(checked, attribute::defaultFlag) == fixed::yes)
+    if (select != nullptr && select->value == fixed::no &&
+        valueIn(checked, attribute::defaultFlag) == fixed::yes)
         tell(checked.line, select->value);
 }
 
 void findForcedElsewhere(const CheckedLine& checked, const Tell& tell) {
     const VELHLSAttribute* const forced = checked.find(attribute::forced);
-    if (forced != nullptr && checked.find(attribute::type) != nullptr && !isOfType(checked, attribute::subtitles))
+    if (forced != nullptr && checked.find(attribute::type) != nullptr &&
+        !isOfType(checked, attribute::subtitles))
         tell(checked.line, forced->text);
 }
 
@@ -63,7 +65,8 @@ bool isChannel(std::string_view text) {
 
 void findChannelUnknown(const CheckedLine& checked, const Tell& tell) {
     const VELHLSAttribute* const channel = checked.find(attribute::instreamId);
-    if (channel != nullptr && isCaptions(checked) && !isChannel(channel->value)) tell(checked.line, channel->value);
+    if (channel != nullptr && isCaptions(checked) && !isChannel(channel->value))
+        tell(checked.line, channel->value);
 }
 
 /// The successor allows it, in version 13.

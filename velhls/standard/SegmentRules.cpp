@@ -20,7 +20,8 @@ bool isFirstKnown(const CheckedSegment& checked) {
 }
 
 void findDurationMissing(const CheckedSegment& checked, const Tell& tell) {
-    if (checked.segment.durationLine == 0) tell(checked.uri, checked.uri.value, {{}, "a URI without one", {}});
+    if (checked.segment.durationLine == 0)
+        tell(checked.uri, checked.uri.value, {{}, "a URI without one", {}});
 }
 
 void findTooLong(const CheckedSegment& checked, const Tell& tell) {
@@ -41,9 +42,10 @@ void findOffsetMissing(const CheckedSegment& checked, const Tell& tell) {
     const bool followsRange = checked.previous != nullptr && checked.previous->rangeLine != 0 &&
                               checked.previousUri == checked.uri.value;
     if (followsRange || (checked.previous == nullptr && !isFirstKnown(checked))) return;
-    const std::string_view seen = checked.previous == nullptr             ? "none, and no segment before"
-                                  : checked.previous->rangeLine == 0      ? "none, after a segment without a range"
-                                                                          : "none, after a range of another resource";
+    const std::string_view seen = checked.previous == nullptr ? "none, and no segment before"
+                                  : checked.previous->rangeLine == 0
+                                      ? "none, after a segment without a range"
+                                      : "none, after a range of another resource";
     tell(line, trimmed(line.value), {{}, seen, {}});
 }
 
@@ -94,6 +96,15 @@ void findDateAmbiguous(const CheckedSegment& checked, const Tell& tell) {
     tell(line, trimmed(line.value));
 }
 
+/// Tags of segments may stand after the last URI of a live playlist, but not the one that says how long a segment is.
+void findUriMissing(const CheckedPlaylist& playlist, const Tell& tell) {
+    if (!playlist.isMedia() || playlist.segmentCount() == playlist.structure().segmentCount()) return;
+    const VELHLSStructure::Segment last = playlist.structure().segment(playlist.segmentCount());
+    if (last.durationLine == 0) return;
+    const VELHLSLine line = playlist.document().line(last.durationLine);
+    tell(line, line.name, {{}, "none", {}});
+}
+
 // clang-format off
 constexpr SegmentEntry rules[] = {
     {{{"extinf-missing", error, "A segment has no EXTINF.",
@@ -115,9 +126,18 @@ constexpr SegmentEntry rules[] = {
     {{{"date-time-ambiguous", error, "The date of a segment is not after that of the segment before.",
        "a date after that of the segment before", "RFC 8216, section 6.2.1", false}, "MUST NOT"}, findDateAmbiguous},
 };
+
+constexpr PlaylistEntry ofLast[] = {
+    {{{"segment-without-uri", error, "The playlist ends after an EXTINF, before its URI.",
+       "a URI line after EXTINF", "RFC 8216, section 4.3.2.1", false}, "SYN"}, findUriMissing},
+};
 // clang-format on
 
 }  // namespace
+
+StandardTable<CheckedPlaylist> lastSegmentRules() {
+    return {ofLast, std::size(ofLast)};
+}
 
 StandardTable<CheckedSegment> segmentRules() {
     return {rules, std::size(rules)};

@@ -16,7 +16,8 @@ bool isData(const CheckedLine& checked) {
 }
 
 void findNothingSaid(const CheckedLine& checked, const Tell& tell) {
-    if (isData(checked) && checked.find(attribute::value) == nullptr && checked.find(attribute::uri) == nullptr)
+    if (isData(checked) && checked.find(attribute::value) == nullptr &&
+        checked.find(attribute::uri) == nullptr)
         tell(checked.line, checked.line.name, {{}, "neither", {}});
 }
 
@@ -28,7 +29,8 @@ void findSaidTwice(const CheckedLine& checked, const Tell& tell) {
 
 void findPlainId(const CheckedLine& checked, const Tell& tell) {
     const VELHLSAttribute* const id = checked.find(attribute::dataId);
-    if (isData(checked) && id != nullptr && id->value.find('.') == std::string_view::npos) tell(checked.line, id->value);
+    if (isData(checked) && id != nullptr && id->value.find('.') == std::string_view::npos)
+        tell(checked.line, id->value);
 }
 
 void findKeyOfNone(const CheckedLine& checked, const Tell& tell) {
@@ -52,7 +54,8 @@ void findRepeatedData(const CheckedPlaylist& playlist, const Tell& tell) {
 }
 
 /// What tells one session key from another.
-using Key = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view, std::string_view>;
+using Key =
+    std::tuple<std::string_view, std::string_view, std::string_view, std::string_view, std::string_view>;
 
 Key keyOf(const VELHLSLine& line, std::string_view format, std::string_view versions) {
     return {valueOf(line, attribute::method).value_or(""), valueOf(line, attribute::uri).value_or(""),

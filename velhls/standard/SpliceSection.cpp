@@ -30,7 +30,8 @@ std::optional<bool> outOfNetworkOf(std::string_view section) {
     constexpr unsigned spliceInsert = 5;
     constexpr unsigned highBit = 0x80;
     const bool isInsert = byteAt(*digits, 0) == tableId && byteAt(*digits, typePlace) == spliceInsert;
-    const bool isReadable = (byteAt(*digits, encryptionPlace) & highBit) == 0 && (byteAt(*digits, cancelPlace) & highBit) == 0;
+    const bool isReadable =
+        (byteAt(*digits, encryptionPlace) & highBit) == 0 && (byteAt(*digits, cancelPlace) & highBit) == 0;
     if (!isInsert || !isReadable) return std::nullopt;
     return (byteAt(*digits, indicatorPlace) & highBit) != 0;
 }

@@ -47,7 +47,9 @@ void findHeaderNotFirst(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findRepeatedTag(const CheckedLine& checked, const Tell& tell) {
     const VELHLSTagDefinition* const tag = checked.line.definition;
-    if (checked.earlierLine == 0 || tag->reach == VELHLSTagDefinition::Segment || checked.is(tagIndex("EXT-X-ALLOW-CACHE"))) return;
+    if (checked.earlierLine == 0 || tag->reach == VELHLSTagDefinition::Segment ||
+        checked.is(tagIndex("EXT-X-ALLOW-CACHE")))
+        return;
     const std::string seen = "another one in line " + std::to_string(checked.earlierLine);
     const std::string source = sourceOfKind(*tag);
     tell(checked.line, checked.line.name, {{}, seen, source});
@@ -97,7 +99,8 @@ void findOddUri(const CheckedLine& checked, const Tell& tell) {
     }
     for (const VELHLSAttribute& attribute : checked.attributes) {
         const VELHLSAttributeDefinition* const row = checked.line.definition->findAttribute(attribute.name);
-        if (row != nullptr && row->isUri() && attribute.quoted && checked.playlist.knows(*row)) tellOfOddPart(attribute.value);
+        if (row != nullptr && row->isUri() && attribute.quoted && checked.playlist.knows(*row))
+            tellOfOddPart(attribute.value);
     }
 }
 
@@ -164,7 +167,8 @@ void findListMissing(const CheckedLine& checked, const Tell& tell) {
 }
 
 bool isDurationLine(const CheckedLine& checked) {
-    return checked.line.definition != nullptr && checked.line.definition->form == VELHLSTagDefinition::Duration;
+    return checked.line.definition != nullptr &&
+           checked.line.definition->form == VELHLSTagDefinition::Duration;
 }
 
 void findMalformedDuration(const CheckedLine& checked, const Tell& tell) {

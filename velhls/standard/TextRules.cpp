@@ -16,7 +16,7 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 /// The line without the byte order mark that may begin the text.
 std::string_view withoutMark(const VELHLSLine& line) {
     return line.number == 1 && startsWith(line.text, byteOrderMark) ? line.text.substr(byteOrderMark.size())
-                                                                     : line.text;
+                                                                    : line.text;
 }
 
 void findUtf16(const CheckedPlaylist& playlist, const Tell& tell) {
@@ -25,7 +25,8 @@ void findUtf16(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findByteOrderMark(const CheckedLine& checked, const Tell& tell) {
     const std::string_view text = checked.line.text;
-    if (withoutMark(checked.line).size() != text.size()) tell(checked.line, text.substr(0, byteOrderMark.size()), {{}, "one", {}});
+    if (withoutMark(checked.line).size() != text.size())
+        tell(checked.line, text.substr(0, byteOrderMark.size()), {{}, "one", {}});
 }
 
 /// The first finding of a line is enough: a text in another encoding has many.
@@ -92,9 +93,9 @@ void findDecomposed(const CheckedLine& checked, const Tell& tell) {
 bool mayEndInBlank(const CheckedLine& checked) {
     const VELHLSTagDefinition* const tag = checked.line.definition;
     if (checked.line.kind == VELHLSLine::Uri) return false;
-    if (tag == nullptr || !checked.playlist.knows(*tag) || tag->form == VELHLSTagDefinition::Anything) return true;
-    return tag->form == VELHLSTagDefinition::Duration &&
-           checked.value.find(',') != std::string_view::npos;
+    if (tag == nullptr || !checked.playlist.knows(*tag) || tag->form == VELHLSTagDefinition::Anything)
+        return true;
+    return tag->form == VELHLSTagDefinition::Duration && checked.value.find(',') != std::string_view::npos;
 }
 
 /// Before a tag or a URI, after it, after a tag's colon, or inside a URI line: of a line the first.
@@ -108,13 +109,14 @@ void findWhiteSpace(const CheckedLine& checked, const Tell& tell) {
     const std::string_view content = trimmed(text);
     const auto before = static_cast<std::size_t>(content.data() - text.data());
     if (before > 0) {
-        return tellOf(text.substr(0, before), line.kind == VELHLSLine::Uri ? "white space before a URI"
-                                                                           : "white space before a tag");
+        return tellOf(text.substr(0, before),
+                      line.kind == VELHLSLine::Uri ? "white space before a URI" : "white space before a tag");
     }
     const bool isKnown = line.definition != nullptr && line.definition->form != VELHLSTagDefinition::Anything;
     if (isKnown && line.hasColon && !checked.value.empty() && checked.value.data() != line.value.data()) {
-        return tellOf(line.value.substr(0, static_cast<std::size_t>(checked.value.data() - line.value.data())),
-                      "white space after the colon");
+        return tellOf(
+            line.value.substr(0, static_cast<std::size_t>(checked.value.data() - line.value.data())),
+            "white space after the colon");
     }
     if (line.kind == VELHLSLine::Uri) {
         const std::size_t inside = content.find_first_of(" \t");
@@ -158,12 +160,16 @@ std::string_view variableAt(std::string_view text) {
     return end == std::string_view::npos ? std::string_view() : text.substr(0, end + 1);
 }
 
-/// The host of a URI may be an address in brackets.
-std::string_view withoutAddress(std::string_view uri) {
-    const std::size_t open = uri.find("//[");
-    if (open == std::string_view::npos || uri.find_first_of("?#") < open) return uri;
-    const std::size_t close = uri.find(']', open);
-    return close == std::string_view::npos ? uri : uri.substr(close + 1);
+/// What follows the address in brackets that the host of a URI may be; all of it when there is none.
+std::string_view afterAddress(std::string_view uri) {
+    const std::size_t slashes = uri.find("//");
+    if (slashes == std::string_view::npos || uri.find_first_of("?#") < slashes) return uri;
+    const std::size_t end = uri.find_first_of("/?#", slashes + 2);
+    const std::string_view authority = uri.substr(0, end);
+    const std::size_t open = authority.find('[', slashes);
+    const std::size_t close = authority.rfind(']');
+    const bool hasAddress = open != std::string_view::npos && close != std::string_view::npos && open < close;
+    return hasAddress ? uri.substr(close + 1) : uri;
 }
 
 }  // namespace
@@ -191,7 +197,7 @@ bool isUtf16(std::string_view text) {
 }
 
 std::string_view oddPartOfUri(std::string_view uri, bool hasVariables) {
-    std::string_view rest = withoutAddress(uri);
+    std::string_view rest = afterAddress(uri);
     bool isFragment = false;
     while (!rest.empty()) {
         std::size_t length = 1;
@@ -201,7 +207,8 @@ std::string_view oddPartOfUri(std::string_view uri, bool hasVariables) {
         } else if (rest.front() == '%') {
             length = 3;
             const std::string_view digits = rest.substr(1, 2);
-            if (digits.size() < 2 || !holdsOnly(digits, hexadecimal)) return rest.substr(0, 1 + digits.size());
+            if (digits.size() < 2 || !holdsOnly(digits, hexadecimal))
+                return rest.substr(0, 1 + digits.size());
         } else if (rest.front() == '#' && !isFragment) {
             isFragment = true;
         } else if (!ofUris.holds(rest.front())) {

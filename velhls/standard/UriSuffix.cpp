@@ -30,8 +30,9 @@ SegmentFormat formatOf(std::string_view uri) {
     const std::string_view name = path.substr(path.find_last_of('/') + 1);
     const std::size_t dot = name.find_last_of('.');
     if (dot == std::string_view::npos) return SegmentFormat::unknown;
-    const auto row = std::find_if(rows.begin(), rows.end(),
-                                  [suffix = name.substr(dot + 1)](const Row& each) { return each.suffix == suffix; });
+    const auto row = std::find_if(rows.begin(), rows.end(), [suffix = name.substr(dot + 1)](const Row& each) {
+        return each.suffix == suffix;
+    });
     return row == rows.end() ? SegmentFormat::unknown : row->format;
 }
 

@@ -26,7 +26,8 @@ std::string_view valueIn(const CheckedLine& checked, std::string_view name) {
 void findUriMissing(const CheckedLine& checked, const Tell& tell) {
     if (!isStreamInf(checked)) return;
     const auto place = checked.playlist.structure().variantOf(checked.line.number);
-    if (place && checked.playlist.structure().variants()[*place].uriLine == 0) tell(checked.line, checked.line.name, {{}, "none", {}});
+    if (place && checked.playlist.structure().variants()[*place].uriLine == 0)
+        tell(checked.line, checked.line.name, {{}, "none", {}});
 }
 
 void findAverageAbovePeak(const CheckedLine& checked, const Tell& tell) {
@@ -36,12 +37,21 @@ void findAverageAbovePeak(const CheckedLine& checked, const Tell& tell) {
     if (peak && average && *average > *peak) tell(checked.line, text);
 }
 
+/// Whether all of the list are identifiers, or may be.
+bool areCodecs(std::string_view codecs) {
+    bool areAll = true;
+    forEachPart(codecs, ',',
+                [&areAll](std::string_view codec) { areAll = areAll && isCodec(trimmed(codec)); });
+    return areAll;
+}
+
 /// A blank after a comma is what RFC 6381 itself writes.
 void findOddCodec(const CheckedLine& checked, const Tell& tell) {
     const VELHLSAttribute* const codecs = checked.find(attribute::codecs);
     if (codecs == nullptr || !codecs->quoted) return;
     forEachPart(codecs->value, ',', [&](std::string_view part) {
-        const std::string_view codec = startsWith(part, " ") && part.data() != codecs->value.data() ? part.substr(1) : part;
+        const std::string_view codec =
+            startsWith(part, " ") && part.data() != codecs->value.data() ? part.substr(1) : part;
         if (!isCodec(codec)) tell(checked.line, codec);
     });
 }
@@ -60,13 +70,15 @@ void findCodecsMissing(const CheckedLine& checked, const Tell& tell) {
 
 void findCodecsMissingOfGroup(const CheckedLine& checked, const Tell& tell) {
     const VELHLSAttribute* const group = groupNamed(checked);
-    if (group != nullptr && checked.find(attribute::codecs) == nullptr) tell(checked.line, group->text, {{}, "none", {}});
+    if (group != nullptr && checked.find(attribute::codecs) == nullptr)
+        tell(checked.line, group->text, {{}, "none", {}});
 }
 
 void findAudioCodecMissing(const CheckedLine& checked, const Tell& tell) {
     const std::string_view codecs = valueIn(checked, attribute::codecs);
     if (codecs.empty() || checked.find(attribute::audio) == nullptr) return;
-    if (areAllKnown(codecs) && !hasCodec(codecs, CodecKind::audio)) tell(checked.line, codecs);
+    if (areCodecs(codecs) && areAllKnown(codecs) && !hasCodec(codecs, CodecKind::audio))
+        tell(checked.line, codecs);
 }
 
 bool hasVideo(const CheckedLine& checked) {
@@ -92,9 +104,11 @@ void findLongFrameRate(const CheckedLine& checked, const Tell& tell) {
 
 void findAttributeOfVariants(const CheckedLine& checked, const Tell& tell) {
     if (isStreamInf(checked)) return;
-    constexpr std::array names = {std::string_view("FRAME-RATE"), attribute::audio, attribute::subtitles, attribute::closedCaptions};
+    constexpr std::array names = {std::string_view("FRAME-RATE"), attribute::audio, attribute::subtitles,
+                                  attribute::closedCaptions};
     for (const VELHLSAttribute& attribute : checked.attributes) {
-        if (std::find(names.begin(), names.end(), attribute.name) != names.end()) tell(checked.line, attribute.name);
+        if (std::find(names.begin(), names.end(), attribute.name) != names.end())
+            tell(checked.line, attribute.name);
     }
 }
 
@@ -103,7 +117,8 @@ std::set<std::pair<std::string_view, std::string_view>> groupsOf(const CheckedPl
     std::set<std::pair<std::string_view, std::string_view>> groups;
     for (const std::uint32_t number : playlist.lines(tagIndex(tag::media))) {
         const VELHLSLine line = playlist.document().line(number);
-        groups.emplace(valueOf(line, attribute::type).value_or(""), valueOf(line, attribute::groupId).value_or(""));
+        groups.emplace(valueOf(line, attribute::type).value_or(""),
+                       valueOf(line, attribute::groupId).value_or(""));
     }
     return groups;
 }
@@ -120,13 +135,15 @@ void forEachVariant(const CheckedPlaylist& playlist, Visit visit) {
 void findGroupMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.isMaster()) return;
     const auto groups = groupsOf(playlist);
-    constexpr std::array types = {attribute::audio, attribute::video, attribute::subtitles, attribute::closedCaptions};
+    constexpr std::array types = {attribute::audio, attribute::video, attribute::subtitles,
+                                  attribute::closedCaptions};
     forEachVariant(playlist, [&](const VELHLSLine& line) {
         for (const VELHLSAttribute& attribute : line.attributes()) {
             const bool isNone = attribute.name == attribute::closedCaptions && !attribute.quoted;
             if (isNone || std::find(types.begin(), types.end(), attribute.name) == types.end()) continue;
             if (groups.count({attribute.name, attribute.value}) != 0) continue;
-            const std::string expected = "the GROUP-ID of an EXT-X-MEDIA with TYPE=" + std::string(attribute.name);
+            const std::string expected =
+                "the GROUP-ID of an EXT-X-MEDIA with TYPE=" + std::string(attribute.name);
             tell(line, attribute.value, {expected, {}, {}});
         }
     });
@@ -155,7 +172,9 @@ void findCaptionsElsewhere(const CheckedPlaylist& playlist, const Tell& tell) {
 
 /// What an I-frame variant offers of the renditions of video.
 void findIFrameRenditionMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (!playlist.isMaster() || !playlist.has(tagIndex(tag::iFrameStreamInf)) || !playlist.has(tagIndex(tag::media))) return;
+    if (!playlist.isMaster() || !playlist.has(tagIndex(tag::iFrameStreamInf)) ||
+        !playlist.has(tagIndex(tag::media)))
+        return;
     std::set<std::string_view> ofVariants;
     std::set<std::string_view> ofIFrames;
     for (const std::uint32_t number : playlist.lines(tagIndex(tag::streamInf)))
@@ -165,15 +184,18 @@ void findIFrameRenditionMissing(const CheckedPlaylist& playlist, const Tell& tel
     using Name = std::pair<std::string_view, std::string_view>;
     std::set<Name> names;
     const auto nameOf = [](const VELHLSLine& line) {
-        return Name(valueOf(line, attribute::name).value_or(""), valueOf(line, attribute::language).value_or(""));
+        return Name(valueOf(line, attribute::name).value_or(""),
+                    valueOf(line, attribute::language).value_or(""));
     };
     std::vector<VELHLSLine> regular;
     for (const std::uint32_t number : playlist.lines(tagIndex(tag::media))) {
         const VELHLSLine line = playlist.document().line(number);
         if (valueOf(line, attribute::type) != "VIDEO") continue;
         const std::string_view group = valueOf(line, attribute::groupId).value_or("");
-        if (ofIFrames.count(group) != 0) names.insert(nameOf(line));
-        else if (ofVariants.count(group) != 0) regular.push_back(line);
+        if (ofIFrames.count(group) != 0)
+            names.insert(nameOf(line));
+        else if (ofVariants.count(group) != 0)
+            regular.push_back(line);
     }
     for (const VELHLSLine& line : regular) {
         if (names.count(nameOf(line)) == 0) tell(line, line.name, {{}, "none", {}});

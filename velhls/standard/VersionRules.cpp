@@ -11,6 +11,9 @@
 namespace velhls {
 namespace {
 
+/// The successor's versions are for what only it knows, some of which a playlist need not show.
+constexpr std::uint64_t lastOfRfc8216 = 7;
+
 /// The first place that needs a version, of each kind.
 struct Feature {
     VELHLSLine line;
@@ -112,7 +115,8 @@ void findTooLow(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.version()) return;
     for (const Feature& feature : FeatureFinder(playlist).find()) {
         if (feature.version <= *playlist.version()) continue;
-        const std::string expected = "EXT-X-VERSION:" + std::to_string(feature.version) + " or higher for this";
+        const std::string expected =
+            "EXT-X-VERSION:" + std::to_string(feature.version) + " or higher for this";
         const std::string seen =
             playlist.has(tagIndex(tag::version)) ? std::to_string(*playlist.version()) : "none";
         tell(feature.line, feature.piece, {expected, seen, {}});
@@ -122,18 +126,15 @@ void findTooLow(const CheckedPlaylist& playlist, const Tell& tell) {
 /// What needs a version that RFC 8216 does not know is not known to it either. A master playlist with renditions may state 4
 /// (section 7).
 void findTooHigh(const CheckedPlaylist& playlist, const Tell& tell) {
-    constexpr std::uint64_t lastOfRfc8216 = 7;
-    constexpr std::uint64_t lastOfSuccessor = 13;
-    const bool isLater = playlist.profile() == StandardProfile::rfc8216bis;
     const std::uint64_t version = playlist.version().value_or(1);
-    if (version <= 1 || version > (isLater ? lastOfSuccessor : lastOfRfc8216)) return;
-    if (isLater && version > lastOfRfc8216) return;
+    if (version <= 1 || version > lastOfRfc8216) return;
     const bool mayBe4 = playlist.isMaster() && playlist.has(tagIndex(tag::media));
     const std::uint64_t needed = std::max<std::uint64_t>(neededVersion(playlist), mayBe4 ? 4 : 1);
     if (version <= needed) return;
     const VELHLSLine line = playlist.firstLine(tagIndex(tag::version));
-    const std::string expected = needed == 1 ? "no EXT-X-VERSION above 1, since nothing needs more"
-                                             : "no more than " + std::to_string(needed) + ", which all tags and attributes need";
+    const std::string expected =
+        needed == 1 ? "no EXT-X-VERSION above 1, since nothing needs more"
+                    : "no more than " + std::to_string(needed) + ", which all tags and attributes need";
     tell(line, trimmed(line.value), {expected, {}, {}});
 }
 
@@ -163,8 +164,8 @@ void findRemoved(const CheckedPlaylist& playlist, const Tell& tell) {
 void findWholeDurations(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr std::uint64_t firstWithDecimals = 3;
     const std::uint64_t version = playlist.version().value_or(1);
-    const bool mayHaveDecimals = playlist.isMedia() && version >= firstWithDecimals && playlist.segmentCount() > 0;
-    if (!mayHaveDecimals || neededVersion(playlist) >= firstWithDecimals) return;
+    const bool mayHaveDecimals = version >= firstWithDecimals && version <= lastOfRfc8216;
+    if (!playlist.isMedia() || !mayHaveDecimals || neededVersion(playlist) >= firstWithDecimals) return;
     for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
         if (segment.durationLine == 0 || segment.duration <= 0.0) continue;
         const VELHLSLine line = playlist.document().line(segment.durationLine);
