@@ -1,8 +1,10 @@
 #include "Works.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <functional>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -147,7 +149,40 @@ class Render : public Work {
     std::int32_t result_ = -1;
 };
 
+/// Writes a playlist as RFC 8216 wants it into a new string stream.
+template <typename Playlist>
+class Write : public Work {
+  public:
+    Write(Playlist playlist, std::string expected)
+        : playlist_(std::move(playlist)), expected_(std::move(expected)) {}
+
+    void prepare() override { output_ = std::make_unique<std::ostringstream>(); }
+    void run() override { refusal_ = VELHLSPlaylistWriter::write(*playlist_, *output_); }
+    void drop() override {
+        require(!refusal_ && output_->str() == expected_, "the text is not what it was");
+        output_ = nullptr;
+    }
+
+  private:
+    Playlist playlist_;
+    std::string expected_;
+    std::unique_ptr<std::ostringstream> output_;
+    std::optional<std::string> refusal_;
+};
+
+/// A duration as it is printed into a text.
+using PrintDuration = std::to_chars_result (*)(char* begin, char* end, double duration);
+
+std::to_chars_result printSixDecimals(char* begin, char* end, double duration) {
+    return std::to_chars(begin, end, duration, std::chars_format::fixed, 6);
+}
+
+std::to_chars_result printShortest(char* begin, char* end, double duration) {
+    return std::to_chars(begin, end, duration, std::chars_format::fixed);
+}
+
 /// The text of a media playlist in ready pieces, cut where a duration stands.
+template <PrintDuration print>
 class WritingFloor : public Work {
   public:
     WritingFloor(const Stream& stream, std::string expected) : expected_(std::move(expected)) {
@@ -167,8 +202,7 @@ class WritingFloor : public Work {
         std::string text;
         for (const Piece& piece : pieces_) {
             std::array<char, 64> digits;
-            const auto printed = std::to_chars(digits.data(), digits.data() + digits.size(), piece.duration,
-                                               std::chars_format::fixed, 6);
+            const auto printed = print(digits.data(), digits.data() + digits.size(), piece.duration);
             text += piece.text;
             text.append(digits.data(), printed.ptr);
         }
@@ -242,7 +276,7 @@ Measurement mediaRender(std::string name, const std::string& text, std::size_t s
             1,
             std::make_unique<Render<Stream>>(stream, expected),
             "W",
-            std::make_unique<WritingFloor>(stream, expected)};
+            std::make_unique<WritingFloor<printSixDecimals>>(stream, expected)};
 }
 
 /// The floor is the reading of the same text: there is no duration to write.
@@ -257,6 +291,102 @@ Measurement masterRender(std::string name, const std::string& text, std::size_t 
             std::make_unique<Render<Manifest>>(manifest, expected),
             "R",
             std::make_unique<ReadingFloor>(expected, false)};
+}
+
+template <typename Playlist>
+std::string written(const Playlist& playlist) {
+    std::ostringstream output;
+    require(!VELHLSPlaylistWriter::write(*playlist, output), "the playlist is refused");
+    return output.str();
+}
+
+Measurement mediaWrite(std::string name, const std::string& text, std::size_t segments) {
+    std::istringstream input(text);
+    const Stream stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
+    const std::string expected = written(stream);
+    return {std::move(name),
+            segments,
+            expected.size(),
+            1,
+            std::make_unique<Write<Stream>>(stream, expected),
+            "W",
+            std::make_unique<WritingFloor<printShortest>>(stream, expected)};
+}
+
+/// The floor is that of a render.
+Measurement masterWrite(std::string name, const std::string& text, std::size_t variants) {
+    std::istringstream input(text);
+    const Manifest manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
+    const std::string expected = written(manifest);
+    return {std::move(name),
+            variants,
+            expected.size(),
+            1,
+            std::make_unique<Write<Manifest>>(manifest, expected),
+            "R",
+            std::make_unique<ReadingFloor>(expected, false)};
+}
+
+/// Finds the lines of a text that is there already.
+class Lines : public Work {
+  public:
+    Lines(std::string text, std::size_t lines) : text_(std::move(text)), lines_(lines) {}
+
+    void prepare() override { taken_ = text_; }
+    void run() override { document_ = std::make_unique<VELHLSDocument>(std::move(taken_)); }
+    void drop() override {
+        require(document_->lineCount() == lines_, "the document lost lines");
+        document_ = nullptr;
+    }
+
+  protected:
+    [[nodiscard]] const VELHLSDocument& document() const { return *document_; }
+
+  private:
+    std::string text_;
+    std::string taken_;
+    std::size_t lines_;
+    std::unique_ptr<VELHLSDocument> document_;
+};
+
+/// The same, and finds the structure, and scans all attributes.
+class WholeDocument : public Lines {
+  public:
+    using Lines::Lines;
+
+    void run() override {
+        Lines::run();
+        structure_ = std::make_unique<VELHLSStructure>(document());
+        for (const VELHLSLine line : document().lines()) {
+            if (line.definition == nullptr || line.definition->form != VELHLSTagDefinition::AttributeList)
+                continue;
+            for (const VELHLSAttribute& attribute : line.attributes())
+                attributeBytes_ += attribute.value.size();
+        }
+    }
+
+    void drop() override {
+        require(structure_->segmentCount() + structure_->variants().size() > 0, "the structure is empty");
+        structure_ = nullptr;
+        Lines::drop();
+    }
+
+  private:
+    std::unique_ptr<VELHLSStructure> structure_;
+    std::size_t attributeBytes_ = 0;
+};
+
+/// Its items are lines.
+template <typename Document>
+Measurement documentOf(std::string name, const std::string& text) {
+    const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    return {std::move(name),
+            lines,
+            text.size(),
+            1,
+            std::make_unique<Document>(text, lines),
+            "R",
+            std::make_unique<ReadingFloor>(text, false)};
 }
 
 using Maker = std::function<Measurement(const std::string&)>;
@@ -280,6 +410,23 @@ const std::vector<std::pair<std::string, Maker>>& makers() {
         {"render/rich/100000", [](Name name) { return mediaRender(name, inputs::rich(many), many); }},
         {"render/master-large/10000",
          [](Name name) { return masterRender(name, inputs::largeMaster(10000), 10000); }},
+        {"write/vod/100000", [](Name name) { return mediaWrite(name, inputs::vod(many), many); }},
+        {"write/rich/100000", [](Name name) { return mediaWrite(name, inputs::rich(many), many); }},
+        {"write/master-large/10000",
+         [](Name name) { return masterWrite(name, inputs::largeMaster(10000), 10000); }},
+        {"lines/vod/100000", [](Name name) { return documentOf<Lines>(name, inputs::vod(many)); }},
+        {"lines/vod/1000000", [](Name name) { return documentOf<Lines>(name, inputs::vod(million)); }},
+        {"lines/rich/100000", [](Name name) { return documentOf<Lines>(name, inputs::rich(many)); }},
+        {"lines/rich/1000000", [](Name name) { return documentOf<Lines>(name, inputs::rich(million)); }},
+        {"document/vod/100000", [](Name name) { return documentOf<WholeDocument>(name, inputs::vod(many)); }},
+        {"document/vod/1000000",
+         [](Name name) { return documentOf<WholeDocument>(name, inputs::vod(million)); }},
+        {"document/rich/100000",
+         [](Name name) { return documentOf<WholeDocument>(name, inputs::rich(many)); }},
+        {"document/rich/1000000",
+         [](Name name) { return documentOf<WholeDocument>(name, inputs::rich(million)); }},
+        {"document/master-large/10000",
+         [](Name name) { return documentOf<WholeDocument>(name, inputs::largeMaster(10000)); }},
     };
     return all;
 }

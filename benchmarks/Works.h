@@ -1,4 +1,4 @@
-// What is measured: parses and renders, each beside its floor.
+// What is measured: parses, renders and documents, each beside its floor.
 //
 // A floor is the least that the same result could take with plain means:
 // - R, reading: std::getline over the same stream into one string, nothing else;
@@ -25,7 +25,7 @@ class Work {
 
 struct Measurement {
     std::string name;
-    /// Segments or variants that one run handles, and the bytes of the playlist's text.
+    /// Segments or variants that one run handles, lines of a document, and the bytes of the playlist's text.
     std::size_t items;
     std::size_t bytes;
     /// How many runs are one sample: short ones are repeated.

@@ -23,6 +23,12 @@ AIMS = {
     "parse/master-large/10000": 8.0,
     "render/vod/100000": 1.0,
     "render/rich/100000": 1.3,
+    "write/vod/100000": 1.1,
+    "write/rich/100000": 1.1,
+    "lines/vod/1000000": 1.5,
+    "lines/rich/1000000": 1.5,
+    "document/vod/1000000": 3.0,
+    "document/rich/1000000": 3.0,
 }
 
 

@@ -6,6 +6,7 @@
 //   velhls_cost_bytes     the same, and prints the bytes that the result holds, and the most that were held until then
 #include <functional>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -14,6 +15,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/HostileInputs.h"
+#include "tests/support/Parses.h"
 #ifdef VELHLS_COUNTS_BYTES
 #include "tests/heap/Heap.h"
 #endif
@@ -60,15 +62,37 @@ void measureParseAndRender(const hostile::Input& input, const std::string& text,
     measure(input, "render", text.size(), [&] { static_cast<void>(playlist->render(out)); });
 }
 
+/// Lines, structure and all attributes.
+class WholeDocument {
+  public:
+    void read(const std::string& text) {
+        document_ = std::make_unique<VELHLSDocument>(text);
+        structure_ = std::make_unique<VELHLSStructure>(*document_);
+        for (const VELHLSLine line : document_->lines()) {
+            for (const VELHLSAttribute& attribute : line.attributes())
+                bytes_ += attribute.value.size();
+        }
+        for (const VELHLSStructure::Segment segment : structure_->segments())
+            bytes_ += segment.inForce.keyLines.size();
+    }
+
+  private:
+    std::unique_ptr<VELHLSDocument> document_;
+    std::unique_ptr<VELHLSStructure> structure_;
+    std::size_t bytes_ = 0;
+};
+
 void measure(const hostile::Input& input, std::size_t size) {
     const std::string text = input.text(size);
     if (input.kind == VELHLSDiagnostics::Master) {
-        measureParseAndRender(input, text, VELHLSParsedManifest::parseManifest);
+        measureParseAndRender(input, text, playlist::parseMaster);
     } else {
-        measureParseAndRender(input, text, VELHLSMediaStream::parseMediaStream);
+        measureParseAndRender(input, text, playlist::parseMedia);
     }
     measure(input, "check", text.size(),
             [&] { static_cast<void>(VELHLSDiagnostics::check(text, input.kind)); });
+    WholeDocument document;
+    measure(input, "document", text.size(), [&] { document.read(text); });
 }
 
 /// What the check of growth is there to find: every line is compared with every other.

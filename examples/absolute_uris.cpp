@@ -100,16 +100,23 @@ int rewrite(VELHLSMediaStream& stream, const Base& base) {
 int run(const Base& base, const std::string& path) {
     std::ifstream file(path);
     std::ostringstream content;
-    content << file.rdbuf();
+    // A file that cannot be opened would be read as an empty text.
+    if (!file.is_open() || !(content << file.rdbuf())) {
+        std::cerr << path << ": cannot be read\n";
+        return 1;
+    }
+    const auto detected = VELHLSDiagnostics::detectKind(content.str());
+    const auto kind = detected ? detected->kind : VELHLSDiagnostics::Detect;
     std::istringstream input(content.str());
-    if (content.str().find("#EXT-X-STREAM-INF:") != std::string::npos) {
+    if (kind == VELHLSDiagnostics::Master) {
         const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
         if (manifest != nullptr) return rewrite(*manifest, base) == 0 ? 0 : 1;
-    } else if (file.is_open()) {
+    }
+    if (kind == VELHLSDiagnostics::Media) {
         const auto stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
         if (stream != nullptr) return rewrite(*stream, base) == 0 ? 0 : 1;
     }
-    std::cerr << path << ": missing or rejected\n";
+    std::cerr << path << ": no playlist, or rejected\n";
     return 1;
 }
 

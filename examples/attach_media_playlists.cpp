@@ -13,10 +13,10 @@
 
 namespace {
 
-/// Null when the file is missing, so that it cannot be mistaken for an empty playlist.
+/// Null when the file cannot be opened: reading it would give an empty playlist.
 std::shared_ptr<VELHLSMediaStream> readMediaPlaylist(const std::string& path) {
     std::ifstream input(path);
-    if (!input) return nullptr;
+    if (!input.is_open()) return nullptr;
     return VELHLSMediaStream::parseMediaStream(input, nullptr);
 }
 
@@ -54,9 +54,13 @@ bool attachAll(const VELHLSParsedManifest& manifest, const std::string& folder) 
 
 int run(const std::string& folder) {
     std::ifstream input(folder + "/master.m3u8");
+    if (!input.is_open()) {
+        std::cerr << "master.m3u8: cannot be opened\n";
+        return 1;
+    }
     const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
     if (manifest == nullptr) {
-        std::cerr << "master.m3u8: missing or rejected\n";
+        std::cerr << "master.m3u8: rejected\n";
         return 1;
     }
     const bool complete = attachAll(*manifest, folder);

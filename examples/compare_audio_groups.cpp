@@ -70,6 +70,10 @@ int tellDifferences(const Group& group, const Group& other) {
 
 int run(const std::string& firstId, const std::string& secondId, const std::string& path) {
     std::ifstream input(path);
+    if (!input.is_open()) {
+        std::cerr << path << ": cannot be opened\n";
+        return 1;
+    }
     const auto groups = audioGroupsOf(input);
     const auto first = groups.find(firstId);
     const auto second = groups.find(secondId);

@@ -23,9 +23,13 @@ void dropAbove(VELHLSParsedManifest& manifest, std::uint64_t highest) {
 
 int run(std::uint64_t highest, const std::string& path) {
     std::ifstream input(path);
+    if (!input.is_open()) {
+        std::cerr << path << ": cannot be opened\n";
+        return 1;
+    }
     const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
     if (manifest == nullptr) {
-        std::cerr << path << ": missing or rejected\n";
+        std::cerr << path << ": rejected\n";
         return 1;
     }
     dropAbove(*manifest, highest);

@@ -4,7 +4,6 @@
 //
 // appends a segment of 4 seconds with that URI.
 
-#include <algorithm>
 #include <cmath>
 #include <exception>
 #include <fstream>
@@ -15,13 +14,10 @@
 
 namespace {
 
-/// The new segment continues the last one: its numbers, its start, its date; it shares its key and its map. It has no
-/// title, and without one no comma is written after its duration, which RFC 8216 wants: so it gets the title that a
-/// parsed segment without one has, the comma.
+/// The new segment continues the last one: its numbers, its start, its date; it shares its key and its map.
 void append(VELHLSMediaStream& stream, double duration, const std::string& uri) {
     stream.segments.push_back(
         VELHLSMediaSegment::buildNextSegment(stream.segments.back(), duration, nullptr, uri));
-    stream.segments.back()->title = ",";
 }
 
 /// A player knows a segment by its number: so the playlist's number rises with each segment that goes, and so does the
@@ -32,29 +28,31 @@ void dropOldest(VELHLSMediaStream& stream) {
     stream.segments.erase(stream.segments.begin());
 }
 
-/// EXT-X-TARGETDURATION is a whole number that no duration, rounded, exceeds (RFC 8216, section 4.3.3.1).
-double neededTargetDuration(const VELHLSMediaStream& stream) {
-    double longest = 0.0;
-    for (const auto& segment : stream.segments)
-        longest = std::max(longest, std::round(segment->duration));
-    return longest;
-}
-
 int run(double duration, const std::string& uri, const std::string& path) {
     std::ifstream input(path);
+    if (!input.is_open()) {
+        std::cerr << path << ": cannot be opened\n";
+        return 1;
+    }
     const auto stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
     if (stream == nullptr || stream->segments.empty()) {
-        std::cerr << path << ": missing, rejected or without segments\n";
+        std::cerr << path << ": rejected, or without segments\n";
+        return 1;
+    }
+    if (std::round(duration) > stream->targetDuration) {
+        // It would be raised, and must not change while players read the playlist.
+        std::cerr << uri << ": longer than the target duration\n";
         return 1;
     }
     append(*stream, duration, uri);
     dropOldest(*stream);
-    if (neededTargetDuration(*stream) > stream->targetDuration) {
-        // It must not change while players read the playlist.
-        std::cerr << uri << ": longer than the target duration\n";
+    VELHLSWriterOptions options;
+    options.everyDate = true;
+    if (const auto refusal = VELHLSPlaylistWriter::write(*stream, std::cout, options)) {
+        std::cerr << path << ": " << *refusal << "\n";
         return 1;
     }
-    return stream->render(std::cout) == 0 ? 0 : 1;
+    return 0;
 }
 
 }  // namespace

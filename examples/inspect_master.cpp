@@ -54,9 +54,13 @@ void showRenditions(const VELHLSParsedManifest& manifest) {
 
 int run(const std::string& path) {
     std::ifstream input(path);
+    if (!input.is_open()) {
+        std::cerr << path << ": cannot be opened\n";
+        return 1;
+    }
     const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
     if (manifest == nullptr) {
-        std::cerr << path << ": missing or rejected\n";
+        std::cerr << path << ": rejected\n";
         return 1;
     }
     showVariants(*manifest);

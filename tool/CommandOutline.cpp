@@ -5,6 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "velhls/VELHLS.h"
+
 namespace tool {
 
 namespace {
@@ -28,6 +30,15 @@ std::string valueNameIn(const std::string& typeName) {
     return typeName.substr(colon + 1);
 }
 
+/// The names that a value called "RULE" may be, and the choices of any other.
+std::vector<std::string> offeredFor(const OptionOutline& option) {
+    if (option.valueName != "RULE") return option.choices;
+    std::vector<std::string> ids;
+    for (const VELHLSRule& rule : VELHLSDiagnostics::rules())
+        ids.emplace_back(rule.id);
+    return ids;
+}
+
 OptionOutline outlineOf(const CLI::Option& option) {
     OptionOutline outline;
     for (const std::string& name : option.get_snames())
@@ -41,9 +52,18 @@ OptionOutline outlineOf(const CLI::Option& option) {
     const std::string typeName = option.get_type_name();
     outline.choices = choicesIn(typeName);
     outline.valueName = valueNameIn(typeName);
+    outline.offered = offeredFor(outline);
     outline.defaultValue = option.get_default_str();
     outline.description = option.get_description();
     return outline;
+}
+
+std::vector<std::string> namesOf(const std::vector<CommandOutline>& commands) {
+    std::vector<std::string> names;
+    names.reserve(commands.size());
+    for (const CommandOutline& command : commands)
+        names.push_back(command.name);
+    return names;
 }
 
 }  // namespace
@@ -58,6 +78,11 @@ CommandOutline outlineOf(const CLI::App& app) {
     };
     for (const CLI::App* command : app.get_subcommands(isNamed))
         outline.subcommands.push_back(outlineOf(*command));
+    for (CommandOutline& subcommand : outline.subcommands) {
+        for (OptionOutline& option : subcommand.options) {
+            if (option.valueName == "COMMAND") option.offered = namesOf(outline.subcommands);
+        }
+    }
     return outline;
 }
 

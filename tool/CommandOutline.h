@@ -18,6 +18,8 @@ struct OptionOutline {
     bool repeats = false;              ///< it takes any number of values
     std::string valueName;             ///< what the help calls the value: "TEXT", "RULE"
     std::vector<std::string> choices;  ///< the only values it takes; empty when there is no such list
+    std::vector<std::string>
+        offered;  ///< what completions offer: the choices, or what else is known of the values
     std::string defaultValue;
     std::string description;
 

@@ -67,7 +67,7 @@ void writeBashValues(std::ostream& out, const CommandOutline& command, const std
         if (option.takesFile()) {
             out << "_velhls_files \"$current\"";
         } else {
-            out << "_velhls_words \"" << withSpaces(option.choices) << "\" \"$current\"";
+            out << "_velhls_words \"" << withSpaces(option.offered) << "\" \"$current\"";
         }
         out << "; return ;;\n";
     }
@@ -81,7 +81,7 @@ void writeBashArguments(std::ostream& out, const CommandOutline& subcommand) {
         if (option.takesFile()) {
             out << "_velhls_files \"$current\"";
         } else {
-            out << "_velhls_words \"" << withSpaces(option.choices) << "\" \"$current\"";
+            out << "_velhls_words \"" << withSpaces(option.offered) << "\" \"$current\"";
         }
         out << " ;;\n";
         return;
@@ -95,7 +95,7 @@ std::string zshDescription(const std::string& text) {
 }
 
 std::string zshAction(const OptionOutline& option) {
-    if (!option.choices.empty()) return ":(" + withSpaces(option.choices) + ")";
+    if (!option.offered.empty()) return ":(" + withSpaces(option.offered) + ")";
     return option.takesFile() ? ":_files" : ":";
 }
 
@@ -123,6 +123,10 @@ void writeFishOptions(std::ostream& out, const CommandOutline& command, const st
     for (const OptionOutline& option : command.options) {
         if (option.isArgument) {
             if (option.takesFile()) out << "complete -c velhls -n " << condition << " -F\n";
+            if (!option.offered.empty()) {
+                out << "complete -c velhls -n " << condition << " -x -a "
+                    << quoted(withSpaces(option.offered), "\\'") << "\n";
+            }
             continue;
         }
         out << "complete -c velhls -n " << condition;
@@ -131,7 +135,7 @@ void writeFishOptions(std::ostream& out, const CommandOutline& command, const st
         if (option.takesFile()) {
             out << " -r -F";
         } else if (option.takesValue) {
-            out << " -x -a " << quoted(withSpaces(option.choices), "\\'");
+            out << " -x -a " << quoted(withSpaces(option.offered), "\\'");
         }
         out << " -d " << quoted(option.description, "\\'") << "\n";
     }

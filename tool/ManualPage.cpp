@@ -83,6 +83,31 @@ std::string exitStatusOf(const CommandOutline& command) {
     return footer.compare(0, heading.size(), heading) == 0 ? footer.substr(heading.size()) : footer;
 }
 
+struct Example {
+    std::string_view what;
+    std::string_view commandLine;
+};
+
+constexpr Example examples[] = {
+    {"What is wrong with a playlist, and where:", "velhls check live.m3u8"},
+    {"Errors alone, of all playlists of a folder, for a program to read:",
+     "velhls check --severity error --format json *.m3u8"},
+    {"Why a rule is one, and what to do:", "velhls explain variant-bandwidth-zero"},
+    {"The text as RFC 8216 wants it, in place of the file:",
+     "velhls render --conformant --output live.m3u8 live.m3u8"},
+    {"What a server delivers:", "curl -s https://example.com/master.m3u8 | velhls inspect"},
+    {"The URIs of all segments:", "velhls inspect --json vod.m3u8 | jq -r '.playlist.segments[].uri'"},
+};
+
+void writeExamples(std::ostream& out) {
+    out << ".SH EXAMPLES\n";
+    for (const Example& example : examples) {
+        out << ".PP\n"
+            << roff(example.what) << "\n.PP\n.RS 4\n.nf\n"
+            << roff(example.commandLine) << "\n.fi\n.RE\n";
+    }
+}
+
 }  // namespace
 
 std::string manualPage(const CommandOutline& command, const std::string& version) {
@@ -112,6 +137,10 @@ std::string manualPage(const CommandOutline& command, const std::string& version
     for (const OptionOutline& option : command.options)
         writeOption(out, option);
     out << ".SH \"EXIT STATUS\"\n" << roff(exitStatusOf(command)) << "\n";
+    writeExamples(out);
+    out << ".SH \"SEE ALSO\"\n"
+        << bold("curl") << "(1), " << bold("jq") << "(1)\n.PP\n"
+        << "RFC 8216, HTTP Live Streaming: https://www.rfc\\-editor.org/rfc/rfc8216\n";
     return out.str();
 }
 

@@ -1,9 +1,12 @@
 #include "tool/Playlist.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,6 +31,15 @@ bool parse(Playlist& playlist) {
         return false;
     }
     return std::visit([](const auto& model) { return model != nullptr; }, playlist.model);
+}
+
+/// Whether what the models do not render is written all the same as RFC 8216 wants it.
+bool isKeptByWriter(std::string_view ruleId, PlaylistKind kind) {
+    constexpr std::array<std::string_view, 4> kept = {"byte-range-empty-not-written", "cue-not-written",
+                                                      "rendition-audio-track-type-not-written",
+                                                      "session-key-not-written"};
+    const bool isStartOfMaster = ruleId == "start-zero-not-written" && kind == PlaylistKind::Master;
+    return isStartOfMaster || std::find(kept.begin(), kept.end(), ruleId) != kept.end();
 }
 
 [[noreturn]] void reject(const Playlist& playlist) {
@@ -56,15 +68,21 @@ Playlist readPlaylist(const std::string& path, PlaylistKind askedKind, std::size
     return playlist;
 }
 
-std::string cleanText(const Playlist& playlist) {
+std::string cleanText(const Playlist& playlist, Writing writing) {
     std::ostringstream out;
+    if (writing == Writing::Conformant) {
+        const std::optional<std::string> refusal = std::visit(
+            [&out](const auto& model) { return VELHLSPlaylistWriter::write(*model, out); }, playlist.model);
+        if (refusal) throw Failure(rejected, playlist.name + ": error: cannot be written: " + *refusal);
+        return out.str();
+    }
     const std::int32_t result =
         std::visit([&out](const auto& model) { return model->render(out); }, playlist.model);
     if (result != 0) throw Failure(rejected, "error: the parsed playlist cannot be written");
     return out.str();
 }
 
-std::string describeLosses(const Playlist& playlist) {
+std::string describeLosses(const Playlist& playlist, Writing writing) {
     struct Loss {
         VELHLSFinding first;
         std::size_t more = 0;
@@ -74,6 +92,7 @@ std::string describeLosses(const Playlist& playlist) {
     for (const VELHLSFinding& finding : VELHLSDiagnostics::check(playlist.text, playlist.kind)) {
         const auto rule = VELHLSDiagnostics::ruleNamed(finding.ruleId);
         if (!rule || !rule->isLostWhenWritten) continue;
+        if (writing == Writing::Conformant && isKeptByWriter(rule->id, playlist.kind)) continue;
         const auto [index, isNew] = indices.emplace(finding.ruleId, losses.size());
         if (isNew) losses.push_back({finding, finding.suppressed});
         if (!isNew) losses[index->second].more += 1 + finding.suppressed;

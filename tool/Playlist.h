@@ -27,10 +27,13 @@ struct Playlist {
 /// then with all errors, as "file:line: error: message [rule]".
 [[nodiscard]] Playlist readPlaylist(const std::string& path, PlaylistKind askedKind, std::size_t mostBytes);
 
-/// The playlist's clean text.
-[[nodiscard]] std::string cleanText(const Playlist& playlist);
+/// How the text of a playlist is written: as the models render it, or as RFC 8216 wants it.
+enum class Writing { Rendered, Conformant };
+
+/// The playlist's clean text. Throws a Failure when it cannot be written.
+[[nodiscard]] std::string cleanText(const Playlist& playlist, Writing writing);
 
 /// What the clean text no longer holds, a line for each rule; empty when it holds all.
-[[nodiscard]] std::string describeLosses(const Playlist& playlist);
+[[nodiscard]] std::string describeLosses(const Playlist& playlist, Writing writing);
 
 }  // namespace tool

@@ -14,6 +14,8 @@
 #include "velhls/VELHLS.h"
 
 #include "tool/Check.h"
+#include "tool/Edit.h"
+#include "tool/EditCommand.h"
 #include "tool/Failure.h"
 #include "tool/InputFile.h"
 #include "tool/Inspect.h"
@@ -32,9 +34,11 @@ struct Request {
     std::string output = tool::standardInput;
     std::string kind = "auto";
     bool quiet = false;
+    bool conformant = false;
     bool json = false;
     std::size_t mostBytes = tool::usualLargestInput;
     std::string rule;
+    std::string command;
     std::string severity = "warning";
     std::vector<std::string> disabledRules;
     tool::CheckRequest check;
@@ -43,14 +47,15 @@ struct Request {
 void render(const Request& request) {
     const tool::Playlist playlist =
         tool::readPlaylist(request.input, tool::kindNamed(request.kind), request.mostBytes);
-    const std::string text = tool::cleanText(playlist);
+    const auto writing = request.conformant ? tool::Writing::Conformant : tool::Writing::Rendered;
+    const std::string text = tool::cleanText(playlist, writing);
     if (request.output == tool::standardInput) {
         tool::writeToStandardOutput(text);
     } else {
         tool::replaceFile(request.output, text);
     }
     if (request.quiet) return;
-    static_cast<void>(std::fputs(tool::describeLosses(playlist).c_str(), stderr));
+    static_cast<void>(std::fputs(tool::describeLosses(playlist, writing).c_str(), stderr));
 }
 
 VELHLSFinding::Severity severityNamed(const std::string& name) {
@@ -95,14 +100,23 @@ void inspect(const Request& request) {
     tool::writeToStandardOutput(std::visit(Inspection{playlist.status, request.json}, playlist.model));
 }
 
+/// Makes bytes of a size such as "10k"; says why that cannot be done.
+std::string makeBytes(std::string& size) {
+    const bool isNumber = !size.empty() && size.front() >= '0' && size.front() <= '9';
+    if (!isNumber) return "expected a number of bytes, as 10k, seen " + tool::quotedExcerpt(size);
+    return CLI::AsSizeValue(false)(size);
+}
+
 /// What the commands that read playlists have in common.
 void addReadingOptions(CLI::App& command, Request& request) {
     command.add_option("--kind", request.kind, "What to read it as")
         ->check(CLI::IsMember({"auto", "master", "media"}))
         ->capture_default_str();
-    command.add_option("--max-bytes", request.mostBytes, "Read no playlist that has more bytes")
+    command
+        .add_option("--max-bytes", request.mostBytes,
+                    "Read no playlist that has more bytes; 10k is 10,240, and m and g are more")
         ->type_name("BYTES")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
+        ->transform(CLI::Validator(makeBytes, ""))
         ->capture_default_str();
 }
 
@@ -144,6 +158,30 @@ void addExplainCommand(CLI::App& app, Request& request) {
     command->callback([&request] { explain(request); });
 }
 
+/// The command of this name; null when there is none.
+const CLI::App* commandNamed(const CLI::App& app, const std::string& name) {
+    const auto found =
+        app.get_subcommands([&name](const CLI::App* command) { return command->get_name() == name; });
+    return found.empty() ? nullptr : found.front();
+}
+
+/// `velhls help` and `velhls help COMMAND`.
+void addHelpCommand(CLI::App& app, Request& request) {
+    const auto whyNoCommand = [&app](const std::string& name) -> std::string {
+        if (commandNamed(app, name) != nullptr) return {};
+        return "there is no command " + tool::quotedExcerpt(name);
+    };
+    CLI::App* command = app.add_subcommand("help", "Show this help, or that of a command");
+    command->add_option("COMMAND", request.command, "The command; all of them by default")
+        ->check(CLI::Validator(whyNoCommand, "COMMAND"));
+    command->callback([&app, &request] {
+        const CLI::App* asked = request.command.empty() ? &app : commandNamed(app, request.command);
+        tool::writeToStandardOutput(app.get_formatter()->make_help(
+            asked, asked == &app ? app.get_name() : app.get_name() + " " + asked->get_name(),
+            CLI::AppFormatMode::Normal));
+    });
+}
+
 /// Help and version come as errors, too.
 tool::ExitStatus endParsing(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() != 0) {
@@ -171,6 +209,8 @@ int run(int argumentCount, char** arguments) {
     addInputOptions(*renderCommand, request);
     renderCommand->add_option("-o,--output", request.output, "Where to write; - for standard output")
         ->capture_default_str();
+    renderCommand->add_flag("--conformant", request.conformant,
+                            "Write the text as RFC 8216 wants it, not as the library renders it");
     renderCommand->add_flag("--quiet", request.quiet, "Do not say what the clean text no longer holds");
     renderCommand->callback([&request] { render(request); });
 
@@ -179,9 +219,13 @@ int run(int argumentCount, char** arguments) {
     inspectCommand->add_flag("--json", request.json, "Write the whole model as JSON");
     inspectCommand->callback([&request] { inspect(request); });
 
+    tool::EditRequest editRequest;
+    tool::addEditCommand(app, editRequest);
+
     tool::addSelfDescription(app);
     addCheckCommand(app, request, status);
     addExplainCommand(app, request);
+    addHelpCommand(app, request);
 
     try {
         app.parse(argumentCount, arguments);

@@ -45,3 +45,5 @@
 #include "velhls/media/VELHLSMediaSegment.h"
 #include "velhls/media/VELHLSMediaStream.h"
 #include "velhls/media/VELHLSProtectionData.h"
+#include "velhls/writer/VELHLSPlaylistWriter.h"
+#include "velhls/writer/VELHLSWriterOptions.h"

@@ -102,7 +102,7 @@ def main():
     parser = argparse.ArgumentParser(prog="benchmarks/peers/run")
     parser.add_argument("--processes", type=int, default=9, metavar="N", help="fresh processes for every figure (9)")
     parser.add_argument("--json", metavar="FILE", type=Path, help="keep all that was measured")
-    parser.add_argument("--record", action="store_true", help="write the table into README.md")
+    parser.add_argument("--record", action="store_true", help="write the table into docs/performance.md")
     options = parser.parse_args()
 
     here = machine() | {"node": output_of("node", "--version").strip(),
@@ -115,7 +115,7 @@ def main():
               f"the least of {options.processes} processes.\n\n{table(runs, versions)}")
     print(report)
     if options.record:
-        record("README.md", "peers", report)
+        record("docs/performance.md", "peers", report)
 
 
 if __name__ == "__main__":

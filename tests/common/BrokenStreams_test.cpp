@@ -6,6 +6,7 @@
 #include <ios>
 #include <istream>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -18,6 +19,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/Outcome.h"
+#include "tests/support/Parses.h"
 #include "tests/support/WholePlaylists.h"
 
 namespace {
@@ -110,11 +112,31 @@ auto parsed(const std::string& text, Parse parse) {
 }
 
 TEST(BrokenStreams, MasterPlaylistIsWrittenUpToTheByteWhereTheStreamFails) {
-    expectPlaylistToOutliveBrokenSinks(*parsed(whole::master, VELHLSParsedManifest::parseManifest));
+    expectPlaylistToOutliveBrokenSinks(*parsed(whole::master, playlist::parseMaster));
 }
 
 TEST(BrokenStreams, MediaPlaylistIsWrittenUpToTheByteWhereTheStreamFails) {
-    expectPlaylistToOutliveBrokenSinks(*parsed(whole::media, VELHLSMediaStream::parseMediaStream));
+    expectPlaylistToOutliveBrokenSinks(*parsed(whole::media, playlist::parseMedia));
+}
+
+template <typename Playlist>
+void expectWriterToOutliveBrokenSinks(const Playlist& playlist) {
+    std::ostringstream out;
+    ASSERT_EQ(VELHLSPlaylistWriter::write(playlist, out), std::nullopt);
+    const std::string whole = out.str();
+    for (std::size_t room = 0; room <= whole.size(); ++room) {
+        SCOPED_TRACE(room);
+        BrokenSink sink(room, Manner::refuses);
+        std::ostream stream(&sink);
+        ASSERT_EQ(VELHLSPlaylistWriter::write(playlist, stream), std::nullopt);
+        ASSERT_EQ(stream.bad(), room != whole.size());
+        ASSERT_EQ(sink.text(), whole.substr(0, room));
+    }
+}
+
+TEST(BrokenStreams, WriterWritesUpToTheByteWhereTheStreamFails) {
+    expectWriterToOutliveBrokenSinks(*parsed(whole::master, playlist::parseMaster));
+    expectWriterToOutliveBrokenSinks(*parsed(whole::media, playlist::parseMedia));
 }
 
 /// Hands its text out in pieces, and throws where it ends.
@@ -178,13 +200,13 @@ void expectBrokenSourcesToEndThere(const std::string& text, Read read) {
 
 TEST(BrokenStreams, MasterPlaylistIsReadUpToTheByteWhereTheStreamFails) {
     expectBrokenSourcesToEndThere(whole::master, [](std::istream& input) {
-        return outcomeOf(input, VELHLSParsedManifest::parseManifest);
+        return outcomeOf(input, playlist::parseMaster);
     });
 }
 
 TEST(BrokenStreams, MediaPlaylistIsReadUpToTheByteWhereTheStreamFails) {
     expectBrokenSourcesToEndThere(whole::media, [](std::istream& input) {
-        return outcomeOf(input, VELHLSMediaStream::parseMediaStream);
+        return outcomeOf(input, playlist::parseMedia);
     });
 }
 

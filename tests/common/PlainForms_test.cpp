@@ -18,6 +18,7 @@
 #include "tests/support/MediaRoundTrip.h"
 #include "tests/support/Mutations.h"
 #include "tests/support/Outcome.h"
+#include "tests/support/Parses.h"
 #include "tests/support/PlainPlaylists.h"
 #include "tests/support/PlaylistText.h"
 
@@ -47,8 +48,8 @@ void expectPlainForm(const std::string& text) {
         << text;
     ASSERT_EQ(outcomeOf(text, VELHLSParsedManifest::internalParseManifest), outcomeOf(text, plain::manifest))
         << text;
-    ASSERT_EQ(differencesAfterRoundTrip(text, VELHLSMediaStream::parseMediaStream), "") << text;
-    ASSERT_EQ(differencesAfterRoundTrip(text, VELHLSParsedManifest::parseManifest), "") << text;
+    ASSERT_EQ(differencesAfterRoundTrip(text, playlist::parseMedia), "") << text;
+    ASSERT_EQ(differencesAfterRoundTrip(text, playlist::parseMaster), "") << text;
 }
 
 std::vector<std::string> examples() {
@@ -104,8 +105,8 @@ TEST(PlainForms, NameEveryManifestThatIsNotReadBack) {
         const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
         ASSERT_NE(manifest, nullptr) << row.text;
         EXPECT_EQ(playlist::reasonNotToBeRead(*manifest), row.reason) << row.text;
-        EXPECT_NE(outcomeOf(playlist::renderedManifest(*manifest), VELHLSParsedManifest::parseManifest),
-                  outcomeOf(row.text, VELHLSParsedManifest::parseManifest))
+        EXPECT_NE(outcomeOf(playlist::renderedManifest(*manifest), playlist::parseMaster),
+                  outcomeOf(row.text, playlist::parseMaster))
             << row.text;
     }
 }

@@ -3,8 +3,10 @@
 #include "tests/support/StreamBuffers.h"
 
 #include <cstddef>
+#include <memory>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <streambuf>
 #include <string>
 #include <utility>
@@ -15,6 +17,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/Outcome.h"
+#include "tests/support/Parses.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -46,9 +49,30 @@ void expectTheSameFromEveryBuffer(const std::string& text, Parse parse) {
     EXPECT_EQ(outcomeOf(tiedInput, parse), expected) << "tied:\n" << text;
 }
 
+/// The model that a parse of the text makes, or that there is none, however it is rejected.
+template <typename Playlist>
+std::string modelOf(const std::shared_ptr<Playlist>& parsed) {
+    return parsed == nullptr ? "none" : playlist::describe(*parsed);
+}
+
+template <typename Parse>
+std::string modelFromStream(const std::string& text, Parse parse) {
+    std::istringstream input(text);
+    try {
+        return modelOf(parse(input, nullptr));
+    } catch (const std::logic_error&) {
+        return "none";
+    }
+}
+
 void expectTheSameFromEveryBuffer(const std::string& text) {
-    expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
-    expectTheSameFromEveryBuffer(text, VELHLSParsedManifest::parseManifest);
+    expectTheSameFromEveryBuffer(text, playlist::parseMedia);
+    expectTheSameFromEveryBuffer(text, playlist::parseMaster);
+    EXPECT_EQ(modelOf(VELHLSMediaStream::parseMediaStream(text)), modelFromStream(text, playlist::parseMedia))
+        << text;
+    EXPECT_EQ(modelOf(VELHLSParsedManifest::parseManifest(text)),
+              modelFromStream(text, playlist::parseMaster))
+        << text;
 }
 
 std::string withCarriageReturns(const std::string& text) {
@@ -89,7 +113,7 @@ TEST(StreamBuffers, RandomLinesAreReadTheSame) {
             text += "segment" + std::string(random() % 40, 'u') + (random() % 8 == 0 ? "\rv" : "") + ".ts\n";
         }
         if (random() % 4 == 0) text.pop_back();
-        expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
+        expectTheSameFromEveryBuffer(text, playlist::parseMedia);
     }
 }
 
@@ -101,8 +125,8 @@ TEST(StreamBuffers, TagsBeforeAPatternAreReadTheSame) {
             "#EXTM3U\n#EXT-X-DEFINE:NAME=\"n\",VALUE=\"10\"\n" + tags +
             "#ZOR-PATTERN_START:p\n#EXTINF:4,\nsegment{$n}.ts\n#ZOR-DEFINE_INCREMENT:n,1\n"
             "#ZOR-PATTERN_END:p\n#ZOR-PATTERN_REPEAT:p,2\n#EXT-X-ENDLIST\n";
-        expectTheSameFromEveryBuffer(text, VELHLSMediaStream::parseMediaStream);
-        expectTheSameFromEveryBuffer(withCarriageReturns(text), VELHLSMediaStream::parseMediaStream);
+        expectTheSameFromEveryBuffer(text, playlist::parseMedia);
+        expectTheSameFromEveryBuffer(withCarriageReturns(text), playlist::parseMedia);
         tags +=
             count % 3 == 0 ? "#EXT-X-DISCONTINUITY\n" : "#EXT-X-BYTERANGE:" + std::to_string(count) + "@1\n";
         if (count % 5 == 0) tags += "# a\rcomment\n";

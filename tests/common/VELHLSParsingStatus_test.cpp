@@ -14,6 +14,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Parses.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -386,11 +387,11 @@ void expectWholeParseIsMeasured(const std::string& text, Parse parse) {
 TEST(VELHLSParsingMetrics, DurationCoversTheWholeParse) {
     for (const char* const text : {"", "low.m3u8\n", manifest.c_str()}) {
         SCOPED_TRACE(text);
-        expectWholeParseIsMeasured(text, VELHLSParsedManifest::parseManifest);
+        expectWholeParseIsMeasured(text, playlist::parseMaster);
     }
     for (const char* const text : {"", "segment1.ts\n", mediaPlaylist.c_str()}) {
         SCOPED_TRACE(text);
-        expectWholeParseIsMeasured(text, VELHLSMediaStream::parseMediaStream);
+        expectWholeParseIsMeasured(text, playlist::parseMedia);
     }
 }
 

@@ -1,4 +1,4 @@
-// What stops the check of a text that was made to be costly, beside the bounds of the parse: it goes on behind what the
+// What stops the check of a text that was made to be costly, beside the bounds of the parse: it goes on after what the
 // parse would have rejected.
 #include <algorithm>
 #include <cstddef>

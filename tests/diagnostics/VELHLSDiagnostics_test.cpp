@@ -103,6 +103,22 @@ TEST(VELHLSDiagnostics, DropsTheSegmentsThatARejectedPatternMadeBefore) {
     EXPECT_EQ(seenBy("target-duration-too-small", text, VELHLSDiagnostics::Media), "");
 }
 
+TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInKeysAndMaps) {
+    const auto reference = [](const std::string& tag) {
+        return seenBy("variable-not-replaced", lines({"#EXTM3U", tag, "#EXTINF:6,", "segment.ts"}),
+                      VELHLSDiagnostics::Media);
+    };
+    EXPECT_EQ(reference("#EXT-X-MAP:URI=\"init{$n}.mp4\",BYTERANGE=\"9@0\""), "\"{$n}.mp4\"");
+    EXPECT_EQ(reference("#EXT-X-KEY:METHOD=AES-128,URI=\"key{$n}\""), "\"{$n}\"");
+    EXPECT_EQ(reference("#EXT-X-MAP:URI=\"init.mp4\""), "");
+    const std::string pattern =
+        lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"1\"", "#ZOR-PATTERN_START:p",
+               "#EXT-X-MAP:URI=\"init{$n}.mp4\"", "#EXTINF:6,", "segment{$n}.ts", "#ZOR-PATTERN_REPEAT:p,3"});
+    EXPECT_EQ(found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).find("variable-not-replaced"),
+              found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).rfind("variable-not-replaced"));
+    EXPECT_EQ(seenBy("variable-not-replaced", pattern, VELHLSDiagnostics::Media), "\"{$n}.mp4\"");
+}
+
 TEST(VELHLSDiagnostics, TellsWhatAMapDoesNotKeep) {
     const auto seenOf = [](const std::string& ruleId, const std::string& list) {
         return seenBy(ruleId, lines({"#EXTM3U", "#EXT-X-MAP:" + list, "#EXTINF:6,", "segment.ts"}),
@@ -158,8 +174,8 @@ TEST(VELHLSDiagnostics, CutsWhatItQuotesBetweenCharacters) {
                       "\"" + std::string(first, 'x') + characters.substr(0, whole) + "...\"");
         }
     }
-    // Bytes that go on without an end are no character.
-    EXPECT_EQ(seenOf(std::string(100, '\x80')), "\"" + std::string(76, '\x80') + "...\"");
+    // Bytes that go on without an end are no character, and are cut anywhere.
+    EXPECT_EQ(seenOf(std::string(100, '\x80')), "\"" + std::string(80, '\x80') + "...\"");
 }
 
 TEST(VELHLSDiagnostics, NamesTheAttributeUnlessItsNameIsEmptyOrLong) {
@@ -363,6 +379,11 @@ TEST(VELHLSDiagnostics, SaysWhatATextIsThatIsNoPlaylist) {
         {"{", "JSON"},
         {" [", "JSON"},
         {std::string(4095, 'x') + '\0', "binary data"},
+        {std::string("\x1F\x8B\x08\0", 4), "data compressed with gzip (gzip -dc unpacks it)"},
+        {std::string("\xFF\xFE#\0E\0", 6), "text in UTF-16 (iconv -f UTF-16 -t UTF-8 converts it)"},
+        {std::string("\xFE\xFF\0#\0E", 6), "text in UTF-16 (iconv -f UTF-16 -t UTF-8 converts it)"},
+        {std::string("#\0E\0X\0T\0", 8), "text in UTF-16 (iconv -f UTF-16 -t UTF-8 converts it)"},
+        {std::string("\0#\0E\0X\0T", 8), "text in UTF-16 (iconv -f UTF-16 -t UTF-8 converts it)"},
         {std::string(4096, 'x') + '\0', "no tag"},
         {"x", "no tag"},
         {" \n", "no tag"},

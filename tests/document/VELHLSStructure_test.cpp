@@ -161,11 +161,11 @@ TEST(VELHLSStructure, KnowsMapsAndDates) {
     EXPECT_EQ(date(0), -1);
     EXPECT_EQ(date(1), 10000000);
     EXPECT_EQ(date(2), 11500000);
-    EXPECT_EQ(date(3), 13500000);
+    EXPECT_EQ(date(3), -1);
     EXPECT_EQ(date(4), 0);
     EXPECT_EQ(read.structure.segment(1).dateLine, 4U);
     EXPECT_EQ(read.structure.segment(3).dateLine, 9U);
-    EXPECT_EQ(read.structure.segment(3).inForce.dateLine, 4U);
+    EXPECT_EQ(read.structure.segment(3).inForce.dateLine, 9U);
     EXPECT_EQ(read.structure.segment(0).inForce.mapLine, 0U);
     EXPECT_EQ(read.structure.segment(3).inForce.mapLine, 3U);
 }

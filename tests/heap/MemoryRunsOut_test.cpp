@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <streambuf>
@@ -203,6 +204,39 @@ class Check {
     std::vector<VELHLSFinding> findingsOfStream_;
 };
 
+/// A document, its structure, its URIs, and an edit of each of its lines.
+class Edit {
+  public:
+    explicit Edit(const std::string& text) : text_(text) {}
+
+    void run() {
+        const VELHLSDocument document(text_);
+        const VELHLSStructure structure(document);
+        std::vector<VELHLSEdit> edits;
+        for (const VELHLSUri& uri : document.uris())
+            edits.push_back(document.replaceUri(uri, "https://example.com/a-longer-uri-than-before"));
+        for (const VELHLSLine& line : document.linesNamed("EXT-X-KEY"))
+            edits.push_back(
+                document.changeAttributes(line.number, {{"KEYFORMATVERSIONS", "1/2/3/4/5/6/7/8/9"}}));
+        edits.push_back(document.insertBefore(1, "# a line that is too long for a small string"));
+        for (const VELHLSStructure::Segment segment : structure.segments())
+            edits.push_back(document.insertAfter(structure.linesOf(segment).back(), "# after a segment"));
+        edited_ = document.apply(edits).text;
+    }
+
+    [[nodiscard]] std::string outcome() const { return edited_; }
+    [[nodiscard]] std::string changed() const { return edited_.empty() ? "" : "the result"; }
+
+  private:
+    std::string text_;
+    std::string edited_;
+};
+
+TEST(MemoryRunsOut, EditingADocument) {
+    runOutOfMemory<Edit>(whole::master);
+    runOutOfMemory<Edit>(whole::media);
+}
+
 TEST(MemoryRunsOut, CheckingAMasterPlaylist) {
     runOutOfMemory<Check>(whole::master, VELHLSDiagnostics::Master);
     for (const std::string& text : whole::rejectedMasters) {
@@ -280,6 +314,47 @@ TEST(MemoryRunsOut, RenderingAMasterPlaylist) {
 
 TEST(MemoryRunsOut, RenderingAMediaPlaylist) {
     runOutOfMemory<Render<VELHLSMediaStream>>(wholeMedia());
+}
+
+template <typename Playlist>
+std::string writtenOf(const std::shared_ptr<const Playlist>& playlist) {
+    std::ostringstream out;
+    const auto refusal = VELHLSPlaylistWriter::write(*playlist, out);
+    return refusal ? "refused: " + *refusal : out.str();
+}
+
+template <typename Playlist>
+class Write {
+  public:
+    explicit Write(const std::shared_ptr<const Playlist>& playlist)
+        : playlist_(playlist), textBefore_(writtenOf(playlist)) {}
+
+    void run() { refusal_ = VELHLSPlaylistWriter::write(*playlist_, out_); }
+
+    [[nodiscard]] std::string outcome() const {
+        const bool isWhole = !refusal_ && out_.good() && writtenOf(playlist_) == textBefore_;
+        return (isWhole ? "" : "not whole:\n") + out_.text();
+    }
+
+    /// All is put together before the first byte is written.
+    [[nodiscard]] std::string changed() const {
+        if (writtenOf(playlist_) != textBefore_) return "the playlist";
+        return out_.text().empty() && out_.good() ? "" : "the stream";
+    }
+
+  private:
+    std::shared_ptr<const Playlist> playlist_;
+    std::string textBefore_;
+    Kept out_;
+    std::optional<std::string> refusal_;
+};
+
+TEST(MemoryRunsOut, WritingAMasterPlaylist) {
+    runOutOfMemory<Write<VELHLSParsedManifest>>(wholeMaster());
+}
+
+TEST(MemoryRunsOut, WritingAMediaPlaylist) {
+    runOutOfMemory<Write<VELHLSMediaStream>>(wholeMedia());
 }
 
 /// What std::bad_alloc means to a stream that has to grow is for the stream to say: a std::ostringstream takes it for a

@@ -15,12 +15,16 @@
 
 #include "tests/heap/Heap.h"
 #include "tests/support/HostileInputs.h"
+#include "tests/support/Parses.h"
 
 namespace {
 
 constexpr double mostOfParse = 24.0;
 constexpr double mostOfRender = 2.5;
+constexpr double mostOfWrite = 3.0;
 constexpr double mostOfCheck = 32.0;
+/// Beside the text itself, which it owns.
+constexpr double mostOfDocument = 24.0;
 
 struct Memory {
     std::size_t held = 0;
@@ -50,6 +54,14 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
     const Memory parsed = memoryOf([&] { playlist = parse(stream, nullptr); });
     EXPECT_LE(multiple(parsed, text.size() + parsed.held), mostOfParse);
 
+    std::unique_ptr<VELHLSDocument> document;
+    std::unique_ptr<VELHLSStructure> structure;
+    const Memory understood = memoryOf([&] {
+        document = std::make_unique<VELHLSDocument>(text);
+        structure = std::make_unique<VELHLSStructure>(*document);
+    });
+    EXPECT_LE(multiple(understood, text.size()), 1.0 + mostOfDocument);
+
     std::vector<VELHLSFinding> findings;
     const Memory checked = memoryOf([&] { findings = VELHLSDiagnostics::check(text, input.kind); });
     EXPECT_LE(multiple(checked, text.size() + parsed.held), mostOfCheck);
@@ -58,15 +70,20 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
     std::ostringstream out;
     const Memory rendered = memoryOf([&] { EXPECT_EQ(playlist->render(out), 0); });
     EXPECT_LE(multiple(rendered, text.size() + rendered.held), mostOfRender);
+
+    std::ostringstream other;
+    const Memory written =
+        memoryOf([&] { static_cast<void>(VELHLSPlaylistWriter::write(*playlist, other)); });
+    EXPECT_LE(multiple(written, text.size() + written.held), mostOfWrite);
 }
 
 TEST(PeakMemory, IsAMultipleOfTheTextAndOfWhatComesOutOfIt) {
     for (const hostile::Input& input : hostile::inputs()) {
         SCOPED_TRACE(input.name);
         if (input.kind == VELHLSDiagnostics::Master) {
-            expectBoundedMemory(input, VELHLSParsedManifest::parseManifest);
+            expectBoundedMemory(input, playlist::parseMaster);
         } else {
-            expectBoundedMemory(input, VELHLSMediaStream::parseMediaStream);
+            expectBoundedMemory(input, playlist::parseMedia);
         }
     }
 }

@@ -152,7 +152,7 @@ static_assert(std::is_same_v<decltype(Manifest::startPrecise), bool>);
 static_assert(std::is_same_v<decltype(Manifest::hasZORStreamInformation), bool>);
 
 using Parse = std::shared_ptr<Manifest> (*)(std::istream&, VELHLSParsingStatus*);
-static_assert(std::is_same_v<decltype(&Manifest::parseManifest), Parse>);
+static_assert(std::is_same_v<decltype(static_cast<Parse>(&Manifest::parseManifest)), Parse>);
 static_assert(std::is_same_v<decltype(&Manifest::internalParseManifest), Parse>);
 static_assert(std::is_same_v<decltype(&Manifest::sanitize), void (Manifest::*)()>);
 static_assert(std::is_same_v<decltype(&Manifest::populateMetaData), void (Manifest::*)()>);

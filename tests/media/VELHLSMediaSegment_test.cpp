@@ -28,7 +28,7 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 static_assert(!std::is_polymorphic_v<VELHLSMediaSegment>);
-static_assert(!std::is_default_constructible_v<VELHLSMediaSegment>);
+static_assert(std::is_default_constructible_v<VELHLSMediaSegment>);
 static_assert(std::is_same_v<decltype(VELHLSMediaSegment::duration), double>);
 static_assert(std::is_same_v<decltype(VELHLSMediaSegment::startTime), double>);
 static_assert(std::is_same_v<decltype(VELHLSMediaSegment::mediaSequenceNumber), std::uint64_t>);

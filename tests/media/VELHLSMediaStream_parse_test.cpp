@@ -22,6 +22,7 @@
 
 #include "tests/support/MediaRoundTrip.h"
 #include "tests/support/Outcome.h"
+#include "tests/support/Parses.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -51,7 +52,7 @@ static_assert(std::is_same_v<std::underlying_type_t<VELHLSMediaStream::PlaylistT
 static_assert(VELHLSMediaStream::None == 0 && VELHLSMediaStream::Event == 1 && VELHLSMediaStream::Vod == 2);
 static_assert(std::is_same_v<std::underlying_type_t<VELHLSParsingError>, std::int32_t>);
 static_assert(!std::is_polymorphic_v<VELHLSMediaStream>);
-static_assert(std::is_same_v<decltype(&VELHLSMediaStream::parseMediaStream), Entry>);
+static_assert(std::is_same_v<decltype(static_cast<Entry>(&VELHLSMediaStream::parseMediaStream)), Entry>);
 static_assert(std::is_same_v<decltype(&VELHLSMediaStream::internalParseMediaStream), Entry>);
 static_assert(std::is_same_v<decltype(&VELHLSMediaStream::validate), bool (VELHLSMediaStream::*)() const>);
 
@@ -84,8 +85,8 @@ std::string outcomeThrough(Entry entry, const std::string& text, VELHLSParsingSt
 /// the metrics are there but for an exception; error and message change only as documented.
 std::string outcomeOf(const std::string& text) {
     VELHLSParsingStatus status = statusBefore();
-    const std::string outcome = outcomeThrough(VELHLSMediaStream::parseMediaStream, text, &status);
-    EXPECT_EQ(outcomeThrough(VELHLSMediaStream::parseMediaStream, text, nullptr), outcome);
+    const std::string outcome = outcomeThrough(playlist::parseMedia, text, &status);
+    EXPECT_EQ(outcomeThrough(playlist::parseMedia, text, nullptr), outcome);
     EXPECT_EQ(outcomeThrough(VELHLSMediaStream::internalParseMediaStream, text, nullptr), outcome);
 
     VELHLSParsingStatus untimed = statusBefore();

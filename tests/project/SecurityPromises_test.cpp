@@ -82,6 +82,8 @@ TEST(SecurityPromises, BoundsAreThoseOfTheHeaders) {
         {"VELHLSMediaPattern::maximumExpansionBytesOfPlaylist",
          VELHLSMediaPattern::maximumExpansionBytesOfPlaylist},
         {"VELHLSMediaPattern::maximumExpansionSegments", VELHLSMediaPattern::maximumExpansionSegments},
+        {"VELHLSDocument::maximumBytes", VELHLSDocument::maximumBytes},
+        {"VELHLSStructure::maximumKeys", VELHLSStructure::maximumKeys},
         {"VELHLSDiagnostics::maximumFindingsPerRule", VELHLSDiagnostics::maximumFindingsPerRule},
         {"--max-bytes", tool::usualLargestInput},
     };

@@ -66,6 +66,34 @@ inline PlainParse parsePlainly(const std::string& text, VELHLSDiagnostics::Playl
         text, [](std::istream& input) { return VELHLSMediaStream::parseMediaStream(input, nullptr); });
 }
 
+/// What the parse of a text in memory makes of it.
+struct TextParse {
+    bool rejected = false;
+    VELHLSReason reason;
+    std::string rendered;
+};
+
+template <typename Parse>
+TextParse parseText(std::string_view text, Parse parse) {
+    TextParse result;
+    const auto playlist = parse(text, &result.reason);
+    result.rejected = playlist == nullptr;
+    std::ostringstream out;
+    if (playlist != nullptr && playlist->render(out) == 0) result.rendered = out.str();
+    return result;
+}
+
+inline TextParse parseText(std::string_view text, VELHLSDiagnostics::PlaylistKind kind) {
+    if (kind == VELHLSDiagnostics::Master) {
+        return parseText(text, [](std::string_view read, VELHLSReason* reason) {
+            return VELHLSParsedManifest::parseManifest(read, reason);
+        });
+    }
+    return parseText(text, [](std::string_view read, VELHLSReason* reason) {
+        return VELHLSMediaStream::parseMediaStream(read, reason);
+    });
+}
+
 inline bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
@@ -146,6 +174,40 @@ inline std::string lostContent(std::string_view before, std::string_view after) 
     return {};
 }
 
+inline bool isTheSame(const VELHLSReason& reason, const VELHLSFinding& finding) {
+    return reason.ruleId == finding.ruleId && reason.line == finding.line &&
+           reason.column == finding.column && reason.length == finding.length &&
+           reason.message == finding.message;
+}
+
+/// What the parse of a text says otherwise than that of a stream, or than the check: its reason is the first error.
+/// Rules between records are looked at in their own order, and found in that of their places.
+inline std::string brokenPromiseOfText(const std::string& text, VELHLSDiagnostics::PlaylistKind kind,
+                                       const PlainParse& plain, const std::vector<VELHLSFinding>& findings) {
+    const TextParse parsed = parseText(text, kind);
+    if (parsed.rejected != plain.rejected) return "text and stream differ in what they accept";
+    if (parsed.rendered != plain.rendered) return "text and stream give different playlists";
+    const VELHLSReason& reason = parsed.reason;
+    if (!parsed.rejected) return reason.ruleId.empty() ? "" : "accepted with a reason";
+    for (const VELHLSFinding& finding : findings) {
+        if (finding.severity != VELHLSFinding::Error) continue;
+        if (isTheSame(reason, finding)) return "";
+        if (!isBetweenRecords(finding.ruleId)) break;
+    }
+    return reason.ruleId + ": the reason is not the first error";
+}
+
+/// Looked up once: the tests ask for millions of findings.
+inline const std::map<std::string_view, VELHLSRule>& rulesByName() {
+    static const std::map<std::string_view, VELHLSRule> rules = [] {
+        std::map<std::string_view, VELHLSRule> named;
+        for (const VELHLSRule& rule : VELHLSDiagnostics::rules())
+            named.emplace(rule.id, rule);
+        return named;
+    }();
+    return rules;
+}
+
 /// What of the promises is broken for this text; empty when none is.
 inline std::string brokenPromise(const std::string& text, VELHLSDiagnostics::PlaylistKind kind) {
     const PlainParse plain = parsePlainly(text, kind);
@@ -161,9 +223,9 @@ inline std::string brokenPromise(const std::string& text, VELHLSDiagnostics::Pla
             return finding.ruleId + ": outside its line";
         }
         if (finding.severity == VELHLSFinding::Error && firstError == nullptr) firstError = &finding;
-        const auto rule = VELHLSDiagnostics::ruleNamed(finding.ruleId);
-        if (!rule) return finding.ruleId + ": no such rule";
-        losesContent = losesContent || rule->isLostWhenWritten;
+        const auto rule = rulesByName().find(finding.ruleId);
+        if (rule == rulesByName().end()) return finding.ruleId + ": no such rule";
+        losesContent = losesContent || rule->second.isLostWhenWritten;
     }
     if (plain.rejected && firstError == nullptr) return "rejected without an error";
     if (!plain.rejected && firstError != nullptr) return firstError->ruleId + ": accepted with an error";
@@ -172,7 +234,8 @@ inline std::string brokenPromise(const std::string& text, VELHLSDiagnostics::Pla
         return firstError->ruleId + ": in line " + std::to_string(firstError->line) +
                ", but reading stopped at line " + std::to_string(plain.lastLine);
     }
-    if (plain.rejected || losesContent) return {};
+    const std::string ofText = brokenPromiseOfText(text, kind, plain, findings);
+    if (!ofText.empty() || plain.rejected || losesContent) return ofText;
     const std::string lost = lostContent(text, plain.rendered);
     return lost.empty() ? "" : "lost without a finding: " + lost;
 }

@@ -237,6 +237,28 @@ inline void appendMedia(std::vector<Input>& inputs) {
            [](std::size_t n) { return "#EXTINF:" + std::string(16 * n, '0') + "6,\nsegment1.ts\n"; });
 }
 
+/// What is remembered of lines and of what is in force from one segment to the next.
+inline void appendInForce(std::vector<Input>& inputs) {
+    const auto append = [&inputs](const char* name, std::function<std::string(std::size_t)> text) {
+        inputs.push_back({name, VELHLSDiagnostics::Media, manyRecords, std::move(text)});
+    };
+    const std::string key = "#EXT-X-KEY:METHOD=SAMPLE-AES,URI=\"key\",KEYFORMAT=";
+    append("keys of many formats", [key](std::size_t n) { return counted(n, key + "\"f~\"\n" + segment); });
+    append("keys of formats that replace each other", [key](std::size_t n) {
+        std::string formats;
+        for (const char format : std::string("abcdefghijklmnopqrst"))
+            formats += key + "\"" + format + "\"\n" + segment;
+        return times(n / 16, formats);
+    });
+    append("URIs of one character", [](std::size_t n) { return times(n, "a\n"); });
+    append("byte ranges that follow each other",
+           [](std::size_t n) { return times(n, "#EXT-X-BYTERANGE:1\n" + segment); });
+    append("a segment of many lines that are not its own",
+           [](std::size_t n) { return "#EXTINF:6,\n" + counted(n, "#EXT-X-VERSION:~\n") + "segment1.ts\n"; });
+    append("many short lines, and a long one",
+           [](std::size_t n) { return times(n, "\n") + segment + std::string(64 * n, 'a') + "\n"; });
+}
+
 inline void appendVariables(std::vector<Input>& inputs) {
     const auto append = [&inputs](const char* name, std::function<std::string(std::size_t)> text) {
         inputs.push_back({name, VELHLSDiagnostics::Media, manyRecords, std::move(text)});
@@ -298,6 +320,7 @@ inline std::vector<Input> inputs() {
     appendTags(all);
     appendMasters(all);
     appendMedia(all);
+    appendInForce(all);
     appendVariables(all);
     return all;
 }

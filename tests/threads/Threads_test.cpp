@@ -17,6 +17,7 @@
 #include "velhls/VELHLS.h"
 
 #include "tests/support/Outcome.h"
+#include "tests/support/Parses.h"
 #include "tests/support/WholePlaylists.h"
 
 namespace {
@@ -95,7 +96,7 @@ TEST(Threads, ParseAndRenderDifferentMasterPlaylists) {
     const auto texts = textsOf(whole::master, whole::rejectedMasters);
     EXPECT_EQ(differences(20,
                           [&texts](std::size_t number) {
-                              return parsedAndRendered(texts[number], VELHLSParsedManifest::parseManifest);
+                              return parsedAndRendered(texts[number], playlist::parseMaster);
                           }),
               0U);
 }
@@ -104,7 +105,7 @@ TEST(Threads, ParseAndRenderDifferentMediaPlaylists) {
     const auto texts = textsOf(whole::media, whole::rejectedMedia);
     EXPECT_EQ(differences(20,
                           [&texts](std::size_t number) {
-                              return parsedAndRendered(texts[number], VELHLSMediaStream::parseMediaStream);
+                              return parsedAndRendered(texts[number], playlist::parseMedia);
                           }),
               0U);
 }
@@ -126,6 +127,23 @@ TEST(Threads, AskForTheRulesForTheFirstTimeTogether) {
     const auto rules = VELHLSDiagnostics::rules();
     for (std::size_t number = 0; number < threadCount; ++number)
         EXPECT_EQ(summaries[number], rules[number].summary);
+}
+
+TEST(Threads, ReadAndEditOneDocument) {
+    const VELHLSDocument document(whole::media);
+    const VELHLSStructure structure(document);
+    EXPECT_EQ(
+        differences(20,
+                    [&](std::size_t number) {
+                        std::string seen;
+                        for (const VELHLSStructure::Segment segment : structure.segments())
+                            seen += std::to_string(segment.startTime) + " ";
+                        std::vector<VELHLSEdit> edits = {document.insertBefore(number + 1, "# inserted")};
+                        for (const VELHLSUri& uri : document.uris())
+                            edits.push_back(document.replaceUri(uri, "u" + std::to_string(number)));
+                        return seen + document.apply(edits).text;
+                    }),
+        0U);
 }
 
 TEST(Threads, ReadValidateAndRenderOneMasterPlaylist) {

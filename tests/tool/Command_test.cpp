@@ -53,6 +53,41 @@ TEST(RenderCommand, WritesTheCleanTextOfAMediaPlaylist) {
     EXPECT_EQ(outcome.output, cleanMedia);
 }
 
+TEST(RenderCommand, WritesConformantTextWhenAskedTo) {
+    const Outcome ofMedia = velhls({"render", "--conformant"}, media);
+    EXPECT_EQ(ofMedia.exitStatus, 0);
+    EXPECT_EQ(ofMedia.output, media);
+    EXPECT_EQ(velhls({"render", "--conformant"}, master).output, master);
+}
+
+TEST(RenderCommand, TellsOnlyOfWhatConformantTextDoesNotHold) {
+    const std::string text = lines(
+        {"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXT-X-CUE-OUT:6", "#EXTINF:6,", "# a comment", "advert.ts"});
+    const std::string lost = "<stdin>:5: lost: A comment is not written back. [comment-not-written]\n";
+    EXPECT_EQ(velhls({"render", "--conformant"}, text).errors, lost);
+    EXPECT_THAT(velhls({"render"}, text).errors, HasSubstr("[cue-not-written]"));
+    const std::string withSessionKey =
+        lines({"#EXTM3U", "#EXT-X-START:TIME-OFFSET=0", "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"k\"",
+               "#EXT-X-STREAM-INF:BANDWIDTH=1", "a.m3u8"});
+    EXPECT_EQ(velhls({"render", "--conformant"}, withSessionKey).errors, "");
+    EXPECT_THAT(
+        velhls({"render"}, withSessionKey).errors,
+        testing::AllOf(HasSubstr("[session-key-not-written]"), HasSubstr("[start-zero-not-written]")));
+}
+
+TEST(RenderCommand, TellsWhyConformantTextIsRefusedAndLeavesTheOutputFile) {
+    const TemporaryFolder folder;
+    const std::string output = folder.with("out.m3u8", "old");
+    const std::string input =
+        folder.with("in.m3u8", lines({"#EXTM3U", "#EXTINF:6,", "#EXT-X-BYTERANGE:5", "segment0.ts"}));
+    const Outcome outcome = velhls({"render", "--conformant", "-o", output, input});
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_EQ(outcome.errors, input +
+                                  ": error: cannot be written: segment 1: the byte range has no offset, and "
+                                  "does not follow one of the same URI\n");
+    EXPECT_EQ(contentOf(output), "old");
+}
+
 TEST(RenderCommand, ExpandsMediaPatterns) {
     const Outcome outcome =
         velhls({"render"},
@@ -294,6 +329,15 @@ TEST(InspectCommand, TellsThatThereWerePatterns) {
         velhls({"inspect", std::string(VELHLS_EXAMPLE_PLAYLISTS) + "/media-pattern.m3u8"});
     EXPECT_THAT(outcome.output, HasSubstr("segments              600\n"));
     EXPECT_THAT(outcome.output, HasSubstr("media patterns        yes"));
+}
+
+TEST(Command, HelpsWhenAskedByACommand) {
+    EXPECT_EQ(velhls({"help"}).output, velhls({"--help"}).output);
+    EXPECT_EQ(velhls({"help", "render"}).output, velhls({"render", "--help"}).output);
+    EXPECT_EQ(velhls({"help"}).exitStatus, 0);
+    const Outcome unknown = velhls({"help", "rendre"});
+    EXPECT_EQ(unknown.exitStatus, 2);
+    EXPECT_THAT(unknown.errors, HasSubstr("there is no command \"rendre\""));
 }
 
 }  // namespace

@@ -126,7 +126,21 @@ TEST(HostileInput, TheMostBytesMayBeChosen) {
         EXPECT_EQ(refused.exitStatus, 2);
         EXPECT_THAT(refused.errors, HasSubstr("larger than " + std::to_string(media.size() - 1) + " bytes"));
     }
-    EXPECT_EQ(velhls({"render", path, "--max-bytes=-1"}).exitStatus, 2);
+    for (const char* const size : {"-1", "ten", "", "1.5k", "10kk", "99999999999999999g"}) {
+        const Outcome outcome = velhls({"render", path, std::string("--max-bytes=") + size});
+        EXPECT_EQ(outcome.exitStatus, 2) << size;
+        EXPECT_LT(outcome.errors.size(), 300U) << outcome.errors;
+    }
+}
+
+TEST(HostileInput, TheMostBytesMayBeChosenInKilobytes) {
+    const TemporaryFolder folder;
+    const std::string fits = folder.with("fits", media + std::string(10240 - media.size(), '\n'));
+    const std::string tooLarge = folder.with("large", media + std::string(10241 - media.size(), '\n'));
+    EXPECT_EQ(velhls({"render", "--quiet", "--max-bytes=10k", fits}).output, cleanMedia);
+    EXPECT_EQ(velhls({"render", "--max-bytes=10k", tooLarge}).errors,
+              tooLarge + ": error: cannot be read: larger than 10240 bytes (--max-bytes)\n");
+    EXPECT_EQ(velhls({"render", "--quiet", "--max-bytes", "1M", tooLarge}).exitStatus, 0);
 }
 
 TEST(HostileInput, AnEndlessLineIsToldOfInAShortMessage) {

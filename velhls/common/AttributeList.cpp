@@ -102,7 +102,7 @@ class AttributeScanner {
     }
 
     [[nodiscard]] std::string_view between(std::size_t start, std::size_t end) const {
-        return behind(firstOf(text_, end), start);
+        return withoutFirst(firstOf(text_, end), start);
     }
 
     std::string_view text_;

@@ -277,6 +277,26 @@ char* putDecimal(char* to, std::int64_t number) {
     return putWhole(put(to, '-'), 0 - static_cast<std::uint64_t>(number));
 }
 
+char* putShortest(char* to, double number) {
+    // Of numbers with no more than 15 digits no two are read as one. So where the nearest one with six decimals is read
+    // as this number, it is the shortest once the zeros at its end are gone.
+    constexpr std::int64_t million = 1000000;
+    const bool isPlain = number >= 0.0 && number < 1e9;
+    const std::int64_t millionths = isPlain ? nearestWhole(number * static_cast<double>(million)) : 0;
+    if (!isPlain || static_cast<double>(millionths) / static_cast<double>(million) != number) {
+        return std::to_chars(to, to + mostShortestBytes, number, std::chars_format::fixed).ptr;
+    }
+    to = putWhole(to, static_cast<std::uint64_t>(millionths / million));
+    const auto decimals = static_cast<std::uint32_t>(millionths % million);
+    if (decimals == 0) return to;
+    to = put(to, '.');
+    to = putThreeDigits(to, decimals / 1000);
+    if (decimals % 1000 != 0) to = putThreeDigits(to, decimals % 1000);
+    while (to[-1] == '0')
+        --to;
+    return to;
+}
+
 char* putFixed(char* to, double number, int decimals) {
     // Below 1 a double has more bits after the point than are counted with, and from 2^53 on none.
     const bool isPlain = number >= 1.0 && number < 9007199254740992.0;

@@ -70,4 +70,16 @@ inline constexpr std::size_t mostFixedBytes = 320;
 /// and "inf" for what is no number.
 [[nodiscard]] char* putFixed(char* to, double number, int decimals);
 
+/// The nearest whole number of one from 0 to below 2^63; of a half the upper one.
+[[nodiscard]] inline std::int64_t nearestWhole(double number) {
+    const auto whole = static_cast<std::int64_t>(number);
+    return number - static_cast<double>(whole) < 0.5 ? whole : whole + 1;
+}
+
+/// The most bytes that putShortest puts: the smallest double has 323 zeros after its point, and then up to 17 digits.
+inline constexpr std::size_t mostShortestBytes = 350;
+
+/// Puts a finite number in fixed notation, with the fewest digits that are read back as the same number.
+[[nodiscard]] char* putShortest(char* to, double number);
+
 }  // namespace velhls

@@ -16,8 +16,8 @@ struct TagLine {
     explicit TagLine(std::string_view line) {
         const std::size_t colon = line.find(':');
         hasColon = colon != std::string_view::npos;
-        name = behind(firstOf(line, hasColon ? colon : line.size()), 1);
-        if (hasColon) value = behind(line, colon + 1);
+        name = withoutFirst(firstOf(line, hasColon ? colon : line.size()), 1);
+        if (hasColon) value = withoutFirst(line, colon + 1);
     }
 
     /// The text between the "#" and the first colon; without a colon, all after the "#".
@@ -57,7 +57,7 @@ inline void appendTag(std::string& out, std::string_view tag) {
     out += ':';
 }
 
-/// The same, put to where there is room for it. Returns the place behind it.
+/// The same, put to where there is room for it. Returns the place after it.
 [[nodiscard]] inline char* putTag(char* to, std::string_view tag) {
     to = put(to, '#');
     to = put(to, tag);

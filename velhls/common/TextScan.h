@@ -43,7 +43,7 @@ inline constexpr CharacterSet referenceStarts("{$");
 
 /// The text after its first characters. There must be so many: unlike std::string_view::substr this asks nothing,
 /// since in the readers' hot paths a comparison has just shown it.
-[[nodiscard]] constexpr std::string_view behind(std::string_view text, std::size_t count) {
+[[nodiscard]] constexpr std::string_view withoutFirst(std::string_view text, std::size_t count) {
     text.remove_prefix(count);
     return text;
 }

@@ -56,7 +56,7 @@ std::optional<Separators> findSeparators(std::string_view text) {
     return at;
 }
 
-/// The text behind position `before` and in front of position `after`.
+/// The text after position `before` and before position `after`.
 std::string_view between(std::string_view text, std::size_t before, std::size_t after) {
     const std::size_t start = before + 1;
     return text.substr(start, after - start);
@@ -141,7 +141,7 @@ bool isUsualZone(std::string_view zone) {
 }
 
 /// The pieces of a date and time as nearly all are written, "2026-11-21T10:00:05.250Z" or with an offset such as
-/// "+02:00" instead of the "Z": of the usual widths, with nothing behind them. The day is not looked at.
+/// "+02:00" instead of the "Z": of the usual widths, with nothing after them. The day is not looked at.
 struct UsualForm {
     std::string_view day;
     std::int32_t hour = 0;
@@ -157,16 +157,16 @@ struct UsualForm {
         const bool isSeparated =
             text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' && text[16] == ':';
         if (!isSeparated || !isDigit(text[secondsStart])) return false;
-        const std::string_view rest = behind(text, secondsStart);
+        const std::string_view rest = withoutFirst(text, secondsStart);
         day = firstOf(text, dayLength);
         hour = twoDigitsAt(text, 11);
         minute = twoDigitsAt(text, 14);
         seconds = leadingDecimal(rest);
-        return hour >= 0 && minute >= 0 && seconds.length > 0 && isUsualZone(behind(rest, seconds.length));
+        return hour >= 0 && minute >= 0 && seconds.length > 0 && isUsualZone(withoutFirst(rest, seconds.length));
     }
 };
 
-/// Seconds with their fraction behind a count of whole ones, or the value for none. The text is what both were read
+/// Seconds with their fraction after a count of whole ones, or the value for none. The text is what both were read
 /// from.
 double timestampOf(std::string_view text, double seconds, std::int32_t wholeSeconds, std::int64_t sinceEpoch,
                    Reason& why) {

@@ -38,7 +38,7 @@ inline constexpr std::size_t mostTimestampBytes = 31;
 /// kept. See VELHLSUtility::renderTimestamp.
 class TimestampWriter {
   public:
-    /// Puts the text to where there is room for `mostTimestampBytes`, and returns the place behind it.
+    /// Puts the text to where there is room for `mostTimestampBytes`, and returns the place after it.
     [[nodiscard]] char* put(char* to, double seconds);
 
   private:

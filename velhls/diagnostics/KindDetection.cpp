@@ -35,7 +35,7 @@ class LineCutter {
     std::size_t number_ = 0;
 };
 
-/// A duration below 0, or attributes behind the duration: what IPTV lists write, and no media playlist.
+/// A duration below 0, or attributes after the duration: what IPTV lists write, and no media playlist.
 bool isIptvDuration(std::string_view value) {
     const std::string_view duration = value.substr(0, value.find(','));
     const std::string_view trimmed = withoutTrailing(duration, blanks);
@@ -78,6 +78,14 @@ bool looksBinary(std::string_view text) {
     return start.find('\0') != std::string_view::npos;
 }
 
+/// A byte order mark of UTF-16, or the start of a header in it.
+bool isUtf16(std::string_view text) {
+    constexpr std::string_view littleEndianHeader("#\0E\0X\0T\0", 8);
+    constexpr std::string_view bigEndianHeader("\0#\0E\0X\0T", 8);
+    return startsWith(text, "\xFF\xFE") || startsWith(text, "\xFE\xFF") ||
+           startsWith(text, littleEndianHeader) || startsWith(text, bigEndianHeader);
+}
+
 }  // namespace
 
 std::optional<VELHLSDiagnostics::Detection> detectKind(std::string_view text) {
@@ -97,6 +105,8 @@ std::optional<VELHLSDiagnostics::Detection> detectKind(std::string_view text) {
 
 std::string describeNoPlaylist(std::string_view text) {
     if (text.empty()) return "an empty text";
+    if (startsWith(text, "\x1F\x8B")) return "data compressed with gzip (gzip -dc unpacks it)";
+    if (isUtf16(text)) return "text in UTF-16 (iconv -f UTF-16 -t UTF-8 converts it)";
     if (isIptvList(text)) return "an IPTV list";
     if (looksBinary(text)) return "binary data";
     const std::size_t start = text.find_first_not_of(" \t\r\n");

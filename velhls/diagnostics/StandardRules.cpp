@@ -238,8 +238,8 @@ void StandardRules::tagIgnored(const LossLine& line) {
 
 void StandardRules::attributesRead(const LossLine& line) {
     const bool isVendor = isVendorTag(line.text);
-    for (const WrittenAttribute& attribute : *line.attributes) {
-        if (isVendor || attribute.isRepeated) continue;
+    line.forEachAttribute([&](const Attribute& attribute) {
+        if (isVendor) return;
         // The first attribute of session data comes with the tag's colon.
         const bool hasColon = line.isTagNamed(tag::sessionData) && startsWith(attribute.name, ":");
         const std::string_view name = attribute.name.substr(hasColon ? 1 : 0);
@@ -249,7 +249,7 @@ void StandardRules::attributesRead(const LossLine& line) {
         checkType(line, attribute, name);
         checkDefault(line, attribute, name);
         needVersionForAttribute(line, attribute, name);
-    }
+    });
     if (!line.isTagNamed(tag::media)) return;
     const auto valueOf = [&line](std::string_view name) {
         const Attribute* const attribute = line.find(name);
@@ -331,7 +331,7 @@ void StandardRules::masterRead(const VELHLSParsedManifest& manifest, const Readi
     for (const auto& [bandwidth, variant] : manifest.variants) {
         const std::size_t line = lines.at(variant.get());
         if (line < lastLine) {
-            findings_.add(rule::variantsReordered, placeOfAttribute(line, lines_.line(line), {}), "a variant that is written behind a later one");
+            findings_.add(rule::variantsReordered, placeOfAttribute(line, lines_.line(line), {}), "a variant that is written after a later one");
             break;
         }
         lastLine = line;
@@ -352,7 +352,7 @@ void StandardRules::checkOrderOfRenditions(const VELHLSParsedManifest& manifest,
                     if (line < lastLine) {
                         findings_.add(rule::renditionsReordered,
                                       placeOfAttribute(line, lines_.line(line), {}),
-                                      "a rendition that is written behind a later one");
+                                      "a rendition that is written after a later one");
                         return;
                     }
                     lastLine = line;

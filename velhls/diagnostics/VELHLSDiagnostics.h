@@ -31,7 +31,7 @@ class VELHLS_API VELHLSDiagnostics {
     /// list is bounded, whatever the playlist holds.
     static constexpr std::size_t maximumFindingsPerRule = 100;
 
-    /// Reads the text as the parse of its kind does, and goes on behind what that rejects.
+    /// Reads the text as the parse of its kind does, and goes on after what that rejects.
     ///
     /// For the kinds Master and Media there is an error among the findings if and only if the parse of the text
     /// (VELHLSParsedManifest::parseManifest, VELHLSMediaStream::parseMediaStream) returns null or throws an
@@ -45,7 +45,7 @@ class VELHLS_API VELHLSDiagnostics {
     /// other is read as the kind that detectKind tells.
     ///
     /// The findings come in the order of their places, except that errors between records come last when a line
-    /// was rejected before. Errors behind the first one are what the parse would have met, had it gone on: what
+    /// was rejected before. Errors after the first one are what the parse would have met, had it gone on: what
     /// only follows from an earlier one is left out where that can be told.
     ///
     /// It takes time and memory linear in the text, but for what media patterns expand to (docs/bounds.md).

@@ -35,7 +35,7 @@ LineParts partsOf(std::string_view text, bool isFirst) {
         return parts;
     }
     parts.kind = startsWith(parts.content, "#EXT") ? VELHLSLine::Tag : VELHLSLine::Comment;
-    parts.name = nameIn(behind(parts.content, 1));
+    parts.name = nameIn(withoutFirst(parts.content, 1));
     const bool hasNoName = parts.kind == VELHLSLine::Comment && !holdsOnly(parts.name, vendorNameCharacters);
     if (hasNoName) parts.name = {};
     return parts;

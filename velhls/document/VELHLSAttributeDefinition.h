@@ -28,7 +28,7 @@ struct VELHLS_API VELHLSAttributeDefinition {
         Text,       ///< nothing that the tables describe
         Uri,        ///< a URI
         DateTime,   ///< an ISO 8601 date
-        ByteRange,  ///< n[@o]
+        ByteRange,  ///< a length, and "@" and an offset where one is given
         Language,   ///< a tag of RFC 5646
         List,       ///< values separated by commas
     };

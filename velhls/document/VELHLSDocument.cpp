@@ -18,9 +18,9 @@ using velhls::LineCode;
 
 /// The end of a line in the text from its start up to and including its line feed, if it has one.
 std::string_view endingOf(std::string_view line) {
-    if (line.empty() || line.back() != '\n') return line.substr(line.size());
+    if (line.empty() || line.back() != '\n') return velhls::withoutFirst(line, line.size());
     const bool hasReturn = line.size() > 1 && line[line.size() - 2] == '\r';
-    return line.substr(line.size() - (hasReturn ? 2 : 1));
+    return velhls::withoutFirst(line, line.size() - (hasReturn ? 2 : 1));
 }
 
 /// Decides which kind of playlist a text is from its lines, one after the other.
@@ -79,7 +79,7 @@ class CodeGuess {
     static bool begins(std::string_view line, LineCode code) {
         const VELHLSTagDefinition* const tag = code.definition();
         if (tag == nullptr || line.size() <= tag->name.size() || line.front() != '#') return false;
-        if (velhls::firstOf(velhls::behind(line, 1), tag->name.size()) != tag->name) return false;
+        if (velhls::firstOf(velhls::withoutFirst(line, 1), tag->name.size()) != tag->name) return false;
         return line.size() == tag->name.size() + 1 || line[tag->name.size() + 1] == ':';
     }
 
@@ -90,11 +90,22 @@ class CodeGuess {
 
 constexpr velhls::CharacterSet lineEnds("\n\r");
 
-/// The parts of a line whose text and definition are known.
-velhls::LineParts partsOf(const VELHLSLine& line) {
-    const bool isTagAlone = line.definition != nullptr && line.text.front() == '#';
-    if (!isTagAlone) return velhls::partsOf(line.text, line.number == 1);
-    return {line.kind, line.text.substr(1, line.definition->name.size()), line.text};
+/// Sets what follows the name.
+void findValue(VELHLSLine& line) {
+    const char* const nameEnd = line.name.data() + line.name.size();
+    const std::string_view after =
+        velhls::withoutFirst(line.text, static_cast<std::size_t>(nameEnd - line.text.data()));
+    line.hasColon = !after.empty() && after.front() == ':';
+    line.value = line.hasColon ? velhls::withoutFirst(after, 1) : velhls::firstOf(after, 0);
+}
+
+/// Sets the name and the value of a line that is not just a tag that is known.
+void takeApart(VELHLSLine& line) {
+    const velhls::LineParts parts = velhls::partsOf(line.text, line.number == 1);
+    line.name = parts.name;
+    if (!line.name.empty()) return findValue(line);
+    if (line.kind == VELHLSLine::Uri) line.value = velhls::withoutTrailing(parts.content, velhls::blanks);
+    if (line.kind == VELHLSLine::Comment) line.value = velhls::withoutFirst(parts.content, 1);
 }
 
 void require(bool holds, const char* reason) {
@@ -164,26 +175,21 @@ std::size_t VELHLSDocument::endOf(std::size_t number) const {
 
 VELHLSLine VELHLSDocument::line(std::size_t number) const {
     if (number < 1 || number > starts_.size()) throw std::out_of_range("VELHLSDocument: no such line");
+    const std::size_t start = starts_[number - 1];
+    const std::string_view whole(text_.data() + start, endOf(number) - start);
+    const LineCode code(codes_[number - 1]);
     VELHLSLine line;
     line.number = number;
-    line.offset = starts_[number - 1];
-    const std::string_view whole(text_.data() + line.offset, endOf(number) - line.offset);
-    line.ending = endingOf(whole);
-    line.text = whole.substr(0, whole.size() - line.ending.size());
-    const LineCode code(codes_[number - 1]);
+    line.offset = start;
     line.kind = code.kind();
     line.definition = code.definition();
-
-    const velhls::LineParts parts = partsOf(line);
-    line.name = parts.name;
-    if (line.kind == VELHLSLine::Uri) {
-        line.value = velhls::withoutTrailing(parts.content, velhls::blanks);
-    } else if (line.kind != VELHLSLine::Blank) {
-        const std::string_view afterName = velhls::behind(parts.content, 1 + parts.name.size());
-        line.hasColon = !parts.name.empty() && velhls::startsWith(afterName, ":");
-        const bool isWhole = parts.name.empty();
-        line.value = line.hasColon ? velhls::behind(afterName, 1)
-                                   : afterName.substr(0, isWhole ? afterName.size() : 0);
+    line.ending = endingOf(whole);
+    line.text = velhls::firstOf(whole, whole.size() - line.ending.size());
+    if (line.definition != nullptr && line.text.front() == '#') {
+        line.name = velhls::firstOf(velhls::withoutFirst(line.text, 1), line.definition->name.size());
+        findValue(line);
+    } else {
+        takeApart(line);
     }
     return line;
 }

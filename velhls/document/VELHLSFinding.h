@@ -53,7 +53,7 @@ struct VELHLSFinding {
     /// recommended in passing. Empty where there is no clause.
     std::string level;
 
-    /// How many more findings this rule had behind this one that are not listed. Other than 0 in the last listed
+    /// How many more findings this rule had after this one that are not listed. Other than 0 in the last listed
     /// finding of a rule that had more than VELHLSDiagnostics::maximumFindingsPerRule.
     std::size_t suppressed = 0;
 };

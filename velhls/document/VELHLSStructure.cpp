@@ -18,10 +18,10 @@ namespace code = velhls::line_code;
 
 constexpr std::uint64_t noOffset = std::numeric_limits<std::uint64_t>::max();
 
-/// Bounded, so that dates can be added to it.
+/// Bounded, so that dates can be added to it; what is no number too.
 std::int64_t toMicroseconds(double seconds) {
     constexpr double most = 4e12;
-    return static_cast<std::int64_t>(std::min(seconds, most) * 1e6 + 0.5);
+    return static_cast<std::int64_t>((seconds < most ? seconds : most) * 1e6 + 0.5);
 }
 
 /// Seconds; 0 when they cannot be read.
@@ -132,7 +132,7 @@ class VELHLSStructure::Finder {
         segment_.discontinuities = discontinuities_;
         segment_.startTime = startTime_;
         segment_.rangeOffset = rangeLine_ == 0 ? noOffset : takeRange(hasUri ? line : 0);
-        if (rangeLine_ == 0) rangeUriLine_ = 0;
+        if (rangeLine_ == 0) before_ = {};
         structure_.segments_.push_back(segment_);
         startTime_ += duration_;
         duration_ = 0.0;
@@ -140,18 +140,30 @@ class VELHLSStructure::Finder {
         segment_ = {};
     }
 
-    /// Where the range of the segment begins, and the next one if that follows it.
+    /// Where the range of the segment begins if that is where the one before it ends. An offset that is written is read when
+    /// it is asked for.
     std::uint64_t takeRange(std::size_t uriLine) {
-        const auto range = VELHLSSyntax::readByteRange(value(rangeLine_));
-        const bool follows = range && !range->offset && uriLine != 0 && rangeUriLine_ != 0 &&
-                             value(rangeUriLine_) == value(uriLine);
-        const std::uint64_t offset = follows ? rangeEnd_
-                                     : range ? range->offset.value_or(noOffset)
-                                             : noOffset;
-        const bool hasEnd = offset != noOffset && range->length < noOffset - offset;
-        rangeUriLine_ = hasEnd ? uriLine : 0;
-        rangeEnd_ = hasEnd ? offset + range->length : 0;
+        const bool isWritten = value(rangeLine_).find('@') != std::string_view::npos;
+        const bool follows =
+            !isWritten && uriLine != 0 && before_.uriLine != 0 && value(before_.uriLine) == value(uriLine);
+        const std::uint64_t offset = follows ? endOf(before_) : noOffset;
+        before_ = {rangeLine_, uriLine, offset};
         return offset;
+    }
+
+    /// A segment's range: its tag, its URI, and where it begins unless that is written.
+    struct Range {
+        std::size_t line = 0;
+        std::size_t uriLine = 0;
+        std::uint64_t offset = noOffset;
+    };
+
+    /// noOffset when it is not known.
+    [[nodiscard]] std::uint64_t endOf(const Range& before) const {
+        const auto range = VELHLSSyntax::readByteRange(value(before.line));
+        if (!range) return noOffset;
+        const std::uint64_t offset = range->offset.value_or(before.offset);
+        return offset != noOffset && range->length < noOffset - offset ? offset + range->length : noOffset;
     }
 
     void takeKey(std::size_t line) {
@@ -177,10 +189,8 @@ class VELHLSStructure::Finder {
 
     void takeDate(std::size_t line) {
         Change& changed = change(line);
-        const auto date = VELHLSSyntax::readDateTime(value(line));
-        if (!date || !date->hasTime) return;
         changed.dateLine = static_cast<std::uint32_t>(line);
-        changed.dateOfStart = date->microseconds - toMicroseconds(startTime_);
+        changed.dateStartTime = startTime_;
     }
 
     /// They number the first segment, so that they say nothing after it.
@@ -223,9 +233,8 @@ class VELHLSStructure::Finder {
     double startTime_ = 0.0;
     std::uint32_t discontinuities_ = 0;
     std::vector<Key> keys_;
-    /// The URI line of the segment before, if that has a range whose end is known; 0 otherwise.
-    std::size_t rangeUriLine_ = 0;
-    std::uint64_t rangeEnd_ = 0;
+    /// Of the segment before; without a URI line when that has none.
+    Range before_;
     std::uint64_t mediaSequence_ = 0;
     std::uint64_t skippedSegments_ = 0;
 };
@@ -257,10 +266,6 @@ VELHLSStructure::Segment VELHLSStructure::segment(std::size_t index) const {
     segment.startTime = place.startTime;
     segment.mediaSequence = firstMediaSequence_ + index;
     segment.discontinuitySequence = firstDiscontinuitySequence_ + place.discontinuities;
-    if (place.rangeOffset != noOffset) segment.rangeOffset = place.rangeOffset;
-    if (segment.inForce.dateLine != 0) {
-        segment.date = changes_[place.changes - 1].dateOfStart + toMicroseconds(place.startTime);
-    }
     for (std::size_t line = place.firstLine; line <= place.lastLine; ++line) {
         const LineCode lineCode(document_.codes_[line - 1]);
         if (lineCode == code::extInf) segment.durationLine = line;
@@ -269,7 +274,23 @@ VELHLSStructure::Segment VELHLSStructure::segment(std::size_t index) const {
     }
     if (LineCode(document_.codes_[place.lastLine - 1]) == code::uri) segment.uriLine = place.lastLine;
     if (segment.durationLine != 0) segment.duration = readDuration(document_.valueOf(segment.durationLine));
+    if (segment.rangeLine != 0) segment.rangeOffset = rangeOffset(segment.rangeLine, place);
+    if (segment.inForce.dateLine != 0) segment.date = date(changes_[place.changes - 1], place.startTime);
     return segment;
+}
+
+std::optional<std::uint64_t> VELHLSStructure::rangeOffset(std::size_t line, const Place& place) const {
+    const auto range = VELHLSSyntax::readByteRange(document_.valueOf(line));
+    if (!range) return std::nullopt;
+    if (range->offset || place.rangeOffset == noOffset) return range->offset;
+    return place.rangeOffset;
+}
+
+/// The last date, and the time since.
+std::optional<std::int64_t> VELHLSStructure::date(const Change& change, double startTime) const {
+    const auto date = VELHLSSyntax::readDateTime(document_.valueOf(change.dateLine));
+    if (!date || !date->hasTime) return std::nullopt;
+    return date->microseconds + toMicroseconds(startTime - change.dateStartTime);
 }
 
 std::optional<std::size_t> VELHLSStructure::variantOf(std::size_t line) const {

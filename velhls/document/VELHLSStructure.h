@@ -39,7 +39,7 @@ class VELHLS_API VELHLSStructure {
         VELHLSRows<std::uint32_t> keyLines;
         /// The line of the EXT-X-MAP; 0 for none.
         std::size_t mapLine = 0;
-        /// The line of the last EXT-X-PROGRAM-DATE-TIME that can be read; 0 for none.
+        /// The line of the last EXT-X-PROGRAM-DATE-TIME; 0 for none.
         std::size_t dateLine = 0;
     };
 
@@ -74,7 +74,7 @@ class VELHLS_API VELHLSStructure {
         /// the segment before has no range of the same resource.
         std::optional<std::uint64_t> rangeOffset;
         /// Microseconds since the Unix epoch: its own date, or the last date before it plus the durations since. Nothing
-        /// where there is neither.
+        /// where there is neither, and where that cannot be read.
         std::optional<std::int64_t> date;
     };
 
@@ -140,6 +140,7 @@ class VELHLS_API VELHLSStructure {
         std::uint32_t changes = 0;
         std::uint32_t discontinuities = 0;
         double startTime = 0.0;
+        /// Where its range begins if the one before ends there.
         std::uint64_t rangeOffset = 0;
     };
 
@@ -150,14 +151,16 @@ class VELHLS_API VELHLSStructure {
         std::uint32_t keyCount = 0;
         std::uint32_t mapLine = 0;
         std::uint32_t dateLine = 0;
-        /// The date at which a segment would start that starts at 0 s: microseconds since the Unix epoch.
-        std::int64_t dateOfStart = 0;
+        /// The start time of the segment that has the date.
+        double dateStartTime = 0.0;
     };
 
     class Finder;
 
     [[nodiscard]] bool belongsToSegment(std::size_t line) const;
     [[nodiscard]] InForce inForce(std::size_t changes) const;
+    [[nodiscard]] std::optional<std::uint64_t> rangeOffset(std::size_t line, const Place& place) const;
+    [[nodiscard]] std::optional<std::int64_t> date(const Change& change, double startTime) const;
     [[nodiscard]] std::vector<VELHLSEdit> remove(const std::vector<std::size_t>& lines) const;
 
     const VELHLSDocument& document_;

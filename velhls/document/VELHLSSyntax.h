@@ -52,7 +52,7 @@ class VELHLS_API VELHLSSyntax {
             offset;  ///< from the start of the resource; nothing: where the range before ends
     };
 
-    /// n[@o] (section 4.3.2.2): decimal-integers.
+    /// a length, and "@" and an offset where one is given (section 4.3.2.2): decimal-integers.
     [[nodiscard]] static std::optional<ByteRange> readByteRange(std::string_view text);
 
     /// A moment, and how it was written.

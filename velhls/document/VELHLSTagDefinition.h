@@ -27,7 +27,7 @@ struct VELHLS_API VELHLSTagDefinition {
         Nothing,         ///< not even a colon
         DecimalInteger,  ///< a decimal-integer
         Duration,  ///< a decimal-floating-point or a decimal-integer, a comma, and a title that may be missing
-        ByteRange,      ///< n[@o]
+        ByteRange,      ///< a length, and "@" and an offset where one is given
         DateTime,       ///< an ISO 8601 date and time
         Word,           ///< one of `values`
         AttributeList,  ///< an attribute-list

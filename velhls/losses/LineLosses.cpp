@@ -20,8 +20,9 @@ namespace {
 constexpr bool lost = true;
 constexpr bool kept = false;
 
-const WrittenAttribute* lastAttribute(const LossLine& line) {
-    return line.attributes == nullptr || line.attributes->empty() ? nullptr : &line.attributes->back();
+const Attribute* lastAttribute(const LossLine& line) {
+    const bool hasNone = line.attributes == nullptr || line.attributes->all.empty();
+    return hasNone ? nullptr : &line.attributes->all.back();
 }
 
 /// The text of the line from the end of a piece on.
@@ -31,13 +32,13 @@ std::string_view textAfter(const LossLine& line, std::string_view piece) {
 
 /// Of a quoted value that is the last one and is not closed, with its opening quote.
 void findUnclosedQuote(const LossLine& line, const Tell& tell) {
-    const WrittenAttribute* const last = lastAttribute(line);
+    const Attribute* const last = lastAttribute(line);
     if (last == nullptr || !last->isQuoted || !textAfter(line, last->value).empty()) return;
     tell(line, line.text.substr(line.text.size() - last->value.size() - 1));
 }
 
 void findTextAfterLastQuote(const LossLine& line, const Tell& tell) {
-    const WrittenAttribute* const last = lastAttribute(line);
+    const Attribute* const last = lastAttribute(line);
     if (last == nullptr || !last->isQuoted) return;
     const std::string_view after = textAfter(line, last->value);
     if (after.size() > 1) tell(line, after.substr(1));
@@ -45,7 +46,7 @@ void findTextAfterLastQuote(const LossLine& line, const Tell& tell) {
 
 void findTextBeforeQuote(const LossLine& line, const Tell& tell) {
     if (line.attributes == nullptr) return;
-    for (const WrittenAttribute& attribute : *line.attributes) {
+    for (const Attribute& attribute : line.attributes->all) {
         if (!attribute.isQuoted) continue;
         const auto length = static_cast<std::size_t>(attribute.value.data() - attribute.name.data()) -
                             attribute.name.size() - 2;
@@ -55,8 +56,8 @@ void findTextBeforeQuote(const LossLine& line, const Tell& tell) {
 
 void findRepeatedAttribute(const LossLine& line, const Tell& tell) {
     if (line.attributes == nullptr) return;
-    for (const WrittenAttribute& attribute : *line.attributes) {
-        if (attribute.isRepeated) tell(line, attribute.name);
+    for (std::size_t index = 0; index < line.attributes->all.size(); ++index) {
+        if (line.attributes->areRepeated[index]) tell(line, line.attributes->all[index].name);
     }
 }
 
@@ -96,15 +97,14 @@ void findIgnoredAttribute(const LossLine& line, const Tell& tell) {
     // The first attribute of session data is lost with the tag's colon, and has a rule of its own, as have those of a
     // key that ends encryption.
     if (line.attributes == nullptr || endsEncryption(line)) return;
-    for (const KeptAttributes& known : keptAttributes) {
-        if (line.tag.name != known.tag) continue;
-        for (const WrittenAttribute& attribute : *line.attributes) {
-            const bool isKnown =
-                std::find(known.names.begin(), known.names.end(), attribute.name) != known.names.end();
-            if (isKnown || attribute.isRepeated || startsWith(attribute.name, ":")) continue;
-            tell(line, attribute.name);
-        }
-    }
+    const auto known = std::find_if(std::begin(keptAttributes), std::end(keptAttributes),
+                                    [&line](const KeptAttributes& kept) { return kept.tag == line.tag.name; });
+    if (known == std::end(keptAttributes)) return;
+    line.forEachAttribute([&](const Attribute& attribute) {
+        const bool isKnown =
+            std::find(known->names.begin(), known->names.end(), attribute.name) != known->names.end();
+        if (!isKnown && !startsWith(attribute.name, ":")) tell(line, attribute.name);
+    });
 }
 
 void findComment(const LossLine& line, const Tell& tell) {
@@ -179,8 +179,9 @@ constexpr NumberPlace numberPlaces[] = {
 
 void findOtherNotation(const LossLine& line, const Tell& tell) {
     if (!line.isTag || !line.tag.hasColon) return;
-    // An offset of other characters is rejected before it is read.
-    if (line.tag.name == tag::start && !startOffset(line)) return;
+    // What these are made of is looked at before they are read as numbers.
+    const bool isHeader = line.tag.name == tag::start || line.tag.name == tag::targetDuration;
+    if (isHeader && line.role == LineRole::rejected) return;
     for (const NumberPlace& place : numberPlaces) {
         const bool isOther = place.kind == (line.playlist->isMaster ? Kind::media : Kind::master);
         if (line.tag.name != place.tag || isOther) continue;

@@ -8,9 +8,9 @@ namespace velhls {
 
 const Attribute* LossLine::find(std::string_view name) const {
     if (attributes == nullptr) return nullptr;
-    const auto found = std::find_if(attributes->begin(), attributes->end(),
+    const auto found = std::find_if(attributes->all.begin(), attributes->all.end(),
                                     [name](const Attribute& attribute) { return attribute.name == name; });
-    return found == attributes->end() ? nullptr : &*found;
+    return found == attributes->all.end() ? nullptr : &*found;
 }
 
 void Tell::operator()(const LossLine& line, std::string_view piece, std::string_view seen) const {

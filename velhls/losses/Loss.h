@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <set>
@@ -20,7 +21,7 @@
 namespace velhls {
 
 /// What a line was for the reader.
-enum class LineRole {
+enum class LineRole : std::uint8_t {
     alone,        ///< no record was made of it
     record,       ///< a record's: of a segment its tags and its URI, of a variant its tag
     variantUri,   ///< the line after EXT-X-STREAM-INF
@@ -28,10 +29,11 @@ enum class LineRole {
     rejected,     ///< of something that was rejected
 };
 
-/// An attribute of a tag, as it was written.
-struct WrittenAttribute : Attribute {
-    /// The tag has one of this name before, which holds.
-    bool isRepeated = false;
+/// The attributes of a tag in the order of the text.
+struct WrittenAttributes {
+    std::vector<Attribute> all;
+    /// Of each whether the tag has one of its name before, which holds.
+    std::vector<bool> areRepeated;
 };
 
 /// What is known of the playlist when one of its lines is looked at.
@@ -57,7 +59,7 @@ struct LossLine {
     bool isTag = false;
     TagLine tag;
     /// Of a tag that the models read attributes of; null where they are malformed.
-    const std::vector<WrittenAttribute>* attributes = nullptr;
+    const WrittenAttributes* attributes = nullptr;
     /// Whether the playlist kept the record.
     bool isKept = true;
     const LossPlaylist* playlist = nullptr;
@@ -65,6 +67,15 @@ struct LossLine {
     [[nodiscard]] bool isTagNamed(std::string_view name) const { return isTag && tag.name == name; }
     /// The attribute that holds; null when there is none.
     [[nodiscard]] const Attribute* find(std::string_view name) const;
+
+    /// Calls the function with each attribute that holds.
+    template <typename Function>
+    void forEachAttribute(Function function) const {
+        if (attributes == nullptr) return;
+        for (std::size_t index = 0; index < attributes->all.size(); ++index) {
+            if (!attributes->areRepeated[index]) function(attributes->all[index]);
+        }
+    }
 };
 
 /// Tells of one rule.

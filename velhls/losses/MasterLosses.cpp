@@ -92,7 +92,7 @@ void findRepeatedRendition(const LossLine& line, const Tell& tell) {
 /// The colon before its name is what the attribute is lost for.
 void findLostSessionData(const LossLine& line, const Tell& tell) {
     if (!isRecord(line, tag::sessionData) || line.attributes == nullptr) return;
-    for (const WrittenAttribute& attribute : *line.attributes) {
+    for (const Attribute& attribute : line.attributes->all) {
         if (startsWith(attribute.name, ":")) return tell(line, attribute.name.substr(1));
     }
 }

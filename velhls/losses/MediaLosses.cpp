@@ -111,9 +111,9 @@ void findEmptyRange(const LossLine& line, const Tell& tell) {
 void findIgnoredByNone(const LossLine& line, const Tell& tell) {
     const Attribute* const method = line.isTagNamed(tag::key) ? line.find(attribute::method) : nullptr;
     if (method == nullptr || method->value != fixed::none) return;
-    for (const WrittenAttribute& attribute : *line.attributes) {
-        if (attribute.name != attribute::method && !attribute.isRepeated) tell(line, attribute.name);
-    }
+    line.forEachAttribute([&](const Attribute& attribute) {
+        if (attribute.name != attribute::method) tell(line, attribute.name);
+    });
 }
 
 /// A date and time, and what rendering makes of it.

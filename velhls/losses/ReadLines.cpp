@@ -21,17 +21,18 @@ bool holds(const Names& names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// Marks all attributes but the first of each name.
-void markRepeated(std::vector<WrittenAttribute>& attributes) {
+/// Of each attribute whether there is one of its name before it.
+std::vector<bool> areRepeated(const std::vector<Attribute>& attributes) {
     std::vector<std::size_t> order(attributes.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(), [&attributes](std::size_t left, std::size_t right) {
-        return attributes[left].name < attributes[right].name;
+    std::sort(order.begin(), order.end(), [&attributes](std::size_t left, std::size_t right) {
+        const int compared = attributes[left].name.compare(attributes[right].name);
+        return compared != 0 ? compared < 0 : left < right;
     });
-    for (std::size_t index = 1; index < order.size(); ++index) {
-        WrittenAttribute& attribute = attributes[order[index]];
-        attribute.isRepeated = attribute.name == attributes[order[index - 1]].name;
-    }
+    std::vector<bool> repeated(attributes.size());
+    for (std::size_t index = 1; index < order.size(); ++index)
+        repeated[order[index]] = attributes[order[index]].name == attributes[order[index - 1]].name;
+    return repeated;
 }
 
 }  // namespace
@@ -99,12 +100,10 @@ void ReadLines::readAttributes(LossLine& line) {
     if (!hasList) return;
     // The models read session data from the tag's colon on.
     const std::size_t start = tagLength(line.tag.name) - (line.tag.name == tag::sessionData ? 1 : 0);
-    const std::optional<std::vector<Attribute>> written = attributesAsWritten(line.text.substr(start));
+    std::optional<std::vector<Attribute>> written = attributesAsWritten(line.text.substr(start));
     if (!written) return;
-    attributes_.clear();
-    for (const Attribute& attribute : *written)
-        attributes_.push_back({attribute, false});
-    markRepeated(attributes_);
+    attributes_.all = std::move(*written);
+    attributes_.areRepeated = areRepeated(attributes_.all);
     line.attributes = &attributes_;
 }
 

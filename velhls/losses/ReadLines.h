@@ -42,7 +42,7 @@ class ReadLines {
     LossPlaylist playlist_;
     LossLine line_;
     std::string memory_;
-    std::vector<WrittenAttribute> attributes_;
+    WrittenAttributes attributes_;
 };
 
 }  // namespace velhls

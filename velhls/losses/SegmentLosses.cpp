@@ -31,9 +31,18 @@ void findTrimmedUri(const LossSegment& segment, const Tell& tell) {
     if (!segment.isOfPattern && uri.size() != line.text.size()) tell(line, line.text.substr(uri.size()));
 }
 
+/// Only the URIs of segments that a media pattern makes have their variables replaced.
 void findReference(const LossSegment& segment, const Tell& tell) {
+    constexpr std::string_view start = "{$";
+    for (const LossLine& line : segment.lines) {
+        if (!line.isTagNamed(tag::key) && !line.isTagNamed(tag::map)) continue;
+        const std::size_t reference = line.tag.value.find(start);
+        if (reference == std::string_view::npos) continue;
+        const std::string_view rest = line.tag.value.substr(reference);
+        tell(line, rest.substr(0, rest.find('"')));
+    }
     const std::string_view uri = segment.segment.uri;
-    const std::size_t reference = uri.find("{$");
+    const std::size_t reference = uri.find(start);
     if (reference == std::string_view::npos) return;
     tell(segment.uriLine(), segment.inUriLine(uri.substr(reference)));
 }
@@ -61,7 +70,7 @@ void findRepeatedKeyAndMap(const LossSegment& segment, const Tell& tell) {
 
 // clang-format off
 constexpr SegmentLoss losses[] = {
-    {{"variable-not-replaced", VELHLSFinding::Warning, "A URI outside a media pattern refers to a variable, which is not replaced.",
+    {{"variable-not-replaced", VELHLSFinding::Warning, "A URI refers to a variable that is not replaced: outside of media patterns, or in EXT-X-KEY or EXT-X-MAP.",
       "no reference to a variable", libraryBehaviour, kept},
      findReference},
     {{"segment-uri-trimmed", VELHLSFinding::Warning, "White space after a segment's URI is dropped.",

@@ -13,6 +13,9 @@
 ///                         VALUE="Title"               value
 class VELHLS_API VELHLSManifestSessionData {
   public:
+    /// An entry without anything, to be filled member by member.
+    VELHLSManifestSessionData() = default;
+
     /// Stores its arguments and checks nothing.
     VELHLSManifestSessionData(const std::string& dataId, const std::string& value, const std::string& uri,
                               const std::string& language);

@@ -37,6 +37,9 @@ class VELHLS_API VELHLSMediaStreamRendition {
     /// variant names its groups by the same texts. Empty for Unknown, and for a value that is no type.
     [[nodiscard]] static std::string_view textOf(RenditionType type) noexcept;
 
+    /// A rendition without anything, to be filled member by member; it validates once it has a type, GROUP-ID and NAME.
+    VELHLSMediaStreamRendition() = default;
+
     /// Stores its arguments and checks nothing; `characteristics` starts empty. The media stream is shared.
     ///
     ///     VELHLSMediaStreamRendition english(VELHLSMediaStreamRendition::Audio,
@@ -121,8 +124,4 @@ class VELHLS_API VELHLSMediaStreamRendition {
 
     /// CHARACTERISTICS, cut at its commas.
     std::set<std::string> characteristics;
-
-  protected:
-    /// For the library's own reader, which sets all members in place.
-    VELHLSMediaStreamRendition() = default;
 };

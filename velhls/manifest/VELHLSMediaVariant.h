@@ -24,6 +24,9 @@ class VELHLSMediaStream;
 ///     video/720p.m3u8                                 uri
 class VELHLS_API VELHLSMediaVariant {
   public:
+    /// A variant without anything, to be filled member by member; it validates once it has a bandwidth and a URI.
+    VELHLSMediaVariant() = default;
+
     /// Stores its arguments and checks nothing; no groups, nominal bit rates 0. The media stream is shared.
     ///
     ///     VELHLSMediaVariant low(800000,                       // bandwidth
@@ -101,7 +104,7 @@ class VELHLS_API VELHLSMediaVariant {
     std::shared_ptr<VELHLSMediaStream> mediaStream;
 
     /// True for EXT-X-I-FRAME-STREAM-INF.
-    bool isIFrame;
+    bool isIFrame = false;
 
     /// Nominal video bit rate in bits per second, from the ZOR-STREAM-INF tag that pairs with the variant
     /// (vendor extension); 0 when there is none, and for I-frame variants.

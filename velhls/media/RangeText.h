@@ -24,7 +24,7 @@ inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 inline constexpr std::size_t shortestUriWithoutRange = 6;
 
 /// Puts the text of a range of no negative length to where there is room for `mostRangeBytes`, and returns
-/// the place behind it. See VELHLSByteRange::render.
+/// the place after it. See VELHLSByteRange::render.
 [[nodiscard]] char* putRange(char* to, const VELHLSByteRange& range);
 
 /// False for most URIs: then there is no byte range in this one, and readRangeInUri need not be asked. Every range

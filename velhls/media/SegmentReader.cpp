@@ -69,6 +69,8 @@ bool SegmentReader::readLines(std::string_view firstLine) {
     std::string_view line = firstLine;
     while (true) {
         if (!succeeds([this, line] { return readLine(line); }, with_.reading, why_)) {
+            // A pattern is not expanded when lines before it, which it repeats, were rejected.
+            if (!allAccepted && pattern_ != nullptr) pattern_ = nullptr;
             if (openedPattern_ || !readsOn(with_.reading)) return false;
             allAccepted = false;
         }
@@ -108,11 +110,11 @@ bool SegmentReader::readLine(std::string_view line) {
         return true;
     }
     // The tags that many segments have are told without looking for their colon.
-    if (isTagLine(line, tag::extInf)) return readDuration(behind(line, tagLength(tag::extInf)));
+    if (isTagLine(line, tag::extInf)) return readDuration(withoutFirst(line, tagLength(tag::extInf)));
     if (!isStandardTag(line)) return readVendorTagOrComment(line);
-    if (isTagLine(line, tag::byteRange)) return readByteRange(behind(line, tagLength(tag::byteRange)));
+    if (isTagLine(line, tag::byteRange)) return readByteRange(withoutFirst(line, tagLength(tag::byteRange)));
     if (isTagLine(line, tag::programDateTime)) {
-        return readProgramDateTime(behind(line, tagLength(tag::programDateTime)));
+        return readProgramDateTime(withoutFirst(line, tagLength(tag::programDateTime)));
     }
     const TagLine tagLine(line);
     return tagLine.hasColon ? readTag(tagLine) : readBareTag(tagLine);
@@ -180,7 +182,7 @@ bool SegmentReader::readDuration(std::string_view value) {
     const std::size_t length = isAll ? plain.length : std::min(value.find(','), value.size());
     tags_.duration = isAll ? plain.number : toDouble(firstOf(value, length), why_);
     // The title keeps its comma, and gets another one when it is rendered: both are part of the interface.
-    readTitle(behind(value, length));
+    readTitle(withoutFirst(value, length));
     return true;
 }
 

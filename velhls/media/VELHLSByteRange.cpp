@@ -31,7 +31,7 @@ std::optional<Bounds> plainBounds(std::string_view text, char separator) {
     const velhls::LeadingNumber<std::int64_t> first = velhls::leadingInteger(text);
     if (first.length == 0) return std::nullopt;
     if (first.isAllOf(text)) return Bounds{first.number, std::nullopt};
-    const std::string_view rest = velhls::behind(text, first.length + 1);
+    const std::string_view rest = velhls::withoutFirst(text, first.length + 1);
     const velhls::LeadingNumber<std::int64_t> second = velhls::leadingInteger(rest);
     const bool isAll = text[first.length] == separator && second.isAllOf(rest);
     if (!isAll) return std::nullopt;

@@ -29,6 +29,9 @@ class VELHLSMediaPattern;
 /// A segment is not changed by the library once it was made. Segments share their key and map objects.
 class VELHLS_API VELHLSMediaSegment {
   public:
+    /// A segment without anything, to be filled member by member; it validates once it has a duration and a URI.
+    VELHLSMediaSegment() = default;
+
     /// Stores every argument in the member of its name and checks nothing. The order of the arguments is not
     /// that of the members.
     ///

@@ -30,6 +30,9 @@ class VELHLS_API VELHLSProtectionData {
     /// is no method.
     [[nodiscard]] static std::string_view textOf(ProtectionMethod method) noexcept;
 
+    /// A key of method None, to be filled member by member.
+    VELHLSProtectionData() = default;
+
     /// Stores its arguments; an empty list of versions becomes the single version 1. Checks nothing.
     VELHLSProtectionData(ProtectionMethod method, const std::string& uri, const std::string& iv,
                          const std::string& keyFormat, std::vector<std::int32_t> versions);
@@ -58,7 +61,7 @@ class VELHLS_API VELHLSProtectionData {
     [[nodiscard]] std::int32_t render(std::string& out) const;
 
     /// METHOD.
-    ProtectionMethod method;
+    ProtectionMethod method = None;
 
     /// URI of the key, not resolved (VELHLS.h); empty for method None.
     std::string uri;
@@ -70,5 +73,5 @@ class VELHLS_API VELHLSProtectionData {
     std::string keyFormat;
 
     /// KEYFORMATVERSIONS; {1} when absent.
-    std::vector<std::int32_t> keyFormatVersions;
+    std::vector<std::int32_t> keyFormatVersions = {1};
 };

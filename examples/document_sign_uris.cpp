@@ -1,0 +1,56 @@
+// Signs every URI of a playlist, in lines and in attributes, as a CDN wants it, and touches nothing else.
+//
+//     example_document_sign_uris secret examples/document/live.m3u8
+
+#include <cstdint>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "velhls/VELHLS.h"
+
+#include "examples/BesideTheModels.h"
+
+namespace {
+
+/// Stands for the keyed hash that your CDN asks for: it keeps no secret.
+std::string signedUri(const std::string& uri, const std::string& secret) {
+    std::uint32_t hash = 2166136261U;
+    for (const char character : secret + uri)
+        hash = (hash ^ static_cast<unsigned char>(character)) * 16777619U;
+    const char* const separator = uri.find('?') == std::string::npos ? "?" : "&";
+    return uri + separator + "token=" + std::to_string(hash);
+}
+
+std::string byDocument(const std::string& text, const std::string& secret) {
+    const VELHLSDocument document(text);
+    std::vector<VELHLSEdit> edits;
+    for (const VELHLSUri& uri : document.uris())
+        edits.push_back(document.replaceUri(uri, signedUri(std::string(uri.text), secret)));
+    return document.apply(edits).text;
+}
+
+/// Maps are shared by segments, so each is signed when it is met first; keys would have to be treated likewise.
+std::string byModels(const std::string& text, const std::string& secret) {
+    std::istringstream input(text);
+    const auto stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
+    if (stream == nullptr) return "rejected\n";
+    std::set<VELHLSMISMap*> maps;
+    for (const auto& segment : stream->segments) {
+        segment->uri = signedUri(segment->uri, secret);
+        VELHLSMISMap* const map = segment->misMap.get();
+        if (map != nullptr && maps.insert(map).second) map->uri = signedUri(map->uri, secret);
+    }
+    std::ostringstream output;
+    return stream->render(output) == 0 ? output.str() : "not written\n";
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    return example::runOn(argumentCount, arguments, 3, "example_document_sign_uris SECRET MEDIA", [&] {
+        const std::string text = example::contentOf(arguments[2]);
+        example::printBeside(text, byDocument(text, arguments[1]), byModels(text, arguments[1]));
+        return 0;
+    });
+}

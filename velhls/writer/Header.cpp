@@ -1,0 +1,42 @@
+#include "velhls/writer/Header.h"
+
+#include <array>
+
+#include "velhls/common/Names.h"
+#include "velhls/common/Numbers.h"
+#include "velhls/common/TagLine.h"
+
+namespace velhls {
+
+void appendBareTag(std::string& out, std::string_view tag) {
+    out += '#';
+    out += tag;
+    out += '\n';
+}
+
+void appendNumberTag(std::string& out, std::string_view tag, std::int64_t number) {
+    appendTag(out, tag);
+    appendDecimal(out, number);
+    out += '\n';
+}
+
+void appendHeader(std::string& out, std::int32_t version, const NeededVersion& needed) {
+    appendBareTag(out, tag::extM3U);
+    const std::int32_t written = std::max(version, needed.version());
+    if (written != 1) appendNumberTag(out, tag::version, written);
+}
+
+void appendStart(std::string& out, double timeOffset, bool precise) {
+    std::array<char, mostShortestBytes> digits;
+    const char* const end = putShortest(digits.data(), timeOffset);
+    appendTag(out, tag::start);
+    appendAttribute(out, attribute::timeOffset,
+                    {digits.data(), static_cast<std::size_t>(end - digits.data())});
+    if (precise) {
+        out += ',';
+        appendAttribute(out, attribute::precise, fixed::yes);
+    }
+    out += '\n';
+}
+
+}  // namespace velhls
