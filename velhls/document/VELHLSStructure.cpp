@@ -36,15 +36,17 @@ constexpr bool isSegmentTag(LineCode lineCode) {
            (tag->reach == VELHLSTagDefinition::Segment || tag->reach == VELHLSTagDefinition::FromSegment);
 }
 
-/// Which codes are those of a segment's tags: this is asked for each line.
-constexpr auto segmentTagCodes = [] {
+constexpr std::array<bool, 256> codesOfSegmentTags() {
     std::array<bool, 256> codes = {};
     for (std::size_t index = 0; index < velhls::tagTable.size(); ++index) {
         const LineCode lineCode = LineCode::ofTag(index);
         codes[lineCode.number()] = isSegmentTag(lineCode);
     }
     return codes;
-}();
+}
+
+/// Which codes are those of a segment's tags: this is asked for each line.
+constexpr std::array<bool, 256> segmentTagCodes = codesOfSegmentTags();
 
 bool staysWhenRemoved(LineCode lineCode) {
     const VELHLSTagDefinition* const tag = lineCode.definition();

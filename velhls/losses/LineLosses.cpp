@@ -152,27 +152,27 @@ enum class Kind { master, media, both };
 
 /// Where a number stands that the models read.
 struct NumberPlace {
-    Kind kind;
     std::string_view tag;
     /// Empty for the start of the tag's value.
     std::string_view attribute;
     NumberForm form;
+    Kind kind;
 };
 
 constexpr NumberPlace numberPlaces[] = {
-    {Kind::media, tag::extInf, {}, NumberForm::decimal},
-    {Kind::both, tag::version, {}, NumberForm::integer},
-    {Kind::media, tag::zorPatternRepeat, {}, NumberForm::integer},
-    {Kind::media, tag::targetDuration, {}, NumberForm::decimal},
-    {Kind::both, tag::start, attribute::timeOffset, NumberForm::signedDecimal},
-    {Kind::master, tag::streamInf, attribute::bandwidth, NumberForm::integer},
-    {Kind::master, tag::streamInf, attribute::averageBandwidth, NumberForm::integer},
-    {Kind::master, tag::streamInf, attribute::programId, NumberForm::integer},
-    {Kind::master, tag::iFrameStreamInf, attribute::bandwidth, NumberForm::integer},
-    {Kind::master, tag::iFrameStreamInf, attribute::averageBandwidth, NumberForm::integer},
-    {Kind::master, tag::iFrameStreamInf, attribute::programId, NumberForm::integer},
-    {Kind::master, tag::zorStreamInf, attribute::nominalVideoBitrate, NumberForm::integer},
-    {Kind::master, tag::zorStreamInf, attribute::nominalAudioBitrate, NumberForm::integer},
+    {tag::extInf, {}, NumberForm::decimal, Kind::media},
+    {tag::version, {}, NumberForm::integer, Kind::both},
+    {tag::zorPatternRepeat, {}, NumberForm::integer, Kind::media},
+    {tag::targetDuration, {}, NumberForm::decimal, Kind::media},
+    {tag::start, attribute::timeOffset, NumberForm::signedDecimal, Kind::both},
+    {tag::streamInf, attribute::bandwidth, NumberForm::integer, Kind::master},
+    {tag::streamInf, attribute::averageBandwidth, NumberForm::integer, Kind::master},
+    {tag::streamInf, attribute::programId, NumberForm::integer, Kind::master},
+    {tag::iFrameStreamInf, attribute::bandwidth, NumberForm::integer, Kind::master},
+    {tag::iFrameStreamInf, attribute::averageBandwidth, NumberForm::integer, Kind::master},
+    {tag::iFrameStreamInf, attribute::programId, NumberForm::integer, Kind::master},
+    {tag::zorStreamInf, attribute::nominalVideoBitrate, NumberForm::integer, Kind::master},
+    {tag::zorStreamInf, attribute::nominalAudioBitrate, NumberForm::integer, Kind::master},
 };
 
 void findOtherNotation(const LossLine& line, const TellLoss& tell) {
