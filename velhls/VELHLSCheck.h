@@ -18,3 +18,4 @@
 #include "velhls/document/VELHLSStructure.h"
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/document/VELHLSTagDefinition.h"
+#include "velhls/standard/VELHLSStandard.h"

@@ -119,6 +119,26 @@ TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInKeysAndMaps) {
     EXPECT_EQ(seenBy("variable-not-replaced", pattern, VELHLSDiagnostics::Media), "\"{$n}.mp4\"");
 }
 
+TEST(VELHLSDiagnostics, TellsOfAMapThatIsWrittenAfterAKeyThatItStoodBefore) {
+    const std::string key = "#EXT-X-KEY:METHOD=AES-128,URI=\"k\"";
+    const std::string map = "#EXT-X-MAP:URI=\"init.mp4\"";
+    const auto isFound = [](const std::vector<std::string>& tags, const std::string& later) {
+        std::string text = "#EXTM3U\n";
+        for (const std::string& tag : tags)
+            text += tag + "\n";
+        text += "#EXTINF:6,\nfirst.ts\n" + later + "#EXTINF:6,\nsecond.ts\n";
+        return !seenBy("map-before-key", text, VELHLSDiagnostics::Media).empty();
+    };
+    EXPECT_TRUE(isFound({map, key}, ""));
+    EXPECT_TRUE(isFound({map}, key + "\n"));
+    EXPECT_TRUE(isFound({key, map, key}, ""));
+    EXPECT_FALSE(isFound({key, map}, ""));
+    EXPECT_FALSE(isFound({map, key, map}, ""));
+    EXPECT_FALSE(isFound({key}, map + "\n"));
+    EXPECT_FALSE(isFound({key}, key + "\n"));
+    EXPECT_FALSE(isFound({map}, ""));
+}
+
 TEST(VELHLSDiagnostics, TellsWhatAMapDoesNotKeep) {
     const auto seenOf = [](const std::string& ruleId, const std::string& list) {
         return seenBy(ruleId, lines({"#EXTM3U", "#EXT-X-MAP:" + list, "#EXTINF:6,", "segment.ts"}),

@@ -13,6 +13,9 @@
 /// @def VELHLS_CHECK_API
 /// Marks what users of a shared libvelhls-check may call.
 
+/// @def VELHLS_HIDDEN
+/// Marks a private member of a class that is handed out: it stays inside the shared library.
+
 #if defined(VELHLS_SHARED) && defined(_WIN32)
 #if defined(VELHLS_BUILDING)
 #define VELHLS_API __declspec(dllexport)
@@ -30,4 +33,10 @@
 #else
 #define VELHLS_API
 #define VELHLS_CHECK_API
+#endif
+
+#if defined(VELHLS_SHARED) && !defined(_WIN32)
+#define VELHLS_HIDDEN __attribute__((visibility("hidden")))
+#else
+#define VELHLS_HIDDEN
 #endif

@@ -88,11 +88,11 @@ class VELHLS_CHECK_API VELHLSAttributes {
 
       private:
         void scan();
-        void scanOddName();
-        void scanValue();
-        void scanQuoted();
-        void scanBare();
-        void fail(VELHLSAttribute::Fault fault, std::string_view place);
+        VELHLS_HIDDEN void scanOddName();
+        VELHLS_HIDDEN void scanValue();
+        VELHLS_HIDDEN void scanQuoted();
+        VELHLS_HIDDEN void scanBare();
+        VELHLS_HIDDEN void fail(VELHLSAttribute::Fault fault, std::string_view place);
 
         std::string_view rest_;
         bool ended_ = true;

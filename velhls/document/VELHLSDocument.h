@@ -123,13 +123,13 @@ class VELHLS_CHECK_API VELHLSDocument {
   private:
     friend class VELHLSStructure;
 
-    void expectLines();
-    void findLines();
-    [[nodiscard]] std::size_t endOf(std::size_t number) const;
-    [[nodiscard]] std::string_view valueOf(std::size_t number) const;
-    [[nodiscard]] std::string_view endingNear(std::size_t number) const;
-    [[nodiscard]] VELHLSLine namedLine(std::size_t number) const;
-    [[nodiscard]] std::size_t offsetOf(std::string_view part) const;
+    VELHLS_HIDDEN void expectLines();
+    VELHLS_HIDDEN void findLines();
+    [[nodiscard]] VELHLS_HIDDEN std::size_t endOf(std::size_t number) const;
+    [[nodiscard]] VELHLS_HIDDEN std::string_view valueOf(std::size_t number) const;
+    [[nodiscard]] VELHLS_HIDDEN std::string_view endingNear(std::size_t number) const;
+    [[nodiscard]] VELHLS_HIDDEN VELHLSLine namedLine(std::size_t number) const;
+    [[nodiscard]] VELHLS_HIDDEN std::size_t offsetOf(std::string_view part) const;
 
     std::string text_;
     /// Where each line begins.

@@ -42,6 +42,17 @@ struct VELHLSFinding {
     /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
     std::string source;
 
+    /// By what the playlist was checked: "rfc8216", "rfc8216bis" or "apple". Empty for what the library does.
+    std::string profile;
+
+    /// The number of the clause that the rule stands for, in RFC 8216, its successor or the authoring rules: "4.3.2.1".
+    /// Empty where there is none.
+    std::string clause;
+
+    /// The key word of that clause: "MUST", "SHOULD NOT"…; "SYN" for a format that is given without one, "REC" for what is
+    /// recommended in passing. Empty where there is no clause.
+    std::string level;
+
     /// How many more findings this rule had after this one that are not listed. Other than 0 in the last listed
     /// finding of a rule that had more than VELHLSDiagnostics::maximumFindingsPerRule.
     std::size_t suppressed = 0;

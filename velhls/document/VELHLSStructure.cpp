@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
@@ -21,7 +22,7 @@ constexpr std::uint64_t noOffset = std::numeric_limits<std::uint64_t>::max();
 /// Bounded, so that dates can be added to it; what is no number too.
 std::int64_t toMicroseconds(double seconds) {
     constexpr double most = 4e12;
-    return static_cast<std::int64_t>((seconds < most ? seconds : most) * 1e6 + 0.5);
+    return std::llround((seconds < most ? seconds : most) * 1e6);
 }
 
 /// Seconds; 0 when they cannot be read.

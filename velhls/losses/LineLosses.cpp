@@ -31,20 +31,20 @@ std::string_view textAfter(const LossLine& line, std::string_view piece) {
 }
 
 /// Of a quoted value that is the last one and is not closed, with its opening quote.
-void findUnclosedQuote(const LossLine& line, const Tell& tell) {
+void findUnclosedQuote(const LossLine& line, const TellLoss& tell) {
     const Attribute* const last = lastAttribute(line);
     if (last == nullptr || !last->isQuoted || !textAfter(line, last->value).empty()) return;
     tell(line, line.text.substr(line.text.size() - last->value.size() - 1));
 }
 
-void findTextAfterLastQuote(const LossLine& line, const Tell& tell) {
+void findTextAfterLastQuote(const LossLine& line, const TellLoss& tell) {
     const Attribute* const last = lastAttribute(line);
     if (last == nullptr || !last->isQuoted) return;
     const std::string_view after = textAfter(line, last->value);
     if (after.size() > 1) tell(line, after.substr(1));
 }
 
-void findTextBeforeQuote(const LossLine& line, const Tell& tell) {
+void findTextBeforeQuote(const LossLine& line, const TellLoss& tell) {
     if (line.attributes == nullptr) return;
     for (const Attribute& attribute : line.attributes->all) {
         if (!attribute.isQuoted) continue;
@@ -54,7 +54,7 @@ void findTextBeforeQuote(const LossLine& line, const Tell& tell) {
     }
 }
 
-void findRepeatedAttribute(const LossLine& line, const Tell& tell) {
+void findRepeatedAttribute(const LossLine& line, const TellLoss& tell) {
     if (line.attributes == nullptr) return;
     for (std::size_t index = 0; index < line.attributes->all.size(); ++index) {
         if (line.attributes->areRepeated[index]) tell(line, line.attributes->all[index].name);
@@ -93,7 +93,7 @@ bool endsEncryption(const LossLine& line) {
     return line.isTagNamed(tag::key) && method != nullptr && method->value == fixed::none;
 }
 
-void findIgnoredAttribute(const LossLine& line, const Tell& tell) {
+void findIgnoredAttribute(const LossLine& line, const TellLoss& tell) {
     // The first attribute of session data is lost with the tag's colon, and has a rule of its own, as have those of a
     // key that ends encryption.
     if (line.attributes == nullptr || endsEncryption(line)) return;
@@ -107,7 +107,7 @@ void findIgnoredAttribute(const LossLine& line, const Tell& tell) {
     });
 }
 
-void findComment(const LossLine& line, const Tell& tell) {
+void findComment(const LossLine& line, const TellLoss& tell) {
     const bool isComment = isTagOrComment(line.text) && !line.isTag;
     const bool isLost = line.role != LineRole::variantUri && line.role != LineRole::rejected;
     if (isComment && isLost) tell(line, line.text);
@@ -175,7 +175,7 @@ constexpr NumberPlace numberPlaces[] = {
     {Kind::master, tag::zorStreamInf, attribute::nominalAudioBitrate, NumberForm::integer},
 };
 
-void findOtherNotation(const LossLine& line, const Tell& tell) {
+void findOtherNotation(const LossLine& line, const TellLoss& tell) {
     if (!line.isTag || !line.tag.hasColon) return;
     // What these are made of is looked at before they are read as numbers.
     const bool isHeader = line.tag.name == tag::start || line.tag.name == tag::targetDuration;
@@ -195,23 +195,23 @@ void findOtherNotation(const LossLine& line, const Tell& tell) {
     }
 }
 
-void findInvalidPrecise(const LossLine& line, const Tell& tell) {
+void findInvalidPrecise(const LossLine& line, const TellLoss& tell) {
     const Attribute* const precise = startOffset(line) ? line.find(attribute::precise) : nullptr;
     if (precise == nullptr || precise->value == fixed::yes || precise->value == fixed::no) return;
     tell(line, precise->value);
 }
 
-void findPreciseKept(const LossLine& line, const Tell& tell) {
+void findPreciseKept(const LossLine& line, const TellLoss& tell) {
     if (!startOffset(line) || !line.playlist->startIsPrecise) return;
     const Attribute* const precise = line.find(attribute::precise);
     if (precise == nullptr || precise->value != fixed::yes) tell(line, line.tag.name);
 }
 
-void findStartOfZero(const LossLine& line, const Tell& tell) {
+void findStartOfZero(const LossLine& line, const TellLoss& tell) {
     if (startOffset(line) == 0.0) tell(line, line.find(attribute::timeOffset)->value);
 }
 
-void findRoundedStart(const LossLine& line, const Tell& tell) {
+void findRoundedStart(const LossLine& line, const TellLoss& tell) {
     const std::optional<double> offset = startOffset(line);
     if (!offset || *offset == 0.0) return;
     const std::string_view text = line.find(attribute::timeOffset)->value;

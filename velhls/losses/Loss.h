@@ -79,9 +79,9 @@ struct LossLine {
 };
 
 /// Tells of one rule.
-class Tell {
+class TellLoss {
   public:
-    Tell(FindingList& findings, const VELHLSRule& rule) : findings_(findings), rule_(rule) {}
+    TellLoss(FindingList& findings, const VELHLSRule& rule) : findings_(findings), rule_(rule) {}
 
     /// At a piece of the line. Without `seen` that text is what was seen.
     void operator()(const LossLine& line, std::string_view piece, std::string_view seen = {}) const;
@@ -121,7 +121,7 @@ struct LossPattern {
 template <typename Subject>
 struct Loss {
     VELHLSRule rule;
-    void (*find)(const Subject& subject, const Tell& tell);
+    void (*find)(const Subject& subject, const TellLoss& tell);
 };
 
 /// What stands after the line that ended the playlist.

@@ -12,7 +12,7 @@ namespace {
 template <typename Entry, typename Subject>
 void findAll(const LossTable<Entry>& losses, const Subject& subject, FindingList& findings) {
     for (const Entry& loss : losses)
-        loss.find(subject, Tell(findings, loss.rule));
+        loss.find(subject, TellLoss(findings, loss.rule));
 }
 
 template <typename Entry>

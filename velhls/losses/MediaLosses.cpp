@@ -25,16 +25,16 @@ bool isCueMarker(const LossLine& line) {
     return line.tag.hasColon && (line.tag.name == tag::cueOut || line.tag.name == tag::cueOutCont);
 }
 
-void findDroppedCueIn(const LossLine& line, const Tell& tell) {
+void findDroppedCueIn(const LossLine& line, const TellLoss& tell) {
     if (line.isTagNamed(tag::cueIn) && line.role == LineRole::alone) tell(line, line.tag.name);
 }
 
-void findIgnoredCueOut(const LossLine& line, const Tell& tell) {
+void findIgnoredCueOut(const LossLine& line, const TellLoss& tell) {
     const bool isAlone = line.role == LineRole::alone && !line.tag.hasColon;
     if (line.isTagNamed(tag::cueOut) && isAlone) tell(line, line.tag.name);
 }
 
-void findCueMarker(const LossLine& line, const Tell& tell) {
+void findCueMarker(const LossLine& line, const TellLoss& tell) {
     if (line.isTag && line.role != LineRole::alone && isCueMarker(line)) tell(line, line.tag.name);
 }
 
@@ -65,28 +65,28 @@ bool isKeptByRendering(double duration) {
     return toDouble({text.data(), static_cast<std::size_t>(end - text.data())}) == duration;
 }
 
-void findNegativeDuration(const LossLine& line, const Tell& tell) {
+void findNegativeDuration(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (duration && duration->seconds < 0.0) tell(line, duration->text);
 }
 
-void findRoundedDuration(const LossLine& line, const Tell& tell) {
+void findRoundedDuration(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (!duration || !std::isfinite(duration->seconds)) return;
     if (!isKeptByRendering(duration->seconds)) tell(line, duration->text);
 }
 
-void findMissingComma(const LossLine& line, const Tell& tell) {
+void findMissingComma(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (duration && duration->title.empty()) tell(line, duration->text);
 }
 
-void findEmptyTitle(const LossLine& line, const Tell& tell) {
+void findEmptyTitle(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (duration && duration->title == ",") tell(line, duration->title, "\",\" written as \",,\"");
 }
 
-void findTitle(const LossLine& line, const Tell& tell) {
+void findTitle(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (duration && duration->title.size() > 1) tell(line, duration->title.substr(1));
 }
@@ -101,13 +101,13 @@ bool isEmptyRange(std::string_view text) {
     }
 }
 
-void findEmptyRange(const LossLine& line, const Tell& tell) {
+void findEmptyRange(const LossLine& line, const TellLoss& tell) {
     if (line.isTagNamed(tag::byteRange) && isEmptyRange(line.tag.value)) tell(line, line.tag.value);
     const Attribute* const range = line.isTagNamed(tag::map) ? line.find(attribute::byteRange) : nullptr;
     if (range != nullptr && isEmptyRange(range->value)) tell(line, range->value);
 }
 
-void findIgnoredByNone(const LossLine& line, const Tell& tell) {
+void findIgnoredByNone(const LossLine& line, const TellLoss& tell) {
     const Attribute* const method = line.isTagNamed(tag::key) ? line.find(attribute::method) : nullptr;
     if (method == nullptr || method->value != fixed::none) return;
     line.forEachAttribute([&](const Attribute& attribute) {
@@ -164,19 +164,19 @@ std::optional<std::string_view> zoneOf(const Timestamp& timestamp) {
     return text.substr(zone);
 }
 
-void findOtherDate(const LossLine& line, const Tell& tell) {
+void findOtherDate(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (!timestamp || zoneOf(*timestamp)) return;
     tell(line, timestamp->text, quoted(timestamp->text) + ", read as " + timestamp->written);
 }
 
-void findUnappliedOffset(const LossLine& line, const Tell& tell) {
+void findUnappliedOffset(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     const auto zone = timestamp ? zoneOf(*timestamp) : std::nullopt;
     if (zone && !holdsNone(*zone, CharacterSet("123456789"))) tell(line, *zone);
 }
 
-void findRoundedDate(const LossLine& line, const Tell& tell) {
+void findRoundedDate(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (!timestamp || !zoneOf(*timestamp)) return;
     constexpr double millisecond = 0.001;
@@ -185,14 +185,14 @@ void findRoundedDate(const LossLine& line, const Tell& tell) {
     if (lostSeconds > millisecond / 100) tell(line, timestamp->text);
 }
 
-void findShortenedSeconds(const LossLine& line, const Tell& tell) {
+void findShortenedSeconds(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (!timestamp || !zoneOf(*timestamp)) return;
     // The first digit of the seconds stands two after the minute.
     if (timestamp->written[minuteLength + 2] == '.') tell(line, timestamp->text);
 }
 
-void findFirstSecond(const LossLine& line, const Tell& tell) {
+void findFirstSecond(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (timestamp && timestamp->seconds == 0.0) tell(line, timestamp->text);
 }
@@ -202,18 +202,18 @@ bool definesVariable(const LossLine& line) {
            line.find(attribute::name) != nullptr && line.find(attribute::value) != nullptr;
 }
 
-void findDefinition(const LossLine& line, const Tell& tell) {
+void findDefinition(const LossLine& line, const TellLoss& tell) {
     if (definesVariable(line)) tell(line, line.tag.name);
 }
 
-void findReplacedVariable(const LossLine& line, const Tell& tell) {
+void findReplacedVariable(const LossLine& line, const TellLoss& tell) {
     if (!definesVariable(line)) return;
     const std::string_view name = line.find(attribute::name)->value;
     if (line.playlist->variables.count(name) != 0) tell(line, name);
 }
 
 /// Blank lines and comments are nothing that could be lost.
-void findContent(const LossRest& rest, const Tell& tell) {
+void findContent(const LossRest& rest, const TellLoss& tell) {
     for (std::size_t number = rest.firstLine; number <= rest.lines.count(); ++number) {
         const std::string_view line = rest.lines.line(number);
         const bool isComment = isTagOrComment(line) && !isStandardTag(line) && !isVendorTag(line);

@@ -1,0 +1,192 @@
+#include "velhls/standard/CheckStandard.h"
+
+#include <array>
+#include <iterator>
+#include <optional>
+
+#include "velhls/common/Names.h"
+#include "velhls/common/TextScan.h"
+#include "velhls/document/VELHLSStructure.h"
+#include "velhls/standard/CheckedPlaylist.h"
+#include "velhls/standard/StandardFindings.h"
+#include "velhls/standard/TextCharacters.h"
+
+namespace velhls {
+namespace {
+
+template <typename Subject>
+void findAll(const StandardTable<Subject>& table, const Subject& subject, StandardFindings& findings) {
+    for (const StandardEntry<Subject>& entry : table)
+        entry.find(subject, Tell(findings, entry.rule));
+}
+
+/// Goes through the lines with the rules that look at one line.
+class LineRun {
+  public:
+    LineRun(const CheckedPlaylist& playlist, StandardFindings& findings)
+        : playlist_(playlist), findings_(findings) {}
+
+    void run() {
+        for (const VELHLSLine line : playlist_.document().lines())
+            check(line);
+    }
+
+  private:
+    void check(const VELHLSLine& line) {
+        const bool isTag = line.definition != nullptr && playlist_.knows(*line.definition);
+        const bool isList = isTag && line.definition->form == VELHLSTagDefinition::AttributeList;
+        attributes_.clear();
+        if (isList) {
+            for (const VELHLSAttribute& attribute : line.attributes())
+                attributes_.push_back(attribute);
+        }
+        const std::size_t earlierLine = isTag ? noteTag(line) : 0;
+        const CheckedLine checked = {playlist_, line, trimmed(line.value), earlierLine, attributes_};
+        if (playlist_.profile() == StandardProfile::apple) {
+            if (isList) findAll(authoringLineRules(), checked, findings_);
+        } else {
+            if (!isPlain(line.text)) findAll(textRules(), checked, findings_);
+            if (line.kind == VELHLSLine::Uri || line.kind == VELHLSLine::Tag)
+                findAll(tagRules(), checked, findings_);
+            if (isList) checkList(checked);
+        }
+        if (line.kind == VELHLSLine::Uri) ++segment_;
+    }
+
+    /// Remembers the tag, and returns the line that had it before.
+    std::size_t noteTag(const VELHLSLine& line) {
+        if (!line.definition->once) return 0;
+        Seen& seen = seen_[static_cast<std::size_t>(line.definition - tagTable.data())];
+        const bool isOfSegment = line.definition->reach == VELHLSTagDefinition::Segment;
+        const std::size_t earlier = isOfSegment && seen.segment != segment_ ? 0 : seen.line;
+        seen = {line.number, segment_};
+        return earlier;
+    }
+
+    void checkList(const CheckedLine& checked) {
+        findAll(attributeRules(), checked, findings_);
+        if (playlist_.profile() == StandardProfile::rfc8216bis) findAll(laterLineRules(), checked, findings_);
+        const std::string_view tag = checked.line.definition->name;
+        if (tag == tag::key || tag == tag::sessionKey) findAll(keyRules(), checked, findings_);
+        if (tag == "EXT-X-DATERANGE") findAll(dateRangeRules(), checked, findings_);
+        if (tag == tag::media) findAll(renditionRules(), checked, findings_);
+        if (tag == tag::streamInf || tag == tag::iFrameStreamInf) findAll(variantRules(), checked, findings_);
+        if (tag == tag::sessionKey || tag == tag::sessionData) findAll(sessionRules(), checked, findings_);
+    }
+
+    /// The last line with a tag, and how many URIs came before it.
+    struct Seen {
+        std::size_t line = 0;
+        std::size_t segment = 0;
+    };
+
+    const CheckedPlaylist& playlist_;
+    StandardFindings& findings_;
+    std::vector<VELHLSAttribute> attributes_;
+    std::array<Seen, tagTable.size()> seen_ = {};
+    std::size_t segment_ = 0;
+};
+
+/// The lines of a segment that its rules look at.
+VELHLSLine durationLine(const CheckedPlaylist& playlist, const VELHLSStructure::Segment& segment) {
+    return segment.durationLine == 0 ? VELHLSLine() : playlist.document().line(segment.durationLine);
+}
+
+void checkSegments(const CheckedPlaylist& playlist, StandardFindings& findings) {
+    const auto table =
+        playlist.profile() == StandardProfile::apple ? authoringSegmentRules() : segmentRules();
+    std::optional<VELHLSStructure::Segment> previous;
+    std::string_view previousUri;
+    std::uint64_t discontinuities = playlist.number(tagIndex(tag::discontinuitySequence)).value_or(0);
+    for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
+        if (segment.uriLine == 0) break;
+        const VELHLSLine uri = playlist.document().line(segment.uriLine);
+        findAll(
+            table,
+            CheckedSegment{playlist, segment, uri, previousUri, previous ? &*previous : nullptr,
+                           segment.discontinuitySequence != discontinuities, durationLine(playlist, segment)},
+            findings);
+        discontinuities = segment.discontinuitySequence;
+        previous = segment;
+        previousUri = uri.value;
+    }
+}
+
+void checkPlaylist(const CheckedPlaylist& playlist, StandardFindings& findings) {
+    if (playlist.profile() == StandardProfile::apple)
+        return findAll(playlist.isMaster() ? authoringMasterRules() : authoringMediaRules(), playlist,
+                       findings);
+    for (const auto& table : {headerRules(), versionRules(), lastSegmentRules(), keyRelationRules(),
+                              dateRules(), dateRangeRelationRules(), mediaPlaylistRules(),
+                              variantRelationRules(), groupRules(), sessionRelationRules()})
+        findAll(table, playlist, findings);
+    if (playlist.profile() == StandardProfile::rfc8216bis) findAll(laterPlaylistRules(), playlist, findings);
+}
+
+template <typename Subject>
+void appendRules(const StandardTable<Subject>& table, std::vector<StandardRule>& rules) {
+    for (const StandardEntry<Subject>& entry : table)
+        rules.push_back(entry.rule);
+}
+
+}  // namespace
+
+void checkStandard(const VELHLSDocument& document, StandardProfile profile,
+                   std::vector<VELHLSFinding>& findings) {
+    // The rules speak of lines, and an empty text has none.
+    if (document.lineCount() == 0) {
+        const VELHLSDocument blank("\n");
+        return checkStandard(blank, profile, findings);
+    }
+    StandardFindings found(profile);
+    const VELHLSStructure structure(document);
+    const CheckedPlaylist playlist(structure, profile);
+    if (isUtf16(document.text())) {
+        // What it says in another encoding is nothing that rules of its lines could speak of.
+        if (profile != StandardProfile::apple) findAll(encodingRules(), playlist, found);
+    } else {
+        LineRun(playlist, found).run();
+        if (playlist.isMedia()) checkSegments(playlist, found);
+        checkPlaylist(playlist, found);
+    }
+    std::vector<VELHLSFinding> all = found.takeAll();
+    findings.insert(findings.end(), std::make_move_iterator(all.begin()), std::make_move_iterator(all.end()));
+}
+
+std::vector<StandardRule> rulesOfStandard(StandardProfile profile) {
+    std::vector<StandardRule> rules;
+    if (profile == StandardProfile::apple) {
+        appendRules(authoringMasterRules(), rules);
+        appendRules(authoringLineRules(), rules);
+        appendRules(authoringMediaRules(), rules);
+        appendRules(authoringSegmentRules(), rules);
+        return rules;
+    }
+    appendRules(encodingRules(), rules);
+    appendRules(textRules(), rules);
+    appendRules(headerRules(), rules);
+    appendRules(tagRules(), rules);
+    appendRules(attributeRules(), rules);
+    appendRules(versionRules(), rules);
+    appendRules(segmentRules(), rules);
+    appendRules(lastSegmentRules(), rules);
+    appendRules(keyRules(), rules);
+    appendRules(keyRelationRules(), rules);
+    appendRules(dateRules(), rules);
+    appendRules(dateRangeRules(), rules);
+    appendRules(dateRangeRelationRules(), rules);
+    appendRules(mediaPlaylistRules(), rules);
+    appendRules(variantRules(), rules);
+    appendRules(variantRelationRules(), rules);
+    appendRules(renditionRules(), rules);
+    appendRules(groupRules(), rules);
+    appendRules(sessionRules(), rules);
+    appendRules(sessionRelationRules(), rules);
+    if (profile == StandardProfile::rfc8216bis) {
+        appendRules(laterLineRules(), rules);
+        appendRules(laterPlaylistRules(), rules);
+    }
+    return rules;
+}
+
+}  // namespace velhls

@@ -1,0 +1,21 @@
+// Internal to the library, not installed: checks a document against the standard.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "velhls/document/VELHLSDocument.h"
+#include "velhls/document/VELHLSFinding.h"
+#include "velhls/standard/StandardRule.h"
+
+namespace velhls {
+
+/// Appends what the profile finds in the document, in the order of the places. Takes time linear in the text but for sorting, and memory linear in
+/// it; of one rule there are at most 100 findings, and the last tells how many more there were.
+void checkStandard(const VELHLSDocument& document, StandardProfile profile,
+                   std::vector<VELHLSFinding>& findings);
+
+/// All rules that the profile may find, in the order of the documentation.
+[[nodiscard]] std::vector<StandardRule> rulesOfStandard(StandardProfile profile);
+
+}  // namespace velhls

@@ -1,0 +1,67 @@
+#include "velhls/standard/CheckedPlaylist.h"
+
+#include "velhls/common/Names.h"
+#include "velhls/common/TextScan.h"
+#include "velhls/document/VELHLSSyntax.h"
+
+namespace velhls {
+
+CheckedPlaylist::CheckedPlaylist(const VELHLSStructure& structure, StandardProfile profile)
+    : document_(structure.document()), structure_(structure), profile_(profile) {
+    for (const VELHLSLine line : document_.lines()) {
+        if (line.definition == nullptr) continue;
+        const auto tag = static_cast<std::size_t>(line.definition - tagTable.data());
+        if (tag != tagIndex(tag::extInf)) lines_[tag].push_back(static_cast<std::uint32_t>(line.number));
+    }
+    version_ = has(tagIndex(tag::version)) ? number(tagIndex(tag::version)) : 1;
+    targetDuration_ = number(tagIndex(tag::targetDuration));
+    if (structure_.segmentCount() == 0) return;
+    const VELHLSStructure::Segment last = structure_.segment(structure_.segmentCount() - 1);
+    duration_ = last.startTime + last.duration;
+    segmentCount_ = structure_.segmentCount() - (last.uriLine == 0 ? 1 : 0);
+}
+
+std::optional<std::uint64_t> CheckedPlaylist::number(std::size_t tag) const {
+    if (!has(tag)) return std::nullopt;
+    return VELHLSSyntax::readDecimalInteger(trimmed(firstLine(tag).value));
+}
+
+bool CheckedPlaylist::isLive() const {
+    return isMedia() && !has(tagIndex(tag::endList)) && !has(tagIndex(tag::playlistType));
+}
+
+bool CheckedPlaylist::isSlidingWindow() const {
+    return isLive() && number(tagIndex(tag::mediaSequence)).value_or(0) > 0;
+}
+
+const VELHLSAttribute* CheckedLine::find(std::string_view name) const {
+    for (const VELHLSAttribute& attribute : attributes) {
+        if (attribute.name == name) return &attribute;
+    }
+    return nullptr;
+}
+
+std::optional<std::string_view> valueOf(const VELHLSLine& line, std::string_view name) {
+    const auto attribute = line.attributes().find(name);
+    if (!attribute) return std::nullopt;
+    return attribute->value;
+}
+
+std::string sourceOf(const VELHLSTagDefinition& tag) {
+    const std::string_view document =
+        tag.profile == VELHLSProfile::rfc8216 ? "RFC 8216" : "draft-pantos-hls-rfc8216bis";
+    return std::string(document) + ", section " + std::string(tag.section);
+}
+
+std::string_view trimmed(std::string_view text) {
+    text = withoutTrailing(text, blanks);
+    while (!text.empty() && blanks.holds(text.front()))
+        text.remove_prefix(1);
+    return text;
+}
+
+std::string_view nothingAfter(std::string_view text) {
+    return text.substr(text.size());
+}
+
+}  // namespace velhls

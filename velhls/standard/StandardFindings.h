@@ -1,0 +1,66 @@
+// Internal to the library, not installed: findings of the standard's rules, bounded and in order.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "velhls/document/VELHLSFinding.h"
+#include "velhls/document/VELHLSLine.h"
+#include "velhls/standard/StandardRule.h"
+
+namespace velhls {
+
+/// What a finding says otherwise than its rule does. What is empty is as the rule says, or for what was seen the text of the
+/// place.
+struct FindingWords {
+    std::string_view expected = {};
+    std::string_view seen = {};
+    /// "RFC 8216, section 4.3.2.4", where the rule stands for clauses of several sections.
+    std::string_view source = {};
+};
+
+/// Gathers findings. Of each rule it keeps a bounded number, and counts the others.
+class StandardFindings {
+  public:
+    /// Of one rule. The last of them tells how many more there were.
+    static constexpr std::size_t mostOfOneRule = 100;
+
+    explicit StandardFindings(StandardProfile profile) : profile_(VELHLSStandard::nameOf(profile)) {}
+
+    /// Adds a finding at a piece of the line.
+    void add(const StandardRule& rule, const VELHLSLine& line, std::string_view piece,
+             const FindingWords& words);
+
+    /// All findings in the order of their places. The list is empty afterwards.
+    [[nodiscard]] std::vector<VELHLSFinding> takeAll();
+
+  private:
+    struct Count {
+        std::size_t kept = 0;
+        std::size_t last = 0;
+    };
+
+    std::string profile_;
+    std::vector<VELHLSFinding> findings_;
+    std::unordered_map<const StandardRule*, Count> counts_;
+};
+
+/// Tells of one rule.
+class Tell {
+  public:
+    Tell(StandardFindings& findings, const StandardRule& rule) : findings_(findings), rule_(rule) {}
+
+    /// At a piece of the line.
+    void operator()(const VELHLSLine& line, std::string_view piece, const FindingWords& words = {}) const {
+        findings_.add(rule_, line, piece, words);
+    }
+
+  private:
+    StandardFindings& findings_;
+    const StandardRule& rule_;
+};
+
+}  // namespace velhls

@@ -1,0 +1,14 @@
+// Internal to the library, not installed: what the end of a URI's path lets one infer.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace velhls {
+
+/// The format of a segment, as far as its URI tells.
+enum class SegmentFormat : std::uint8_t { unknown, transportStream, fragmentedMp4, packedAudio, webVtt };
+
+[[nodiscard]] SegmentFormat formatOf(std::string_view uri);
+
+}  // namespace velhls

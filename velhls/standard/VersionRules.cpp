@@ -1,0 +1,195 @@
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "velhls/common/Names.h"
+#include "velhls/common/TextScan.h"
+#include "velhls/document/VELHLSSyntax.h"
+#include "velhls/standard/CheckedPlaylist.h"
+
+namespace velhls {
+namespace {
+
+/// The successor's versions are for what only it knows, some of which a playlist need not show.
+constexpr std::uint64_t lastOfRfc8216 = 7;
+
+/// The first place that needs a version, of each kind.
+struct Feature {
+    VELHLSLine line;
+    std::string_view piece;
+    std::uint64_t version;
+};
+
+/// What the playlist has that version 1 has not.
+class FeatureFinder {
+  public:
+    explicit FeatureFinder(const CheckedPlaylist& playlist) : playlist_(playlist) {}
+
+    std::vector<Feature> find() {
+        for (const VELHLSTagDefinition& tag : tagTable) {
+            if (!isOfPlaylist(tag) || !playlist_.has(indexOf(tag))) continue;
+            if (tag.firstVersion > 1) addTag(tag);
+            addAttributes(tag);
+        }
+        if (playlist_.isMaster()) addChannels();
+        if (playlist_.isMedia()) addDecimals();
+        return std::move(features_);
+    }
+
+  private:
+    static std::size_t indexOf(const VELHLSTagDefinition& tag) {
+        return static_cast<std::size_t>(&tag - tagTable.data());
+    }
+
+    [[nodiscard]] bool isOfPlaylist(const VELHLSTagDefinition& tag) const {
+        const auto other = playlist_.isMaster() ? VELHLSTagDefinition::Media : VELHLSTagDefinition::Master;
+        return playlist_.knows(tag) && tag.playlist != other;
+    }
+
+    void addTag(const VELHLSTagDefinition& tag) {
+        const VELHLSLine line = playlist_.firstLine(indexOf(tag));
+        const bool isMapOfAll = tag.name == tag::map && !playlist_.has(tagIndex(tag::iFramesOnly));
+        features_.push_back({line, line.name, isMapOfAll ? 6U : tag.firstVersion});
+    }
+
+    void addAttributes(const VELHLSTagDefinition& tag) {
+        for (const VELHLSAttributeDefinition& row : tag.attributes) {
+            if (row.firstVersion > 1 && playlist_.knows(row)) addAttribute(tag, row);
+        }
+    }
+
+    void addAttribute(const VELHLSTagDefinition& tag, const VELHLSAttributeDefinition& row) {
+        for (const std::uint32_t number : playlist_.lines(indexOf(tag))) {
+            const VELHLSLine line = playlist_.document().line(number);
+            const auto attribute = line.attributes().find(row.name);
+            if (!attribute) continue;
+            features_.push_back({line, attribute->name, row.firstVersion});
+            return;
+        }
+    }
+
+    /// Captions of CEA-708; and those that only the successor knows, of other media.
+    void addChannels() {
+        bool hasService = false;
+        bool isOfOthers = playlist_.profile() != StandardProfile::rfc8216bis;
+        for (const std::uint32_t number : playlist_.lines(tagIndex(tag::media))) {
+            const VELHLSLine line = playlist_.document().line(number);
+            const auto channel = line.attributes().find(attribute::instreamId);
+            if (!channel) continue;
+            if (!hasService && startsWith(channel->value, "SERVICE")) {
+                features_.push_back({line, channel->value, 7});
+                hasService = true;
+            }
+            if (!isOfOthers && valueOf(line, attribute::type) != "CLOSED-CAPTIONS") {
+                features_.push_back({line, channel->name, 13});
+                isOfOthers = true;
+            }
+        }
+    }
+
+    void addDecimals() {
+        for (const VELHLSStructure::Segment& segment : playlist_.structure().segments()) {
+            if (segment.durationLine == 0) continue;
+            const VELHLSLine line = playlist_.document().line(segment.durationLine);
+            const std::string_view duration = trimmed(line.value.substr(0, line.value.find(',')));
+            const bool hasPoint = duration.find('.') != std::string_view::npos;
+            if (!hasPoint || !VELHLSSyntax::readDecimalFloatingPoint(duration)) continue;
+            features_.push_back({line, duration, 3});
+            return;
+        }
+    }
+
+    const CheckedPlaylist& playlist_;
+    std::vector<Feature> features_;
+};
+
+std::uint64_t neededVersion(const CheckedPlaylist& playlist) {
+    std::uint64_t needed = 1;
+    for (const Feature& feature : FeatureFinder(playlist).find())
+        needed = std::max(needed, feature.version);
+    return needed;
+}
+
+void findTooLow(const CheckedPlaylist& playlist, const Tell& tell) {
+    if (!playlist.version()) return;
+    for (const Feature& feature : FeatureFinder(playlist).find()) {
+        if (feature.version <= *playlist.version()) continue;
+        const std::string expected =
+            "EXT-X-VERSION:" + std::to_string(feature.version) + " or higher for this";
+        const std::string seen =
+            playlist.has(tagIndex(tag::version)) ? std::to_string(*playlist.version()) : "none";
+        tell(feature.line, feature.piece, {expected, seen, {}});
+    }
+}
+
+/// What needs a version that RFC 8216 does not know is not known to it either. A master playlist with renditions may state 4
+/// (section 7).
+void findTooHigh(const CheckedPlaylist& playlist, const Tell& tell) {
+    const std::uint64_t version = playlist.version().value_or(1);
+    if (version <= 1 || version > lastOfRfc8216) return;
+    const bool mayBe4 = playlist.isMaster() && playlist.has(tagIndex(tag::media));
+    const std::uint64_t needed = std::max<std::uint64_t>(neededVersion(playlist), mayBe4 ? 4 : 1);
+    if (version <= needed) return;
+    const VELHLSLine line = playlist.firstLine(tagIndex(tag::version));
+    const std::string expected =
+        needed == 1 ? "no EXT-X-VERSION above 1, since nothing needs more"
+                    : "no more than " + std::to_string(needed) + ", which all tags and attributes need";
+    tell(line, trimmed(line.value), {expected, {}, {}});
+}
+
+void findRemoved(const CheckedPlaylist& playlist, const Tell& tell) {
+    const std::uint64_t version = playlist.version().value_or(1);
+    const auto expected = [](std::uint8_t removed) {
+        return "nothing that version " + std::to_string(removed) + " removed";
+    };
+    constexpr std::size_t allowCache = tagIndex("EXT-X-ALLOW-CACHE");
+    if (version >= tagTable[allowCache].removedVersion) {
+        for (const std::uint32_t number : playlist.lines(allowCache)) {
+            const VELHLSLine line = playlist.document().line(number);
+            tell(line, line.name, {expected(tagTable[allowCache].removedVersion), {}, {}});
+        }
+    }
+    for (const std::size_t tag : {tagIndex(tag::streamInf), tagIndex(tag::iFrameStreamInf)}) {
+        for (const std::uint32_t number : playlist.lines(tag)) {
+            const VELHLSLine line = playlist.document().line(number);
+            const auto program = line.attributes().find(attribute::programId);
+            constexpr std::uint8_t removed = 6;
+            if (program && version >= removed) tell(line, program->name, {expected(removed), {}, {}});
+        }
+    }
+}
+
+/// Whole numbers in a playlist that says it may have others, and that needs its version for nothing else.
+void findWholeDurations(const CheckedPlaylist& playlist, const Tell& tell) {
+    constexpr std::uint64_t firstWithDecimals = 3;
+    const std::uint64_t version = playlist.version().value_or(1);
+    const bool mayHaveDecimals = version >= firstWithDecimals && version <= lastOfRfc8216;
+    if (!playlist.isMedia() || !mayHaveDecimals || neededVersion(playlist) >= firstWithDecimals) return;
+    for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
+        if (segment.durationLine == 0 || segment.duration <= 0.0) continue;
+        const VELHLSLine line = playlist.document().line(segment.durationLine);
+        return tell(line, line.value.substr(0, line.value.find(',')));
+    }
+}
+
+// clang-format off
+constexpr PlaylistEntry rules[] = {
+    {{{"version-too-low", error, "The playlist uses what its version does not have.",
+       "a higher EXT-X-VERSION", "RFC 8216, section 7", false}, "MUST"}, findTooLow},
+    {{{"version-too-high", warning, "EXT-X-VERSION is higher than the tags and attributes need.",
+       "the lowest version that will do", "RFC 8216, section 6.2.1", false}, "SHOULD NOT"}, findTooHigh},
+    {{{"removed-by-version", error, "The playlist has a tag or an attribute that its version removed.",
+       "nothing that its version removed", "RFC 8216, section 7", false}, "SYN"}, findRemoved},
+    {{{"durations-whole", warning, "All durations are whole numbers, though the version allows decimals.",
+       "durations with decimals, as exact as they are known", "RFC 8216, section 4.3.2.1", false}, "SHOULD"}, findWholeDurations},
+};
+// clang-format on
+
+}  // namespace
+
+StandardTable<CheckedPlaylist> versionRules() {
+    return {rules, std::size(rules)};
+}
+
+}  // namespace velhls
