@@ -7,9 +7,6 @@
 
 namespace tool {
 
-/// "error", "warning" or "note".
-[[nodiscard]] std::string_view nameOf(VELHLSFinding::Severity severity);
-
 /// "file:line:column: error: message [rule]", with control characters made visible.
 [[nodiscard]] std::string describe(const std::string& name, const VELHLSFinding& finding);
 

@@ -200,15 +200,13 @@ void expectBrokenSourcesToEndThere(const std::string& text, Read read) {
 }
 
 TEST(BrokenStreams, MasterPlaylistIsReadUpToTheByteWhereTheStreamFails) {
-    expectBrokenSourcesToEndThere(whole::master, [](std::istream& input) {
-        return outcomeOf(input, playlist::parseMaster);
-    });
+    expectBrokenSourcesToEndThere(
+        whole::master, [](std::istream& input) { return outcomeOf(input, playlist::parseMaster); });
 }
 
 TEST(BrokenStreams, MediaPlaylistIsReadUpToTheByteWhereTheStreamFails) {
-    expectBrokenSourcesToEndThere(whole::media, [](std::istream& input) {
-        return outcomeOf(input, playlist::parseMedia);
-    });
+    expectBrokenSourcesToEndThere(whole::media,
+                                  [](std::istream& input) { return outcomeOf(input, playlist::parseMedia); });
 }
 
 TEST(BrokenStreams, TextIsCheckedUpToTheByteWhereTheStreamFails) {

@@ -114,8 +114,9 @@ TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInKeysAndMaps) {
     const std::string pattern =
         lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"1\"", "#ZOR-PATTERN_START:p",
                "#EXT-X-MAP:URI=\"init{$n}.mp4\"", "#EXTINF:6,", "segment{$n}.ts", "#ZOR-PATTERN_REPEAT:p,3"});
-    EXPECT_EQ(found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).find("variable-not-replaced"),
-              found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).rfind("variable-not-replaced"));
+    EXPECT_EQ(
+        found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).find("variable-not-replaced"),
+        found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).rfind("variable-not-replaced"));
     EXPECT_EQ(seenBy("variable-not-replaced", pattern, VELHLSDiagnostics::Media), "\"{$n}.mp4\"");
 }
 

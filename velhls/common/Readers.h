@@ -17,7 +17,9 @@ namespace velhls {
 ///
 /// Null when the playlist is rejected. A reading that goes on after rejections gives what was not rejected. Throws
 /// std::bad_alloc alone: a number that cannot be converted is a rejection.
-[[nodiscard]] VELHLS_PRIVATE_API std::shared_ptr<VELHLSParsedManifest> readMaster(std::string_view text, Reading& reading);
-[[nodiscard]] VELHLS_PRIVATE_API std::shared_ptr<VELHLSMediaStream> readMedia(std::string_view text, Reading& reading);
+[[nodiscard]] VELHLS_PRIVATE_API std::shared_ptr<VELHLSParsedManifest> readMaster(std::string_view text,
+                                                                                  Reading& reading);
+[[nodiscard]] VELHLS_PRIVATE_API std::shared_ptr<VELHLSMediaStream> readMedia(std::string_view text,
+                                                                              Reading& reading);
 
 }  // namespace velhls

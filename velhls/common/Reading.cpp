@@ -205,9 +205,8 @@ std::vector<Reading::NumberedLine> Reading::linesOfTextSince(const NumberedLine&
 Place Reading::find(std::string_view piece) const {
     if (isPartOf(piece, text_)) return findInText(piece);
     if (isExpanding() && isPartOf(piece, body_)) return findInBody(piece);
-    const auto clean = std::find_if(cleanLines_.rbegin(), cleanLines_.rend(), [piece](const CleanLine& line) {
-        return isPartOf(piece, line.text);
-    });
+    const auto clean = std::find_if(cleanLines_.rbegin(), cleanLines_.rend(),
+                                    [piece](const CleanLine& line) { return isPartOf(piece, line.text); });
     if (clean == cleanLines_.rend()) return findInExpandedLine(expandedLine_, piece);
     if (isExpanding()) return findInExpandedLine(clean->text, piece);
     return placeIn(clean->number, clean->line, clean->text, piece);

@@ -183,12 +183,12 @@ template <typename Step>
 
 /// The place of a piece of a line as a reader read it. The line of the text may have carriage returns that this one has
 /// not; those after the piece do not belong to it.
-[[nodiscard]] VELHLS_PRIVATE_API Place placeIn(std::size_t lineNumber, std::string_view lineOfText, std::string_view lineAsRead,
-                            std::string_view piece);
+[[nodiscard]] VELHLS_PRIVATE_API Place placeIn(std::size_t lineNumber, std::string_view lineOfText,
+                                               std::string_view lineAsRead, std::string_view piece);
 
 /// The place of the attribute's value in a tag's line of the text, or of the tag's name where it has no such attribute.
 [[nodiscard]] VELHLS_PRIVATE_API Place placeOfAttribute(std::size_t lineNumber, std::string_view lineOfText,
-                                     std::string_view attributeName);
+                                                        std::string_view attributeName);
 
 /// Whether a piece is a part of a text, and not only equal to one.
 [[nodiscard]] bool isPartOf(std::string_view piece, std::string_view text);

@@ -15,8 +15,8 @@ namespace velhls {
 
 /// "EXT-X-STREAM-INF: BANDWIDTH: expected a BANDWIDTH above 0, seen "0"" for a place in a line of the text. Where it is not
 /// said what was seen it is the text of the place.
-[[nodiscard]] VELHLS_PRIVATE_API std::string messageOf(std::string_view line, const Place& place, std::string_view expected,
-                                    std::string_view seen);
+[[nodiscard]] VELHLS_PRIVATE_API std::string messageOf(std::string_view line, const Place& place,
+                                                       std::string_view expected, std::string_view seen);
 
 /// The line with this number, without its line feed; the last one for a larger number.
 [[nodiscard]] std::string_view lineOf(std::string_view text, std::size_t number);

@@ -27,12 +27,9 @@ using velhls::ReadLines;
 using velhls::RecordLines;
 using velhls::Rule;
 
-constexpr VELHLSRule notAPlaylist = {"not-a-playlist",
-                                     VELHLSFinding::Error,
-                                     "The text is no HLS playlist at all.",
-                                     "an HLS playlist",
-                                     "RFC 8216, section 4.1",
-                                     false};
+constexpr VELHLSRule notAPlaylist = {
+    "not-a-playlist",  VELHLSFinding::Error,    "The text is no HLS playlist at all.",
+    "an HLS playlist", "RFC 8216, section 4.1", false};
 
 static_assert(VELHLSDiagnostics::maximumFindingsPerRule == velhls::FindingList::mostOfOneRule &&
               VELHLSDiagnostics::maximumFindingsPerRule == Reading::mostRejectionsOfOneRule);
@@ -95,8 +92,8 @@ class CheckedText {
         for (const velhls::Rejection& rejection : reading_.rejections()) {
             if (!rejection.isBetweenRecords) continue;
             const bool isOfVariants = rejection.rule == Rule::variantsMissing;
-            const bool isOfSession = rejection.rule == Rule::sessionDataRepeated ||
-                                     rejection.rule == Rule::sessionKeyRepeated;
+            const bool isOfSession =
+                rejection.rule == Rule::sessionDataRepeated || rejection.rule == Rule::sessionKeyRepeated;
             if (isOfSession || (isOfVariants ? variantsAreKnown() : renditionsAreKnown)) add(rejection);
         }
     }

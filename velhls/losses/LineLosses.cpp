@@ -1,5 +1,3 @@
-#include "velhls/losses/Loss.h"
-
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -12,6 +10,7 @@
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/losses/Loss.h"
 #include "velhls/losses/LossText.h"
 
 namespace velhls {
@@ -67,13 +66,13 @@ struct KeptAttributes {
     std::array<std::string_view, 12> names;
 };
 
-constexpr std::array<std::string_view, 12> keptOfVariant = {
-    attribute::bandwidth, attribute::averageBandwidth, attribute::codecs, attribute::resolution,
-    attribute::programId, attribute::uri,              attribute::audio,  attribute::video,
-    attribute::subtitles, attribute::closedCaptions};
+constexpr std::array<std::string_view, 12> keptOfVariant = {attribute::bandwidth, attribute::averageBandwidth,
+                                                            attribute::codecs,    attribute::resolution,
+                                                            attribute::programId, attribute::uri,
+                                                            attribute::audio,     attribute::video,
+                                                            attribute::subtitles, attribute::closedCaptions};
 constexpr std::array<std::string_view, 12> keptOfKey = {attribute::method, attribute::uri, attribute::iv,
-                                                        attribute::keyFormat,
-                                                        attribute::keyFormatVersions};
+                                                        attribute::keyFormat, attribute::keyFormatVersions};
 
 constexpr KeptAttributes keptAttributes[] = {
     {tag::streamInf, keptOfVariant},
@@ -97,8 +96,9 @@ void findIgnoredAttribute(const LossLine& line, const TellLoss& tell) {
     // The first attribute of session data is lost with the tag's colon, and has a rule of its own, as have those of a
     // key that ends encryption.
     if (line.attributes == nullptr || endsEncryption(line)) return;
-    const auto known = std::find_if(std::begin(keptAttributes), std::end(keptAttributes),
-                                    [&line](const KeptAttributes& kept) { return kept.tag == line.tag.name; });
+    const auto known =
+        std::find_if(std::begin(keptAttributes), std::end(keptAttributes),
+                     [&line](const KeptAttributes& kept) { return kept.tag == line.tag.name; });
     if (known == std::end(keptAttributes)) return;
     line.forEachAttribute([&](const Attribute& attribute) {
         const bool isKnown =

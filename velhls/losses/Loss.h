@@ -22,11 +22,11 @@ namespace velhls {
 
 /// What a line was for the reader.
 enum class LineRole : std::uint8_t {
-    alone,        ///< no record was made of it
-    record,       ///< a record's: of a segment its tags and its URI, of a variant its tag
-    variantUri,   ///< the line after EXT-X-STREAM-INF
-    pattern,      ///< a media pattern's: its own tags, and those of its segments
-    rejected,     ///< of something that was rejected
+    alone,       ///< no record was made of it
+    record,      ///< a record's: of a segment its tags and its URI, of a variant its tag
+    variantUri,  ///< the line after EXT-X-STREAM-INF
+    pattern,     ///< a media pattern's: its own tags, and those of its segments
+    rejected,    ///< of something that was rejected
 };
 
 /// The attributes of a tag in the order of the text.

@@ -95,8 +95,8 @@ void findLossesOfSegments(const VELHLSMediaStream& stream, const Reading& readin
         // A pattern repeats its lines: what is to be said of them is said once.
         if (record.firstLine > lastLine) {
             const bool isOfPattern = lines.roleOf(record.lastLine) == LineRole::pattern;
-            findAll(segmentLosses(),
-                    LossSegment{**segment, previous, linesOfRecord.of(record), isOfPattern}, findings);
+            findAll(segmentLosses(), LossSegment{**segment, previous, linesOfRecord.of(record), isOfPattern},
+                    findings);
             lastLine = record.lastLine;
         }
         previous = segment->get();

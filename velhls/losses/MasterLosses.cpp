@@ -1,9 +1,8 @@
-#include "velhls/losses/Loss.h"
-
 #include <iterator>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/losses/Loss.h"
 
 namespace velhls {
 namespace {
@@ -41,8 +40,7 @@ void findCaptionsNoneAdded(const LossLine& line, const TellLoss& tell) {
 }
 
 void findQuotedNone(const LossLine& line, const TellLoss& tell) {
-    const Attribute* const captions =
-        isVariantTag(line) ? line.find(attribute::closedCaptions) : nullptr;
+    const Attribute* const captions = isVariantTag(line) ? line.find(attribute::closedCaptions) : nullptr;
     if (captions != nullptr && captions->isQuoted && captions->value == fixed::none) {
         tell(line, captions->value);
     }

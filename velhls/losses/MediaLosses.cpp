@@ -1,5 +1,3 @@
-#include "velhls/losses/Loss.h"
-
 #include <array>
 #include <cmath>
 #include <iterator>
@@ -12,6 +10,7 @@
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/VELHLSUtility.h"
+#include "velhls/losses/Loss.h"
 #include "velhls/media/VELHLSByteRange.h"
 
 namespace velhls {

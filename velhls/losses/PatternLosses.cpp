@@ -1,8 +1,7 @@
-#include "velhls/losses/Loss.h"
-
 #include <iterator>
 
 #include "velhls/common/Names.h"
+#include "velhls/losses/Loss.h"
 
 namespace velhls {
 namespace {

@@ -1,5 +1,3 @@
-#include "velhls/losses/Loss.h"
-
 #include <bitset>
 #include <iterator>
 
@@ -7,6 +5,7 @@
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/UriRange.h"
+#include "velhls/losses/Loss.h"
 
 namespace velhls {
 namespace {

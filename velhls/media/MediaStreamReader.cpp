@@ -104,7 +104,8 @@ bool MediaStreamReader::readSegment(bool afterDiscontinuity) {
 bool MediaStreamReader::appendPattern() {
     const VELHLSMediaPattern& pattern = *segmentReader_.pattern();
     const SegmentSurroundings surroundings{&recordMaker_, stream_->hlsDefineMap, nullptr, reading_};
-    if (!createSegments(stream_->segments, pattern, nextOrigin(), surroundings, allowance_, why_)) return false;
+    if (!createSegments(stream_->segments, pattern, nextOrigin(), surroundings, allowance_, why_))
+        return false;
     if (reading_ != nullptr) reading_->patternMade();
     return true;
 }

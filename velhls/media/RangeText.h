@@ -14,8 +14,8 @@
 namespace velhls {
 
 /// See VELHLSByteRange::parse. False when the text is no range; `range` is then left as it was.
-[[nodiscard]] bool readRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range,
-                             Reason& why);
+[[nodiscard]] bool readRange(std::string_view text, char separator, bool inclusiveRange,
+                             VELHLSByteRange& range, Reason& why);
 
 inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 

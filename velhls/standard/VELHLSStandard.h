@@ -23,9 +23,9 @@ class VELHLS_CHECK_API VELHLSStandard {
 
     /// By what a text is checked.
     enum class Profile : std::uint8_t {
-        rfc8216,     ///< RFC 8216
+        rfc8216,  ///< RFC 8216
         rfc8216bis,  ///< RFC 8216 as its successor changes it (draft-pantos-hls-rfc8216bis), low latency included
-        apple,       ///< Apple's authoring rules for its devices, as far as a text shows them, and nothing else
+        apple,  ///< Apple's authoring rules for its devices, as far as a text shows them, and nothing else
     };
 
     /// "rfc8216", "rfc8216bis" or "apple".
