@@ -22,11 +22,12 @@ void findLongSegment(const CheckedSegment& checked, const Tell& tell) {
     const auto target = checked.playlist.targetDuration();
     constexpr double most = 0.5;
     if (!target || checked.segment.duration <= static_cast<double>(*target) + most) return;
-    tell(checked.duration, checked.duration.value.substr(0, checked.duration.value.find(',')));
+    const VELHLSLine line = checked.durationLine();
+    tell(line, line.value.substr(0, line.value.find(',')));
 }
 
 void findMapMissing(const CheckedSegment& checked, const Tell& tell) {
-    const bool isFragment = formatOf(checked.uri.value) == SegmentFormat::fragmentedMp4;
+    const bool isFragment = checked.format == SegmentFormat::fragmentedMp4;
     if (isFragment && checked.segment.inForce.mapLine == 0)
         tell(checked.uri, checked.uri.value, {{}, "none", {}});
 }

@@ -23,7 +23,7 @@ void findAll(const StandardTable<Subject>& table, const Subject& subject, Standa
 /// Goes through the lines with the rules that look at one line.
 class LineRun {
   public:
-    LineRun(const CheckedPlaylist& playlist, StandardFindings& findings)
+    LineRun(CheckedPlaylist& playlist, StandardFindings& findings)
         : playlist_(playlist), findings_(findings) {}
 
     void run() {
@@ -33,24 +33,35 @@ class LineRun {
 
   private:
     void check(const VELHLSLine& line) {
-        const bool isTag = line.definition != nullptr && playlist_.knows(*line.definition);
-        const bool isList = isTag && line.definition->form == VELHLSTagDefinition::AttributeList;
+        playlist_.add(line);
         attributes_.clear();
-        if (isList) {
+        const bool isTag = line.definition != nullptr && playlist_.knows(*line.definition);
+        if (isTag && line.definition->form == VELHLSTagDefinition::AttributeList) {
             for (const VELHLSAttribute& attribute : line.attributes())
                 attributes_.push_back(attribute);
         }
-        const std::size_t earlierLine = isTag ? noteTag(line) : 0;
-        const CheckedLine checked = {playlist_, line, trimmed(line.value), earlierLine, attributes_};
+        const CheckedLine checked = {playlist_, line, trimmed(line.value), isTag ? noteTag(line) : 0,
+                                     attributes_};
         if (playlist_.profile() == StandardProfile::apple) {
-            if (isList) findAll(authoringLineRules(), checked, findings_);
+            if (!attributes_.empty()) findAll(authoringLineRules(), checked, findings_);
         } else {
             if (!isPlain(line.text)) findAll(textRules(), checked, findings_);
-            if (line.kind == VELHLSLine::Uri || line.kind == VELHLSLine::Tag)
-                findAll(tagRules(), checked, findings_);
-            if (isList) checkList(checked);
+            if (line.kind == VELHLSLine::Uri) findAll(uriRules(), checked, findings_);
+            if (line.kind == VELHLSLine::Tag && line.definition == nullptr)
+                findAll(unknownTagRules(), checked, findings_);
+            if (isTag) checkTag(checked);
         }
         if (line.kind == VELHLSLine::Uri) ++segment_;
+    }
+
+    void checkTag(const CheckedLine& checked) {
+        findAll(placeRules(), checked, findings_);
+        if (checked.line.definition->form == VELHLSTagDefinition::Duration) {
+            findAll(durationRules(), checked, findings_);
+        } else {
+            findAll(valueRules(), checked, findings_);
+        }
+        if (checked.line.definition->form == VELHLSTagDefinition::AttributeList) checkList(checked);
     }
 
     /// Remembers the tag, and returns the line that had it before.
@@ -64,6 +75,7 @@ class LineRun {
     }
 
     void checkList(const CheckedLine& checked) {
+        findAll(uriRules(), checked, findings_);
         findAll(attributeRules(), checked, findings_);
         if (playlist_.profile() == StandardProfile::rfc8216bis) findAll(laterLineRules(), checked, findings_);
         const std::string_view tag = checked.line.definition->name;
@@ -80,35 +92,33 @@ class LineRun {
         std::size_t segment = 0;
     };
 
-    const CheckedPlaylist& playlist_;
+    CheckedPlaylist& playlist_;
     StandardFindings& findings_;
     std::vector<VELHLSAttribute> attributes_;
     std::array<Seen, tagTable.size()> seen_ = {};
     std::size_t segment_ = 0;
 };
 
-/// The lines of a segment that its rules look at.
-VELHLSLine durationLine(const CheckedPlaylist& playlist, const VELHLSStructure::Segment& segment) {
-    return segment.durationLine == 0 ? VELHLSLine() : playlist.document().line(segment.durationLine);
-}
-
 void checkSegments(const CheckedPlaylist& playlist, StandardFindings& findings) {
     const auto table =
         playlist.profile() == StandardProfile::apple ? authoringSegmentRules() : segmentRules();
     std::optional<VELHLSStructure::Segment> previous;
     std::string_view previousUri;
+    SegmentFormat previousFormat = SegmentFormat::unknown;
     std::uint64_t discontinuities = playlist.number(tagIndex(tag::discontinuitySequence)).value_or(0);
     for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
         if (segment.uriLine == 0) break;
         const VELHLSLine uri = playlist.document().line(segment.uriLine);
-        findAll(
-            table,
-            CheckedSegment{playlist, segment, uri, previousUri, previous ? &*previous : nullptr,
-                           segment.discontinuitySequence != discontinuities, durationLine(playlist, segment)},
-            findings);
+        const SegmentFormat format = formatOf(uri.value);
+        const bool followsDiscontinuity = segment.discontinuitySequence != discontinuities;
+        findAll(table,
+                CheckedSegment{playlist, segment, uri, format, previousUri, previousFormat,
+                               previous ? &*previous : nullptr, followsDiscontinuity},
+                findings);
         discontinuities = segment.discontinuitySequence;
         previous = segment;
         previousUri = uri.value;
+        previousFormat = format;
     }
 }
 
@@ -140,7 +150,7 @@ void checkStandard(const VELHLSDocument& document, StandardProfile profile,
     }
     StandardFindings found(profile);
     const VELHLSStructure structure(document);
-    const CheckedPlaylist playlist(structure, profile);
+    CheckedPlaylist playlist(structure, profile);
     if (isUtf16(document.text())) {
         // What it says in another encoding is nothing that rules of its lines could speak of.
         if (profile != StandardProfile::apple) findAll(encodingRules(), playlist, found);
@@ -165,7 +175,11 @@ std::vector<StandardRule> rulesOfStandard(StandardProfile profile) {
     appendRules(encodingRules(), rules);
     appendRules(textRules(), rules);
     appendRules(headerRules(), rules);
-    appendRules(tagRules(), rules);
+    appendRules(placeRules(), rules);
+    appendRules(uriRules(), rules);
+    appendRules(unknownTagRules(), rules);
+    appendRules(valueRules(), rules);
+    appendRules(durationRules(), rules);
     appendRules(attributeRules(), rules);
     appendRules(versionRules(), rules);
     appendRules(segmentRules(), rules);

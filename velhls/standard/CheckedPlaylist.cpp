@@ -8,17 +8,22 @@ namespace velhls {
 
 CheckedPlaylist::CheckedPlaylist(const VELHLSStructure& structure, StandardProfile profile)
     : document_(structure.document()), structure_(structure), profile_(profile) {
-    for (const VELHLSLine line : document_.lines()) {
-        if (line.definition == nullptr) continue;
-        const auto tag = static_cast<std::size_t>(line.definition - tagTable.data());
-        if (tag != tagIndex(tag::extInf)) lines_[tag].push_back(static_cast<std::uint32_t>(line.number));
-    }
-    version_ = has(tagIndex(tag::version)) ? number(tagIndex(tag::version)) : 1;
-    targetDuration_ = number(tagIndex(tag::targetDuration));
     if (structure_.segmentCount() == 0) return;
     const VELHLSStructure::Segment last = structure_.segment(structure_.segmentCount() - 1);
     duration_ = last.startTime + last.duration;
     segmentCount_ = structure_.segmentCount() - (last.uriLine == 0 ? 1 : 0);
+}
+
+void CheckedPlaylist::add(const VELHLSLine& line) {
+    if (line.definition == nullptr) return;
+    const auto tag = static_cast<std::size_t>(line.definition - tagTable.data());
+    if (tag == tagIndex(tag::extInf)) return;
+    lines_[tag].push_back(static_cast<std::uint32_t>(line.number));
+    if (tag == tagIndex(tag::targetDuration)) targetDuration_ = number(tag);
+}
+
+std::optional<std::uint64_t> CheckedPlaylist::version() const {
+    return has(tagIndex(tag::version)) ? number(tagIndex(tag::version)) : 1;
 }
 
 std::optional<std::uint64_t> CheckedPlaylist::number(std::size_t tag) const {

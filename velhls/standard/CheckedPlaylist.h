@@ -14,14 +14,19 @@
 #include "velhls/document/VELHLSStructure.h"
 #include "velhls/standard/StandardFindings.h"
 #include "velhls/standard/StandardRule.h"
+#include "velhls/standard/UriSuffix.h"
 
 namespace velhls {
 
 /// A playlist, and what its tags say of the whole of it.
 class CheckedPlaylist {
   public:
-    /// Both must outlive it.
+    /// The structure must outlive it. It knows of no line until that was added.
     CheckedPlaylist(const VELHLSStructure& structure, StandardProfile profile);
+
+    /// Remembers which tag the line has. All lines must be added in their order before rules of segments or of the playlist are
+    /// asked, and each before rules of lines are.
+    void add(const VELHLSLine& line);
 
     [[nodiscard]] const VELHLSDocument& document() const { return document_; }
     [[nodiscard]] const VELHLSStructure& structure() const { return structure_; }
@@ -45,7 +50,7 @@ class CheckedPlaylist {
     [[nodiscard]] std::optional<std::uint64_t> number(std::size_t tag) const;
 
     /// EXT-X-VERSION; 1 where there is none, nothing where it cannot be read.
-    [[nodiscard]] std::optional<std::uint64_t> version() const { return version_; }
+    [[nodiscard]] std::optional<std::uint64_t> version() const;
     /// EXT-X-TARGETDURATION in seconds.
     [[nodiscard]] std::optional<std::uint64_t> targetDuration() const { return targetDuration_; }
     /// All segments' durations in seconds.
@@ -64,7 +69,6 @@ class CheckedPlaylist {
     const VELHLSStructure& structure_;
     StandardProfile profile_;
     std::array<std::vector<std::uint32_t>, tagTable.size()> lines_;
-    std::optional<std::uint64_t> version_;
     std::optional<std::uint64_t> targetDuration_;
     double duration_ = 0.0;
     std::size_t segmentCount_ = 0;
@@ -93,14 +97,17 @@ struct CheckedSegment {
     VELHLSStructure::Segment segment;
     /// The line of its URI.
     VELHLSLine uri;
-    /// The URI of the segment before; empty for the first one.
+    SegmentFormat format;
+    /// The URI of the segment before, and its format; empty for the first one.
     std::string_view previousUri;
+    SegmentFormat previousFormat;
     /// The segment before; null for the first one.
     const VELHLSStructure::Segment* previous;
     /// Whether an EXT-X-DISCONTINUITY is among its tags.
     bool followsDiscontinuity;
-    /// Its EXTINF; a line without a number where there is none.
-    VELHLSLine duration;
+
+    /// Its EXTINF, which must be there.
+    [[nodiscard]] VELHLSLine durationLine() const { return playlist.document().line(segment.durationLine); }
 };
 
 using LineEntry = StandardEntry<CheckedLine>;
@@ -109,7 +116,11 @@ using PlaylistEntry = StandardEntry<CheckedPlaylist>;
 
 // The tables. Each stands beside its functions, in the file of its name.
 [[nodiscard]] StandardTable<CheckedLine> textRules();
-[[nodiscard]] StandardTable<CheckedLine> tagRules();
+[[nodiscard]] StandardTable<CheckedLine> uriRules();
+[[nodiscard]] StandardTable<CheckedLine> unknownTagRules();
+[[nodiscard]] StandardTable<CheckedLine> placeRules();
+[[nodiscard]] StandardTable<CheckedLine> valueRules();
+[[nodiscard]] StandardTable<CheckedLine> durationRules();
 [[nodiscard]] StandardTable<CheckedLine> attributeRules();
 [[nodiscard]] StandardTable<CheckedLine> keyRules();
 [[nodiscard]] StandardTable<CheckedLine> dateRangeRules();

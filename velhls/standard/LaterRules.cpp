@@ -26,11 +26,6 @@ std::optional<double> secondsOf(std::optional<std::string_view> text) {
     return text ? VELHLSSyntax::readDecimalFloatingPoint(*text) : std::nullopt;
 }
 
-std::optional<double> secondsIn(const CheckedLine& checked, std::string_view name) {
-    const VELHLSAttribute* const attribute = checked.find(name);
-    return attribute == nullptr ? std::nullopt : secondsOf(attribute->value);
-}
-
 /// The longest part, in seconds.
 std::optional<double> partTarget(const CheckedPlaylist& playlist) {
     return playlist.has(partInf) ? secondsOf(valueOf(playlist.firstLine(partInf), "PART-TARGET"))
@@ -72,32 +67,34 @@ void findSkippedDateRanges(const CheckedLine& checked, const Tell& tell) {
         tell(checked.line, ranges->text, {{}, "none", {}});
 }
 
-/// Tells of seconds that are fewer than they must be.
-void findTooFew(const CheckedLine& checked, const Tell& tell, std::string_view name,
+/// Tells of seconds of EXT-X-SERVER-CONTROL that are fewer than they must be.
+void findTooFew(const CheckedPlaylist& playlist, const Tell& tell, std::string_view name,
                 std::optional<double> unit, double times) {
-    const auto seconds = secondsIn(checked, name);
-    // What is written with few decimals is not held against the product.
+    if (!playlist.has(serverControl) || !unit) return;
+    const VELHLSLine line = playlist.firstLine(serverControl);
+    const auto attribute = line.attributes().find(name);
+    const auto seconds = attribute ? secondsOf(attribute->value) : std::nullopt;
+    // A product of decimals is not exact.
     constexpr double rounding = 1e-6;
-    if (checked.is(serverControl) && seconds && unit && *seconds + rounding < times * *unit)
-        tell(checked.line, checked.find(name)->value);
+    if (seconds && *seconds + rounding < times * *unit) tell(line, attribute->value);
 }
 
-std::optional<double> targetOf(const CheckedLine& checked) {
-    const auto target = checked.playlist.targetDuration();
+std::optional<double> targetOf(const CheckedPlaylist& playlist) {
+    const auto target = playlist.targetDuration();
     if (!target) return std::nullopt;
     return static_cast<double>(*target);
 }
 
-void findShortSkipBoundary(const CheckedLine& checked, const Tell& tell) {
-    findTooFew(checked, tell, "CAN-SKIP-UNTIL", targetOf(checked), 6.0);
+void findShortSkipBoundary(const CheckedPlaylist& playlist, const Tell& tell) {
+    findTooFew(playlist, tell, "CAN-SKIP-UNTIL", targetOf(playlist), 6.0);
 }
 
-void findShortHoldBack(const CheckedLine& checked, const Tell& tell) {
-    findTooFew(checked, tell, "HOLD-BACK", targetOf(checked), 3.0);
+void findShortHoldBack(const CheckedPlaylist& playlist, const Tell& tell) {
+    findTooFew(playlist, tell, "HOLD-BACK", targetOf(playlist), 3.0);
 }
 
-void findShortPartHoldBack(const CheckedLine& checked, const Tell& tell) {
-    findTooFew(checked, tell, "PART-HOLD-BACK", partTarget(checked.playlist), 2.0);
+void findShortPartHoldBack(const CheckedPlaylist& playlist, const Tell& tell) {
+    findTooFew(playlist, tell, "PART-HOLD-BACK", partTarget(playlist), 2.0);
 }
 
 void findAbsoluteReport(const CheckedLine& checked, const Tell& tell) {
@@ -175,12 +172,6 @@ constexpr LineEntry rules[] = {
        "X-ASSET-URI or X-ASSET-LIST", "draft-pantos-hls-rfc8216bis, appendix D.2", false}, "MUST"}, findInterstitialWithoutAsset},
     {{{"skip-date-ranges-without-boundary", error, "CAN-SKIP-DATERANGES stands without CAN-SKIP-UNTIL.",
        "CAN-SKIP-UNTIL with CAN-SKIP-DATERANGES", "draft-pantos-hls-rfc8216bis, section 4.4.3.8", false}, "REQUIRED"}, findSkippedDateRanges},
-    {{{"skip-boundary-short", error, "CAN-SKIP-UNTIL is less than six target durations.",
-       "at least six target durations", "draft-pantos-hls-rfc8216bis, section 4.4.3.8", false}, "MUST"}, findShortSkipBoundary},
-    {{{"hold-back-short", error, "HOLD-BACK is less than three target durations.",
-       "at least three target durations", "draft-pantos-hls-rfc8216bis, section 4.4.3.8", false}, "MUST"}, findShortHoldBack},
-    {{{"part-hold-back-short", error, "PART-HOLD-BACK is less than two part target durations.",
-       "at least two part target durations", "draft-pantos-hls-rfc8216bis, section 4.4.3.8", false}, "MUST"}, findShortPartHoldBack},
     {{{"rendition-report-absolute", error, "The URI of EXT-X-RENDITION-REPORT is not relative.",
        "a URI relative to the playlist", "draft-pantos-hls-rfc8216bis, section 4.4.5.4", false}, "MUST"}, findAbsoluteReport},
     {{{"stable-id-malformed", error, "A stable identifier holds other characters than it may.",
@@ -188,6 +179,12 @@ constexpr LineEntry rules[] = {
 };
 
 constexpr PlaylistEntry relations[] = {
+    {{{"skip-boundary-short", error, "CAN-SKIP-UNTIL is less than six target durations.",
+       "at least six target durations", "draft-pantos-hls-rfc8216bis, section 4.4.3.8", false}, "MUST"}, findShortSkipBoundary},
+    {{{"hold-back-short", error, "HOLD-BACK is less than three target durations.",
+       "at least three target durations", "draft-pantos-hls-rfc8216bis, section 4.4.3.8", false}, "MUST"}, findShortHoldBack},
+    {{{"part-hold-back-short", error, "PART-HOLD-BACK is less than two part target durations.",
+       "at least two part target durations", "draft-pantos-hls-rfc8216bis, section 4.4.3.8", false}, "MUST"}, findShortPartHoldBack},
     {{{"define-name-repeated", error, "A variable is defined twice.",
        "another name", "draft-pantos-hls-rfc8216bis, section 4.4.2.3", false}, "MUST NOT"}, findNameDefinedTwice},
     {{{"parts-without-target", warning, "A playlist has EXT-X-PART, and no EXT-X-PART-INF.",

@@ -29,8 +29,8 @@ void findTooLong(const CheckedSegment& checked, const Tell& tell) {
     if (!target || std::floor(checked.segment.duration + 0.5) <= static_cast<double>(*target)) return;
     const std::string expected =
         "no more than the target duration, rounded: " + std::to_string(*target) + " seconds";
-    const std::string_view value = checked.duration.value;
-    tell(checked.duration, value.substr(0, value.find(',')), {expected, {}, {}});
+    const VELHLSLine line = checked.durationLine();
+    tell(line, line.value.substr(0, line.value.find(',')), {expected, {}, {}});
 }
 
 /// Only the one that begins with the offset of nothing is told: those after it follow it.
@@ -50,7 +50,7 @@ void findOffsetMissing(const CheckedSegment& checked, const Tell& tell) {
 }
 
 void findMapMissing(const CheckedSegment& checked, const Tell& tell) {
-    const bool isFragment = formatOf(checked.uri.value) == SegmentFormat::fragmentedMp4;
+    const bool isFragment = checked.format == SegmentFormat::fragmentedMp4;
     const bool mayBeSkipped = checked.playlist.has(tagIndex("EXT-X-SKIP"));
     if (isFragment && checked.segment.inForce.mapLine == 0 && !mayBeSkipped)
         tell(checked.uri, checked.uri.value, {{}, "none", {}});
@@ -58,8 +58,8 @@ void findMapMissing(const CheckedSegment& checked, const Tell& tell) {
 
 void findFormatChange(const CheckedSegment& checked, const Tell& tell) {
     if (checked.previous == nullptr || checked.followsDiscontinuity) return;
-    const SegmentFormat format = formatOf(checked.uri.value);
-    const SegmentFormat before = formatOf(checked.previousUri);
+    const SegmentFormat format = checked.format;
+    const SegmentFormat before = checked.previousFormat;
     if (format != before && format != SegmentFormat::unknown && before != SegmentFormat::unknown)
         tell(checked.uri, checked.uri.value, {{}, "none", {}});
 }

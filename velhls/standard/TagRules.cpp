@@ -199,33 +199,45 @@ constexpr PlaylistEntry ofHeader[] = {
        "#EXTM3U in the first line", "RFC 8216, section 4.3.1.1", false}, "MUST"}, findHeaderNotFirst},
 };
 
-constexpr LineEntry rules[] = {
+constexpr LineEntry ofPlaces[] = {
     {{{"tag-of-media-playlist", error, "A master playlist holds a tag that only media playlists have.",
        "no tag of media playlists in a master playlist", "RFC 8216, section 4.3.3", false}, "MUST NOT"}, findMediaTag},
     {{{"tag-of-master-playlist", error, "A media playlist holds a tag that only master playlists have.",
        "no tag of master playlists in a media playlist", "RFC 8216, section 4.3.4", false}, "MUST NOT"}, findMasterTag},
-    {{{"master-uri-without-variant", error, "A master playlist has a URI line that no EXT-X-STREAM-INF takes.",
-       "EXT-X-STREAM-INF before the URI", "RFC 8216, section 4.1", false}, "MUST"}, findUriWithoutTag},
-    {{{"uri-malformed", error, "A URI line or an attribute holds what is no URI.",
-       "a URI as RFC 3986 writes it", "RFC 8216, section 4.1", false}, "SYN"}, findOddUri},
     {{{"tag-repeated", error, "A tag that may stand once stands a second time.",
        "the tag once", "RFC 8216, section 4.3.3", false}, "MUST NOT"}, findRepeatedTag},
     {{{"tag-repeated-in-segment", error, "A tag that a segment may have once stands a second time before one URI.",
        "the tag once for a segment", "RFC 8216, section 4.3.2", false}, "SYN"}, findRepeatedTagOfSegment},
+};
+
+constexpr LineEntry ofUris[] = {
+    {{{"master-uri-without-variant", error, "A master playlist has a URI line that no EXT-X-STREAM-INF takes.",
+       "EXT-X-STREAM-INF before the URI", "RFC 8216, section 4.1", false}, "MUST"}, findUriWithoutTag},
+    {{{"uri-malformed", error, "A URI line or an attribute holds what is no URI.",
+       "a URI as RFC 3986 writes it", "RFC 8216, section 4.1", false}, "SYN"}, findOddUri},
+};
+
+constexpr LineEntry ofUnknownTags[] = {
     {{{"tag-in-other-case", warning, "A name would be a tag's if its letters were upper-case.",
        "a tag in upper case", "RFC 8216, section 4.1", false}, "SYN"}, findOtherCase},
+};
+
+constexpr LineEntry ofValues[] = {
     {{{"tag-value-unexpected", error, "A tag that has no value has one.",
        "nothing after the tag", "RFC 8216, section 4.3", false}, "SYN"}, findUnexpectedValue},
     {{{"tag-value-malformed", error, "The value of a tag is not written as the standard wants it.",
        "another value", "RFC 8216, section 4.3", false}, "SYN"}, findMalformedValue},
     {{{"tag-list-missing", error, "A tag that has an attribute list has none.",
        "a colon and an attribute list", "RFC 8216, section 4.3", false}, "SYN"}, findListMissing},
+    {{{"version-unknown", warning, "EXT-X-VERSION is 0, which is no version.",
+       "a version of 1 or more", "RFC 8216, section 4.3.1.2", false}, "SYN"}, findVersionUnknown},
+};
+
+constexpr LineEntry ofDurations[] = {
     {{{"extinf-duration-malformed", error, "The duration of EXTINF is no decimal number.",
        "a duration of digits and at most one point", "RFC 8216, section 4.3.2.1", false}, "SYN"}, findMalformedDuration},
     {{{"extinf-comma-missing", error, "EXTINF has no comma after its duration.",
        "a comma after the duration", "RFC 8216, section 4.3.2.1", false}, "SYN"}, findMissingComma},
-    {{{"version-unknown", warning, "EXT-X-VERSION is 0, which is no version.",
-       "a version of 1 or more", "RFC 8216, section 4.3.1.2", false}, "SYN"}, findVersionUnknown},
 };
 // clang-format on
 
@@ -235,8 +247,24 @@ StandardTable<CheckedPlaylist> headerRules() {
     return {ofHeader, std::size(ofHeader)};
 }
 
-StandardTable<CheckedLine> tagRules() {
-    return {rules, std::size(rules)};
+StandardTable<CheckedLine> uriRules() {
+    return {ofUris, std::size(ofUris)};
+}
+
+StandardTable<CheckedLine> unknownTagRules() {
+    return {ofUnknownTags, std::size(ofUnknownTags)};
+}
+
+StandardTable<CheckedLine> placeRules() {
+    return {ofPlaces, std::size(ofPlaces)};
+}
+
+StandardTable<CheckedLine> valueRules() {
+    return {ofValues, std::size(ofValues)};
+}
+
+StandardTable<CheckedLine> durationRules() {
+    return {ofDurations, std::size(ofDurations)};
 }
 
 }  // namespace velhls

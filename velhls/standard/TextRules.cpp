@@ -197,6 +197,7 @@ bool isUtf16(std::string_view text) {
 }
 
 std::string_view oddPartOfUri(std::string_view uri, bool hasVariables) {
+    if (holdsOnly(uri, ofUris)) return {};
     std::string_view rest = afterAddress(uri);
     bool isFragment = false;
     while (!rest.empty()) {

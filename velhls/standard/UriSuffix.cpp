@@ -23,16 +23,25 @@ constexpr std::array rows = {
     Row{"vtt", SegmentFormat::webVtt},         Row{"webvtt", SegmentFormat::webVtt},
 };
 
+/// What follows the last point of the last part of the path; empty when there is none.
+std::string_view suffixOf(std::string_view uri) {
+    std::size_t start = 0;
+    for (std::size_t place = 0; place < uri.size(); ++place) {
+        const char character = uri[place];
+        if (character == '?' || character == '#')
+            return start == 0 ? std::string_view() : uri.substr(start, place - start);
+        if (character == '/') start = 0;
+        if (character == '.') start = place + 1;
+    }
+    return start == 0 ? std::string_view() : uri.substr(start);
+}
+
 }  // namespace
 
 SegmentFormat formatOf(std::string_view uri) {
-    const std::string_view path = uri.substr(0, uri.find_first_of("?#"));
-    const std::string_view name = path.substr(path.find_last_of('/') + 1);
-    const std::size_t dot = name.find_last_of('.');
-    if (dot == std::string_view::npos) return SegmentFormat::unknown;
-    const auto row = std::find_if(rows.begin(), rows.end(), [suffix = name.substr(dot + 1)](const Row& each) {
-        return each.suffix == suffix;
-    });
+    const std::string_view suffix = suffixOf(uri);
+    const auto row =
+        std::find_if(rows.begin(), rows.end(), [suffix](const Row& each) { return each.suffix == suffix; });
     return row == rows.end() ? SegmentFormat::unknown : row->format;
 }
 
