@@ -87,8 +87,10 @@ std::optional<RuleAndAttribute> brokenRule(const VELHLSMediaStreamRendition& ren
     if (!captions && hasInstreamId) {
         return RuleAndAttribute{Rule::renditionInstreamIdUnexpected, attribute::instreamId};
     }
-    if (rendition.forced && !subtitles) return RuleAndAttribute{Rule::renditionForcedUnexpected, attribute::forced};
-    if (captions && !rendition.uri.empty()) return RuleAndAttribute{Rule::renditionCaptionsUri, attribute::uri};
+    if (rendition.forced && !subtitles)
+        return RuleAndAttribute{Rule::renditionForcedUnexpected, attribute::forced};
+    if (captions && !rendition.uri.empty())
+        return RuleAndAttribute{Rule::renditionCaptionsUri, attribute::uri};
     if (captions && !hasInstreamId) {
         return RuleAndAttribute{Rule::renditionInstreamIdMissing, attribute::instreamId};
     }
