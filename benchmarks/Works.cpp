@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "Inputs.h"
 

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/HostileInputs.h"
 #include "tests/support/Parses.h"

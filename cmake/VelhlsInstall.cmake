@@ -1,5 +1,6 @@
-# What cmake --install puts where, in three components: runtime (the shared library), development (headers, link
-# library, CMake and pkg-config files) and tool (the command, in tool/CMakeLists.txt).
+# What cmake --install puts where. Of the models: runtime (the shared library) and development (headers, link library, CMake
+# and pkg-config files); of velhls::check the same as check_runtime and check_development; and tool (the command, in
+# tool/CMakeLists.txt).
 include(CMakePackageConfigHelpers)
 
 set(velhls_cmake_folder "${CMAKE_INSTALL_LIBDIR}/cmake/velhls")
@@ -10,23 +11,28 @@ if(velhls_type STREQUAL "SHARED_LIBRARY")
     set(velhls_kind shared)
 endif()
 
-# The static and the shared library may be installed into one prefix: each has a targets file of its own.
-install(TARGETS velhls EXPORT velhls-targets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
-    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT velhls-targets
-    FILE velhls-${velhls_kind}-targets.cmake
-    NAMESPACE velhls::
-    DESTINATION ${velhls_cmake_folder}
-    COMPONENT development)
-
-foreach(header IN LISTS velhls_public_headers)
-    get_filename_component(folder ${header} DIRECTORY)
-    install(FILES ${velhls_SOURCE_DIR}/${header}
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder} COMPONENT development)
-endforeach()
+# velhls_install_library(TARGET NAME COMPONENT_PREFIX HEADER...): the static and the shared library may be installed into
+# one prefix: each has a targets file of its own, NAME-static-targets.cmake or NAME-shared-targets.cmake.
+function(velhls_install_library target name prefix)
+    install(TARGETS ${target} EXPORT ${name}-targets
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${prefix}runtime
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${prefix}runtime NAMELINK_COMPONENT ${prefix}development
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${prefix}development
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    install(EXPORT ${name}-targets
+        FILE ${name}-${velhls_kind}-targets.cmake
+        NAMESPACE velhls::
+        DESTINATION ${velhls_cmake_folder}
+        COMPONENT ${prefix}development)
+    foreach(header IN LISTS ARGN)
+        get_filename_component(folder ${header} DIRECTORY)
+        install(FILES ${velhls_SOURCE_DIR}/${header}
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder} COMPONENT ${prefix}development)
+    endforeach()
+    configure_file(${velhls_SOURCE_DIR}/cmake/${name}.pc.in ${velhls_BINARY_DIR}/${name}.pc @ONLY)
+    install(FILES ${velhls_BINARY_DIR}/${name}.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${prefix}development)
+endfunction()
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/velhlsConfig.cmake.in
     ${velhls_BINARY_DIR}/velhlsConfig.cmake INSTALL_DESTINATION ${velhls_cmake_folder})
@@ -59,5 +65,10 @@ list(FILTER velhls_runtime_libraries INCLUDE REGEX "^(stdc\\+\\+|c\\+\\+|c\\+\\+
 list(REMOVE_DUPLICATES velhls_runtime_libraries)
 list(TRANSFORM velhls_runtime_libraries PREPEND " -l")
 string(CONCAT velhls_pc_private_libraries ${velhls_runtime_libraries})
-configure_file(${CMAKE_CURRENT_LIST_DIR}/velhls.pc.in ${velhls_BINARY_DIR}/velhls.pc @ONLY)
-install(FILES ${velhls_BINARY_DIR}/velhls.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+velhls_install_library(velhls velhls "" ${velhls_public_headers})
+if(VELHLS_BUILD_CHECK)
+    # An installed libvelhls-check finds the libvelhls beside it, wherever the prefix is moved.
+    set_target_properties(velhls_check PROPERTIES INSTALL_RPATH "$ORIGIN")
+    velhls_install_library(velhls_check velhls-check check_ ${velhls_public_headers_of_check})
+endif()

@@ -1,5 +1,6 @@
-# The Debian packages that cpack makes of a shared build: libvelhls1 (library), libvelhls-dev (development) and velhls
-# (the command). The preset "package" sets what they need; packaging/debian makes and checks them.
+# The Debian packages that cpack makes of a shared build: libvelhls1 (the models' library), libvelhls-dev (development),
+# libvelhls-check1 and libvelhls-check-dev (the same of velhls::check), and velhls (the command). The preset "package" sets
+# what they need; packaging/debian makes and checks them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME velhls)
 set(CPACK_PACKAGE_VENDOR velhls)
@@ -60,15 +61,24 @@ This package holds ${content}.")
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
 endmacro()
 
-velhls_debian_package(runtime libvelhls${PROJECT_VERSION_MAJOR} libs "the shared library")
-velhls_debian_package(development libvelhls-dev libdevel "the headers, and what CMake and pkg-config need")
+velhls_debian_package(runtime libvelhls${PROJECT_VERSION_MAJOR} libs "the shared library of the models")
+velhls_debian_package(development libvelhls-dev libdevel
+    "the headers of the models, and what CMake and pkg-config need")
+velhls_debian_package(check_runtime libvelhls-check${PROJECT_VERSION_MAJOR} libs
+    "the shared library that checks playlists")
+velhls_debian_package(check_development libvelhls-check-dev libdevel
+    "the headers of what checks playlists, and what CMake and pkg-config need")
 velhls_debian_package(tool velhls video "the velhls command, its manual page and its completions")
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
-set(CPACK_COMPONENT_TOOL_DEPENDS runtime)
+set(CPACK_COMPONENT_CHECK_RUNTIME_DEPENDS runtime)
+set(CPACK_COMPONENT_CHECK_DEVELOPMENT_DEPENDS check_runtime development)
+set(CPACK_COMPONENT_TOOL_DEPENDS runtime check_runtime)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_CHECK_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 
-# One trigger tells the linker's cache of the library after all packages were unpacked.
+# One trigger tells the linker's cache of the libraries after all packages were unpacked.
 file(WRITE ${velhls_debian_folder}/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${velhls_debian_folder}/triggers)
+set(CPACK_DEBIAN_CHECK_RUNTIME_PACKAGE_CONTROL_EXTRA ${velhls_debian_folder}/triggers)
 
 include(CPack)

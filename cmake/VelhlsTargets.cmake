@@ -13,6 +13,14 @@ function(velhls_set_warnings target)
     endif()
 endfunction()
 
+# Turns the option of something off that cannot be built without velhls::check, and says so.
+macro(velhls_needs_check what option)
+    if(${option} AND NOT VELHLS_BUILD_CHECK)
+        message(NOTICE "velhls: ${what} is not built without velhls::check (VELHLS_BUILD_CHECK)")
+        set(${option} OFF)
+    endif()
+endmacro()
+
 # Adds a folder when its option is on and the packages that it needs are there. Without one of them the library can
 # still be built, so that is said and not an error.
 macro(velhls_add_optional_subdirectory folder option packages)

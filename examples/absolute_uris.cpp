@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "examples/BesideTheModels.h"
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "examples/BesideTheModels.h"
 

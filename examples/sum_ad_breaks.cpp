@@ -16,6 +16,7 @@
 #include <string>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 namespace {
 

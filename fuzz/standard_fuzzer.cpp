@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "velhls/standard/CheckStandard.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "fuzz/Playlists.h"
 
@@ -23,15 +23,12 @@ void expectPlaces(const VELHLSDocument& document, const std::vector<VELHLSFindin
 }  // namespace
 
 VELHLS_FUZZ_TARGET(standard) {
-    using velhls::StandardProfile;
+    using Profile = VELHLSStandard::Profile;
     const VELHLSDocument document(text);
     constexpr fuzz::Cost cost = {256, std::size_t{1} << 20};
-    for (const auto profile :
-         {StandardProfile::rfc8216, StandardProfile::rfc8216bis, StandardProfile::apple}) {
+    for (const Profile profile : {Profile::rfc8216, Profile::rfc8216bis, Profile::apple}) {
         const auto check = [profile](const VELHLSDocument& checked) {
-            std::vector<VELHLSFinding> findings;
-            velhls::checkStandard(checked, profile, findings);
-            return findings;
+            return VELHLSStandard::check(checked, profile);
         };
         expectPlaces(document, fuzz::bounded(text.size(), cost, [&] { return check(document); }));
         fuzz::expectBoundedWhenProlonged(

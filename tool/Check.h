@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tool/Failure.h"
 #include "tool/PlaylistKind.h"

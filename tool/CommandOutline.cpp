@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 namespace tool {
 

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tool/AbsoluteUri.h"
 #include "tool/Failure.h"

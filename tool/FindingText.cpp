@@ -64,7 +64,7 @@ std::string suppressedNote(const std::string& name, const VELHLSFinding& finding
 }
 
 std::string describeAt(const std::string& place, const std::string& name, const VELHLSFinding& finding) {
-    std::string text = place + " " + std::string(nameOf(finding.severity)) + ": " +
+    std::string text = place + " " + std::string(VELHLSFinding::textOf(finding.severity)) + ": " +
                        printable(finding.message) + " [" + finding.ruleId + "]";
     const std::string note = suppressedNote(name, finding);
     if (!note.empty()) text += "\n" + note.substr(0, note.size() - 1);
@@ -72,11 +72,6 @@ std::string describeAt(const std::string& place, const std::string& name, const 
 }
 
 }  // namespace
-
-std::string_view nameOf(VELHLSFinding::Severity severity) {
-    if (severity == VELHLSFinding::Error) return "error";
-    return severity == VELHLSFinding::Warning ? "warning" : "note";
-}
 
 std::string describe(const std::string& name, const VELHLSFinding& finding) {
     return describeAt(placeOf(name, finding), name, finding);
@@ -89,9 +84,10 @@ std::string describeByLine(const std::string& name, const VELHLSFinding& finding
 std::string describeWithLine(const std::string& name, const VELHLSFinding& finding, std::string_view line,
                              bool inColour) {
     const std::string_view colour = colourOf(finding.severity);
-    std::string text = coloured(placeOf(name, finding), bold, inColour) + " " +
-                       coloured(std::string(nameOf(finding.severity)) + ":", colour, inColour) + " " +
-                       printable(finding.message) + " [" + finding.ruleId + "]\n";
+    std::string text =
+        coloured(placeOf(name, finding), bold, inColour) + " " +
+        coloured(std::string(VELHLSFinding::textOf(finding.severity)) + ":", colour, inColour) + " " +
+        printable(finding.message) + " [" + finding.ruleId + "]\n";
     const Window window = windowOf(line, finding);
     const std::string before = (window.isCut ? "..." : "") + printable(window.before);
     const std::string place = printable(window.place);

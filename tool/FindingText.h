@@ -3,12 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 namespace tool {
-
-/// "error", "warning" or "note".
-[[nodiscard]] std::string_view nameOf(VELHLSFinding::Severity severity);
 
 /// "file:line:column: error: message [rule]", with control characters made visible.
 [[nodiscard]] std::string describe(const std::string& name, const VELHLSFinding& finding);

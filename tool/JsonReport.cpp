@@ -14,7 +14,7 @@ using Json = nlohmann::ordered_json;
 constexpr int formatVersion = 1;
 
 Json describeFinding(const VELHLSFinding& finding) {
-    return {{"rule", finding.ruleId},   {"severity", nameOf(finding.severity)},
+    return {{"rule", finding.ruleId},   {"severity", VELHLSFinding::textOf(finding.severity)},
             {"line", finding.line},     {"column", finding.column},
             {"length", finding.length}, {"message", finding.message},
             {"source", finding.source}, {"suppressed", finding.suppressed}};

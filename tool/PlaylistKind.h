@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 namespace tool {
 

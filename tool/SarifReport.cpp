@@ -23,7 +23,7 @@ Json describeRule(const VELHLSRule& rule) {
     return {{"id", rule.id},
             {"shortDescription", {{"text", rule.summary}}},
             {"help", {{"text", page}, {"markdown", page}}},
-            {"defaultConfiguration", {{"level", nameOf(rule.severity)}}},
+            {"defaultConfiguration", {{"level", VELHLSFinding::textOf(rule.severity)}}},
             {"properties",
              {{"expected", rule.expected},
               {"source", rule.source},
@@ -73,7 +73,7 @@ Json describeFinding(const CheckedFile& file, const VELHLSFinding& finding, std:
     Json result = {
         {"ruleId", finding.ruleId},
         {"ruleIndex", ruleIndex},
-        {"level", nameOf(finding.severity)},
+        {"level", VELHLSFinding::textOf(finding.severity)},
         {"message", {{"text", finding.message}}},
         {"locations",
          {{{"physicalLocation",

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 namespace tool {
 

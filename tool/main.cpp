@@ -12,6 +12,7 @@
 #include <CLI/CLI.hpp>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tool/Check.h"
 #include "tool/Edit.h"

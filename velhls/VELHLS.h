@@ -1,9 +1,9 @@
 #pragma once
 
 /// @file
-/// All of velhls.
+/// The models: all of velhls::velhls. What looks at texts (velhls::check) has velhls/VELHLSCheck.h.
 ///
-/// Two things hold for all of it, and are said here alone:
+/// Two things hold for all of velhls, and are said here alone:
 ///
 /// **Kept as is** in a docstring marks a behaviour that may surprise and is deliberate: playlists are in the
 /// world that count on it, and it stays as long as the major version does. docs/guide/surprises.md shows each
@@ -20,20 +20,6 @@
 #include "velhls/common/VELHLSStopWatch.h"
 #include "velhls/common/VELHLSUtility.h"
 #include "velhls/common/VELHLSVersion.h"
-#include "velhls/diagnostics/VELHLSDiagnostics.h"
-#include "velhls/document/VELHLSAttribute.h"
-#include "velhls/document/VELHLSAttributeDefinition.h"
-#include "velhls/document/VELHLSDocument.h"
-#include "velhls/document/VELHLSEdit.h"
-#include "velhls/document/VELHLSFinding.h"
-#include "velhls/document/VELHLSLine.h"
-#include "velhls/document/VELHLSProfile.h"
-#include "velhls/document/VELHLSRows.h"
-#include "velhls/document/VELHLSRule.h"
-#include "velhls/document/VELHLSSequence.h"
-#include "velhls/document/VELHLSStructure.h"
-#include "velhls/document/VELHLSSyntax.h"
-#include "velhls/document/VELHLSTagDefinition.h"
 #include "velhls/manifest/VELHLSManifestSessionData.h"
 #include "velhls/manifest/VELHLSMediaStreamRendition.h"
 #include "velhls/manifest/VELHLSMediaVariant.h"

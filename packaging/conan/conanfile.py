@@ -14,8 +14,8 @@ class VelhlsRecipe(ConanFile):
     topics = ("hls", "m3u8", "playlist", "streaming", "rfc8216")
     package_type = "library"
     settings = "os", "arch", "compiler", "build_type"
-    options = {"shared": [True, False], "fPIC": [True, False]}
-    default_options = {"shared": False, "fPIC": True}
+    options = {"shared": [True, False], "fPIC": [True, False], "check": [True, False]}
+    default_options = {"shared": False, "fPIC": True, "check": True}
 
     @property
     def _repository(self):
@@ -48,6 +48,7 @@ class VelhlsRecipe(ConanFile):
         toolchain = CMakeToolchain(self)
         for part in ("TOOL", "TESTS", "BENCHMARKS", "EXAMPLES", "DOCS"):
             toolchain.cache_variables[f"VELHLS_BUILD_{part}"] = False
+        toolchain.cache_variables["VELHLS_BUILD_CHECK"] = bool(self.options.check)
         toolchain.generate()
 
     def build(self):
@@ -63,9 +64,18 @@ class VelhlsRecipe(ConanFile):
         rmdir(self, os.path.join(self.package_folder, "lib", "pkgconfig"))
 
     def package_info(self):
-        self.cpp_info.libs = ["velhls"]
-        if self.options.shared:
-            self.cpp_info.defines = ["VELHLS_SHARED"]
         self.cpp_info.set_property("cmake_file_name", "velhls")
-        self.cpp_info.set_property("cmake_target_name", "velhls::velhls")
-        self.cpp_info.set_property("pkg_config_name", "velhls")
+        # Who links with the package as a whole gets both libraries.
+        self.cpp_info.set_property("cmake_target_name", "velhls::all")
+        models = self.cpp_info.components["velhls"]
+        models.libs = ["velhls"]
+        if self.options.shared:
+            models.defines = ["VELHLS_SHARED"]
+        models.set_property("cmake_target_name", "velhls::velhls")
+        models.set_property("pkg_config_name", "velhls")
+        if self.options.check:
+            check = self.cpp_info.components["check"]
+            check.libs = ["velhls-check"]
+            check.requires = ["velhls"]
+            check.set_property("cmake_target_name", "velhls::check")
+            check.set_property("pkg_config_name", "velhls-check")

@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/Outcome.h"
 #include "tests/support/Parses.h"
@@ -199,15 +200,13 @@ void expectBrokenSourcesToEndThere(const std::string& text, Read read) {
 }
 
 TEST(BrokenStreams, MasterPlaylistIsReadUpToTheByteWhereTheStreamFails) {
-    expectBrokenSourcesToEndThere(whole::master, [](std::istream& input) {
-        return outcomeOf(input, playlist::parseMaster);
-    });
+    expectBrokenSourcesToEndThere(
+        whole::master, [](std::istream& input) { return outcomeOf(input, playlist::parseMaster); });
 }
 
 TEST(BrokenStreams, MediaPlaylistIsReadUpToTheByteWhereTheStreamFails) {
-    expectBrokenSourcesToEndThere(whole::media, [](std::istream& input) {
-        return outcomeOf(input, playlist::parseMedia);
-    });
+    expectBrokenSourcesToEndThere(whole::media,
+                                  [](std::istream& input) { return outcomeOf(input, playlist::parseMedia); });
 }
 
 TEST(BrokenStreams, TextIsCheckedUpToTheByteWhereTheStreamFails) {

@@ -50,8 +50,9 @@ TEST(VELHLSReason, TellsWhereAMasterPlaylistIsRejectedAndWhy) {
         {"#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1",
          "2:2+16 variant-uri-missing: EXT-X-STREAM-INF: expected a URI in the line after EXT-X-STREAM-INF, "
          "seen none"},
-        {"", "1:1+0 variants-missing: expected at least one EXT-X-STREAM-INF or EXT-X-I-FRAME-STREAM-INF, seen "
-             "none"},
+        {"",
+         "1:1+0 variants-missing: expected at least one EXT-X-STREAM-INF or EXT-X-I-FRAME-STREAM-INF, seen "
+         "none"},
         {lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"n\"",
                 "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"b\"", "low.m3u8"}),
          "3:38+1 group-missing: EXT-X-STREAM-INF: AUDIO: expected the GROUP-ID of an EXT-X-MEDIA tag of this "
@@ -71,7 +72,8 @@ TEST(VELHLSReason, TellsWhereAMediaPlaylistIsRejectedAndWhy) {
         {"#EXTM3U\n#EXTINF:6,\nfirst.ts",
          "3:1+8 segment-uri-without-line-feed: expected a line feed after the last URI, seen \"first.ts\""},
         {"#EXTM3U\n#EXT-X-DISCONTINUITY\n#EXTINF:6,\n",
-         "2:2+19 segment-uri-missing: EXT-X-DISCONTINUITY: expected a URI line after the segment's tags, seen "
+         "2:2+19 segment-uri-missing: EXT-X-DISCONTINUITY: expected a URI line after the segment's tags, "
+         "seen "
          "the end of the playlist"},
         {lines({"#EXTM3U", "#EXTINF:0,Title", "first.ts"}),
          "2:9+1 segment-duration-zero: EXTINF: expected a duration other than 0, seen \"0\""},

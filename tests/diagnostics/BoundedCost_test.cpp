@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/HostileInputs.h"
 

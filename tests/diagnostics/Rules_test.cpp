@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/PlaylistText.h"
 
@@ -70,11 +70,6 @@ std::set<std::string> rulesFound(const std::string& text, VELHLSFinding::Severit
     return found;
 }
 
-std::string nameOf(VELHLSFinding::Severity severity) {
-    if (severity == VELHLSFinding::Error) return "error";
-    return severity == VELHLSFinding::Warning ? "warning" : "note";
-}
-
 TEST(Rules, HaveIdsThatAreUnique) {
     std::set<std::string_view> ids;
     for (const VELHLSRule& rule : VELHLSDiagnostics::rules())
@@ -98,7 +93,7 @@ TEST(Rules, HavePagesThatSayWhatTheTableSays) {
         std::string words = page;
         std::replace(words.begin(), words.end(), '\n', ' ');
         const std::string head = "# " + std::string(rule.id) + "  " + std::string(rule.summary) +
-                                 "  - Severity: " + nameOf(rule.severity) +
+                                 "  - Severity: " + std::string(VELHLSFinding::textOf(rule.severity)) +
                                  " - Source: " + std::string(rule.source) + " ";
         EXPECT_EQ(words.substr(0, head.size()), head);
         const bool saysLost =
@@ -122,7 +117,8 @@ TEST(Rules, AreListedInTheIndexInTheirOrder) {
     std::size_t position = 0;
     for (const VELHLSRule& rule : VELHLSDiagnostics::rules()) {
         const std::string id(rule.id);
-        const std::string row = "| [" + id + "](" + id + ".md) | " + nameOf(rule.severity) + " | " +
+        const std::string row = "| [" + id + "](" + id + ".md) | " +
+                                std::string(VELHLSFinding::textOf(rule.severity)) + " | " +
                                 std::string(rule.summary) + " |\n";
         const std::size_t found = index.find(row, position);
         ASSERT_NE(found, std::string::npos) << row;

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/PlaylistText.h"
 
@@ -114,9 +114,30 @@ TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInKeysAndMaps) {
     const std::string pattern =
         lines({"#EXTM3U", "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"1\"", "#ZOR-PATTERN_START:p",
                "#EXT-X-MAP:URI=\"init{$n}.mp4\"", "#EXTINF:6,", "segment{$n}.ts", "#ZOR-PATTERN_REPEAT:p,3"});
-    EXPECT_EQ(found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).find("variable-not-replaced"),
-              found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).rfind("variable-not-replaced"));
+    EXPECT_EQ(
+        found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).find("variable-not-replaced"),
+        found(pattern, VELHLSDiagnostics::Media, VELHLSFinding::Warning).rfind("variable-not-replaced"));
     EXPECT_EQ(seenBy("variable-not-replaced", pattern, VELHLSDiagnostics::Media), "\"{$n}.mp4\"");
+}
+
+TEST(VELHLSDiagnostics, TellsOfAMapThatIsWrittenAfterAKeyThatItStoodBefore) {
+    const std::string key = "#EXT-X-KEY:METHOD=AES-128,URI=\"k\"";
+    const std::string map = "#EXT-X-MAP:URI=\"init.mp4\"";
+    const auto isFound = [](const std::vector<std::string>& tags, const std::string& later) {
+        std::string text = "#EXTM3U\n";
+        for (const std::string& tag : tags)
+            text += tag + "\n";
+        text += "#EXTINF:6,\nfirst.ts\n" + later + "#EXTINF:6,\nsecond.ts\n";
+        return !seenBy("map-before-key", text, VELHLSDiagnostics::Media).empty();
+    };
+    EXPECT_TRUE(isFound({map, key}, ""));
+    EXPECT_TRUE(isFound({map}, key + "\n"));
+    EXPECT_TRUE(isFound({key, map, key}, ""));
+    EXPECT_FALSE(isFound({key, map}, ""));
+    EXPECT_FALSE(isFound({map, key, map}, ""));
+    EXPECT_FALSE(isFound({key}, map + "\n"));
+    EXPECT_FALSE(isFound({key}, key + "\n"));
+    EXPECT_FALSE(isFound({map}, ""));
 }
 
 TEST(VELHLSDiagnostics, TellsWhatAMapDoesNotKeep) {

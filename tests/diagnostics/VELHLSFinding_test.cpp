@@ -16,4 +16,11 @@ TEST(VELHLSFinding, IsANoteOfTheFirstByteWhenNew) {
     EXPECT_EQ(finding.suppressed, 0U);
 }
 
+TEST(VELHLSFinding, NamesItsSeverities) {
+    EXPECT_EQ(VELHLSFinding::textOf(VELHLSFinding::Note), "note");
+    EXPECT_EQ(VELHLSFinding::textOf(VELHLSFinding::Warning), "warning");
+    EXPECT_EQ(VELHLSFinding::textOf(VELHLSFinding::Error), "error");
+    EXPECT_EQ(VELHLSFinding::textOf(static_cast<VELHLSFinding::Severity>(3)), "");
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/DocumentOracle.h"
 #include "tests/support/HostileInputs.h"

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/heap/Heap.h"
 #include "tests/support/HostileInputs.h"

@@ -19,6 +19,8 @@ from mutations import mutations_of
 
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 BUILD = REPOSITORY / "build" / "mutation"
+LIBRARIES = ["libvelhls", "libvelhls-check"]
+PROGRAMS_OF_LIBRARIES = ["velhls_tests", "velhls_check_tests"]
 EQUIVALENTS = pathlib.Path(__file__).with_name("equivalent.txt")
 # A mutant may run, allocate or write for ever; time that others take from it does not count.
 MOST_SECONDS = 60
@@ -94,11 +96,13 @@ class Build:
     def __init__(self):
         commands = json.loads((BUILD / "compile_commands.json").read_text())
         self.compile = {os.path.relpath(entry["file"], REPOSITORY): entry
-                        for entry in commands if "/velhls.dir/" in entry["command"]}
+                        for entry in commands if re.search(r"/velhls(_check)?\.dir/", entry["command"])}
         self.compile_test = {os.path.relpath(entry["file"], REPOSITORY): entry for entry in commands
-                             if "/velhls_tests.dir/" in entry["command"] and entry["file"].endswith("_test.cpp")}
-        self.link = self._link_command("velhls/libvelhls.so", "-shared")
-        self.link_tests = self._link_command("tests/velhls_tests", "-o tests/velhls_tests")
+                             if re.search(r"/velhls(_check)?_tests\.dir/", entry["command"])
+                             and entry["file"].endswith("_test.cpp")}
+        self.link = {library: self._link_command(f"velhls/{library}.so", "-shared") for library in LIBRARIES}
+        self.link_tests = {program: self._link_command(f"tests/{program}", f"-o tests/{program}")
+                           for program in PROGRAMS_OF_LIBRARIES}
         self.sources_of = self._sources_of_headers()
 
     @staticmethod
@@ -111,11 +115,11 @@ class Build:
         return [command for line in lines for command in line.split(" && ") if mark in command][-1]
 
     def _sources_of_headers(self):
-        """{header: the library's sources that include it}"""
+        """{header: the libraries' sources that include it}"""
         sources = collections.defaultdict(set)
         source = None
         for line in self._ninja("-t", "deps").splitlines():
-            found = re.match(r"velhls/CMakeFiles/velhls\.dir/(\S+)\.o: ", line)
+            found = re.match(r"velhls/CMakeFiles/velhls(?:_check)?\.dir/(\S+)\.o: ", line)
             if found:
                 source = "velhls/" + found.group(1)
             elif not line.startswith(" "):
@@ -142,34 +146,38 @@ class Build:
 
     def _make_own_tests(self, mutant, folder, library):
         """Makes own_tests beside the library: what a public header's inline code and initial values do shows in its users."""
-        objects = []
+        objects, program = [], ""
         for number, test in enumerate(self._tests_near(mutant.file)):
+            program = re.search(r"/(\w+)\.dir/", self.compile_test[test]["command"]).group(1)
             objects.append(f"{folder}/test{number}.o")
             if not self._compile(self.compile_test[test], folder, objects[-1]):
                 return
-        link = re.sub(r"(\S+_test\.cpp\.o ?)+", " ".join(objects) + " ", self.link_tests, count=1)
-        link = re.sub(r"\S+_test\.cpp\.o", "", link).replace("-o tests/velhls_tests", f"-o {library}/own_tests")
+        link = re.sub(r"(\S+_test\.cpp\.o ?)+", " ".join(objects) + " ", self.link_tests[program], count=1)
+        link = re.sub(r"\S+_test\.cpp\.o", "", link).replace(f"-o tests/{program}", f"-o {library}/own_tests")
         subprocess.run(link, shell=True, cwd=BUILD, capture_output=True)
 
     def make(self, mutant, folder):
-        """The folder with the broken library; None when it cannot be compiled."""
+        """The folder with what is broken of the libraries; None when it cannot be compiled."""
         broken = folder / mutant.file
         broken.parent.mkdir(parents=True)
         broken.write_text(mutant.text)
         sources = [mutant.file] if mutant.file.endswith(".cpp") else sorted(self.sources_of[mutant.file])
-        link = self.link
+        links = dict(self.link)
         for source in sources:
             entry = self.compile[source]
             object_file = re.search(r" -o (\S+)", entry["command"]).group(1)
             made = folder / (source.replace("/", "_") + ".o")
             if not self._compile(entry, folder, made, broken if source == mutant.file else None):
                 return None
-            link = link.replace(f" {object_file} ", f" {made} ")
+            links = {name: link.replace(f" {object_file} ", f" {made} ") for name, link in links.items()}
         library = folder / "lib"
         library.mkdir()
-        link = re.sub(r"-o \S+", f"-o {library}/libvelhls.so.1", link, count=1)
-        if subprocess.run(link, shell=True, cwd=BUILD, capture_output=True).returncode != 0:
-            return None
+        for name, link in links.items():
+            if link == self.link[name]:
+                continue
+            link = re.sub(r"-o \S+", f"-o {library}/{name}.so.1", link, count=1)
+            if subprocess.run(link, shell=True, cwd=BUILD, capture_output=True).returncode != 0:
+                return None
         if pathlib.Path(mutant.file).name.startswith("VELHLS") and mutant.file.endswith(".h"):
             self._make_own_tests(mutant, folder, library)
         return library
@@ -184,9 +192,10 @@ class Suite:
     def __init__(self, outcomes):
         self.killers = collections.Counter(outcome.split(": ")[1] for outcome in outcomes if re.search(r": \w+\.\w+$", outcome))
         tests = BUILD / "tests"
-        slow = self._slow_tests(tests / "velhls_tests")
-        self.runs = [[tests / "velhls_tests", f"--gtest_filter=-{slow}"],
-                     [tests / "velhls_tests", f"--gtest_filter={slow}"],
+        self.programs = [tests / program for program in PROGRAMS_OF_LIBRARIES]
+        slow = {program: self._slow_tests(program) for program in self.programs}
+        self.runs = [*([program, f"--gtest_filter=-{slow[program]}"] for program in self.programs),
+                     *([program, f"--gtest_filter={slow[program]}"] for program in self.programs),
                      [tests / "velhls_clock_failure_tests"],
                      [tests / "velhls_tool_tests"],
                      [tests / "velhls_heap_tests"]]
@@ -205,10 +214,10 @@ class Suite:
 
     def killer(self, library):
         """The test that failed, or how the tests ended; empty when all passed."""
-        environment = {**os.environ, "LD_LIBRARY_PATH": str(library)}
+        environment = {**os.environ, "LD_LIBRARY_PATH": f"{library}:{BUILD / 'velhls'}"}
         own_tests = library / "own_tests"
         usual_killers = ":".join(test for test, _ in self.killers.most_common(USUAL_KILLERS))
-        first_runs = [[self.runs[0][0], f"--gtest_filter={usual_killers}"]] if usual_killers else []
+        first_runs = [[program, f"--gtest_filter={usual_killers}"] for program in self.programs if usual_killers]
         if own_tests.exists():
             first_runs.append([own_tests])
         for run in [*first_runs, *self.runs]:

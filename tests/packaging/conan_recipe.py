@@ -1,10 +1,11 @@
 """Runs the Conan recipe's steps without Conan: a few stand-ins take the calls that the recipe makes.
 
-    conan_recipe.py REPOSITORY WORK_FOLDER
+    conan_recipe.py REPOSITORY WORK_FOLDER [--without-check]
 
 It fails unless the exported sources build and install, and the package holds what package_info says.
 """
 
+import collections
 import fnmatch
 import importlib.util
 import os
@@ -14,6 +15,7 @@ import sys
 import types
 
 repository, work = (os.path.abspath(argument) for argument in sys.argv[1:3])
+with_check = "--without-check" not in sys.argv
 
 
 def copy(_recipe, pattern, src, dst):
@@ -76,11 +78,19 @@ loading.loader.exec_module(module)
 recipe = module.VelhlsRecipe()
 recipe.recipe_folder = folder
 recipe.settings = types.SimpleNamespace(os="Linux")
-recipe.options = types.SimpleNamespace(shared=True, fPIC=True, rm_safe=lambda name: None)
+recipe.options = types.SimpleNamespace(shared=True, fPIC=True, check=with_check, rm_safe=lambda name: None)
 recipe.export_sources_folder = recipe.source_folder = os.path.join(work, "source")
 recipe.package_folder = os.path.join(work, "package")
-properties = {}
-recipe.cpp_info = types.SimpleNamespace(set_property=properties.__setitem__)
+
+
+class CppInfo:
+    def __init__(self):
+        self.libs, self.defines, self.requires, self.properties = [], [], [], {}
+        self.set_property = self.properties.__setitem__
+        self.components = collections.defaultdict(CppInfo)
+
+
+recipe.cpp_info = CppInfo()
 
 recipe.set_version()
 for step in ("export_sources", "config_options", "configure", "validate", "layout", "generate", "build", "package",
@@ -88,16 +98,31 @@ for step in ("export_sources", "config_options", "configure", "validate", "layou
     getattr(recipe, step)()
 
 assert recipe.version.count(".") == 2, recipe.version
-assert recipe.cpp_info.libs == ["velhls"] and recipe.cpp_info.defines == ["VELHLS_SHARED"]
-assert properties["cmake_target_name"] == "velhls::velhls"
+assert recipe.cpp_info.properties["cmake_file_name"] == "velhls"
+components = recipe.cpp_info.components
+assert set(components) == ({"velhls", "check"} if with_check else {"velhls"})
+assert components["velhls"].libs == ["velhls"] and components["velhls"].defines == ["VELHLS_SHARED"]
 package = recipe.package_folder
-assert os.path.exists(os.path.join(package, "lib", "libvelhls.so." + recipe.version))
+for name, component in components.items():
+    assert component.properties["cmake_target_name"] == "velhls::" + name
+    for library in component.libs:
+        assert os.path.exists(os.path.join(package, "lib", f"lib{library}.so.{recipe.version}"))
+assert os.path.exists(os.path.join(package, "lib", "libvelhls-check.so")) == with_check
+assert os.path.exists(os.path.join(package, "include", "velhls", "VELHLSCheck.h")) == with_check
 assert os.path.exists(os.path.join(package, "licenses", "LICENSE"))
 assert not os.path.exists(os.path.join(package, "lib", "cmake"))
 
-program = os.path.join(work, "consumer")
-subprocess.run(["g++", "-std=c++17", os.path.join(repository, "tests", "consumers", "main.cpp"), "-o", program,
-                "-I" + os.path.join(package, "include"), "-L" + os.path.join(package, "lib"), "-DVELHLS_SHARED",
-                "-lvelhls", "-Wl,-rpath," + os.path.join(package, "lib")], check=True)
-output = subprocess.run([program], check=True, capture_output=True, text=True).stdout
-assert output == load(None, os.path.join(repository, "tests", "consumers", "expected.txt")), output
+
+def use(source, expected, libraries):
+    program = os.path.join(work, os.path.splitext(source)[0])
+    consumers = os.path.join(repository, "tests", "consumers")
+    subprocess.run(["g++", "-std=c++17", os.path.join(consumers, source), "-o", program,
+                    "-I" + os.path.join(package, "include"), "-L" + os.path.join(package, "lib"), "-DVELHLS_SHARED",
+                    *("-l" + library for library in libraries), "-Wl,-rpath," + os.path.join(package, "lib")], check=True)
+    output = subprocess.run([program], check=True, capture_output=True, text=True).stdout
+    assert output == load(None, os.path.join(consumers, expected)), output
+
+
+use("main.cpp", "expected.txt", ["velhls"])
+if with_check:
+    use("check.cpp", "check_expected.txt", ["velhls-check", "velhls"])

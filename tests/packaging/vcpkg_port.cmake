@@ -1,10 +1,11 @@
 # Runs the portfile of an overlay port without vcpkg: a few stand-ins take the calls that it makes.
 #
-#     cmake -DPORT_FOLDER=... -DWORK=... -P vcpkg_port.cmake
+#     cmake -DPORT_FOLDER=... -DWORK=... -DFEATURES=... -P vcpkg_port.cmake
 #
-# It fails unless the port configures, builds and installs, and velhls is found where vcpkg would put it.
+# FEATURES is "check" or empty. It fails unless the port configures, builds and installs, and velhls is found where vcpkg
+# would put it, with what the features ask for and no more.
 file(READ ${PORT_FOLDER}/vcpkg.json manifest)
-foreach(key name version-semver description license dependencies)
+foreach(key name version-semver description license dependencies features default-features)
     string(JSON value GET "${manifest}" ${key})
 endforeach()
 string(JSON version GET "${manifest}" version-semver)
@@ -15,6 +16,15 @@ endif()
 set(PORT velhls)
 set(CURRENT_PACKAGES_DIR ${WORK}/package)
 
+function(vcpkg_check_features)
+    cmake_parse_arguments(PARSE_ARGV 0 given "" "OUT_FEATURE_OPTIONS" "FEATURES")
+    list(POP_FRONT given_FEATURES feature option)
+    set(is_on OFF)
+    if("${feature}" STREQUAL "${FEATURES}")
+        set(is_on ON)
+    endif()
+    set(${given_OUT_FEATURE_OPTIONS} -D${option}=${is_on} PARENT_SCOPE)
+endfunction()
 function(vcpkg_cmake_configure)
     cmake_parse_arguments(PARSE_ARGV 0 given "" "SOURCE_PATH" "OPTIONS")
     execute_process(COMMAND ${CMAKE_COMMAND} -G Ninja -S ${given_SOURCE_PATH} -B ${WORK}/build ${given_OPTIONS}
@@ -42,6 +52,13 @@ function(vcpkg_install_copyright)
 endfunction()
 
 include(${PORT_FOLDER}/portfile.cmake)
+set(is_check_there OFF)
+if(EXISTS ${CURRENT_PACKAGES_DIR}/lib/libvelhls-check.a AND EXISTS ${CURRENT_PACKAGES_DIR}/include/velhls/VELHLSCheck.h)
+    set(is_check_there ON)
+endif()
+if(is_check_there AND FEATURES STREQUAL "" OR NOT is_check_there AND FEATURES STREQUAL "check")
+    message(FATAL_ERROR "the features are \"${FEATURES}\", and velhls::check installed: ${is_check_there}")
+endif()
 foreach(installed include/velhls/VELHLS.h share/velhls/usage share/velhls/LICENSE)
     if(NOT EXISTS ${CURRENT_PACKAGES_DIR}/${installed})
         message(FATAL_ERROR "${installed} was not installed")

@@ -2,7 +2,8 @@
 # word after its fence:
 #
 #     cpp        a program, or lines for the middle of one; it is built, run, and must print what the text block that
-#                follows it shows, or nothing when none follows
+#                follows it shows, or nothing when none follows. A program that does not include VELHLSCheck.h is linked
+#                with the models alone
 #     text       what the cpp block before it prints
 #     console    commands after "$ ", each followed by what it prints, errors included
 #     m3u8       a playlist; with a name after the word (m3u8 live.m3u8) the file's other blocks find it by that name
@@ -22,6 +23,7 @@ set(velhls_fragment_head [=[
 #include <vector>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 int main() {
 ]=])
@@ -34,7 +36,11 @@ function(velhls_test_cpp_block name folder code expected)
     file(CONFIGURE OUTPUT ${folder}/block.output CONTENT "@expected@" @ONLY)
     string(MAKE_C_IDENTIFIER "documentation_${name}" target)
     add_executable(${target} ${folder}/block.cpp)
-    target_link_libraries(${target} PRIVATE velhls::velhls)
+    if(code MATCHES "velhls/VELHLSCheck.h")
+        target_link_libraries(${target} PRIVATE velhls::check)
+    else()
+        target_link_libraries(${target} PRIVATE velhls::velhls)
+    endif()
     velhls_set_warnings(${target})
     set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${folder} OUTPUT_NAME block)
     add_test(NAME ${name}

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/PlaylistText.h"
 #include "tool/InputFile.h"

@@ -259,10 +259,8 @@ std::vector<Breach> breachesOfRfc8216() {
     return all;
 }
 
-std::vector<VELHLSFinding> findingsIn(const std::string& text, velhls::StandardProfile profile) {
-    std::vector<VELHLSFinding> findings;
-    velhls::checkStandard(VELHLSDocument(text), profile, findings);
-    return findings;
+std::vector<VELHLSFinding> findingsIn(const std::string& text, VELHLSStandard::Profile profile) {
+    return VELHLSStandard::check(VELHLSDocument(text), profile);
 }
 
 std::string rulesIn(const std::vector<VELHLSFinding>& findings, VELHLSFinding::Severity least) {

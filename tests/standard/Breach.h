@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velhls/standard/CheckStandard.h"
+#include "velhls/VELHLSCheck.h"
 
 /// What the tests of the standard's rules share: playlists that keep every rule, and what breaks one of them.
 namespace standard_test {
@@ -58,7 +58,7 @@ std::vector<Breach> authoringBreaches();
 /// All but those of the successor's and the authoring rules.
 std::vector<Breach> breachesOfRfc8216();
 
-std::vector<VELHLSFinding> findingsIn(const std::string& text, velhls::StandardProfile profile);
+std::vector<VELHLSFinding> findingsIn(const std::string& text, VELHLSStandard::Profile profile);
 
 /// "version-too-low" for each finding of at least this severity, sorted, each once, with commas between them.
 std::string rulesIn(const std::vector<VELHLSFinding>& findings, VELHLSFinding::Severity least);

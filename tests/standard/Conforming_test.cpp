@@ -7,7 +7,7 @@
 namespace standard_test {
 namespace {
 
-using velhls::StandardProfile;
+using StandardProfile = VELHLSStandard::Profile;
 
 struct Conforming {
     const char* what;
@@ -184,7 +184,7 @@ TEST_P(ConformingPlaylists, HaveNothingAboveANote) {
 INSTANTIATE_TEST_SUITE_P(ByBothStandards, ConformingPlaylists,
                          testing::Values(StandardProfile::rfc8216, StandardProfile::rfc8216bis),
                          [](const testing::TestParamInfo<StandardProfile>& profile) {
-                             return std::string(velhls::nameOf(profile.param));
+                             return std::string(VELHLSStandard::nameOf(profile.param));
                          });
 
 TEST(DisputedPlaylists, HaveNoErrors) {

@@ -15,7 +15,7 @@
 namespace standard_test {
 namespace {
 
-using velhls::StandardProfile;
+using StandardProfile = VELHLSStandard::Profile;
 
 std::string times(std::size_t count, const std::string& piece) {
     std::string text;
@@ -150,7 +150,7 @@ TEST(HostileTexts, TakeTimeInProportionToTheirLength) {
             const double once = secondsFor(hostile.make(size), profile);
             const double longer = secondsFor(hostile.make(size * times), profile);
             // Quadratic work would take sixteen times as long.
-            EXPECT_LT(longer, 8.0 * once + 0.2) << hostile.what << " by " << velhls::nameOf(profile);
+            EXPECT_LT(longer, 8.0 * once + 0.2) << hostile.what << " by " << VELHLSStandard::nameOf(profile);
         }
     }
 }
@@ -158,7 +158,7 @@ TEST(HostileTexts, TakeTimeInProportionToTheirLength) {
 TEST(HostileTexts, GiveBoundedFindings) {
     for (const Hostile& hostile : hostiles) {
         const auto findings = findingsIn(hostile.make(1000), StandardProfile::rfc8216bis);
-        EXPECT_LE(findings.size(), 100 * velhls::rulesOfStandard(StandardProfile::rfc8216bis).size())
+        EXPECT_LE(findings.size(), 100 * VELHLSStandard::rules(StandardProfile::rfc8216bis).size())
             << hostile.what;
         for (const VELHLSFinding& finding : findings)
             EXPECT_LE(finding.message.size(), 1000U) << hostile.what << finding.message;

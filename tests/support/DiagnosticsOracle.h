@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 /// What the diagnostics promise of every text, for the tests and the fuzz target.
 namespace oracle {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/PlainDocument.h"
 

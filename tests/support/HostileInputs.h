@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 /// Playlists that are made to be costly, in any size. Twice the size is twice as much of everything in them.
 namespace hostile {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 /// What a document says of lines and attributes, found out without any care for speed.
 namespace plain {

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
 
 #include "tests/support/Outcome.h"
 #include "tests/support/Parses.h"

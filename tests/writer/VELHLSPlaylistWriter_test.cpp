@@ -456,6 +456,22 @@ TEST(VELHLSPlaylistWriterMedia, WritesAMapWhereItChanges) {
                      "#EXT-X-MAP:URI=\"init0.mp4\",BYTERANGE=\"0\"", "#EXTINF:6,", "segment3.ts"}));
 }
 
+TEST(VELHLSPlaylistWriterMedia, ComparesTheByteRangesOfMapsByLengthAndOffset) {
+    const auto secondOf = [](std::int64_t length, std::int64_t offset) {
+        VELHLSMediaStream stream = playlistOf(2);
+        for (const auto& segment : stream.segments)
+            segment->misMap = mapOf("init.mp4");
+        stream.segments[0]->misMap->byteRange = rangeOf(720, 0);
+        stream.segments[1]->misMap->byteRange = rangeOf(length, offset);
+        const std::string text = written(stream);
+        return text.substr(text.find("segment0.ts\n") + 12);
+    };
+    const std::string rest = "#EXTINF:6,\nsegment1.ts\n";
+    EXPECT_EQ(secondOf(720, 0), rest);
+    EXPECT_EQ(secondOf(720, 720), "#EXT-X-MAP:URI=\"init.mp4\",BYTERANGE=\"720@720\"\n" + rest);
+    EXPECT_EQ(secondOf(721, 0), "#EXT-X-MAP:URI=\"init.mp4\",BYTERANGE=\"721@0\"\n" + rest);
+}
+
 /// The key and map lines of a playlist whose second segment has another key and another map than the first.
 std::string keysAndMaps(const std::shared_ptr<VELHLSProtectionData>& first,
                         const std::shared_ptr<VELHLSProtectionData>& second,

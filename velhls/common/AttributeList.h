@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velhls/common/PrivateExport.h"
 #include "velhls/common/Reason.h"
 #include "velhls/common/TagLine.h"
 
@@ -22,7 +23,8 @@ struct Attribute {
 };
 
 /// All attributes of a list in the order of the text, repeated ones too. Nothing when the list is malformed.
-[[nodiscard]] std::optional<std::vector<Attribute>> attributesAsWritten(std::string_view text);
+[[nodiscard]] VELHLS_PRIVATE_API std::optional<std::vector<Attribute>> attributesAsWritten(
+    std::string_view text);
 
 /// The attributes of one tag in the byte-wise order of their names. Of several with one name the first holds.
 ///

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "velhls/common/PrivateExport.h"
 #include "velhls/common/Reason.h"
 
 namespace velhls {
@@ -19,13 +20,13 @@ namespace velhls {
 [[nodiscard]] std::int32_t toInt32(std::string_view text);
 
 /// std::stoll in base 10.
-[[nodiscard]] std::int64_t toInt64(std::string_view text);
+[[nodiscard]] VELHLS_PRIVATE_API std::int64_t toInt64(std::string_view text);
 
 /// std::stoll in base 10, stored as unsigned: bandwidths and bit rates, where "-1" becomes 2^64 - 1.
 [[nodiscard]] std::uint64_t toInt64AsUnsigned(std::string_view text);
 
 /// std::stod: also exponents, hexadecimal floats, "inf" and "nan".
-[[nodiscard]] double toDouble(std::string_view text);
+[[nodiscard]] VELHLS_PRIVATE_API double toDouble(std::string_view text);
 
 /// The same, with the reason written before an exception is thrown.
 [[nodiscard]] std::int32_t toInt32(std::string_view text, Reason& why);
@@ -68,7 +69,7 @@ inline constexpr std::size_t mostFixedBytes = 320;
 
 /// The same in fixed notation with up to six decimals, as printf's "%.*f" in the "C" locale writes it: "nan"
 /// and "inf" for what is no number.
-[[nodiscard]] char* putFixed(char* to, double number, int decimals);
+[[nodiscard]] VELHLS_PRIVATE_API char* putFixed(char* to, double number, int decimals);
 
 /// The nearest whole number of one from 0 to below 2^63; of a half the upper one.
 [[nodiscard]] inline std::int64_t nearestWhole(double number) {

@@ -7,6 +7,7 @@
 
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
 
@@ -128,15 +129,29 @@ void Reading::rejected(Reason& reason) {
     const bool isMarked =
         reason.rule == Rule::uriWithoutTag && linesRead_ == 1 && startsWith(text_, byteOrderMark);
     const Rule rule = isMarked ? Rule::byteOrderMark : reason.rule;
-    const std::size_t count = ++counts_[static_cast<std::size_t>(rule)];
-    if (count > mostRejectionsOfOneRule) return;
-    if (isMarked) {
-        rejections_.push_back({rule, {1, 1, byteOrderMark.size()}, "one"});
-    } else {
-        const bool hasPlace = reason.where.data() != nullptr;
-        rejections_.push_back(
-            {rule, hasPlace ? find(reason.where) : placeOfRecord(reason.tag), std::move(reason.seen)});
-    }
+    if (isFull(rule)) return;
+    if (isMarked) return add({rule, {1, 1, byteOrderMark.size()}, "one"});
+    const bool hasPlace = reason.where.data() != nullptr;
+    add({rule, hasPlace ? find(reason.where) : placeOfRecord(reason.tag), std::move(reason.seen)});
+}
+
+void Reading::recordsRejected(const BrokenRule& broken) {
+    constexpr bool isBetweenRecords = true;
+    if (!isFull(broken.rule)) add({broken.rule, placeOf(broken), broken.seen, isBetweenRecords});
+}
+
+bool Reading::isFull(Rule rule) {
+    const Count& count = counts_[static_cast<std::size_t>(rule)];
+    if (count.kept < mostRejectionsOfOneRule) return false;
+    ++rejections_[count.last].suppressed;
+    return true;
+}
+
+void Reading::add(Rejection rejection) {
+    Count& count = counts_[static_cast<std::size_t>(rejection.rule)];
+    ++count.kept;
+    count.last = rejections_.size();
+    rejections_.push_back(std::move(rejection));
 }
 
 /// The lines of a body are lines of the record, in their order: those of the pattern's own tags are left out.
@@ -190,9 +205,8 @@ std::vector<Reading::NumberedLine> Reading::linesOfTextSince(const NumberedLine&
 Place Reading::find(std::string_view piece) const {
     if (isPartOf(piece, text_)) return findInText(piece);
     if (isExpanding() && isPartOf(piece, body_)) return findInBody(piece);
-    const auto clean = std::find_if(cleanLines_.rbegin(), cleanLines_.rend(), [piece](const CleanLine& line) {
-        return isPartOf(piece, line.text);
-    });
+    const auto clean = std::find_if(cleanLines_.rbegin(), cleanLines_.rend(),
+                                    [piece](const CleanLine& line) { return isPartOf(piece, line.text); });
     if (clean == cleanLines_.rend()) return findInExpandedLine(expandedLine_, piece);
     if (isExpanding()) return findInExpandedLine(clean->text, piece);
     return placeIn(clean->number, clean->line, clean->text, piece);
@@ -246,6 +260,14 @@ Place Reading::placeOfRecord(std::string_view tagName) const {
     const std::string text = cleaned(lines.front().line);
     return placeIn(lines.front().number, lines.front().line, text,
                    isTagOrComment(text) ? TagLine(text).name : std::string_view(text));
+}
+
+Place Reading::placeOf(const BrokenRule& broken) const {
+    const auto lines = std::find_if(records_.begin(), records_.end(), [&broken](const RecordLines& record) {
+        return record.record == broken.record;
+    });
+    if (broken.record == nullptr || lines == records_.end()) return {};
+    return placeOfAttribute(lines->firstLine, lineOf(text_, lines->firstLine), broken.attribute);
 }
 
 }  // namespace velhls

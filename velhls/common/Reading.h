@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velhls/common/PrivateExport.h"
 #include "velhls/common/Reason.h"
 #include "velhls/common/ReasonTable.h"
 
@@ -26,6 +27,21 @@ struct Rejection {
     Rule rule = {};
     Place place;
     /// What was seen there; empty for the text of the place itself.
+    std::string seen;
+    /// Whether each record was read, and the rule binds them to each other.
+    bool isBetweenRecords = false;
+    /// How many more there were of the rule: other than 0 in the last one of it, when all are not kept.
+    std::size_t suppressed = 0;
+};
+
+/// A rule that binds records to each other, and a record that breaks it.
+struct BrokenRule {
+    Rule rule = {};
+    /// Null when it is the playlist as a whole.
+    const void* record = nullptr;
+    /// The attribute of the record that breaks the rule, or an empty name.
+    std::string_view attribute;
+    /// What was seen there; empty for the text of the attribute itself.
     std::string seen;
 };
 
@@ -68,6 +84,8 @@ class Reading {
 
     /// Takes down the reason, unless it was taken down already and is therefore no longer set.
     void rejected(Reason& reason);
+    /// All records were made, and this one breaks a rule between them.
+    void recordsRejected(const BrokenRule& broken);
 
     /// Whether the readers read on after a rejection.
     [[nodiscard]] bool readsOn() const { return readsOn_; }
@@ -85,7 +103,6 @@ class Reading {
     /// In the order in which they were met: of each rule the first, up to so many.
     static constexpr std::size_t mostRejectionsOfOneRule = 100;
     [[nodiscard]] const std::vector<Rejection>& rejections() const { return rejections_; }
-    [[nodiscard]] std::size_t countOf(Rule rule) const { return counts_[static_cast<std::size_t>(rule)]; }
 
     [[nodiscard]] std::size_t linesRead() const { return linesRead_; }
 
@@ -102,6 +119,16 @@ class Reading {
         std::size_t number = 1;
     };
 
+    /// The rejections of one rule that are kept.
+    struct Count {
+        std::size_t kept = 0;
+        std::size_t last = 0;
+    };
+
+    /// Counts one more of a rule that has as many as are kept.
+    [[nodiscard]] bool isFull(Rule rule);
+    void add(Rejection rejection);
+
     [[nodiscard]] bool isExpanding() const { return body_.data() != nullptr; }
     [[nodiscard]] NumberedLine currentLine() const;
     [[nodiscard]] std::vector<NumberedLine> linesOfRecord() const;
@@ -111,6 +138,7 @@ class Reading {
     [[nodiscard]] Place findInBody(std::string_view piece) const;
     [[nodiscard]] Place findInExpandedLine(std::string_view line, std::string_view piece) const;
     [[nodiscard]] Place placeOfRecord(std::string_view tagName) const;
+    [[nodiscard]] Place placeOf(const BrokenRule& broken) const;
 
     std::string_view text_;
     bool readsOn_;
@@ -132,7 +160,7 @@ class Reading {
 
     std::vector<RecordLines> records_;
     std::vector<Rejection> rejections_;
-    std::array<std::size_t, ruleCount> counts_ = {};
+    std::array<Count, ruleCount> counts_ = {};
 };
 
 /// Takes a step of a reading, false when that rejects something. Who follows the reading is told why while the lines can
@@ -155,12 +183,12 @@ template <typename Step>
 
 /// The place of a piece of a line as a reader read it. The line of the text may have carriage returns that this one has
 /// not; those after the piece do not belong to it.
-[[nodiscard]] Place placeIn(std::size_t lineNumber, std::string_view lineOfText, std::string_view lineAsRead,
-                            std::string_view piece);
+[[nodiscard]] VELHLS_PRIVATE_API Place placeIn(std::size_t lineNumber, std::string_view lineOfText,
+                                               std::string_view lineAsRead, std::string_view piece);
 
 /// The place of the attribute's value in a tag's line of the text, or of the tag's name where it has no such attribute.
-[[nodiscard]] Place placeOfAttribute(std::size_t lineNumber, std::string_view lineOfText,
-                                     std::string_view attributeName);
+[[nodiscard]] VELHLS_PRIVATE_API Place placeOfAttribute(std::size_t lineNumber, std::string_view lineOfText,
+                                                        std::string_view attributeName);
 
 /// Whether a piece is a part of a text, and not only equal to one.
 [[nodiscard]] bool isPartOf(std::string_view piece, std::string_view text);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "velhls/common/PrivateExport.h"
 #include "velhls/common/Rule.h"
 
 namespace velhls {
@@ -19,6 +20,6 @@ struct ReasonRow {
     std::string_view summary;
 };
 
-[[nodiscard]] ReasonRow rowOf(Rule rule);
+[[nodiscard]] VELHLS_PRIVATE_API ReasonRow rowOf(Rule rule);
 
 }  // namespace velhls

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
@@ -40,12 +41,9 @@ std::string startOffsetText(const std::ostream& out, double timeOffset) {
 void writeStartTag(std::ostream& out, double timeOffset, bool precise) {
     if (timeOffset == 0.0) return;
     std::string line;
-    appendTag(line, tag::start);
-    appendAttribute(line, attribute::timeOffset, startOffsetText(out, timeOffset));
-    if (precise) {
-        line += ',';
-        appendAttribute(line, attribute::precise, fixed::yes);
-    }
+    AttributeWriter(line, tag::start)
+        .append(attribute::timeOffset, startOffsetText(out, timeOffset))
+        .appendIfSet(attribute::precise, precise);
     writeLine(out, line);
 }
 

@@ -50,7 +50,7 @@ struct TagLine {
            line[tag.size() + 1] == ':';
 }
 
-/// What an attribute list follows: "#", the tag's name and ":".
+/// What a value follows: "#", the tag's name and ":".
 inline void appendTag(std::string& out, std::string_view tag) {
     out += '#';
     out += tag;
@@ -62,20 +62,6 @@ inline void appendTag(std::string& out, std::string_view tag) {
     to = put(to, '#');
     to = put(to, tag);
     return put(to, ':');
-}
-
-/// A name and "=" before a value that is not quoted.
-inline void appendAttribute(std::string& out, std::string_view name, std::string_view value) {
-    out += name;
-    out += '=';
-    out += value;
-}
-
-inline void appendQuotedAttribute(std::string& out, std::string_view name, std::string_view value) {
-    out += name;
-    out += "=\"";
-    out += value;
-    out += '"';
 }
 
 }  // namespace velhls

@@ -162,7 +162,8 @@ struct UsualForm {
         hour = twoDigitsAt(text, 11);
         minute = twoDigitsAt(text, 14);
         seconds = leadingDecimal(rest);
-        return hour >= 0 && minute >= 0 && seconds.length > 0 && isUsualZone(withoutFirst(rest, seconds.length));
+        return hour >= 0 && minute >= 0 && seconds.length > 0 &&
+               isUsualZone(withoutFirst(rest, seconds.length));
     }
 };
 

@@ -96,7 +96,8 @@ std::optional<VELHLSDiagnostics::Detection> detectKind(std::string_view text) {
         const std::string_view name = TagLine(line).name;
         if (hasUse<ofVariant>(name)) return detection(VELHLSDiagnostics::Master, name, lines.number());
         if (first) continue;
-        if (hasUse<ofMasterPlaylist>(name)) first = detection(VELHLSDiagnostics::Master, name, lines.number());
+        if (hasUse<ofMasterPlaylist>(name))
+            first = detection(VELHLSDiagnostics::Master, name, lines.number());
         if (hasUse<ofMediaPlaylist>(name)) first = detection(VELHLSDiagnostics::Media, name, lines.number());
     }
     if (first && first->tag == tag::extInf && isIptvList(text)) return std::nullopt;

@@ -110,12 +110,11 @@ bool isDefaultValue(std::string_view name, std::string_view value) {
     return zeroIsAbsent && !value.empty() && holdsOnly(value, CharacterSet("0"));
 }
 
-constexpr std::array bareTagsOfMedia = {tag::extM3U,        tag::endList,
-                                         tag::iFramesOnly,   tag::independentSegments,
-                                         tag::cueIn,         tag::cueOut};
+constexpr std::array bareTagsOfMedia = {tag::extM3U, tag::endList, tag::iFramesOnly, tag::independentSegments,
+                                        tag::cueIn,  tag::cueOut};
 constexpr std::array tagsOfMedia = {tag::targetDuration, tag::mediaSequence, tag::discontinuitySequence,
-                                     tag::playlistType,   tag::start,         tag::define,
-                                     tag::version,        tag::cueIn};
+                                    tag::playlistType,   tag::start,         tag::define,
+                                    tag::version,        tag::cueIn};
 constexpr std::array tagsOfMaster = {tag::start, tag::version, tag::zorStreamInf};
 
 template <typename Names>
@@ -331,7 +330,8 @@ void StandardRules::masterRead(const VELHLSParsedManifest& manifest, const Readi
     for (const auto& [bandwidth, variant] : manifest.variants) {
         const std::size_t line = lines.at(variant.get());
         if (line < lastLine) {
-            findings_.add(rule::variantsReordered, placeOfAttribute(line, lines_.line(line), {}), "a variant that is written after a later one");
+            findings_.add(rule::variantsReordered, placeOfAttribute(line, lines_.line(line), {}),
+                          "a variant that is written after a later one");
             break;
         }
         lastLine = line;
@@ -339,8 +339,7 @@ void StandardRules::masterRead(const VELHLSParsedManifest& manifest, const Readi
     checkOrderOfRenditions(manifest, reading);
 }
 
-void StandardRules::checkOrderOfRenditions(const VELHLSParsedManifest& manifest,
-                                           const Reading& reading) {
+void StandardRules::checkOrderOfRenditions(const VELHLSParsedManifest& manifest, const Reading& reading) {
     const auto lines = linesOf(reading);
     std::size_t lastLine = 0;
     for (const auto& [type, groups] : manifest.renditions) {
@@ -412,7 +411,31 @@ Place StandardRules::placeOfDuration(const RecordLines& record) const {
 }
 
 std::vector<VELHLSRule> StandardRules::rules() {
-    return {rule::headerMissing, rule::headerNotFirst, rule::headerRepeated, rule::tagIgnored, rule::tagOfMediaPlaylist, rule::tagOfMasterPlaylist, rule::tagRepeated, rule::defaultNotWritten, rule::carriageReturnInsideLine, rule::controlCharacter, rule::notUtf8, rule::versionUnknown, rule::versionTooLow, rule::attributeNameInvalid, rule::attributeWrongType, rule::attributeEmptyNotWritten, rule::startAdded, rule::variantsReordered, rule::renditionInstreamIdUnknown, rule::renditionSubtitlesUriMissing, rule::renditionsReordered, rule::targetDurationMissing, rule::targetDurationCut, rule::targetDurationTooSmall, rule::sequenceAfterSegment};
+    return {rule::headerMissing,
+            rule::headerNotFirst,
+            rule::headerRepeated,
+            rule::tagIgnored,
+            rule::tagOfMediaPlaylist,
+            rule::tagOfMasterPlaylist,
+            rule::tagRepeated,
+            rule::defaultNotWritten,
+            rule::carriageReturnInsideLine,
+            rule::controlCharacter,
+            rule::notUtf8,
+            rule::versionUnknown,
+            rule::versionTooLow,
+            rule::attributeNameInvalid,
+            rule::attributeWrongType,
+            rule::attributeEmptyNotWritten,
+            rule::startAdded,
+            rule::variantsReordered,
+            rule::renditionInstreamIdUnknown,
+            rule::renditionSubtitlesUriMissing,
+            rule::renditionsReordered,
+            rule::targetDurationMissing,
+            rule::targetDurationCut,
+            rule::targetDurationTooSmall,
+            rule::sequenceAfterSegment};
 }
 
 }  // namespace velhls

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "velhls/common/Reading.h"
+#include "velhls/diagnostics/VELHLSDiagnostics.h"
 #include "velhls/document/FindingList.h"
 #include "velhls/document/TextLines.h"
 #include "velhls/losses/Loss.h"
-#include "velhls/diagnostics/VELHLSDiagnostics.h"
 
 class VELHLSMediaStream;
 class VELHLSParsedManifest;

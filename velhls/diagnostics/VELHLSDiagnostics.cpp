@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Reading.h"
+#include "velhls/common/Readers.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/WholeText.h"
@@ -17,9 +17,8 @@
 #include "velhls/document/TextLines.h"
 #include "velhls/losses/LossFinder.h"
 #include "velhls/losses/ReadLines.h"
-#include "velhls/manifest/ManifestReader.h"
-#include "velhls/manifest/ManifestRules.h"
-#include "velhls/media/MediaStreamReader.h"
+#include "velhls/manifest/VELHLSParsedManifest.h"
+#include "velhls/media/VELHLSMediaStream.h"
 
 namespace {
 
@@ -28,12 +27,9 @@ using velhls::ReadLines;
 using velhls::RecordLines;
 using velhls::Rule;
 
-constexpr VELHLSRule notAPlaylist = {"not-a-playlist",
-                                     VELHLSFinding::Error,
-                                     "The text is no HLS playlist at all.",
-                                     "an HLS playlist",
-                                     "RFC 8216, section 4.1",
-                                     false};
+constexpr VELHLSRule notAPlaylist = {
+    "not-a-playlist",  VELHLSFinding::Error,    "The text is no HLS playlist at all.",
+    "an HLS playlist", "RFC 8216, section 4.1", false};
 
 static_assert(VELHLSDiagnostics::maximumFindingsPerRule == velhls::FindingList::mostOfOneRule &&
               VELHLSDiagnostics::maximumFindingsPerRule == Reading::mostRejectionsOfOneRule);
@@ -54,9 +50,8 @@ class CheckedText {
           reading_(text, Reading::Extent::toEnd) {}
 
     std::vector<VELHLSFinding> checkMaster() {
-        const auto manifest = velhls::ManifestReader(text_, &reading_).read();
-        manifest->sanitize();
-        addRejections();
+        const auto manifest = velhls::readMaster(text_, reading_);
+        addRejectionsOfLines();
         std::optional<bool> pairs = manifest->hasZORStreamInformation;
         if (!variantsAreKnown()) pairs = std::nullopt;
         ReadLines lines(lines_, reading_, ReadLines::Kind::master, pairs);
@@ -64,14 +59,14 @@ class CheckedText {
             standardRules_.lineRead(line);
             velhls::findLossesOfMasterLine(line, findings_);
         }
-        addBrokenRules(*manifest);
+        addRejectionsBetweenRecords();
         standardRules_.masterRead(*manifest, reading_);
         return findings_.takeAll();
     }
 
     std::vector<VELHLSFinding> checkMedia() {
-        const auto stream = velhls::MediaStreamReader(text_, &reading_).read();
-        addRejections();
+        const auto stream = velhls::readMedia(text_, reading_);
+        addRejectionsOfLines();
         ReadLines lines(lines_, reading_, ReadLines::Kind::media, std::nullopt);
         for (velhls::LossLine line; lines.next(line);) {
             standardRules_.lineRead(line);
@@ -84,32 +79,29 @@ class CheckedText {
     }
 
   private:
-    void addRejections() {
-        for (const velhls::Rejection& rejection : reading_.rejections())
-            findings_.add(ruleOf(rejection.rule), rejection.place, rejection.seen);
-        for (std::size_t index = 0; index < velhls::ruleCount; ++index) {
-            const std::size_t count = reading_.countOf(static_cast<Rule>(index));
-            if (count <= Reading::mostRejectionsOfOneRule) continue;
-            findings_.addSuppressed(ruleOf(static_cast<Rule>(index)),
-                                    count - Reading::mostRejectionsOfOneRule);
+    void addRejectionsOfLines() {
+        for (const velhls::Rejection& rejection : reading_.rejections()) {
+            if (!rejection.isBetweenRecords) add(rejection);
         }
     }
 
     /// What only follows from a variant or a rendition that was rejected is left out.
-    void addBrokenRules(const VELHLSParsedManifest& manifest) {
+    void addRejectionsBetweenRecords() {
         findings_.readingEnded();
         const bool renditionsAreKnown = !rejectedTag({velhls::tag::media});
-        const auto broken = velhls::brokenRulesOf(manifest, velhls::BrokenRules::Wanted::all);
-        for (const velhls::BrokenRule& rule : broken.all()) {
-            const bool isOfVariants = rule.rule == Rule::variantsMissing;
+        for (const velhls::Rejection& rejection : reading_.rejections()) {
+            if (!rejection.isBetweenRecords) continue;
+            const bool isOfVariants = rejection.rule == Rule::variantsMissing;
             const bool isOfSession =
-                rule.rule == Rule::sessionDataRepeated || rule.rule == Rule::sessionKeyRepeated;
-            if (!isOfSession && !(isOfVariants ? variantsAreKnown() : renditionsAreKnown)) continue;
-            const VELHLSRule row = ruleOf(rule.rule);
-            if (findings_.isFull(row)) continue;
-            const velhls::Rejection rejection = velhls::rejectionOf(text_, reading_, rule);
-            findings_.add(row, rejection.place, rejection.seen);
+                rejection.rule == Rule::sessionDataRepeated || rejection.rule == Rule::sessionKeyRepeated;
+            if (isOfSession || (isOfVariants ? variantsAreKnown() : renditionsAreKnown)) add(rejection);
         }
+    }
+
+    void add(const velhls::Rejection& rejection) {
+        const VELHLSRule rule = ruleOf(rejection.rule);
+        findings_.add(rule, rejection.place, rejection.seen);
+        findings_.addSuppressed(rule, rejection.suppressed);
     }
 
     [[nodiscard]] bool variantsAreKnown() const {

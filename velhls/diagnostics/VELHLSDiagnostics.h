@@ -16,7 +16,7 @@
 ///     for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text)) {
 ///         std::cout << finding.line << ":" << finding.column << ": " << finding.message << "\n";
 ///     }
-class VELHLS_API VELHLSDiagnostics {
+class VELHLS_CHECK_API VELHLSDiagnostics {
   public:
     VELHLSDiagnostics() = delete;
 

@@ -47,10 +47,10 @@ struct VELHLSAttribute {
 /// breaks the grammar it goes on at the next comma. Of two attributes with one name both come.
 ///
 ///     for (const VELHLSAttribute& attribute : line.attributes()) std::cout << attribute.name << "\n";
-class VELHLS_API VELHLSAttributes {
+class VELHLS_CHECK_API VELHLSAttributes {
   public:
     /// Goes from one attribute to the next.
-    class VELHLS_API Iterator {
+    class VELHLS_CHECK_API Iterator {
       public:
         /// @cond
         using iterator_category = std::forward_iterator_tag;
@@ -88,11 +88,11 @@ class VELHLS_API VELHLSAttributes {
 
       private:
         void scan();
-        void scanOddName();
-        void scanValue();
-        void scanQuoted();
-        void scanBare();
-        void fail(VELHLSAttribute::Fault fault, std::string_view place);
+        VELHLS_HIDDEN void scanOddName();
+        VELHLS_HIDDEN void scanValue();
+        VELHLS_HIDDEN void scanQuoted();
+        VELHLS_HIDDEN void scanBare();
+        VELHLS_HIDDEN void fail(VELHLSAttribute::Fault fault, std::string_view place);
 
         std::string_view rest_;
         bool ended_ = true;

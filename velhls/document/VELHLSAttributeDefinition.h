@@ -9,7 +9,7 @@
 
 /// What the format says of one attribute of one tag: a row of a table. VELHLSTagDefinition::attributes are
 /// those of a tag.
-struct VELHLS_API VELHLSAttributeDefinition {
+struct VELHLS_CHECK_API VELHLSAttributeDefinition {
     /// How a value is written (RFC 8216, section 4.2). VELHLSSyntax reads each.
     enum Type : std::uint8_t {
         DecimalInteger,              ///< decimal-integer

@@ -27,7 +27,7 @@
 ///
 /// Above the text it holds five bytes for each line. All views look into the text that it owns: they are good as long as
 /// the document is there and is neither moved nor assigned to. It may be read by several threads at once.
-class VELHLS_API VELHLSDocument {
+class VELHLS_CHECK_API VELHLSDocument {
   public:
     /// The longest text: one byte less than 4 GiB.
     static constexpr std::uint64_t maximumBytes = UINT32_MAX;
@@ -123,13 +123,13 @@ class VELHLS_API VELHLSDocument {
   private:
     friend class VELHLSStructure;
 
-    void expectLines();
-    void findLines();
-    [[nodiscard]] std::size_t endOf(std::size_t number) const;
-    [[nodiscard]] std::string_view valueOf(std::size_t number) const;
-    [[nodiscard]] std::string_view endingNear(std::size_t number) const;
-    [[nodiscard]] VELHLSLine namedLine(std::size_t number) const;
-    [[nodiscard]] std::size_t offsetOf(std::string_view part) const;
+    VELHLS_HIDDEN void expectLines();
+    VELHLS_HIDDEN void findLines();
+    [[nodiscard]] VELHLS_HIDDEN std::size_t endOf(std::size_t number) const;
+    [[nodiscard]] VELHLS_HIDDEN std::string_view valueOf(std::size_t number) const;
+    [[nodiscard]] VELHLS_HIDDEN std::string_view endingNear(std::size_t number) const;
+    [[nodiscard]] VELHLS_HIDDEN VELHLSLine namedLine(std::size_t number) const;
+    [[nodiscard]] VELHLS_HIDDEN std::size_t offsetOf(std::string_view part) const;
 
     std::string text_;
     /// Where each line begins.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 /// One thing that is wrong with a playlist, or that the library does with it and that may surprise.
 ///
@@ -19,6 +20,13 @@ struct VELHLSFinding {
         Warning = 1,  ///< against RFC 8216; or dropped, changed or read otherwise than it seems to say
         Error = 2,    ///< a reason why the library rejects the playlist
     };
+
+    /// "note", "warning" or "error". Empty for a value that is none of them.
+    [[nodiscard]] static constexpr std::string_view textOf(Severity severity) noexcept {
+        if (severity == Error) return "error";
+        if (severity == Warning) return "warning";
+        return severity == Note ? "note" : "";
+    }
 
     /// How much the finding weighs.
     Severity severity = Note;

@@ -23,4 +23,9 @@ struct VELHLSRule {
 
     /// Whether what the library writes does no longer hold what the rule finds.
     bool isLostWhenWritten;
+
+    /// Of a rule of the standard the key word of its clause: "MUST", "MUST NOT", "REQUIRED", "SHALL NOT", "SHOULD",
+    /// "SHOULD NOT"; "SYN" for a format that is given without one, "REC" for what is recommended in passing. Empty for
+    /// all other rules.
+    std::string_view level = {};
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
@@ -21,7 +22,7 @@ constexpr std::uint64_t noOffset = std::numeric_limits<std::uint64_t>::max();
 /// Bounded, so that dates can be added to it; what is no number too.
 std::int64_t toMicroseconds(double seconds) {
     constexpr double most = 4e12;
-    return static_cast<std::int64_t>((seconds < most ? seconds : most) * 1e6 + 0.5);
+    return std::llround((seconds < most ? seconds : most) * 1e6);
 }
 
 /// Seconds; 0 when they cannot be read.
@@ -35,15 +36,17 @@ constexpr bool isSegmentTag(LineCode lineCode) {
            (tag->reach == VELHLSTagDefinition::Segment || tag->reach == VELHLSTagDefinition::FromSegment);
 }
 
-/// Which codes are those of a segment's tags: this is asked for each line.
-constexpr auto segmentTagCodes = [] {
+constexpr std::array<bool, 256> codesOfSegmentTags() {
     std::array<bool, 256> codes = {};
     for (std::size_t index = 0; index < velhls::tagTable.size(); ++index) {
         const LineCode lineCode = LineCode::ofTag(index);
         codes[lineCode.number()] = isSegmentTag(lineCode);
     }
     return codes;
-}();
+}
+
+/// Which codes are those of a segment's tags: this is asked for each line.
+constexpr std::array<bool, 256> segmentTagCodes = codesOfSegmentTags();
 
 bool staysWhenRemoved(LineCode lineCode) {
     const VELHLSTagDefinition* const tag = lineCode.definition();

@@ -26,7 +26,7 @@
 ///
 /// It refers to the document, which must outlive it, and is never changed. It holds 32 bytes for each segment and for each
 /// EXT-X-KEY, EXT-X-MAP and EXT-X-PROGRAM-DATE-TIME, and 8 for each variant. Making it takes time linear in the text.
-class VELHLS_API VELHLSStructure {
+class VELHLS_CHECK_API VELHLSStructure {
   public:
     /// The most keys of different KEYFORMATs that are in force at once: of more, the oldest is let go. So the structure
     /// stays linear in the text.
@@ -155,13 +155,15 @@ class VELHLS_API VELHLSStructure {
         double dateStartTime = 0.0;
     };
 
-    class Finder;
+    class VELHLS_HIDDEN Finder;
 
-    [[nodiscard]] bool belongsToSegment(std::size_t line) const;
-    [[nodiscard]] InForce inForce(std::size_t changes) const;
-    [[nodiscard]] std::optional<std::uint64_t> rangeOffset(std::size_t line, const Place& place) const;
-    [[nodiscard]] std::optional<std::int64_t> date(const Change& change, double startTime) const;
-    [[nodiscard]] std::vector<VELHLSEdit> remove(const std::vector<std::size_t>& lines) const;
+    [[nodiscard]] VELHLS_HIDDEN bool belongsToSegment(std::size_t line) const;
+    [[nodiscard]] VELHLS_HIDDEN InForce inForce(std::size_t changes) const;
+    [[nodiscard]] VELHLS_HIDDEN std::optional<std::uint64_t> rangeOffset(std::size_t line,
+                                                                         const Place& place) const;
+    [[nodiscard]] VELHLS_HIDDEN std::optional<std::int64_t> date(const Change& change,
+                                                                 double startTime) const;
+    [[nodiscard]] VELHLS_HIDDEN std::vector<VELHLSEdit> remove(const std::vector<std::size_t>& lines) const;
 
     const VELHLSDocument& document_;
     std::vector<Variant> variants_;

@@ -1,8 +1,6 @@
 #include "velhls/document/VELHLSSyntax.h"
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <limits>
 
 #include "velhls/common/TextScan.h"

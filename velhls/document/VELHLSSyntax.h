@@ -9,7 +9,7 @@
 
 /// Reads values exactly as RFC 8216 defines them (section 4.2, and the tags' own formats): all of the text must be one.
 /// Nothing is what comes of anything else: unlike the models these let nothing pass.
-class VELHLS_API VELHLSSyntax {
+class VELHLS_CHECK_API VELHLSSyntax {
   public:
     VELHLSSyntax() = delete;
 

@@ -14,7 +14,7 @@
 ///
 /// This table and that of the attributes know RFC 8216, its successor, and what vendors widely write. There is no other
 /// place in the library that does, but the models: they read less, and some of it otherwise.
-struct VELHLS_API VELHLSTagDefinition {
+struct VELHLS_CHECK_API VELHLSTagDefinition {
     /// Where a tag may stand.
     enum Playlist : std::uint8_t {
         Either,  ///< in a master or a media playlist

@@ -1,5 +1,3 @@
-#include "velhls/losses/Loss.h"
-
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -12,6 +10,7 @@
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/losses/Loss.h"
 #include "velhls/losses/LossText.h"
 
 namespace velhls {
@@ -31,20 +30,20 @@ std::string_view textAfter(const LossLine& line, std::string_view piece) {
 }
 
 /// Of a quoted value that is the last one and is not closed, with its opening quote.
-void findUnclosedQuote(const LossLine& line, const Tell& tell) {
+void findUnclosedQuote(const LossLine& line, const TellLoss& tell) {
     const Attribute* const last = lastAttribute(line);
     if (last == nullptr || !last->isQuoted || !textAfter(line, last->value).empty()) return;
     tell(line, line.text.substr(line.text.size() - last->value.size() - 1));
 }
 
-void findTextAfterLastQuote(const LossLine& line, const Tell& tell) {
+void findTextAfterLastQuote(const LossLine& line, const TellLoss& tell) {
     const Attribute* const last = lastAttribute(line);
     if (last == nullptr || !last->isQuoted) return;
     const std::string_view after = textAfter(line, last->value);
     if (after.size() > 1) tell(line, after.substr(1));
 }
 
-void findTextBeforeQuote(const LossLine& line, const Tell& tell) {
+void findTextBeforeQuote(const LossLine& line, const TellLoss& tell) {
     if (line.attributes == nullptr) return;
     for (const Attribute& attribute : line.attributes->all) {
         if (!attribute.isQuoted) continue;
@@ -54,7 +53,7 @@ void findTextBeforeQuote(const LossLine& line, const Tell& tell) {
     }
 }
 
-void findRepeatedAttribute(const LossLine& line, const Tell& tell) {
+void findRepeatedAttribute(const LossLine& line, const TellLoss& tell) {
     if (line.attributes == nullptr) return;
     for (std::size_t index = 0; index < line.attributes->all.size(); ++index) {
         if (line.attributes->areRepeated[index]) tell(line, line.attributes->all[index].name);
@@ -67,13 +66,13 @@ struct KeptAttributes {
     std::array<std::string_view, 12> names;
 };
 
-constexpr std::array<std::string_view, 12> keptOfVariant = {
-    attribute::bandwidth, attribute::averageBandwidth, attribute::codecs, attribute::resolution,
-    attribute::programId, attribute::uri,              attribute::audio,  attribute::video,
-    attribute::subtitles, attribute::closedCaptions};
+constexpr std::array<std::string_view, 12> keptOfVariant = {attribute::bandwidth, attribute::averageBandwidth,
+                                                            attribute::codecs,    attribute::resolution,
+                                                            attribute::programId, attribute::uri,
+                                                            attribute::audio,     attribute::video,
+                                                            attribute::subtitles, attribute::closedCaptions};
 constexpr std::array<std::string_view, 12> keptOfKey = {attribute::method, attribute::uri, attribute::iv,
-                                                        attribute::keyFormat,
-                                                        attribute::keyFormatVersions};
+                                                        attribute::keyFormat, attribute::keyFormatVersions};
 
 constexpr KeptAttributes keptAttributes[] = {
     {tag::streamInf, keptOfVariant},
@@ -93,12 +92,13 @@ bool endsEncryption(const LossLine& line) {
     return line.isTagNamed(tag::key) && method != nullptr && method->value == fixed::none;
 }
 
-void findIgnoredAttribute(const LossLine& line, const Tell& tell) {
+void findIgnoredAttribute(const LossLine& line, const TellLoss& tell) {
     // The first attribute of session data is lost with the tag's colon, and has a rule of its own, as have those of a
     // key that ends encryption.
     if (line.attributes == nullptr || endsEncryption(line)) return;
-    const auto known = std::find_if(std::begin(keptAttributes), std::end(keptAttributes),
-                                    [&line](const KeptAttributes& kept) { return kept.tag == line.tag.name; });
+    const auto known =
+        std::find_if(std::begin(keptAttributes), std::end(keptAttributes),
+                     [&line](const KeptAttributes& kept) { return kept.tag == line.tag.name; });
     if (known == std::end(keptAttributes)) return;
     line.forEachAttribute([&](const Attribute& attribute) {
         const bool isKnown =
@@ -107,7 +107,7 @@ void findIgnoredAttribute(const LossLine& line, const Tell& tell) {
     });
 }
 
-void findComment(const LossLine& line, const Tell& tell) {
+void findComment(const LossLine& line, const TellLoss& tell) {
     const bool isComment = isTagOrComment(line.text) && !line.isTag;
     const bool isLost = line.role != LineRole::variantUri && line.role != LineRole::rejected;
     if (isComment && isLost) tell(line, line.text);
@@ -141,9 +141,7 @@ bool hasForm(std::string_view number, NumberForm form) {
 std::optional<std::string> textAsRead(std::string_view number, NumberForm form) {
     try {
         if (form != NumberForm::integer) return inSeconds(toDouble(number));
-        std::string text;
-        appendDecimal(text, toInt64(number));
-        return text;
+        return std::to_string(toInt64(number));
     } catch (const std::logic_error&) {
         // A number that cannot be converted is a reason to reject, and no loss.
         return std::nullopt;
@@ -154,30 +152,30 @@ enum class Kind { master, media, both };
 
 /// Where a number stands that the models read.
 struct NumberPlace {
-    Kind kind;
     std::string_view tag;
     /// Empty for the start of the tag's value.
     std::string_view attribute;
     NumberForm form;
+    Kind kind;
 };
 
 constexpr NumberPlace numberPlaces[] = {
-    {Kind::media, tag::extInf, {}, NumberForm::decimal},
-    {Kind::both, tag::version, {}, NumberForm::integer},
-    {Kind::media, tag::zorPatternRepeat, {}, NumberForm::integer},
-    {Kind::media, tag::targetDuration, {}, NumberForm::decimal},
-    {Kind::both, tag::start, attribute::timeOffset, NumberForm::signedDecimal},
-    {Kind::master, tag::streamInf, attribute::bandwidth, NumberForm::integer},
-    {Kind::master, tag::streamInf, attribute::averageBandwidth, NumberForm::integer},
-    {Kind::master, tag::streamInf, attribute::programId, NumberForm::integer},
-    {Kind::master, tag::iFrameStreamInf, attribute::bandwidth, NumberForm::integer},
-    {Kind::master, tag::iFrameStreamInf, attribute::averageBandwidth, NumberForm::integer},
-    {Kind::master, tag::iFrameStreamInf, attribute::programId, NumberForm::integer},
-    {Kind::master, tag::zorStreamInf, attribute::nominalVideoBitrate, NumberForm::integer},
-    {Kind::master, tag::zorStreamInf, attribute::nominalAudioBitrate, NumberForm::integer},
+    {tag::extInf, {}, NumberForm::decimal, Kind::media},
+    {tag::version, {}, NumberForm::integer, Kind::both},
+    {tag::zorPatternRepeat, {}, NumberForm::integer, Kind::media},
+    {tag::targetDuration, {}, NumberForm::decimal, Kind::media},
+    {tag::start, attribute::timeOffset, NumberForm::signedDecimal, Kind::both},
+    {tag::streamInf, attribute::bandwidth, NumberForm::integer, Kind::master},
+    {tag::streamInf, attribute::averageBandwidth, NumberForm::integer, Kind::master},
+    {tag::streamInf, attribute::programId, NumberForm::integer, Kind::master},
+    {tag::iFrameStreamInf, attribute::bandwidth, NumberForm::integer, Kind::master},
+    {tag::iFrameStreamInf, attribute::averageBandwidth, NumberForm::integer, Kind::master},
+    {tag::iFrameStreamInf, attribute::programId, NumberForm::integer, Kind::master},
+    {tag::zorStreamInf, attribute::nominalVideoBitrate, NumberForm::integer, Kind::master},
+    {tag::zorStreamInf, attribute::nominalAudioBitrate, NumberForm::integer, Kind::master},
 };
 
-void findOtherNotation(const LossLine& line, const Tell& tell) {
+void findOtherNotation(const LossLine& line, const TellLoss& tell) {
     if (!line.isTag || !line.tag.hasColon) return;
     // What these are made of is looked at before they are read as numbers.
     const bool isHeader = line.tag.name == tag::start || line.tag.name == tag::targetDuration;
@@ -197,23 +195,23 @@ void findOtherNotation(const LossLine& line, const Tell& tell) {
     }
 }
 
-void findInvalidPrecise(const LossLine& line, const Tell& tell) {
+void findInvalidPrecise(const LossLine& line, const TellLoss& tell) {
     const Attribute* const precise = startOffset(line) ? line.find(attribute::precise) : nullptr;
     if (precise == nullptr || precise->value == fixed::yes || precise->value == fixed::no) return;
     tell(line, precise->value);
 }
 
-void findPreciseKept(const LossLine& line, const Tell& tell) {
+void findPreciseKept(const LossLine& line, const TellLoss& tell) {
     if (!startOffset(line) || !line.playlist->startIsPrecise) return;
     const Attribute* const precise = line.find(attribute::precise);
     if (precise == nullptr || precise->value != fixed::yes) tell(line, line.tag.name);
 }
 
-void findStartOfZero(const LossLine& line, const Tell& tell) {
+void findStartOfZero(const LossLine& line, const TellLoss& tell) {
     if (startOffset(line) == 0.0) tell(line, line.find(attribute::timeOffset)->value);
 }
 
-void findRoundedStart(const LossLine& line, const Tell& tell) {
+void findRoundedStart(const LossLine& line, const TellLoss& tell) {
     const std::optional<double> offset = startOffset(line);
     if (!offset || *offset == 0.0) return;
     const std::string_view text = line.find(attribute::timeOffset)->value;

@@ -13,12 +13,12 @@ const Attribute* LossLine::find(std::string_view name) const {
     return found == attributes->all.end() ? nullptr : &*found;
 }
 
-void Tell::operator()(const LossLine& line, std::string_view piece, std::string_view seen) const {
+void TellLoss::operator()(const LossLine& line, std::string_view piece, std::string_view seen) const {
     if (findings_.isFull(rule_)) return;
     findings_.add(rule_, placeIn(line.number, line.lineOfText, line.text, piece), seen);
 }
 
-void Tell::operator()(const Place& place, std::string_view seen) const {
+void TellLoss::operator()(const Place& place, std::string_view seen) const {
     if (!findings_.isFull(rule_)) findings_.add(rule_, place, seen);
 }
 

@@ -22,11 +22,11 @@ namespace velhls {
 
 /// What a line was for the reader.
 enum class LineRole : std::uint8_t {
-    alone,        ///< no record was made of it
-    record,       ///< a record's: of a segment its tags and its URI, of a variant its tag
-    variantUri,   ///< the line after EXT-X-STREAM-INF
-    pattern,      ///< a media pattern's: its own tags, and those of its segments
-    rejected,     ///< of something that was rejected
+    alone,       ///< no record was made of it
+    record,      ///< a record's: of a segment its tags and its URI, of a variant its tag
+    variantUri,  ///< the line after EXT-X-STREAM-INF
+    pattern,     ///< a media pattern's: its own tags, and those of its segments
+    rejected,    ///< of something that was rejected
 };
 
 /// The attributes of a tag in the order of the text.
@@ -79,9 +79,9 @@ struct LossLine {
 };
 
 /// Tells of one rule.
-class Tell {
+class TellLoss {
   public:
-    Tell(FindingList& findings, const VELHLSRule& rule) : findings_(findings), rule_(rule) {}
+    TellLoss(FindingList& findings, const VELHLSRule& rule) : findings_(findings), rule_(rule) {}
 
     /// At a piece of the line. Without `seen` that text is what was seen.
     void operator()(const LossLine& line, std::string_view piece, std::string_view seen = {}) const;
@@ -121,7 +121,7 @@ struct LossPattern {
 template <typename Subject>
 struct Loss {
     VELHLSRule rule;
-    void (*find)(const Subject& subject, const Tell& tell);
+    void (*find)(const Subject& subject, const TellLoss& tell);
 };
 
 /// What stands after the line that ended the playlist.

@@ -12,7 +12,7 @@ namespace {
 template <typename Entry, typename Subject>
 void findAll(const LossTable<Entry>& losses, const Subject& subject, FindingList& findings) {
     for (const Entry& loss : losses)
-        loss.find(subject, Tell(findings, loss.rule));
+        loss.find(subject, TellLoss(findings, loss.rule));
 }
 
 template <typename Entry>
@@ -95,8 +95,8 @@ void findLossesOfSegments(const VELHLSMediaStream& stream, const Reading& readin
         // A pattern repeats its lines: what is to be said of them is said once.
         if (record.firstLine > lastLine) {
             const bool isOfPattern = lines.roleOf(record.lastLine) == LineRole::pattern;
-            findAll(segmentLosses(),
-                    LossSegment{**segment, previous, linesOfRecord.of(record), isOfPattern}, findings);
+            findAll(segmentLosses(), LossSegment{**segment, previous, linesOfRecord.of(record), isOfPattern},
+                    findings);
             lastLine = record.lastLine;
         }
         previous = segment->get();

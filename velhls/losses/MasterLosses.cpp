@@ -1,9 +1,8 @@
-#include "velhls/losses/Loss.h"
-
 #include <iterator>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/losses/Loss.h"
 
 namespace velhls {
 namespace {
@@ -19,30 +18,29 @@ bool isRecord(const LossLine& line, std::string_view tagName) {
     return line.isTagNamed(tagName) && line.role == LineRole::record;
 }
 
-void findHeaderThatEnds(const LossLine& line, const Tell& tell) {
+void findHeaderThatEnds(const LossLine& line, const TellLoss& tell) {
     if (line.isTagNamed(tag::extM3U) && !line.tag.hasColon && line.playlist->hasHeader) {
         tell(line, line.text);
     }
 }
 
-void findTagAsUri(const LossLine& line, const Tell& tell) {
+void findTagAsUri(const LossLine& line, const TellLoss& tell) {
     const bool isUri = line.role == LineRole::variantUri && line.isKept;
     if (isUri && isTagOrComment(line.text)) tell(line, line.text);
 }
 
-void findUriAttribute(const LossLine& line, const Tell& tell) {
+void findUriAttribute(const LossLine& line, const TellLoss& tell) {
     const Attribute* const uri = line.isTagNamed(tag::streamInf) ? line.find(attribute::uri) : nullptr;
     if (uri != nullptr) tell(line, uri->value);
 }
 
-void findCaptionsNoneAdded(const LossLine& line, const Tell& tell) {
+void findCaptionsNoneAdded(const LossLine& line, const TellLoss& tell) {
     const bool isVariant = isVariantTag(line) && line.role == LineRole::record;
     if (isVariant && line.find(attribute::closedCaptions) == nullptr) tell(line, line.tag.name, "none");
 }
 
-void findQuotedNone(const LossLine& line, const Tell& tell) {
-    const Attribute* const captions =
-        isVariantTag(line) ? line.find(attribute::closedCaptions) : nullptr;
+void findQuotedNone(const LossLine& line, const TellLoss& tell) {
+    const Attribute* const captions = isVariantTag(line) ? line.find(attribute::closedCaptions) : nullptr;
     if (captions != nullptr && captions->isQuoted && captions->value == fixed::none) {
         tell(line, captions->value);
     }
@@ -53,24 +51,24 @@ bool isDefaultRendition(const LossLine& line) {
     return flag != nullptr && flag->value == fixed::yes;
 }
 
-void findImpliedAutoSelect(const LossLine& line, const Tell& tell) {
+void findImpliedAutoSelect(const LossLine& line, const TellLoss& tell) {
     if (!isDefaultRendition(line) || line.find(attribute::autoSelect) != nullptr) return;
     tell(line, line.find(attribute::defaultFlag)->value, "none");
 }
 
-void findOverruledAutoSelect(const LossLine& line, const Tell& tell) {
+void findOverruledAutoSelect(const LossLine& line, const TellLoss& tell) {
     const Attribute* const said = isDefaultRendition(line) ? line.find(attribute::autoSelect) : nullptr;
     if (said != nullptr && said->value == fixed::no) tell(line, said->value);
 }
 
-void findAudioTrackType(const LossLine& line, const Tell& tell) {
+void findAudioTrackType(const LossLine& line, const TellLoss& tell) {
     const Attribute* const type =
         line.isTagNamed(tag::media) ? line.find(attribute::audioTrackType) : nullptr;
     if (type != nullptr) tell(line, type->name);
 }
 
 /// The model holds a set of them.
-void findChangedCharacteristics(const LossLine& line, const Tell& tell) {
+void findChangedCharacteristics(const LossLine& line, const TellLoss& tell) {
     const Attribute* const list =
         line.isTagNamed(tag::media) ? line.find(attribute::characteristics) : nullptr;
     if (list == nullptr) return;
@@ -85,33 +83,33 @@ void findChangedCharacteristics(const LossLine& line, const Tell& tell) {
     }
 }
 
-void findRepeatedRendition(const LossLine& line, const Tell& tell) {
+void findRepeatedRendition(const LossLine& line, const TellLoss& tell) {
     if (isRecord(line, tag::media) && !line.isKept) tell(line, line.find(attribute::name)->value);
 }
 
 /// The colon before its name is what the attribute is lost for.
-void findLostSessionData(const LossLine& line, const Tell& tell) {
+void findLostSessionData(const LossLine& line, const TellLoss& tell) {
     if (!isRecord(line, tag::sessionData) || line.attributes == nullptr) return;
     for (const Attribute& attribute : line.attributes->all) {
         if (startsWith(attribute.name, ":")) return tell(line, attribute.name.substr(1));
     }
 }
 
-void findSessionKey(const LossLine& line, const Tell& tell) {
+void findSessionKey(const LossLine& line, const TellLoss& tell) {
     if (isRecord(line, tag::sessionKey)) tell(line, line.tag.name);
 }
 
-void findDroppedStreamInformation(const LossLine& line, const Tell& tell) {
+void findDroppedStreamInformation(const LossLine& line, const TellLoss& tell) {
     if (!line.isTagNamed(tag::zorStreamInf) || line.role != LineRole::alone) return;
     tell(line, line.tag.hasColon ? line.tag.value : line.text);
 }
 
-void findUnpairedStreamInformation(const LossLine& line, const Tell& tell) {
+void findUnpairedStreamInformation(const LossLine& line, const TellLoss& tell) {
     const bool isUnpaired = line.playlist->pairsStreamInformation == false;
     if (isRecord(line, tag::zorStreamInf) && isUnpaired) tell(line, line.tag.name);
 }
 
-void findPairedStreamInformation(const LossLine& line, const Tell& tell) {
+void findPairedStreamInformation(const LossLine& line, const TellLoss& tell) {
     const bool isPaired = line.playlist->pairsStreamInformation == true;
     if (isRecord(line, tag::zorStreamInf) && isPaired) tell(line, line.tag.name);
 }

@@ -1,5 +1,3 @@
-#include "velhls/losses/Loss.h"
-
 #include <array>
 #include <cmath>
 #include <iterator>
@@ -11,8 +9,9 @@
 #include "velhls/common/Numbers.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/common/Timestamps.h"
-#include "velhls/media/RangeText.h"
+#include "velhls/common/VELHLSUtility.h"
+#include "velhls/losses/Loss.h"
+#include "velhls/media/VELHLSByteRange.h"
 
 namespace velhls {
 namespace {
@@ -25,16 +24,16 @@ bool isCueMarker(const LossLine& line) {
     return line.tag.hasColon && (line.tag.name == tag::cueOut || line.tag.name == tag::cueOutCont);
 }
 
-void findDroppedCueIn(const LossLine& line, const Tell& tell) {
+void findDroppedCueIn(const LossLine& line, const TellLoss& tell) {
     if (line.isTagNamed(tag::cueIn) && line.role == LineRole::alone) tell(line, line.tag.name);
 }
 
-void findIgnoredCueOut(const LossLine& line, const Tell& tell) {
+void findIgnoredCueOut(const LossLine& line, const TellLoss& tell) {
     const bool isAlone = line.role == LineRole::alone && !line.tag.hasColon;
     if (line.isTagNamed(tag::cueOut) && isAlone) tell(line, line.tag.name);
 }
 
-void findCueMarker(const LossLine& line, const Tell& tell) {
+void findCueMarker(const LossLine& line, const TellLoss& tell) {
     if (line.isTag && line.role != LineRole::alone && isCueMarker(line)) tell(line, line.tag.name);
 }
 
@@ -65,50 +64,49 @@ bool isKeptByRendering(double duration) {
     return toDouble({text.data(), static_cast<std::size_t>(end - text.data())}) == duration;
 }
 
-void findNegativeDuration(const LossLine& line, const Tell& tell) {
+void findNegativeDuration(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (duration && duration->seconds < 0.0) tell(line, duration->text);
 }
 
-void findRoundedDuration(const LossLine& line, const Tell& tell) {
+void findRoundedDuration(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (!duration || !std::isfinite(duration->seconds)) return;
     if (!isKeptByRendering(duration->seconds)) tell(line, duration->text);
 }
 
-void findMissingComma(const LossLine& line, const Tell& tell) {
+void findMissingComma(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (duration && duration->title.empty()) tell(line, duration->text);
 }
 
-void findEmptyTitle(const LossLine& line, const Tell& tell) {
+void findEmptyTitle(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (duration && duration->title == ",") tell(line, duration->title, "\",\" written as \",,\"");
 }
 
-void findTitle(const LossLine& line, const Tell& tell) {
+void findTitle(const LossLine& line, const TellLoss& tell) {
     const std::optional<Duration> duration = durationOf(line);
     if (duration && duration->title.size() > 1) tell(line, duration->title.substr(1));
 }
 
 bool isEmptyRange(std::string_view text) {
     VELHLSByteRange range;
-    Reason ignored;
     try {
-        return readRange(text, '@', false, range, ignored) && range.length == 0;
+        return range.parse(std::string(text), '@', false) == 0 && range.length == 0;
     } catch (const std::logic_error&) {
         // Rejected.
         return false;
     }
 }
 
-void findEmptyRange(const LossLine& line, const Tell& tell) {
+void findEmptyRange(const LossLine& line, const TellLoss& tell) {
     if (line.isTagNamed(tag::byteRange) && isEmptyRange(line.tag.value)) tell(line, line.tag.value);
     const Attribute* const range = line.isTagNamed(tag::map) ? line.find(attribute::byteRange) : nullptr;
     if (range != nullptr && isEmptyRange(range->value)) tell(line, range->value);
 }
 
-void findIgnoredByNone(const LossLine& line, const Tell& tell) {
+void findIgnoredByNone(const LossLine& line, const TellLoss& tell) {
     const Attribute* const method = line.isTagNamed(tag::key) ? line.find(attribute::method) : nullptr;
     if (method == nullptr || method->value != fixed::none) return;
     line.forEachAttribute([&](const Attribute& attribute) {
@@ -128,13 +126,12 @@ constexpr std::size_t minuteLength = std::string_view("2026-11-21T10:00").size()
 /// Nothing for a line that is no EXT-X-PROGRAM-DATE-TIME, or whose value is not read.
 std::optional<Timestamp> timestampOf(const LossLine& line) {
     if (!line.isTagNamed(tag::programDateTime) || !line.tag.hasColon) return std::nullopt;
-    Reason ignored;
     try {
-        const double seconds = readTimestamp(line.tag.value, ignored);
+        const double seconds = VELHLSUtility::parseTimestamp(std::string(line.tag.value));
         if (seconds < 0.0) return std::nullopt;
-        std::array<char, mostTimestampBytes> text;
-        char* const end = TimestampWriter().put(text.data(), seconds);
-        return Timestamp{line.tag.value, seconds, std::string(text.data(), end)};
+        std::string written;
+        VELHLSUtility::renderTimestamp(seconds, written);
+        return Timestamp{line.tag.value, seconds, written};
     } catch (const std::logic_error&) {
         // Rejected.
         return std::nullopt;
@@ -166,35 +163,35 @@ std::optional<std::string_view> zoneOf(const Timestamp& timestamp) {
     return text.substr(zone);
 }
 
-void findOtherDate(const LossLine& line, const Tell& tell) {
+void findOtherDate(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (!timestamp || zoneOf(*timestamp)) return;
     tell(line, timestamp->text, quoted(timestamp->text) + ", read as " + timestamp->written);
 }
 
-void findUnappliedOffset(const LossLine& line, const Tell& tell) {
+void findUnappliedOffset(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     const auto zone = timestamp ? zoneOf(*timestamp) : std::nullopt;
     if (zone && !holdsNone(*zone, CharacterSet("123456789"))) tell(line, *zone);
 }
 
-void findRoundedDate(const LossLine& line, const Tell& tell) {
+void findRoundedDate(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (!timestamp || !zoneOf(*timestamp)) return;
     constexpr double millisecond = 0.001;
-    Reason ignored;
-    const double lostSeconds = std::abs(readTimestamp(timestamp->written, ignored) - timestamp->seconds);
+    const double lostSeconds =
+        std::abs(VELHLSUtility::parseTimestamp(timestamp->written) - timestamp->seconds);
     if (lostSeconds > millisecond / 100) tell(line, timestamp->text);
 }
 
-void findShortenedSeconds(const LossLine& line, const Tell& tell) {
+void findShortenedSeconds(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (!timestamp || !zoneOf(*timestamp)) return;
     // The first digit of the seconds stands two after the minute.
     if (timestamp->written[minuteLength + 2] == '.') tell(line, timestamp->text);
 }
 
-void findFirstSecond(const LossLine& line, const Tell& tell) {
+void findFirstSecond(const LossLine& line, const TellLoss& tell) {
     const std::optional<Timestamp> timestamp = timestampOf(line);
     if (timestamp && timestamp->seconds == 0.0) tell(line, timestamp->text);
 }
@@ -204,18 +201,18 @@ bool definesVariable(const LossLine& line) {
            line.find(attribute::name) != nullptr && line.find(attribute::value) != nullptr;
 }
 
-void findDefinition(const LossLine& line, const Tell& tell) {
+void findDefinition(const LossLine& line, const TellLoss& tell) {
     if (definesVariable(line)) tell(line, line.tag.name);
 }
 
-void findReplacedVariable(const LossLine& line, const Tell& tell) {
+void findReplacedVariable(const LossLine& line, const TellLoss& tell) {
     if (!definesVariable(line)) return;
     const std::string_view name = line.find(attribute::name)->value;
     if (line.playlist->variables.count(name) != 0) tell(line, name);
 }
 
 /// Blank lines and comments are nothing that could be lost.
-void findContent(const LossRest& rest, const Tell& tell) {
+void findContent(const LossRest& rest, const TellLoss& tell) {
     for (std::size_t number = rest.firstLine; number <= rest.lines.count(); ++number) {
         const std::string_view line = rest.lines.line(number);
         const bool isComment = isTagOrComment(line) && !isStandardTag(line) && !isVendorTag(line);

@@ -1,8 +1,7 @@
-#include "velhls/losses/Loss.h"
-
 #include <iterator>
 
 #include "velhls/common/Names.h"
+#include "velhls/losses/Loss.h"
 
 namespace velhls {
 namespace {
@@ -15,16 +14,16 @@ bool isOwnTag(const LossLine& line) {
            line.isTagNamed(tag::zorPatternRepeat);
 }
 
-void findPattern(const LossPattern& pattern, const Tell& tell) {
+void findPattern(const LossPattern& pattern, const TellLoss& tell) {
     tell(pattern.start(), pattern.start().tag.name);
 }
 
-void findMissingRepeat(const LossPattern& pattern, const Tell& tell) {
+void findMissingRepeat(const LossPattern& pattern, const TellLoss& tell) {
     const bool ends = pattern.lines.back().isTagNamed(tag::zorPatternRepeat);
     if (!ends) tell(pattern.start(), pattern.start().tag.name, "none");
 }
 
-void findLineAfterEnd(const LossPattern& pattern, const Tell& tell) {
+void findLineAfterEnd(const LossPattern& pattern, const TellLoss& tell) {
     for (std::size_t index = pattern.startLine + 1; index < pattern.lines.size(); ++index) {
         const LossLine& line = pattern.lines[index];
         if (pattern.lines[index - 1].isTagNamed(tag::zorPatternEnd) && !isOwnTag(line)) tell(line, line.text);
@@ -32,7 +31,7 @@ void findLineAfterEnd(const LossPattern& pattern, const Tell& tell) {
 }
 
 /// The lines of a pattern's body are kept as they stand; those of a segment before its start are not.
-void findCarriageReturn(const LossPattern& pattern, const Tell& tell) {
+void findCarriageReturn(const LossPattern& pattern, const TellLoss& tell) {
     for (std::size_t index = pattern.startLine + 1; index < pattern.lines.size(); ++index) {
         const LossLine& line = pattern.lines[index];
         const std::size_t length = line.lineOfText.size();
@@ -41,7 +40,7 @@ void findCarriageReturn(const LossPattern& pattern, const Tell& tell) {
     }
 }
 
-void findPatternWithoutSegments(const LossPattern& pattern, const Tell& tell) {
+void findPatternWithoutSegments(const LossPattern& pattern, const TellLoss& tell) {
     if (!pattern.madeSegments) tell(pattern.start(), pattern.start().tag.name, "none");
 }
 

@@ -11,8 +11,8 @@
 namespace velhls {
 namespace {
 
-constexpr std::array tagsWithAttributesInMaster = {tag::streamInf,  tag::iFrameStreamInf, tag::media,
-                                                   tag::sessionData, tag::sessionKey,     tag::start,
+constexpr std::array tagsWithAttributesInMaster = {tag::streamInf,   tag::iFrameStreamInf, tag::media,
+                                                   tag::sessionData, tag::sessionKey,      tag::start,
                                                    tag::zorStreamInf};
 constexpr std::array tagsWithAttributesInMedia = {tag::key, tag::map, tag::start, tag::define};
 

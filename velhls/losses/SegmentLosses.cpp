@@ -1,12 +1,11 @@
-#include "velhls/losses/Loss.h"
-
 #include <bitset>
 #include <iterator>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/media/RangeText.h"
+#include "velhls/common/UriRange.h"
+#include "velhls/losses/Loss.h"
 
 namespace velhls {
 namespace {
@@ -14,7 +13,7 @@ namespace {
 constexpr bool lost = true;
 constexpr bool kept = false;
 
-void findReplacedTag(const LossSegment& segment, const Tell& tell) {
+void findReplacedTag(const LossSegment& segment, const TellLoss& tell) {
     std::bitset<usedTags.size()> seen;
     for (const LossLine& line : segment.lines) {
         const std::size_t index = line.isTag ? indexOfUsedTag(line.tag.name) : usedTags.size();
@@ -25,14 +24,14 @@ void findReplacedTag(const LossSegment& segment, const Tell& tell) {
 }
 
 /// The lines of a pattern's URIs are trimmed before variables are put into them.
-void findTrimmedUri(const LossSegment& segment, const Tell& tell) {
+void findTrimmedUri(const LossSegment& segment, const TellLoss& tell) {
     const LossLine& line = segment.uriLine();
     const std::string_view uri = withoutTrailing(line.text, blanks);
     if (!segment.isOfPattern && uri.size() != line.text.size()) tell(line, line.text.substr(uri.size()));
 }
 
 /// Only the URIs of segments that a media pattern makes have their variables replaced.
-void findReference(const LossSegment& segment, const Tell& tell) {
+void findReference(const LossSegment& segment, const TellLoss& tell) {
     constexpr std::string_view start = "{$";
     for (const LossLine& line : segment.lines) {
         if (!line.isTagNamed(tag::key) && !line.isTagNamed(tag::map)) continue;
@@ -47,25 +46,41 @@ void findReference(const LossSegment& segment, const Tell& tell) {
     tell(segment.uriLine(), segment.inUriLine(uri.substr(reference)));
 }
 
-void findRangeInUri(const LossSegment& segment, const Tell& tell) {
+void findRangeInUri(const LossSegment& segment, const TellLoss& tell) {
     if (segment.segment.byteRange == nullptr || segment.hasTag(tag::byteRange)) return;
     const std::string_view uri = segment.segment.uri;
     tell(segment.uriLine(), segment.inUriLine(uri.substr(startOfRangeInUri(uri))));
 }
 
-void findAddedDate(const LossSegment& segment, const Tell& tell) {
+void findAddedDate(const LossSegment& segment, const TellLoss& tell) {
     const bool isDated = segment.segment.programDateTime > 0.0;
     if (segment.previous == nullptr || !isDated || segment.hasTag(tag::programDateTime)) return;
     tell(segment.uriLine(), segment.inUriLine(segment.segment.uri), "none");
 }
 
-void findRepeatedKeyAndMap(const LossSegment& segment, const Tell& tell) {
+void findRepeatedKeyAndMap(const LossSegment& segment, const TellLoss& tell) {
     if (segment.previous == nullptr) return;
     const auto& key = segment.segment.protectionData;
     const auto& map = segment.segment.misMap;
     const bool inherits = (key != nullptr && key == segment.previous->protectionData) ||
                           (map != nullptr && map == segment.previous->misMap);
     if (inherits) tell(segment.uriLine(), segment.inUriLine(segment.segment.uri), "a segment without");
+}
+
+/// What is written holds the key before the map, and RFC 8216 has a key apply to the maps after it: one that stood in the
+/// clear is declared encrypted, and one of another key this one's.
+void findMapBeforeKey(const LossSegment& segment, const TellLoss& tell) {
+    const LossLine* key = nullptr;
+    bool mapFollows = false;
+    for (const LossLine& line : segment.lines) {
+        if (line.isTagNamed(tag::key)) {
+            key = &line;
+            mapFollows = false;
+        }
+        if (line.isTagNamed(tag::map)) mapFollows = true;
+    }
+    const bool hasMap = segment.segment.misMap != nullptr;
+    if (key != nullptr && hasMap && !mapFollows) tell(*key, key->tag.name, "EXT-X-MAP before it");
 }
 
 // clang-format off
@@ -82,6 +97,9 @@ constexpr SegmentLoss losses[] = {
     {{"key-and-map-repeated", VELHLSFinding::Note, "The key and map in force are written before every segment.",
       "EXT-X-KEY and EXT-X-MAP before every segment", libraryBehaviour, kept},
      findRepeatedKeyAndMap},
+    {{"map-before-key", VELHLSFinding::Warning, "An EXT-X-MAP before an EXT-X-KEY is written after it, which declares it encrypted otherwise.",
+      "EXT-X-KEY before the EXT-X-MAP that it applies to", libraryBehaviour, kept},
+     findMapBeforeKey},
     {{"byte-range-from-uri", VELHLSFinding::Warning, "A byte range is read out of a segment's URI.",
       "a byte range in EXT-X-BYTERANGE, not in the URI", vendorExtension, kept},
      findRangeInUri},

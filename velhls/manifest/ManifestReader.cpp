@@ -5,8 +5,10 @@
 
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
+#include "velhls/common/Readers.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/manifest/ManifestRules.h"
 #include "velhls/manifest/RecordTags.h"
 #include "velhls/media/KeyAndMapTags.h"
 
@@ -113,6 +115,17 @@ bool ManifestReader::readSessionKey(const TagLine& tagLine) {
 
 void ManifestReader::recordMade(const void* record) {
     if (reading_ != nullptr) reading_->recordMade(record);
+}
+
+std::shared_ptr<VELHLSParsedManifest> readMaster(std::string_view text, Reading& reading) {
+    auto manifest = ManifestReader(text, &reading).read();
+    if (manifest == nullptr) return nullptr;
+    manifest->sanitize();
+    const auto wanted = reading.readsOn() ? BrokenRules::Wanted::all : BrokenRules::Wanted::first;
+    const BrokenRules broken = brokenRulesOf(*manifest, wanted);
+    for (const BrokenRule& rule : broken.all())
+        reading.recordsRejected(rule);
+    return broken.empty() || reading.readsOn() ? manifest : nullptr;
 }
 
 }  // namespace velhls

@@ -10,7 +10,6 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/ReasonText.h"
-#include "velhls/manifest/RenditionTypeText.h"
 #include "velhls/media/KeyFormatVersions.h"
 
 namespace velhls {
@@ -37,7 +36,7 @@ void referToGroups(const VELHLSParsedManifest& manifest, BrokenRules& broken) {
         if (variant == nullptr) return broken.addByCaller();
         for (const auto& [type, groupId] : variant->groupIds) {
             if (holdsGroup(manifest, type, groupId)) continue;
-            broken.add({Rule::groupMissing, variant.get(), textOf(type).value_or(""), {}});
+            broken.add({Rule::groupMissing, variant.get(), Rendition::textOf(type), {}});
             if (broken.areEnough()) return;
         }
     }
@@ -54,8 +53,7 @@ void agreeWith(const Group& reference, const Group& group, BrokenRules& broken) 
                                "no rendition " + quoted(wanted->name)});
         }
         if (!wanted->equalExceptURIAndGroupID(found->second)) {
-            return broken.add(
-                {Rule::groupRenditionDifferent, found->second.get(), attribute::name, {}});
+            return broken.add({Rule::groupRenditionDifferent, found->second.get(), attribute::name, {}});
         }
     }
     if (group.size() == reference.size()) return;
@@ -71,8 +69,7 @@ void haveOneDefault(const Group& group, BrokenRules& broken) {
     for (const auto& [name, rendition] : group) {
         if (rendition == nullptr) return broken.addByCaller();
         if (rendition->isDefault && defaultSeen) {
-            return broken.add(
-                {Rule::groupDefaultRepeated, rendition.get(), attribute::defaultFlag, {}});
+            return broken.add({Rule::groupDefaultRepeated, rendition.get(), attribute::defaultFlag, {}});
         }
         defaultSeen = defaultSeen || rendition->isDefault;
     }
@@ -138,16 +135,6 @@ BrokenRules brokenRulesOf(const VELHLSParsedManifest& manifest, BrokenRules::Wan
         if (broken.areEnough()) break;
     }
     return broken;
-}
-
-Rejection rejectionOf(std::string_view text, const Reading& reading, const BrokenRule& broken) {
-    const auto& records = reading.records();
-    const auto lines = std::find_if(records.begin(), records.end(), [&broken](const RecordLines& record) {
-        return record.record == broken.record;
-    });
-    if (broken.record == nullptr || lines == records.end()) return {broken.rule, {}, broken.seen};
-    const std::string_view line = lineOf(text, lines->firstLine);
-    return {broken.rule, placeOfAttribute(lines->firstLine, line, broken.attribute), broken.seen};
 }
 
 }  // namespace velhls

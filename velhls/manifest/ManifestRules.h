@@ -2,27 +2,13 @@
 // other.
 #pragma once
 
-#include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "velhls/common/Reading.h"
-#include "velhls/common/Rule.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 
 namespace velhls {
-
-/// A rule that a record breaks.
-struct BrokenRule {
-    Rule rule = {};
-    /// Null when it is the manifest as a whole.
-    const void* record = nullptr;
-    /// The attribute of the record that breaks the rule, or an empty name.
-    std::string_view attribute;
-    /// What was seen there; empty for the text of the attribute itself.
-    std::string seen;
-};
 
 /// What the rules find: all that is broken, or no more than the first.
 class BrokenRules {
@@ -49,8 +35,5 @@ class BrokenRules {
 
 /// See VELHLSParsedManifest::validate. Where all are wanted each group is told at most once what it lacks.
 [[nodiscard]] BrokenRules brokenRulesOf(const VELHLSParsedManifest& manifest, BrokenRules::Wanted wanted);
-
-/// Where the record that breaks a rule stands in the text that was read.
-[[nodiscard]] Rejection rejectionOf(std::string_view text, const Reading& reading, const BrokenRule& broken);
 
 }  // namespace velhls

@@ -15,12 +15,6 @@ constexpr std::array<std::string_view, 4> texts = {attribute::audio, attribute::
 
 }  // namespace
 
-std::optional<std::string_view> textOf(VELHLSMediaStreamRendition::RenditionType type) {
-    const auto number = static_cast<std::size_t>(type);
-    if (number >= texts.size()) return std::nullopt;
-    return texts[number];
-}
-
 std::optional<VELHLSMediaStreamRendition::RenditionType> renditionTypeNamed(std::string_view text) {
     for (std::uint32_t number = 0; number < texts.size(); ++number) {
         if (texts[number] == text) return static_cast<VELHLSMediaStreamRendition::RenditionType>(number);
@@ -29,3 +23,8 @@ std::optional<VELHLSMediaStreamRendition::RenditionType> renditionTypeNamed(std:
 }
 
 }  // namespace velhls
+
+std::string_view VELHLSMediaStreamRendition::textOf(RenditionType type) noexcept {
+    const auto number = static_cast<std::size_t>(type);
+    return number < velhls::texts.size() ? velhls::texts[number] : std::string_view();
+}

@@ -9,9 +9,6 @@
 
 namespace velhls {
 
-/// Nothing for a value that is none of the four types.
-[[nodiscard]] std::optional<std::string_view> textOf(VELHLSMediaStreamRendition::RenditionType type);
-
 /// Nothing for a text that names no type.
 [[nodiscard]] std::optional<VELHLSMediaStreamRendition::RenditionType> renditionTypeNamed(
     std::string_view text);

@@ -106,8 +106,8 @@ std::string joinedByCommas(const std::set<std::string>& pieces) {
 
 }  // namespace
 
-std::shared_ptr<VELHLSMediaStreamRendition> velhls::readRendition(const TagLine& tagLine,
-                                                                  RecordMaker* maker, Reason& why) {
+std::shared_ptr<VELHLSMediaStreamRendition> velhls::readRendition(const TagLine& tagLine, RecordMaker* maker,
+                                                                  Reason& why) {
     AttributeList attributes;
     if (!attributes.read(tagLine.value, why)) return nullptr;
     auto rendition = makeRecord<ReadRendition>(maker);
@@ -149,10 +149,6 @@ std::shared_ptr<VELHLSMediaStreamRendition> VELHLSMediaStreamRendition::parse(co
     velhls::Reason ignored;
     if (!velhls::isTagLine(line, velhls::tag::media)) return nullptr;
     return velhls::readRendition(velhls::TagLine(line), nullptr, ignored);
-}
-
-std::string_view VELHLSMediaStreamRendition::textOf(RenditionType type) noexcept {
-    return velhls::textOf(type).value_or("");
 }
 
 std::int32_t VELHLSMediaStreamRendition::render(std::string& out) const {

@@ -6,7 +6,7 @@
 
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Reading.h"
+#include "velhls/common/Readers.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TimedParse.h"
@@ -63,15 +63,6 @@ std::shared_ptr<VELHLSParsedManifest> finished(std::shared_ptr<VELHLSParsedManif
     return manifest;
 }
 
-/// Of a text that is rejected.
-velhls::Rejection firstRejection(std::string_view text) {
-    velhls::Reading reading(text, velhls::Reading::Extent::toFirstRejection);
-    const auto manifest = velhls::ManifestReader(text, &reading).read();
-    if (manifest == nullptr) return reading.rejections().front();
-    const auto broken = velhls::brokenRulesOf(*manifest, velhls::BrokenRules::Wanted::first);
-    return velhls::rejectionOf(text, reading, broken.all().front());
-}
-
 }  // namespace
 
 std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::istream& input,
@@ -86,7 +77,10 @@ std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::s
     } catch (const std::logic_error&) {
         // A number that cannot be converted. The second reading takes it for a reason.
     }
-    if (reason != nullptr) *reason = velhls::reasonOf(text, firstRejection(text));
+    if (reason == nullptr) return nullptr;
+    velhls::Reading reading(text, velhls::Reading::Extent::toFirstRejection);
+    static_cast<void>(velhls::readMaster(text, reading));
+    *reason = velhls::reasonOf(text, reading.rejections().front());
     return nullptr;
 }
 

@@ -6,6 +6,7 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/PatternTags.h"
+#include "velhls/common/Readers.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
@@ -103,7 +104,8 @@ bool MediaStreamReader::readSegment(bool afterDiscontinuity) {
 bool MediaStreamReader::appendPattern() {
     const VELHLSMediaPattern& pattern = *segmentReader_.pattern();
     const SegmentSurroundings surroundings{&recordMaker_, stream_->hlsDefineMap, nullptr, reading_};
-    if (!createSegments(stream_->segments, pattern, nextOrigin(), surroundings, allowance_, why_)) return false;
+    if (!createSegments(stream_->segments, pattern, nextOrigin(), surroundings, allowance_, why_))
+        return false;
     if (reading_ != nullptr) reading_->patternMade();
     return true;
 }
@@ -112,6 +114,10 @@ SegmentOrigin MediaStreamReader::nextOrigin() const {
     return {stream_->segments.empty() ? nullptr : stream_->segments.back().get(),
             static_cast<std::uint64_t>(stream_->mediaSequence),
             static_cast<std::uint64_t>(stream_->discontinuitySequence)};
+}
+
+std::shared_ptr<VELHLSMediaStream> readMedia(std::string_view text, Reading& reading) {
+    return MediaStreamReader(text, &reading).read();
 }
 
 }  // namespace velhls

@@ -8,20 +8,16 @@
 #include "velhls/common/Numbers.h"
 #include "velhls/common/Reason.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/common/UriRange.h"
 #include "velhls/media/VELHLSByteRange.h"
 
 namespace velhls {
 
 /// See VELHLSByteRange::parse. False when the text is no range; `range` is then left as it was.
-[[nodiscard]] bool readRange(std::string_view text, char separator, bool inclusiveRange, VELHLSByteRange& range,
-                             Reason& why);
+[[nodiscard]] bool readRange(std::string_view text, char separator, bool inclusiveRange,
+                             VELHLSByteRange& range, Reason& why);
 
 inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
-
-/// A range in a URI is looked for from here on where nothing marks it, one less than the length of the marker:
-/// what "not found" plus that length wraps around to. Kept as it is: which URIs are read as ranges, and that
-/// shorter ones throw, is part of the interface.
-inline constexpr std::size_t shortestUriWithoutRange = 6;
 
 /// Puts the text of a range of no negative length to where there is room for `mostRangeBytes`, and returns
 /// the place after it. See VELHLSByteRange::render.
@@ -32,9 +28,6 @@ inline constexpr std::size_t shortestUriWithoutRange = 6;
 [[nodiscard]] inline bool mayHoldRange(std::string_view uri) {
     return uri.size() < shortestUriWithoutRange || isDigit(uri.back());
 }
-
-/// Where a range in a URI of at least six characters begins, if it has one.
-[[nodiscard]] std::size_t startOfRangeInUri(std::string_view uri);
 
 /// See getByteRangeFromUri. False when there is no range; `range` is then left as it was. One of a negative length, and
 /// a URI that is too short, which throws, have a reason.

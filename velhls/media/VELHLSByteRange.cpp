@@ -85,13 +85,6 @@ char* putRange(char* to, const VELHLSByteRange& range) {
     return putDecimal(end, range.offset);
 }
 
-std::size_t startOfRangeInUri(std::string_view uri) {
-    constexpr std::string_view marker = "/range/";
-    static_assert(shortestUriWithoutRange == marker.size() - 1);
-    const std::size_t position = uri.rfind(marker);
-    return position != std::string_view::npos ? position + marker.size() : shortestUriWithoutRange;
-}
-
 bool readRangeInUri(std::string_view uri, VELHLSByteRange& range, Reason& why) {
     if (uri.empty() || !mayHoldRange(uri)) return false;
     if (uri.size() < shortestUriWithoutRange) {

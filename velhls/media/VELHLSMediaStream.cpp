@@ -8,7 +8,7 @@
 
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Reading.h"
+#include "velhls/common/Readers.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TimedParse.h"
@@ -66,7 +66,7 @@ std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::stri
     }
     if (reason == nullptr) return nullptr;
     velhls::Reading reading(text, velhls::Reading::Extent::toFirstRejection);
-    static_cast<void>(velhls::MediaStreamReader(text, &reading).read());
+    static_cast<void>(velhls::readMedia(text, reading));
     *reason = velhls::reasonOf(text, reading.rejections().front());
     return nullptr;
 }

@@ -89,7 +89,8 @@ VELHLSProtectionData::VELHLSProtectionData(ProtectionMethod method, const std::s
       keyFormatVersions(versions.empty() ? std::vector<std::int32_t>{1} : std::move(versions)) {}
 
 std::int32_t VELHLSProtectionData::parse(const std::string& line) {
-    const bool isKey = velhls::isTagLine(line, velhls::tag::key) || velhls::isTagLine(line, velhls::tag::sessionKey);
+    const bool isKey =
+        velhls::isTagLine(line, velhls::tag::key) || velhls::isTagLine(line, velhls::tag::sessionKey);
     velhls::Reason ignored;
     return isKey && velhls::readKey(velhls::TagLine(line), *this, ignored) ? 0 : -1;
 }

@@ -28,7 +28,7 @@ class StandardFindings {
     /// Of one rule. The last of them tells how many more there were.
     static constexpr std::size_t mostOfOneRule = 100;
 
-    explicit StandardFindings(StandardProfile profile) : profile_(nameOf(profile)) {}
+    explicit StandardFindings(StandardProfile profile) : profile_(VELHLSStandard::nameOf(profile)) {}
 
     /// Adds a finding at a piece of the line.
     void add(const StandardRule& rule, const VELHLSLine& line, std::string_view piece,

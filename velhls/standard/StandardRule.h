@@ -2,25 +2,14 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 
 #include "velhls/document/VELHLSRule.h"
+#include "velhls/standard/VELHLSStandard.h"
 
 namespace velhls {
 
-/// By what a text is checked.
-enum class StandardProfile : std::uint8_t {
-    rfc8216,     ///< RFC 8216
-    rfc8216bis,  ///< RFC 8216 as its successor changes it (draft-pantos-hls-rfc8216bis)
-    apple,       ///< Apple's authoring rules for its devices, and nothing else
-};
-
-/// "rfc8216", "rfc8216bis" or "apple".
-[[nodiscard]] constexpr std::string_view nameOf(StandardProfile profile) {
-    if (profile == StandardProfile::apple) return "apple";
-    return profile == StandardProfile::rfc8216 ? "rfc8216" : "rfc8216bis";
-}
+using StandardProfile = VELHLSStandard::Profile;
 
 /// A rule of the standard.
 struct StandardRule {

@@ -1,0 +1,25 @@
+// What a user's first program with velhls::check does: check a playlist, and read it with the models. All consumers that
+// ask for check build this one.
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+#include "velhls/VELHLS.h"
+#include "velhls/VELHLSCheck.h"
+
+int main() {
+    const std::string text =
+        "#EXTM3U\n"
+        "#EXT-X-STREAM-INF:BANDWIDTH=0\n"
+        "low.m3u8\n";
+    bool hasErrors = false;
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text)) {
+        if (finding.severity != VELHLSFinding::Error) continue;
+        hasErrors = true;
+        std::cout << finding.line << ":" << finding.column << ": " << finding.ruleId << "\n";
+    }
+    if (!hasErrors || VELHLSParsedManifest::parseManifest(text) != nullptr) return EXIT_FAILURE;
+    std::cout << ZORHLSManifestLibVersionNumber << "\n";
+    return EXIT_SUCCESS;
+}

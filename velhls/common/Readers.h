@@ -1,0 +1,25 @@
+// Internal to the libraries, not installed: the one way from velhls::check to the readers.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "velhls/common/PrivateExport.h"
+#include "velhls/common/Reading.h"
+
+class VELHLSMediaStream;
+class VELHLSParsedManifest;
+
+namespace velhls {
+
+/// Reads a playlist as its parse does, for somebody who follows: the reading, which was made for this text, learns where
+/// the records stand and why something is rejected, broken rules between the records of a master playlist included.
+///
+/// Null when the playlist is rejected. A reading that goes on after rejections gives what was not rejected. Throws
+/// std::bad_alloc alone: a number that cannot be converted is a rejection.
+[[nodiscard]] VELHLS_PRIVATE_API std::shared_ptr<VELHLSParsedManifest> readMaster(std::string_view text,
+                                                                                  Reading& reading);
+[[nodiscard]] VELHLS_PRIVATE_API std::shared_ptr<VELHLSMediaStream> readMedia(std::string_view text,
+                                                                              Reading& reading);
+
+}  // namespace velhls
