@@ -21,6 +21,9 @@ class AttributeWriter {
         out_ += tag;
     }
 
+    /// Goes on with a line that has attributes, and does not end yet.
+    explicit AttributeWriter(std::string& out) : out_(out), before_(',') {}
+
     /// A value without quotes.
     AttributeWriter& append(std::string_view name, std::string_view value) {
         appendName(name);

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
@@ -29,14 +30,10 @@ void appendHeader(std::string& out, std::int32_t version, const NeededVersion& n
 void appendStart(std::string& out, double timeOffset, bool precise) {
     std::array<char, mostShortestBytes> digits;
     const char* const end = putShortest(digits.data(), timeOffset);
-    appendTag(out, tag::start);
-    appendAttribute(out, attribute::timeOffset,
-                    {digits.data(), static_cast<std::size_t>(end - digits.data())});
-    if (precise) {
-        out += ',';
-        appendAttribute(out, attribute::precise, fixed::yes);
-    }
-    out += '\n';
+    AttributeWriter(out, tag::start)
+        .append(attribute::timeOffset, {digits.data(), static_cast<std::size_t>(end - digits.data())})
+        .appendIfSet(attribute::precise, precise)
+        .endLine();
 }
 
 }  // namespace velhls

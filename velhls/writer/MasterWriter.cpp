@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
-#include "velhls/manifest/RenditionTypeText.h"
 #include "velhls/writer/KeyRules.h"
 #include "velhls/writer/SafeText.h"
 
@@ -44,23 +44,6 @@ bool hasNominalBitrate(const VELHLSMediaVariant& variant) {
 
 bool namesCaptions(const std::shared_ptr<VELHLSMediaVariant>& variant) {
     return variant->groupIds.count(VELHLSMediaStreamRendition::ClosedCaptions) != 0;
-}
-
-void appendNumber(std::string& out, std::string_view name, std::uint64_t number) {
-    appendAttribute(out, name, "");
-    appendDecimal(out, number);
-}
-
-void appendNumberUnlessZero(std::string& out, std::string_view name, std::uint64_t number) {
-    if (number == 0) return;
-    out += ',';
-    appendNumber(out, name, number);
-}
-
-void appendQuotedUnlessEmpty(std::string& out, std::string_view name, std::string_view value) {
-    if (value.empty()) return;
-    out += ',';
-    appendQuotedAttribute(out, name, value);
 }
 
 }  // namespace
@@ -113,7 +96,7 @@ bool MasterWriter::appendRenditions(const VELHLSParsedManifest& manifest) {
 }
 
 bool MasterWriter::append(const VELHLSMediaStreamRendition& rendition) {
-    const bool hasType = textOf(rendition.type).has_value();
+    const bool hasType = !VELHLSMediaStreamRendition::textOf(rendition.type).empty();
     if (!hasType || !rendition.validate()) return refuse("it", "does not validate");
     if (!areSound({{attribute::groupId, rendition.groupId},
                    {attribute::name, rendition.name},
@@ -130,8 +113,7 @@ bool MasterWriter::append(const VELHLSMediaStreamRendition& rendition) {
     static_cast<void>(rendition.render(body_));
     if (!rendition.audioTrackType.empty()) {
         body_.pop_back();
-        appendQuotedUnlessEmpty(body_, attribute::audioTrackType, rendition.audioTrackType);
-        body_ += '\n';
+        AttributeWriter(body_).appendQuoted(attribute::audioTrackType, rendition.audioTrackType).endLine();
     }
     if (startsWith(rendition.instreamId, "SERVICE")) needed_.atLeast(7);
     return true;
@@ -154,10 +136,10 @@ bool MasterWriter::appendVariants(const VELHLSParsedManifest& manifest) {
 }
 
 void MasterWriter::appendNominalBitrates(const VELHLSMediaVariant& variant) {
-    appendTag(body_, tag::zorStreamInf);
-    appendNumber(body_, attribute::nominalVideoBitrate, variant.nominalVideoBitrate);
-    appendNumberUnlessZero(body_, attribute::nominalAudioBitrate, variant.nominalAudioBitrate);
-    body_ += '\n';
+    AttributeWriter(body_, tag::zorStreamInf)
+        .append(attribute::nominalVideoBitrate, variant.nominalVideoBitrate)
+        .appendUnlessZero(attribute::nominalAudioBitrate, variant.nominalAudioBitrate)
+        .endLine();
 }
 
 bool MasterWriter::append(const VELHLSMediaVariant& variant) {
@@ -171,32 +153,24 @@ bool MasterWriter::append(const VELHLSMediaVariant& variant) {
         return refuse(attribute::resolution, "holds a line end, a quote or a comma");
     }
 
-    appendTag(body_, variant.isIFrame ? tag::iFrameStreamInf : tag::streamInf);
-    appendNumber(body_, attribute::bandwidth, variant.bandwidth);
-    appendNumberUnlessZero(body_, attribute::averageBandwidth, variant.averageBandwidth);
-    appendNumberUnlessZero(body_, attribute::programId, variant.programId);
-    appendQuotedUnlessEmpty(body_, attribute::codecs, variant.codecs);
-    if (!variant.resolution.empty()) {
-        body_ += ',';
-        appendAttribute(body_, attribute::resolution, variant.resolution);
-    }
+    AttributeWriter line(body_, variant.isIFrame ? tag::iFrameStreamInf : tag::streamInf);
+    line.append(attribute::bandwidth, variant.bandwidth)
+        .appendUnlessZero(attribute::averageBandwidth, variant.averageBandwidth)
+        .appendUnlessZero(attribute::programId, variant.programId)
+        .appendQuotedUnlessEmpty(attribute::codecs, variant.codecs)
+        .appendUnlessEmpty(attribute::resolution, variant.resolution);
     for (const auto& [type, groupId] : variant.groupIds) {
-        const std::string_view name = textOf(type).value_or("");
+        const std::string_view name = VELHLSMediaStreamRendition::textOf(type);
         if (!areSound({{name, groupId}})) return false;
-        body_ += ',';
-        appendQuotedAttribute(body_, name, groupId);
-    }
-    if (writesNoCaptions_ && !variant.isIFrame) {
-        body_ += ',';
-        appendAttribute(body_, attribute::closedCaptions, fixed::none);
+        line.appendQuoted(name, groupId);
     }
     if (variant.isIFrame) {
-        body_ += ',';
-        appendQuotedAttribute(body_, attribute::uri, variant.uri);
-    } else {
-        body_ += '\n';
-        body_ += variant.uri;
+        line.appendQuoted(attribute::uri, variant.uri).endLine();
+        return true;
     }
+    if (writesNoCaptions_) line.append(attribute::closedCaptions, fixed::none);
+    line.endLine();
+    body_ += variant.uri;
     body_ += '\n';
     return true;
 }

@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "velhls/common/AttributeWriter.h"
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/Numbers.h"
@@ -248,17 +249,14 @@ bool MediaWriter::appendMap(const VELHLSMISMap& map) {
     if (map.uri.empty()) return refuse("the initialization section's URI", "is empty");
     if (!refuseUnless(whyNotQuoted(map.uri), "the initialization section's URI")) return false;
     line_.clear();
-    appendTag(line_, tag::map);
-    appendQuotedAttribute(line_, attribute::uri, map.uri);
-    if (map.byteRange != nullptr) {
-        std::string range;
-        if (map.byteRange->render(range) != 0) {
-            return refuse("the initialization section's byte range", "is negative");
-        }
-        line_ += ',';
-        appendQuotedAttribute(line_, attribute::byteRange, range);
+    std::string range;
+    if (map.byteRange != nullptr && map.byteRange->render(range) != 0) {
+        return refuse("the initialization section's byte range", "is negative");
     }
-    line_ += '\n';
+    AttributeWriter(line_, tag::map)
+        .appendQuoted(attribute::uri, map.uri)
+        .appendQuotedUnlessEmpty(attribute::byteRange, range)
+        .endLine();
     append(line_);
     hasMap_ = true;
     return true;
