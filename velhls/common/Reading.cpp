@@ -102,23 +102,30 @@ void Reading::recordBegins() {
 
 void Reading::recordMade(const void* record) {
     if (!isExpanding() || expandedLines_.empty()) {
-        records_.push_back({RecordLines::Kind::record, record, recordStart_.number, line_.number});
+        records_.push_back({RecordLines::Kind::record, false, record, recordStart_.number, line_.number});
         return;
     }
     const std::size_t first = expandedRecordStart_ % expandedLines_.size();
     records_.push_back(
-        {RecordLines::Kind::record, record, expandedLines_[first].number, currentLine().number});
+        {RecordLines::Kind::record, false, record, expandedLines_[first].number, currentLine().number});
     expandedRecordStart_ = expandedLinesRead_;
     cleanLines_.clear();
 }
 
 void Reading::patternMade() {
-    records_.push_back({RecordLines::Kind::pattern, nullptr, recordStart_.number, line_.number});
+    records_.push_back({RecordLines::Kind::pattern, false, nullptr, recordStart_.number, line_.number});
 }
 
 void Reading::recordRejected() {
     records_.resize(recordsBefore_);
-    records_.push_back({RecordLines::Kind::rejected, nullptr, recordStart_.number, line_.number});
+    // Lines that are no tags may be many and short, and each says the same.
+    const bool isPlain = recordStart_.number == line_.number && !isTagOrComment(line_.line);
+    if (isPlain && !records_.empty() && records_.back().kind == RecordLines::Kind::rejected &&
+        records_.back().isPlain && records_.back().lastLine + 1 == line_.number) {
+        records_.back().lastLine = line_.number;
+        return;
+    }
+    records_.push_back({RecordLines::Kind::rejected, isPlain, nullptr, recordStart_.number, line_.number});
 }
 
 void Reading::rejected(Reason& reason) {

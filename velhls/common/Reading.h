@@ -51,6 +51,8 @@ struct RecordLines {
     enum class Kind { record, pattern, rejected };
 
     Kind kind = Kind::record;
+    /// Rejected lines that are no tags: all that follow each other are one.
+    bool isPlain = false;
     /// Tells which record it is. Null for one that was not kept, for a pattern and for rejected lines.
     const void* record = nullptr;
     std::size_t firstLine = 1;

@@ -60,7 +60,7 @@ void ReadLines::setRoles(const RecordLines& record) {
     for (std::size_t number = record.firstLine; number <= record.lastLine; ++number)
         roles_[number] = role;
     areKept_[record.firstLine] = record.record != nullptr;
-    if (kind_ == Kind::media || record.lastLine == record.firstLine) return;
+    if (kind_ == Kind::media || record.lastLine == record.firstLine || record.isPlain) return;
     roles_[record.lastLine] = LineRole::variantUri;
     areKept_[record.lastLine] = record.record != nullptr;
 }
