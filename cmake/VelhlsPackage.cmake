@@ -63,11 +63,11 @@ endmacro()
 
 velhls_debian_package(runtime libvelhls${PROJECT_VERSION_MAJOR} libs "the shared library of the models")
 velhls_debian_package(development libvelhls-dev libdevel
-    "the headers of the models, and what CMake and pkg-config need")
+    "the headers of the models, and CMake and pkg-config files")
 velhls_debian_package(check_runtime libvelhls-check${PROJECT_VERSION_MAJOR} libs
     "the shared library that checks playlists")
 velhls_debian_package(check_development libvelhls-check-dev libdevel
-    "the headers of what checks playlists, and what CMake and pkg-config need")
+    "the headers for checks, and CMake and pkg-config files")
 velhls_debian_package(tool velhls video "the velhls command, its manual page and its completions")
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
 set(CPACK_COMPONENT_CHECK_RUNTIME_DEPENDS runtime)
