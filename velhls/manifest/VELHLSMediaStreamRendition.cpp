@@ -67,7 +67,7 @@ bool readAttribute(VELHLSMediaStreamRendition& rendition, const Attribute& read,
     return true;
 }
 
-struct BrokenRule {
+struct RuleAndAttribute {
     Rule rule;
     /// The attribute that breaks it, where it is there.
     std::string_view attributeName;
@@ -75,22 +75,24 @@ struct BrokenRule {
 
 /// The rules of a rendition, in the order in which they are looked at. No rule says that DEFAULT implies
 /// AUTOSELECT: reading a rendition makes it so, and `validate` looks at it for callers.
-std::optional<BrokenRule> brokenRule(const VELHLSMediaStreamRendition& rendition) {
+std::optional<RuleAndAttribute> brokenRule(const VELHLSMediaStreamRendition& rendition) {
     const bool captions = rendition.type == VELHLSMediaStreamRendition::ClosedCaptions;
     const bool subtitles = rendition.type == VELHLSMediaStreamRendition::Subtitles;
     const bool hasInstreamId = !rendition.instreamId.empty();
     if (rendition.type == VELHLSMediaStreamRendition::Unknown) {
-        return BrokenRule{Rule::renditionTypeMissing, attribute::type};
+        return RuleAndAttribute{Rule::renditionTypeMissing, attribute::type};
     }
-    if (rendition.groupId.empty()) return BrokenRule{Rule::renditionGroupIdMissing, attribute::groupId};
-    if (rendition.name.empty()) return BrokenRule{Rule::renditionNameMissing, attribute::name};
+    if (rendition.groupId.empty()) return RuleAndAttribute{Rule::renditionGroupIdMissing, attribute::groupId};
+    if (rendition.name.empty()) return RuleAndAttribute{Rule::renditionNameMissing, attribute::name};
     if (!captions && hasInstreamId) {
-        return BrokenRule{Rule::renditionInstreamIdUnexpected, attribute::instreamId};
+        return RuleAndAttribute{Rule::renditionInstreamIdUnexpected, attribute::instreamId};
     }
-    if (rendition.forced && !subtitles) return BrokenRule{Rule::renditionForcedUnexpected, attribute::forced};
-    if (captions && !rendition.uri.empty()) return BrokenRule{Rule::renditionCaptionsUri, attribute::uri};
+    if (rendition.forced && !subtitles)
+        return RuleAndAttribute{Rule::renditionForcedUnexpected, attribute::forced};
+    if (captions && !rendition.uri.empty())
+        return RuleAndAttribute{Rule::renditionCaptionsUri, attribute::uri};
     if (captions && !hasInstreamId) {
-        return BrokenRule{Rule::renditionInstreamIdMissing, attribute::instreamId};
+        return RuleAndAttribute{Rule::renditionInstreamIdMissing, attribute::instreamId};
     }
     return std::nullopt;
 }
@@ -116,7 +118,7 @@ std::shared_ptr<VELHLSMediaStreamRendition> velhls::readRendition(const TagLine&
     }
     // A default rendition may always be chosen without asking.
     if (rendition->isDefault) rendition->autoSelect = true;
-    const std::optional<BrokenRule> broken = brokenRule(*rendition);
+    const std::optional<RuleAndAttribute> broken = brokenRule(*rendition);
     if (!broken) return rendition;
     const std::optional<std::string_view> value = attributes.find(broken->attributeName);
     if (value) {
