@@ -140,6 +140,19 @@ TEST(VELHLSDiagnostics, TellsOfAMapThatIsWrittenAfterAKeyThatItStoodBefore) {
     EXPECT_FALSE(isFound({map}, ""));
 }
 
+TEST(VELHLSDiagnostics, AsksForTheTagThatIsNearlyWritten) {
+    const auto seenOf = [](const std::string& rule, const std::string& line) {
+        return seenBy(rule, lines({"#EXTM3U", line, "#EXTINF:6,", "segment.ts"}), VELHLSDiagnostics::Media);
+    };
+    EXPECT_EQ(seenOf("tag-ignored", "#EXT-X-END-LIST"), "\"EXT-X-END-LIST\", did you mean EXT-X-ENDLIST?");
+    EXPECT_EQ(seenOf("tag-ignored", "#EXT_X_Endlist"), "\"EXT_X_Endlist\", did you mean EXT-X-ENDLIST?");
+    EXPECT_EQ(seenOf("tag-ignored", "#EXT-X-SOMETHING"), "\"EXT-X-SOMETHING\"");
+    EXPECT_EQ(seenOf("comment-not-written", "#ext-x-targetduration:6"),
+              "\"#ext-x-targetduration:6\", did you mean EXT-X-TARGETDURATION?");
+    EXPECT_EQ(seenOf("comment-not-written", "# a comment"), "\"# a comment\"");
+    EXPECT_EQ(seenOf("comment-not-written", "#"), "\"#\"");
+}
+
 TEST(VELHLSDiagnostics, TellsWhatAMapDoesNotKeep) {
     const auto seenOf = [](const std::string& ruleId, const std::string& list) {
         return seenBy(ruleId, lines({"#EXTM3U", "#EXT-X-MAP:" + list, "#EXTINF:6,", "segment.ts"}),

@@ -12,6 +12,7 @@
 #include "velhls/common/Utf8.h"
 #include "velhls/diagnostics/AttributeTypes.h"
 #include "velhls/losses/LossText.h"
+#include "velhls/losses/TagSpelling.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 #include "velhls/media/VELHLSMediaStream.h"
 
@@ -231,7 +232,7 @@ void StandardRules::tagIgnored(const LossLine& line) {
     } else if (kind_ == VELHLSDiagnostics::Media && hasUse<ofMasterPlaylist>(line.tag.name)) {
         findings_.add(rule::tagOfMasterPlaylist, name);
     } else {
-        findings_.add(rule::tagIgnored, name);
+        findings_.add(rule::tagIgnored, name, quoted(line.tag.name) + didYouMean(line.tag.name));
     }
 }
 

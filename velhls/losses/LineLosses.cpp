@@ -12,6 +12,7 @@
 #include "velhls/common/TextScan.h"
 #include "velhls/losses/Loss.h"
 #include "velhls/losses/LossText.h"
+#include "velhls/losses/TagSpelling.h"
 
 namespace velhls {
 namespace {
@@ -110,7 +111,9 @@ void findIgnoredAttribute(const LossLine& line, const TellLoss& tell) {
 void findComment(const LossLine& line, const TellLoss& tell) {
     const bool isComment = isTagOrComment(line.text) && !line.isTag;
     const bool isLost = line.role != LineRole::variantUri && line.role != LineRole::rejected;
-    if (isComment && isLost) tell(line, line.text);
+    if (!isComment || !isLost) return;
+    const TagLine tagLine(line.text);
+    tell(line, line.text, quoted(line.text) + didYouMean(tagLine.name));
 }
 
 /// EXT-X-START that the models read, and the seconds of its offset; nothing for any other line.
