@@ -66,7 +66,7 @@ std::string_view LineReader::nextOfInput() {
 /// The last line of a text, which has no line feed; or any one, when the lines are told to somebody.
 std::string_view LineReader::nextOfText() {
     if (reading_ != nullptr && reading_->hasEnded()) good_ = false;
-    if (!good_) return {position_, 0};
+    if (!good_) return "";
     const char* const lineEnd = find(position_, textEnd_, lineFeed_);
     good_ = lineEnd != nullptr;
     const char* const end = good_ ? lineEnd : textEnd_;
