@@ -30,17 +30,14 @@ double readDuration(std::string_view value) {
     return VELHLSSyntax::readDecimalFloatingPoint(value.substr(0, value.find(','))).value_or(0.0);
 }
 
-constexpr bool isSegmentTag(LineCode lineCode) {
-    const VELHLSTagDefinition* const tag = lineCode.definition();
-    return tag != nullptr &&
-           (tag->reach == VELHLSTagDefinition::Segment || tag->reach == VELHLSTagDefinition::FromSegment);
+constexpr bool isOfSegment(const VELHLSTagDefinition& tag) {
+    return tag.reach == VELHLSTagDefinition::Segment || tag.reach == VELHLSTagDefinition::FromSegment;
 }
 
 constexpr std::array<bool, 256> codesOfSegmentTags() {
     std::array<bool, 256> codes = {};
     for (std::size_t index = 0; index < velhls::tagTable.size(); ++index) {
-        const LineCode lineCode = LineCode::ofTag(index);
-        codes[lineCode.number()] = isSegmentTag(lineCode);
+        codes[LineCode::ofTag(index).number()] = isOfSegment(velhls::tagTable[index]);
     }
     return codes;
 }
@@ -309,7 +306,7 @@ std::optional<std::size_t> VELHLSStructure::variantOf(std::size_t line) const {
 /// Of the lines between a segment's first and last one.
 bool VELHLSStructure::belongsToSegment(std::size_t line) const {
     const LineCode lineCode(document_.codes_[line - 1]);
-    return lineCode == LineCode::of(VELHLSLine::Tag) || isSegmentTag(lineCode);
+    return lineCode == LineCode::of(VELHLSLine::Tag) || segmentTagCodes[lineCode.number()];
 }
 
 std::optional<std::size_t> VELHLSStructure::segmentOf(std::size_t line) const {
