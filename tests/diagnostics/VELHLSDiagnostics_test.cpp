@@ -153,6 +153,14 @@ TEST(VELHLSDiagnostics, AsksForTheTagThatIsNearlyWritten) {
     EXPECT_EQ(seenOf("comment-not-written", "#"), "\"#\"");
 }
 
+TEST(VELHLSDiagnostics, KnowsATagAfterTheEndByWhatItWouldBeReadAs) {
+    const auto seenAfterEnd = [](const std::string& line) {
+        return seenBy("content-after-end", "#EXTM3U\n#EXT-X-ENDLIST\n" + line, VELHLSDiagnostics::Media);
+    };
+    EXPECT_EQ(seenAfterEnd("#EX\rT-X-GAP"), "\"#EX\rT-X-GAP\"");
+    EXPECT_EQ(seenAfterEnd("# a comment\r\n\r\n"), "");
+}
+
 TEST(VELHLSDiagnostics, TellsWhatAMapDoesNotKeep) {
     const auto seenOf = [](const std::string& ruleId, const std::string& list) {
         return seenBy(ruleId, lines({"#EXTM3U", "#EXT-X-MAP:" + list, "#EXTINF:6,", "segment.ts"}),

@@ -114,6 +114,8 @@ void LineReader::getLine() {
 }
 
 std::string_view LineReader::withoutCarriageReturns(std::string_view line) {
+    // What comes after the last line stands nowhere in the area.
+    if (line.empty()) return line;
     const char* const carriageReturn = firstCarriageReturn(line);
     if (carriageReturn == nullptr) return line;
     const auto position = static_cast<std::size_t>(carriageReturn - line.data());

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <iterator>
@@ -212,11 +213,16 @@ void findReplacedVariable(const LossLine& line, const TellLoss& tell) {
 }
 
 /// Blank lines and comments are nothing that could be lost.
+bool isContent(std::string line) {
+    line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
+    const bool isComment = isTagOrComment(line) && !isStandardTag(line) && !isVendorTag(line);
+    return !isComment && !isBlank(line);
+}
+
 void findContent(const LossRest& rest, const TellLoss& tell) {
     for (std::size_t number = rest.firstLine; number <= rest.lines.count(); ++number) {
         const std::string_view line = rest.lines.line(number);
-        const bool isComment = isTagOrComment(line) && !isStandardTag(line) && !isVendorTag(line);
-        if (isComment || isBlank(line)) continue;
+        if (!isContent(std::string(line))) continue;
         return tell(Place{number, 1, withoutTrailing(line, lineEnds).size()});
     }
 }
