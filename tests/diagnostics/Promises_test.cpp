@@ -6,45 +6,25 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/Corpus.h"
 #include "tests/support/DiagnosticsOracle.h"
 #include "tests/support/Mutations.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
 
-/// The example playlists that are not large, and the failing ones of the rules.
-std::vector<std::string> corpus() {
-    std::vector<std::string> texts;
-    for (const char* const folder : {VELHLS_EXAMPLE_PLAYLISTS, VELHLS_EXAMPLE_FINDINGS}) {
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            constexpr std::uintmax_t largest = 4096;
-            if (entry.path().extension() != ".m3u8" || entry.file_size() > largest) continue;
-            texts.push_back(playlist::contentOf(entry.path().string()));
-        }
-    }
-    std::sort(texts.begin(), texts.end());
-    return texts;
-}
-
 std::string brokenPromise(const std::string& text) {
     const std::string ofMaster = oracle::brokenPromise(text, VELHLSDiagnostics::Master);
     return ofMaster.empty() ? oracle::brokenPromise(text, VELHLSDiagnostics::Media) : ofMaster;
 }
 
-/// How many mutated playlists are looked at: a few thousand, or as many as VELHLS_MUTATIONS says.
-std::uint64_t numberOfMutations() {
-    constexpr std::uint64_t few = 3000;
-    const char* const asked = std::getenv("VELHLS_MUTATIONS");
-    return asked == nullptr ? few : std::strtoull(asked, nullptr, 10);
-}
-
 TEST(Diagnostics, KeepTheirPromisesForTheExamples) {
-    for (const std::string& text : corpus())
+    for (const std::string& text : corpus::texts())
         EXPECT_EQ(brokenPromise(text), "") << text;
 }
 
 TEST(Diagnostics, KeepTheirPromisesForEveryBeginningOfTheExamples) {
-    for (const std::string& text : corpus()) {
+    for (const std::string& text : corpus::texts()) {
         for (std::size_t length = 0; length < std::min<std::size_t>(text.size(), 600); ++length) {
             ASSERT_EQ(brokenPromise(text.substr(0, length)), "") << text.substr(0, length);
         }
@@ -52,8 +32,8 @@ TEST(Diagnostics, KeepTheirPromisesForEveryBeginningOfTheExamples) {
 }
 
 TEST(Diagnostics, KeepTheirPromisesForMutatedPlaylists) {
-    const std::vector<std::string> texts = corpus();
-    const std::uint64_t count = numberOfMutations();
+    const std::vector<std::string> texts = corpus::texts();
+    const std::uint64_t count = corpus::numberOfMutations(3000);
     mutation::Mutator mutator(20261121);
     int failures = 0;
     for (std::uint64_t run = 0; run < count && failures < 5; ++run) {
