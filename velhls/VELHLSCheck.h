@@ -18,4 +18,5 @@
 #include "velhls/document/VELHLSStructure.h"
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/document/VELHLSTagDefinition.h"
+#include "velhls/presentation/VELHLSPresentation.h"
 #include "velhls/standard/VELHLSStandard.h"
