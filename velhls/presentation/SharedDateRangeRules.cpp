@@ -72,6 +72,14 @@ std::optional<std::int64_t> startOf(const Playlists& playlists, Place first, Pla
     return std::nullopt;
 }
 
+bool isInAll(const Playlists& playlists, Place first, Place end) {
+    std::size_t count = 0;
+    for (Place range = first; range != end; ++range) {
+        if (range == first || range->playlist != std::prev(range)->playlist) ++count;
+    }
+    return count == playlists.size();
+}
+
 /// The playlists that do not have the ID.
 std::vector<std::size_t> lackingOf(const Playlists& playlists, Place first, Place end) {
     const auto start = startOf(playlists, first, end);
@@ -99,12 +107,13 @@ struct Lack {
 /// Once for all ranges that the same playlists lack.
 void tellOfLack(const Playlists& playlists, std::string_view what, const TellPresentation& tell) {
     if (playlists.size() < 2) return;
+    const std::vector<Range> ranges = rangesOf(playlists);
     // So that many playlists with many ranges take no more time than their length explains.
-    std::size_t left = std::size_t{1} << 22;
+    std::size_t steps = 64 * (ranges.size() + playlists.size());
     std::map<std::vector<std::size_t>, Lack> lacks;
-    forEachId(rangesOf(playlists), [&](Place first, Place end) {
-        if (left < playlists.size()) return;
-        left -= playlists.size();
+    forEachId(ranges, [&](Place first, Place end) {
+        if (isInAll(playlists, first, end) || steps < playlists.size()) return;
+        steps -= playlists.size();
         std::vector<std::size_t> lacking = lackingOf(playlists, first, end);
         if (lacking.empty()) return;
         Lack& lack = lacks[std::move(lacking)];

@@ -152,8 +152,9 @@ std::optional<SegmentPair> findOtherDiscontinuity(const PresentationPlaylist& le
     const double target = std::min(left.targetDuration(), right.targetDuration());
     double differing = 0.0;
     SegmentPair first;
-    // So that many short playlists beside a long one take no more time than their length explains.
-    std::size_t steps = 1000 + 2 * right.segments().size();
+    // So that many short playlists beside a long one take no more time than their length explains. What differs is found in
+    // few steps, unless segments last for nothing.
+    std::size_t steps = 64 + 4 * right.segments().size();
     while (!ofLeft.isAtEnd() && !ofRight.isAtEnd() && steps-- > 0) {
         const double start = std::max(ofLeft.start(), ofRight.start());
         const double end = std::min(ofLeft.end(), ofRight.end());
