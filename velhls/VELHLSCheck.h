@@ -20,4 +20,5 @@
 #include "velhls/document/VELHLSStructure.h"
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/document/VELHLSTagDefinition.h"
+#include "velhls/records/VELHLSRecordLines.h"
 #include "velhls/standard/VELHLSStandard.h"
