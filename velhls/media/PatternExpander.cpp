@@ -189,11 +189,11 @@ bool PatternExpander::appendPlainUri(const Step& step, std::size_t length) {
     char* end = text_.room(length + 1);
     for (const Reference& reference : step.references) {
         if (!allowance_.spend(reference.value->size() + 1)) return isTooLarge();
-        end = put(end, reference.textBefore);
-        end = put(end, *reference.value);
+        end = writeText(end, reference.textBefore);
+        end = writeText(end, *reference.value);
     }
-    end = put(end, step.textAfter);
-    text_.endAt(put(end, '\n'));
+    end = writeText(end, step.textAfter);
+    text_.endAt(writeText(end, '\n'));
     return true;
 }
 
@@ -219,7 +219,7 @@ std::int64_t PatternExpander::incremented(const Step& step) {
 bool PatternExpander::increment(const Step& step) {
     const std::int64_t number = incremented(step);
     std::array<char, mostDecimalBytes> text;
-    const auto length = static_cast<std::size_t>(putDecimal(text.data(), number) - text.data());
+    const auto length = static_cast<std::size_t>(writeDecimal(text.data(), number) - text.data());
     // Mostly as long as before: only its digits change.
     step.variable->resize(length);
     std::copy_n(text.data(), length, step.variable->data());
@@ -227,8 +227,8 @@ bool PatternExpander::increment(const Step& step) {
 }
 
 void PatternExpander::append(std::string_view line) {
-    char* const end = put(text_.room(line.size() + 1), line);
-    text_.endAt(put(end, '\n'));
+    char* const end = writeText(text_.room(line.size() + 1), line);
+    text_.endAt(writeText(end, '\n'));
 }
 
 namespace {
