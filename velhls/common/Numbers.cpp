@@ -48,7 +48,7 @@ std::string_view withoutSpaceAndPlus(std::string_view text) {
 
 /// Goes on with a number over the digits from a position on, and returns where they end. Of more than 19 digits the
 /// number is worth nothing.
-const char* takeDigits(const char* position, const char* end, std::uint64_t& number) {
+const char* readDigits(const char* position, const char* end, std::uint64_t& number) {
     for (; position < end; ++position) {
         const auto digit = static_cast<std::uint32_t>(*position - '0');
         if (digit > 9) break;
@@ -189,12 +189,12 @@ LeadingNumber<double> leadingDecimal(std::string_view text) {
     const char* const begin = text.data();
     const char* const textEnd = begin + text.size();
     std::uint64_t number = 0;
-    const char* end = takeDigits(begin, textEnd, number);
+    const char* end = readDigits(begin, textEnd, number);
     auto digitCount = static_cast<std::size_t>(end - begin);
     std::size_t decimals = 0;
     if (end < textEnd && *end == '.') {
         const char* const decimalsBegin = end + 1;
-        end = takeDigits(decimalsBegin, textEnd, number);
+        end = readDigits(decimalsBegin, textEnd, number);
         decimals = static_cast<std::size_t>(end - decimalsBegin);
         digitCount += decimals;
     }
@@ -208,7 +208,7 @@ LeadingNumber<std::int64_t> leadingInteger(std::string_view text) {
     constexpr std::size_t mostDigits = std::numeric_limits<std::int64_t>::digits10;
     const char* const begin = text.data();
     std::uint64_t number = 0;
-    const auto length = static_cast<std::size_t>(takeDigits(begin, begin + text.size(), number) - begin);
+    const auto length = static_cast<std::size_t>(readDigits(begin, begin + text.size(), number) - begin);
     if (length > mostDigits) return {};
     return {static_cast<std::int64_t>(number), length};
 }

@@ -74,13 +74,12 @@ bool PatternExpander::fits() const {
 void PatternExpander::readBody() {
     restOfBody_ = pattern_.body;
     while (!restOfBody_.empty() && steps_.size() < mostSteps)
-        steps_.push_back(takeStep(restOfBody_));
+        steps_.push_back(readStep(restOfBody_));
 }
 
 /// The step of the first line, which is taken off the text.
-PatternExpander::Step PatternExpander::takeStep(std::string_view& text) const {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
+PatternExpander::Step PatternExpander::readStep(std::string_view& text) const {
+    const std::string_view line = nextLine(text);
     Step step = stepOf(line);
     step.bytes = line.size() + 1;
     return step;
@@ -150,7 +149,7 @@ bool PatternExpander::expandOnce() {
     }
     std::string_view rest = restOfBody_;
     while (!rest.empty()) {
-        if (!expandStep(takeStep(rest))) return false;
+        if (!expandStep(readStep(rest))) return false;
     }
     return true;
 }
