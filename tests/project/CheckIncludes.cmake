@@ -13,6 +13,7 @@ set(below_document common document)
 set(below_standard common document standard)
 set(below_comparison common document standard comparison)
 set(below_records common document records)
+set(below_presentation common document standard presentation)
 set(below_losses common document losses)
 set(below_diagnostics common document losses standard diagnostics)
 # The models, of which only public headers may be included.
