@@ -16,6 +16,7 @@
 
 #include "tests/heap/Heap.h"
 #include "tests/support/HostileInputs.h"
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/Parses.h"
 
 namespace {
@@ -75,7 +76,7 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
     EXPECT_LE(multiple(placed, text.size() + parsed.held), mostOfRecordLines);
 
     std::vector<VELHLSFinding> findings;
-    const Memory checked = memoryOf([&] { findings = VELHLSDiagnostics::check(text, input.kind); });
+    const Memory checked = memoryOf([&] { findings = library::findingsIn(text, input.kind); });
     EXPECT_LE(multiple(checked, text.size() + parsed.held), mostOfCheck);
     if (playlist == nullptr) return;
 
