@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "tool/FindingText.h"
@@ -26,11 +27,14 @@ CheckedFile checkFile(const std::string& path, const CheckRequest& request) {
         file.failure = failure.what();
         return file;
     }
-    file.kind = decideKind(file.text, request.kind);
-    for (VELHLSFinding& finding : VELHLSDiagnostics::check(file.text, file.kind)) {
+    VELHLSDiagnostics::Report report = VELHLSDiagnostics::check(file.text, {request.kind, request.profiles});
+    file.kind = report.kind;
+    file.rejected = std::move(report.rejected);
+    for (VELHLSFinding& finding : report.findings) {
         if (request.disabledRules.count(finding.ruleId) != 0) continue;
         const bool isWarning = finding.severity == VELHLSFinding::Warning;
         if (request.warningsAreErrors && isWarning) finding.severity = VELHLSFinding::Error;
+        if (finding.severity == VELHLSFinding::Error) file.hasErrors = true;
         if (finding.severity >= request.least) file.findings.push_back(std::move(finding));
     }
     return file;
@@ -38,7 +42,7 @@ CheckedFile checkFile(const std::string& path, const CheckRequest& request) {
 
 ExitStatus statusOf(const CheckedFile& file) {
     if (!file.failure.empty()) return unusable;
-    return file.findings.empty() ? success : rejected;
+    return file.hasErrors ? rejected : success;
 }
 
 /// The start of every line, to find one by its number.
@@ -70,6 +74,7 @@ std::string reportWithLines(const CheckedFile& file, bool inColour) {
         const std::string_view rest = std::string_view(file.text).substr(starts[finding.line - 1]);
         report += describeWithLine(file.name, finding, rest.substr(0, rest.find('\n')), inColour);
     }
+    if (file.rejected) report += describeRejection(file.name, *file.rejected) + "\n";
     return report;
 }
 
@@ -78,6 +83,7 @@ std::string textReport(const CheckedFile& file, const CheckRequest& request) {
     std::string report;
     for (const VELHLSFinding& finding : file.findings)
         report += describe(file.name, finding) + "\n";
+    if (file.rejected) report += describeRejection(file.name, *file.rejected) + "\n";
     return report;
 }
 
@@ -85,7 +91,7 @@ std::string textReport(const CheckedFile& file, const CheckRequest& request) {
 
 ExitStatus check(const CheckRequest& request) {
     JsonReport json;
-    SarifReport sarif;
+    SarifReport sarif(request.profiles);
     ExitStatus status = success;
     for (const std::string& path : request.paths) {
         const CheckedFile file = checkFile(path, request);

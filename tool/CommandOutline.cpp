@@ -1,6 +1,8 @@
 #include "tool/CommandOutline.h"
 
+#include <set>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -34,8 +36,12 @@ std::string valueNameIn(const std::string& typeName) {
 std::vector<std::string> offeredFor(const OptionOutline& option) {
     if (option.valueName != "RULE") return option.choices;
     std::vector<std::string> ids;
-    for (const VELHLSRule& rule : VELHLSDiagnostics::rules())
-        ids.emplace_back(rule.id);
+    std::set<std::string_view> known;
+    for (const VELHLSDiagnostics::Profile profile : VELHLSDiagnostics::profiles()) {
+        for (const VELHLSRule& rule : VELHLSDiagnostics::rules(profile)) {
+            if (known.insert(rule.id).second) ids.emplace_back(rule.id);
+        }
+    }
     return ids;
 }
 

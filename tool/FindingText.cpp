@@ -77,6 +77,11 @@ std::string describe(const std::string& name, const VELHLSFinding& finding) {
     return describeAt(placeOf(name, finding), name, finding);
 }
 
+std::string describeRejection(const std::string& name, const VELHLSReason& reason) {
+    return name + ":" + std::to_string(reason.line) + ":" + std::to_string(reason.column) +
+           ": rejected: " + printable(reason.message) + " [" + reason.ruleId + "]";
+}
+
 std::string describeByLine(const std::string& name, const VELHLSFinding& finding) {
     return describeAt(lineOf(name, finding), name, finding);
 }

@@ -1,5 +1,7 @@
 #include "tool/JsonReport.h"
 
+#include <optional>
+
 #include <nlohmann/json.hpp>
 
 #include "tool/FindingText.h"
@@ -11,13 +13,29 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 /// Changes when what is written would no longer be read as before.
-constexpr int formatVersion = 1;
+constexpr int formatVersion = 2;
 
 Json describeFinding(const VELHLSFinding& finding) {
-    return {{"rule", finding.ruleId},   {"severity", VELHLSFinding::textOf(finding.severity)},
-            {"line", finding.line},     {"column", finding.column},
-            {"length", finding.length}, {"message", finding.message},
-            {"source", finding.source}, {"suppressed", finding.suppressed}};
+    return {{"rule", finding.ruleId},
+            {"profile", finding.profile},
+            {"clause", finding.clause},
+            {"level", finding.level},
+            {"severity", VELHLSFinding::textOf(finding.severity)},
+            {"line", finding.line},
+            {"column", finding.column},
+            {"length", finding.length},
+            {"message", finding.message},
+            {"source", finding.source},
+            {"suppressed", finding.suppressed}};
+}
+
+Json describeRejection(const std::optional<VELHLSReason>& reason) {
+    if (!reason) return nullptr;
+    return {{"rule", reason->ruleId},
+            {"line", reason->line},
+            {"column", reason->column},
+            {"length", reason->length},
+            {"message", reason->message}};
 }
 
 Json describeFile(const CheckedFile& file) {
@@ -28,6 +46,7 @@ Json describeFile(const CheckedFile& file) {
     }
     const bool isPlaylist = file.kind != PlaylistKind::Detect;
     description["kind"] = isPlaylist ? Json(nameOf(file.kind)) : Json();
+    description["rejected"] = describeRejection(file.rejected);
     description["findings"] = Json::array();
     for (const VELHLSFinding& finding : file.findings)
         description["findings"].push_back(describeFinding(finding));

@@ -17,24 +17,45 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+/// Where the clause can be read; empty for what is none.
+std::string helpUriOf(std::string_view source, std::string_view clause) {
+    if (clause.empty()) return {};
+    if (source.find("RFC 8216") == 0)
+        return "https://www.rfc-editor.org/rfc/rfc8216#section-" + std::string(clause);
+    if (source.find("rfc8216bis") != std::string_view::npos)
+        return "https://datatracker.ietf.org/doc/html/draft-pantos-hls-rfc8216bis#section-" +
+               std::string(clause);
+    return "https://developer.apple.com/documentation/http-live-streaming/"
+           "hls-authoring-specification-for-apple-devices";
+}
+
 /// The SARIF levels have the names of our severities.
 Json describeRule(const VELHLSRule& rule) {
     const std::string page(pageOf(rule.id));
-    return {{"id", rule.id},
-            {"shortDescription", {{"text", rule.summary}}},
-            {"help", {{"text", page}, {"markdown", page}}},
-            {"defaultConfiguration", {{"level", VELHLSFinding::textOf(rule.severity)}}},
-            {"properties",
-             {{"expected", rule.expected},
-              {"source", rule.source},
-              {"isLostWhenWritten", rule.isLostWhenWritten}}}};
+    Json description = {{"id", rule.id},
+                        {"shortDescription", {{"text", rule.summary}}},
+                        {"help", {{"text", page}, {"markdown", page}}},
+                        {"defaultConfiguration", {{"level", VELHLSFinding::textOf(rule.severity)}}},
+                        {"properties",
+                         {{"expected", rule.expected},
+                          {"source", rule.source},
+                          {"profile", rule.profile},
+                          {"clause", rule.clause},
+                          {"level", rule.level},
+                          {"isLostWhenWritten", rule.isLostWhenWritten}}}};
+    const std::string help = helpUriOf(rule.source, rule.clause);
+    if (!help.empty()) description["helpUri"] = help;
+    return description;
 }
 
-Json describeRules(std::map<std::string, std::size_t>& indices) {
+/// A rule that several profiles have stands there once.
+Json describeRules(const std::vector<VELHLSDiagnostics::Profile>& profiles,
+                   std::map<std::string, std::size_t>& indices) {
     Json rules = Json::array();
-    for (const VELHLSRule& rule : VELHLSDiagnostics::rules()) {
-        indices.emplace(rule.id, rules.size());
-        rules.push_back(describeRule(rule));
+    for (const VELHLSDiagnostics::Profile profile : profiles) {
+        for (const VELHLSRule& rule : VELHLSDiagnostics::rules(profile)) {
+            if (indices.emplace(rule.id, rules.size()).second) rules.push_back(describeRule(rule));
+        }
     }
     return rules;
 }
@@ -101,7 +122,8 @@ void appendFindings(Json& results, const CheckedFile& file,
 
 }  // namespace
 
-SarifReport::SarifReport() : rules_(describeRules(ruleIndices_)) {}
+SarifReport::SarifReport(const std::vector<VELHLSDiagnostics::Profile>& profiles)
+    : rules_(describeRules(profiles, ruleIndices_)) {}
 
 void SarifReport::add(const CheckedFile& file) {
     appendFindings(results_, file, ruleIndices_);

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -10,10 +11,11 @@
 
 namespace tool {
 
-/// The findings as SARIF 2.1.0 (OASIS), with all rules.
+/// The findings as SARIF 2.1.0 (OASIS), with the rules of the profiles asked for.
 class SarifReport {
   public:
-    SarifReport();
+    /// With the rules of these profiles.
+    explicit SarifReport(const std::vector<VELHLSDiagnostics::Profile>& profiles);
 
     /// The text of the file must still be there.
     void add(const CheckedFile& file);

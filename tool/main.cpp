@@ -42,6 +42,7 @@ struct Request {
     std::string command;
     std::string severity = "warning";
     std::vector<std::string> disabledRules;
+    std::vector<std::string> profiles;
     tool::CheckRequest check;
 };
 
@@ -76,6 +77,9 @@ tool::ExitStatus check(const Request& request) {
     asked.kind = tool::kindNamed(request.kind);
     asked.mostBytes = request.mostBytes;
     asked.least = severityNamed(request.severity);
+    if (!request.profiles.empty()) asked.profiles.clear();
+    for (const std::string& name : request.profiles)
+        asked.profiles.push_back(*VELHLSDiagnostics::profileNamed(name));
     asked.disabledRules.insert(request.disabledRules.begin(), request.disabledRules.end());
     return tool::check(asked);
 }
@@ -130,14 +134,19 @@ void addCheckCommand(CLI::App& app, Request& request, tool::ExitStatus& status) 
     CLI::App* command = app.add_subcommand(
         "check", "Say what is wrong with playlists, where, and what the library makes of them");
     command->footer(
-        "Exit status: 0 nothing found, 1 something found, 2 bad usage or a file that cannot be read.\n"
+        "Exit status: 0 no error found, 1 an error found, 2 bad usage or a file that cannot be read.\n"
+        "A playlist that the library rejects is told of as rejected, which is no error of a profile.\n"
         "NO_COLOR is respected.");
     command->add_option("FILE", request.check.paths, "The playlists; - for standard input, the default");
     addReadingOptions(*command, request);
+    command->add_option("--profile", request.profiles, "By whose rules; may be repeated; rfc8216 by default")
+        ->check(CLI::IsMember({"rfc8216", "rfc8216bis", "apple", "library"}))
+        ->allow_extra_args(false)
+        ->delimiter(',');
     command->add_option("--format", request.check.format, "How to write what is found")
         ->check(CLI::IsMember({"text", "json", "sarif"}))
         ->capture_default_str();
-    command->add_option("--severity", request.severity, "The least severity that is looked at")
+    command->add_option("--severity", request.severity, "The least severity that is shown")
         ->check(CLI::IsMember({"error", "warning", "note"}))
         ->capture_default_str();
     command->add_option("--disable", request.disabledRules, "Leave this rule out; may be repeated")

@@ -21,4 +21,5 @@
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/document/VELHLSTagDefinition.h"
 #include "velhls/presentation/VELHLSPresentation.h"
+#include "velhls/records/VELHLSRecordLines.h"
 #include "velhls/standard/VELHLSStandard.h"

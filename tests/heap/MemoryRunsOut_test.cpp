@@ -21,6 +21,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "tests/heap/Heap.h"
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/MediaRoundTrip.h"
 #include "tests/support/WholePlaylists.h"
 
@@ -181,8 +182,8 @@ class Check {
         : text_(text), input_(text, smallPiece), kind_(kind) {}
 
     void run() {
-        findings_ = VELHLSDiagnostics::check(text_, kind_);
-        findingsOfStream_ = VELHLSDiagnostics::check(input_, kind_);
+        findings_ = library::findingsIn(text_, kind_);
+        findingsOfStream_ = VELHLSDiagnostics::check(input_, library::optionsFor(kind_)).findings;
     }
 
     [[nodiscard]] std::string outcome() const { return told(findings_) + told(findingsOfStream_); }
@@ -232,6 +233,32 @@ class Edit {
     std::string text_;
     std::string edited_;
 };
+
+/// A parse of a document, and the lines of its records.
+class FindLines {
+  public:
+    explicit FindLines(const std::string& text) : document_(text) {}
+
+    void run() {
+        const auto manifest = lines_.parseManifest(document_);
+        if (manifest != nullptr) line_ = lines_.of(*manifest->streamVariants.back())->first;
+        const auto stream = lines_.parseMediaStream(document_);
+        if (stream != nullptr) line_ = lines_.of(*stream->segments.back())->first;
+    }
+
+    [[nodiscard]] std::string outcome() const { return std::to_string(line_); }
+    [[nodiscard]] static std::string changed() { return ""; }
+
+  private:
+    VELHLSDocument document_;
+    VELHLSRecordLines lines_;
+    std::size_t line_ = 0;
+};
+
+TEST(MemoryRunsOut, FindingTheLinesOfRecords) {
+    runOutOfMemory<FindLines>(whole::master);
+    runOutOfMemory<FindLines>(whole::media);
+}
 
 TEST(MemoryRunsOut, EditingADocument) {
     runOutOfMemory<Edit>(whole::master);
@@ -489,7 +516,7 @@ std::string timestamps() {
 }
 
 std::string rules() {
-    return std::to_string(VELHLSDiagnostics::rules().size()) +
+    return std::to_string(library::rules().size()) +
            std::string(VELHLSDiagnostics::ruleNamed("variant-bandwidth-missing")->summary);
 }
 

@@ -34,52 +34,80 @@ const std::string warning =
     "\"FRAME-RATE\" [attribute-ignored]\n";
 
 TEST(CheckCommand, SaysNothingOfACleanPlaylist) {
-    const Outcome outcome = velhls({"check", "--severity=note"}, clean);
+    const Outcome outcome = velhls({"check", "--profile=library", "--severity=note"}, clean);
     EXPECT_EQ(outcome.exitStatus, 0);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors, "");
 }
 
 TEST(CheckCommand, TellsWarningsAndErrorsAndLeavesNotesOut) {
-    const Outcome outcome = velhls({"check", "-"}, warned);
-    EXPECT_EQ(outcome.exitStatus, 1);
+    const Outcome outcome = velhls({"check", "--profile=library", "-"}, warned);
+    EXPECT_EQ(outcome.exitStatus, 0);
     EXPECT_EQ(outcome.output, warning);
     EXPECT_EQ(outcome.errors, "");
 }
 
 TEST(CheckCommand, LooksAtTheAskedSeverityAndAbove) {
-    EXPECT_EQ(velhls({"check", "--severity=error"}, warned).exitStatus, 0);
-    EXPECT_EQ(velhls({"check", "--severity=error"}, rejected).exitStatus, 1);
-    EXPECT_THAT(velhls({"check", "--severity=note"}, warned).output, HasSubstr("note: expected a line"));
+    EXPECT_EQ(velhls({"check", "--profile=library", "--severity=error"}, warned).exitStatus, 0);
+    EXPECT_EQ(velhls({"check", "--profile=library", "--severity=error"}, rejected).exitStatus, 1);
+    EXPECT_THAT(velhls({"check", "--profile=library", "--severity=note"}, warned).output,
+                HasSubstr("note: expected a line"));
+}
+
+TEST(CheckCommand, ChecksByTheProfilesThatAreAskedFor) {
+    const std::string text = lines({"#EXTM3U", "#EXTINF:6,", "0.ts"});
+    const Outcome standard = velhls({"check"}, text);
+    EXPECT_EQ(standard.exitStatus, 1);
+    EXPECT_THAT(standard.output, HasSubstr("[target-duration-missing]\n"));
+    EXPECT_THAT(standard.output, HasSubstr("<stdin>:3:1: rejected: expected "));
+    const std::string both =
+        velhls({"check", "--profile=library", "--profile", "rfc8216", "--format=json"}, text).output;
+    EXPECT_THAT(both, HasSubstr("\"profile\": \"rfc8216\",\n          \"clause\": \"4.3.3.1\""));
+    EXPECT_THAT(both, HasSubstr("\"profile\": \"library\""));
+    EXPECT_THAT(both, HasSubstr("\"rejected\": {\n        \"rule\": \"segment-uri-too-short\""));
+}
+
+TEST(CheckCommand, HasAnExitStatusOfItsProfilesAndNotOfTheRejection) {
+    const std::string text =
+        lines({"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXTINF:6,", "0.ts", "#EXT-X-ENDLIST"});
+    const Outcome standard = velhls({"check"}, text);
+    EXPECT_EQ(standard.exitStatus, 0);
+    EXPECT_THAT(standard.output, HasSubstr(": rejected: "));
+    EXPECT_EQ(velhls({"check", "--profile=library"}, text).exitStatus, 1);
 }
 
 TEST(CheckCommand, TakesWarningsForErrors) {
-    const Outcome outcome = velhls({"check", "--werror", "--severity=error"}, warned);
+    const Outcome outcome = velhls({"check", "--profile=library", "--werror", "--severity=error"}, warned);
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_THAT(outcome.output, StartsWith("<stdin>:2:31: error: "));
 }
 
 TEST(CheckCommand, LeavesDisabledRulesOut) {
-    EXPECT_EQ(velhls({"check", "--disable=attribute-ignored"}, warned).exitStatus, 0);
+    EXPECT_EQ(velhls({"check", "--profile=library", "--disable=attribute-ignored"}, warned).exitStatus, 0);
     EXPECT_EQ(
-        velhls({"check", "--disable", "tag-ignored", "--disable", "attribute-ignored"}, warned).exitStatus,
+        velhls({"check", "--profile=library", "--disable", "tag-ignored", "--disable", "attribute-ignored"},
+               warned)
+            .exitStatus,
         0);
-    EXPECT_EQ(velhls({"check", "--disable=tag-ignored,attribute-ignored", "-"}, warned).exitStatus, 0);
-    EXPECT_EQ(velhls({"check", "--disable=tag-ignored"}, warned).output, warning);
+    EXPECT_EQ(velhls({"check", "--profile=library", "--disable=tag-ignored,attribute-ignored", "-"}, warned)
+                  .exitStatus,
+              0);
+    EXPECT_EQ(velhls({"check", "--profile=library", "--disable=tag-ignored"}, warned).output, warning);
 }
 
 TEST(CheckCommand, ChecksAllFiles) {
     const TemporaryFolder folder;
     const std::string first = folder.with("first.m3u8", warned);
     const std::string second = folder.with("second.m3u8", rejected);
-    const Outcome outcome = velhls({"check", first, folder.with("third.m3u8", clean), second});
+    const Outcome outcome =
+        velhls({"check", "--profile=library", first, folder.with("third.m3u8", clean), second});
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_THAT(outcome.output, StartsWith(first + ":2:31: warning: "));
     EXPECT_THAT(outcome.output, HasSubstr("\n" + second + ":2:29: error: "));
 }
 
 TEST(CheckCommand, TellsOfFilesThatCannotBeReadAndChecksTheOthers) {
-    const Outcome outcome = velhls({"check", "no such file", "-"}, warned);
+    const Outcome outcome = velhls({"check", "--profile=library", "no such file", "-"}, warned);
     EXPECT_EQ(outcome.exitStatus, 2);
     EXPECT_EQ(outcome.output, warning);
     EXPECT_THAT(outcome.errors, StartsWith("no such file: error: cannot be read: "));
@@ -114,38 +142,43 @@ TEST(CheckCommand, TellsOfWhatIsNoPlaylistInOneError) {
         {"some words\n", "no tag"},
     };
     for (const auto& [text, seen] : texts) {
-        const Outcome outcome = velhls({"check", "--severity=note"}, text);
+        const Outcome outcome = velhls({"check", "--profile=library", "--severity=note"}, text);
         EXPECT_EQ(outcome.exitStatus, 1) << seen;
-        EXPECT_EQ(outcome.output,
-                  "<stdin>:1:1: error: " + std::string(text.rfind("#EXTM3U", 0) == 0 ? "EXTM3U: " : "") +
-                      "expected an HLS playlist, seen " + seen + " [not-a-playlist]\n");
+        const std::string message = std::string(text.rfind("#EXTM3U", 0) == 0 ? "EXTM3U: " : "") +
+                                    "expected an HLS playlist, seen " + seen + " [not-a-playlist]\n";
+        EXPECT_EQ(outcome.output, "<stdin>:1:1: error: " + message + "<stdin>:1:1: rejected: " + message);
     }
 }
 
 TEST(CheckCommand, ReadsThePlaylistAsTheKindThatWasAskedFor) {
-    EXPECT_EQ(velhls({"check", "--kind=media", "--disable=target-duration-missing"}, "#EXTM3U\n").exitStatus,
+    EXPECT_EQ(velhls({"check", "--profile=library", "--kind=media", "--disable=target-duration-missing"},
+                     "#EXTM3U\n")
+                  .exitStatus,
               0);
-    EXPECT_THAT(velhls({"check", "--kind=master"}, "#EXTM3U\n").output, HasSubstr("[variants-missing]"));
+    EXPECT_THAT(velhls({"check", "--profile=library", "--kind=master"}, "#EXTM3U\n").output,
+                HasSubstr("[variants-missing]"));
 }
 
 TEST(CheckCommand, ShowsTheLineAndACaretInColoursWhenAskedTo) {
-    EXPECT_EQ(velhls({"check", "--color=always"}, rejected).output,
+    EXPECT_EQ(velhls({"check", "--profile=library", "--color=always"}, rejected).output,
               "\x1B[1m<stdin>:2:29:\x1B[0m \x1B[1;31merror:\x1B[0m EXT-X-STREAM-INF: BANDWIDTH: expected a "
               "BANDWIDTH above 0, seen \"0\" [variant-bandwidth-zero]\n"
               "    #EXT-X-STREAM-INF:BANDWIDTH=\x1B[1;31m0\x1B[0m\n"
-              "                                \x1B[1;32m^\x1B[0m\n");
+              "                                \x1B[1;32m^\x1B[0m\n"
+              "<stdin>:2:29: rejected: EXT-X-STREAM-INF: BANDWIDTH: expected a BANDWIDTH above 0, seen \"0\" "
+              "[variant-bandwidth-zero]\n");
 }
 
 TEST(CheckCommand, CutsLongLinesAroundThePlace) {
     const std::string playlist =
         lines({"#EXTM3U", "#EXT-X-STREAM-INF:CODECS=\"" + std::string(300, 'x') + "\",BANDWIDTH=0", "a"});
-    const std::string output = velhls({"check", "--color=always"}, playlist).output;
+    const std::string output = velhls({"check", "--profile=library", "--color=always"}, playlist).output;
     EXPECT_THAT(output, HasSubstr("    ..." + std::string(48, 'x') + "\",BANDWIDTH=\x1B[1;31m0"));
 }
 
 TEST(CheckCommand, KeepsColoursAndControlCharactersFromFiles) {
     const std::string playlist = lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=\x1B[2J", "a.m3u8"});
-    const Outcome outcome = velhls({"check"}, playlist);
+    const Outcome outcome = velhls({"check", "--profile=library"}, playlist);
     EXPECT_THAT(outcome.output, HasSubstr("seen \"\\x1B[2J\""));
     EXPECT_EQ(outcome.output.find('\x1B'), std::string::npos);
 }
@@ -154,7 +187,7 @@ TEST(CheckCommand, TellsHowManyFindingsOfARuleAreNotListed) {
     std::string playlist = clean;
     for (int count = 0; count < 130; ++count)
         playlist += "#EXT-X-UNKNOWN:1\n";
-    const std::string output = velhls({"check"}, playlist).output;
+    const std::string output = velhls({"check", "--profile=library"}, playlist).output;
     EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 101);
     EXPECT_THAT(output, HasSubstr("<stdin>: note: 30 more of [tag-ignored] are not listed\n"));
 }
@@ -168,7 +201,8 @@ TEST(CheckCommand, FindsInEachExampleWhatIsExpected) {
     for (const std::filesystem::path& example : examples) {
         std::filesystem::path expected = example;
         expected.replace_extension(".expected");
-        const std::string findings = velhls({"check", "--severity=note", example.string()}).output;
+        const std::string findings =
+            velhls({"check", "--profile=library", "--severity=note", example.string()}).output;
         const std::string folder = example.parent_path().string() + "/";
         std::string relative;
         for (std::size_t start = 0; start < findings.size();) {
