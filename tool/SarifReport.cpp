@@ -6,11 +6,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tool/FindingText.h"
+#include "tool/CharacterPlace.h"
 #include "tool/InputFile.h"
-#include "tool/JsonText.h"
+#include "tool/OutputFile.h"
 #include "tool/RulePages.h"
-#include "tool/Utf8.h"
 
 namespace tool {
 namespace {
@@ -59,17 +58,15 @@ std::string uriOf(const std::string& path) {
 }
 
 /// SARIF counts columns in characters.
-Json regionOf(const VELHLSFinding& finding, std::string_view line) {
-    const std::size_t startColumn = utf8::countCharacters(line.substr(0, finding.column - 1)) + 1;
-    const std::size_t length = utf8::countCharacters(line.substr(finding.column - 1, finding.length));
+Json regionOf(const VELHLSFinding& finding, const CharacterPlace& place) {
     return {{"startLine", finding.line},
-            {"startColumn", startColumn},
+            {"startColumn", place.column},
             {"endLine", finding.line},
-            {"endColumn", startColumn + length}};
+            {"endColumn", place.column + place.length}};
 }
 
-Json describeFinding(const CheckedFile& file, const VELHLSFinding& finding, std::string_view line,
-                     std::size_t ruleIndex) {
+Json resultOf(const std::string& path, const VELHLSFinding& finding, const CharacterPlace& place,
+              std::size_t ruleIndex) {
     Json result = {
         {"ruleId", finding.ruleId},
         {"ruleIndex", ruleIndex},
@@ -77,51 +74,46 @@ Json describeFinding(const CheckedFile& file, const VELHLSFinding& finding, std:
         {"message", {{"text", finding.message}}},
         {"locations",
          {{{"physicalLocation",
-            {{"artifactLocation", {{"uri", uriOf(file.path)}}}, {"region", regionOf(finding, line)}}}}}}};
+            {{"artifactLocation", {{"uri", uriOf(path)}}}, {"region", regionOf(finding, place)}}}}}}};
     if (finding.suppressed != 0) result["properties"] = {{"suppressed", finding.suppressed}};
     return result;
 }
 
-void appendFindings(Json& results, const CheckedFile& file,
-                    const std::map<std::string, std::size_t>& ruleIndices) {
-    std::size_t lineNumber = 1;
-    std::size_t start = 0;
-    for (const VELHLSFinding& finding : file.findings) {
-        if (finding.line < lineNumber) {
-            lineNumber = 1;
-            start = 0;
-        }
-        for (; lineNumber < finding.line; ++lineNumber)
-            start = file.text.find('\n', start) + 1;
-        const std::string_view rest = std::string_view(file.text).substr(start);
-        results.push_back(
-            describeFinding(file, finding, rest.substr(0, rest.find('\n')), ruleIndices.at(finding.ruleId)));
-    }
+Json logWithoutResults(std::map<std::string, std::size_t>& ruleIndices) {
+    const Json driver = {
+        {"name", "velhls"}, {"version", VELHLS_TOOL_VERSION}, {"rules", describeRules(ruleIndices)}};
+    const Json run = {
+        {"tool", {{"driver", driver}}}, {"columnKind", "unicodeCodePoints"}, {"results", Json::array()}};
+    return {{"$schema",
+             "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json"},
+            {"version", "2.1.0"},
+            {"runs", Json::array({run})}};
 }
 
 }  // namespace
 
-SarifReport::SarifReport() : rules_(describeRules(ruleIndices_)) {}
-
-void SarifReport::add(const CheckedFile& file) {
-    appendFindings(results_, file, ruleIndices_);
-    if (file.failure.empty()) return;
-    notifications_.push_back({{"level", "error"}, {"message", {{"text", file.failure}}}});
+SarifReport::SarifReport() : log_(logWithoutResults(ruleIndices_)), text_(log_, "results") {
+    writeToStandardOutput(text_.start());
 }
 
-std::string SarifReport::text(ExitStatus status) const {
-    const Json driver = {{"name", "velhls"}, {"version", VELHLS_TOOL_VERSION}, {"rules", rules_}};
-    Json invocation = {{"executionSuccessful", status != unusable}, {"exitCode", static_cast<int>(status)}};
+void SarifReport::add(const CheckedFile& file) {
+    if (!file.failure.empty())
+        notifications_.push_back({{"level", "error"}, {"message", {{"text", file.failure}}}});
+    CharacterPlaces places(file.text);
+    std::string results;
+    for (const VELHLSFinding& finding : file.findings) {
+        const std::size_t ruleIndex = ruleIndices_.at(finding.ruleId);
+        results += text_.element(resultOf(file.path, finding, places.of(finding), ruleIndex));
+    }
+    writeToStandardOutput(results);
+}
+
+void SarifReport::end(const CheckSummary& summary) {
+    Json invocation = {{"executionSuccessful", summary.status != unusable},
+                       {"exitCode", static_cast<int>(summary.status)}};
     if (!notifications_.empty()) invocation["toolExecutionNotifications"] = notifications_;
-    const Json run = {{"tool", {{"driver", driver}}},
-                      {"columnKind", "unicodeCodePoints"},
-                      {"invocations", Json::array({invocation})},
-                      {"results", results_}};
-    return jsonText(
-        {{"$schema",
-          "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json"},
-         {"version", "2.1.0"},
-         {"runs", Json::array({run})}});
+    log_["runs"][0]["invocations"] = Json::array({invocation});
+    writeToStandardOutput(text_.end(log_));
 }
 
 }  // namespace tool

@@ -1,0 +1,18 @@
+#include "tool/Report.h"
+
+#include "tool/GithubReport.h"
+#include "tool/JsonReport.h"
+#include "tool/SarifReport.h"
+#include "tool/TextReport.h"
+
+namespace tool {
+
+std::unique_ptr<Report> reportOf(const ReportStyle& style) {
+    if (style.format == "json") return std::make_unique<JsonReport>();
+    if (style.format == "jsonl") return std::make_unique<JsonLinesReport>();
+    if (style.format == "sarif") return std::make_unique<SarifReport>();
+    if (style.format == "github") return std::make_unique<GithubReport>();
+    return std::make_unique<TextReport>(style);
+}
+
+}  // namespace tool
