@@ -69,7 +69,9 @@ void showBreaks(const VELHLSMediaStream& stream) {
 /// Names the cue markers that the model does not hold. False when there are any.
 bool holdsAllCues(const std::string& path, const std::string& text) {
     bool holdsAll = true;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, VELHLSDiagnostics::Media)) {
+    const VELHLSDiagnostics::Options options = {VELHLSDiagnostics::Media,
+                                                {VELHLSDiagnostics::Profile::library}};
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, options).findings) {
         const bool isLostCue = finding.ruleId == "cue-in-dropped" || finding.ruleId == "cue-out-ignored";
         if (!isLostCue) continue;
         std::cout << path << ":" << finding.line << ": the model does not hold this cue: " << finding.message

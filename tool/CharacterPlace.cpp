@@ -4,21 +4,33 @@
 
 namespace tool {
 
-CharacterPlace CharacterPlaces::of(const VELHLSFinding& finding) {
-    const std::string_view line = lineNumbered(finding.line);
-    return {utf8::countCharacters(line.substr(0, finding.column - 1)) + 1,
-            utf8::countCharacters(line.substr(finding.column - 1, finding.length))};
+CharacterPlace CharacterPlaces::of(std::size_t line, std::size_t column, std::size_t length) {
+    const std::string_view text = lineNumbered(line);
+    const std::size_t before = column - 1;
+    if (before < countedBytes_) goToLineAt(start_);
+    countedCharacters_ += utf8::countCharacters(text.substr(countedBytes_, before - countedBytes_));
+    countedBytes_ = before;
+    return {countedCharacters_ + 1, utf8::countCharacters(text.substr(before, length))};
 }
 
 std::string_view CharacterPlaces::lineNumbered(std::size_t number) {
-    if (number < line_) {
-        line_ = 1;
-        start_ = 0;
-    }
-    for (; line_ < number; ++line_)
-        start_ = text_.find('\n', start_) + 1;
-    const std::string_view rest = text_.substr(start_);
-    return rest.substr(0, rest.find('\n'));
+    if (number < number_) goToStart();
+    for (; number_ < number; ++number_)
+        goToLineAt(start_ + line_.size() + 1);
+    return line_;
+}
+
+void CharacterPlaces::goToStart() {
+    number_ = 1;
+    goToLineAt(0);
+}
+
+void CharacterPlaces::goToLineAt(std::size_t start) {
+    start_ = start;
+    const std::string_view rest = text_.substr(start);
+    line_ = rest.substr(0, rest.find('\n'));
+    countedBytes_ = 0;
+    countedCharacters_ = 0;
 }
 
 }  // namespace tool

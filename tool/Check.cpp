@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "tool/InputFile.h"
 
@@ -26,8 +27,10 @@ CheckedFile checkInput(const Input& input, const CheckRequest& request) {
     CheckedFile file;
     read(file, input, request.mostBytes);
     if (!file.failure.empty()) return file;
-    file.kind = decideKind(file.text, request.kind);
-    file.findings = request.choice.chosenOf(VELHLSDiagnostics::check(file.text, file.kind));
+    VELHLSDiagnostics::Report report = VELHLSDiagnostics::check(file.text, request.options);
+    file.kind = report.kind;
+    file.rejected = std::move(report.rejected);
+    file.findings = request.choice.chosenOf(std::move(report.findings));
     for (const VELHLSFinding& finding : file.findings)
         file.counts.add(finding);
     file.findings = request.choice.shownOf(std::move(file.findings));
@@ -41,6 +44,7 @@ ExitStatus statusOf(const CheckedFile& file, const FindingChoice& choice) {
 
 void add(CheckSummary& summary, const CheckedFile& file, ExitStatus status) {
     ++(file.failure.empty() ? summary.filesRead : summary.filesNotRead);
+    if (file.rejected) ++summary.filesRejected;
     summary.counts.add(file.counts);
     summary.status = std::max(summary.status, status);
 }
@@ -54,7 +58,7 @@ void tellFailure(const CheckedFile& file, const ReportStyle& style) {
 }  // namespace
 
 ExitStatus check(const CheckRequest& request) {
-    const std::unique_ptr<Report> report = reportOf(request.style);
+    const std::unique_ptr<Report> report = reportOf(request);
     CheckSummary summary;
     InputWalk walk(request.inputs);
     while (const std::optional<Input> input = walk.next()) {

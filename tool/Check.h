@@ -2,10 +2,11 @@
 
 #include <cstddef>
 
+#include "velhls/VELHLSCheck.h"
+
 #include "tool/Failure.h"
 #include "tool/FindingChoice.h"
 #include "tool/InputNames.h"
-#include "tool/PlaylistKind.h"
 #include "tool/Report.h"
 
 namespace tool {
@@ -13,7 +14,8 @@ namespace tool {
 /// What `velhls check` is asked for.
 struct CheckRequest {
     InputNames inputs;
-    PlaylistKind kind = PlaylistKind::Detect;
+    /// What to read them as, and by whose rules.
+    VELHLSDiagnostics::Options options;
     FindingChoice choice;
     ReportStyle style;
     /// The most that is read of each file.

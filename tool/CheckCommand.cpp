@@ -33,7 +33,6 @@ ExitStatus run(CLI::App& command, CheckOptions& options) {
     CheckRequest& request = options.request;
     if (request.inputs.paths.empty() && request.inputs.list.empty())
         request.inputs.paths.emplace_back(standardInput);
-    request.style.leastShown = request.choice.leastShown;
     return check(request);
 }
 
@@ -41,15 +40,19 @@ ExitStatus run(CLI::App& command, CheckOptions& options) {
 
 void addCheckCommand(CLI::App& app, CheckOptions& options, ExitStatus& status) {
     CLI::App* const command = app.add_subcommand(
-        "check", "Say what is wrong with playlists, where, and what the library makes of them");
+        "check",
+        "Say what is wrong with playlists, where, by which rule, and which of them the library rejects");
     command->footer(
         "Exit status: 0 nothing found at or above --fail-on, 1 something found, 2 bad usage or an input that "
         "cannot be "
         "read.\n"
+        "That the library rejects a playlist makes no difference to it, but for the profile library.\n"
         "NO_COLOR is respected.");
     CheckRequest& request = options.request;
     addInputs(*command, request.inputs);
-    addReadingOptions(*command, request.kind, request.mostBytes);
+    addReadingOptions(*command, request.options.kind, request.mostBytes);
+    addProfileOption(*command, request.options.profiles,
+                     "By whose rules to check, rfc8216 unless told otherwise");
     command->add_option("--format", request.style.format, "How to write what is found")
         ->check(CLI::IsMember({"text", "json", "jsonl", "sarif", "github"}))
         ->capture_default_str();

@@ -29,6 +29,25 @@ std::string whyNoSeverityOfRule(const std::string& text) {
 
 }  // namespace
 
+void addProfileOption(CLI::App& command, std::vector<VELHLSDiagnostics::Profile>& profiles,
+                      const std::string& what) {
+    std::vector<std::string> names;
+    for (const VELHLSDiagnostics::Profile profile : VELHLSDiagnostics::profiles())
+        names.emplace_back(VELHLSDiagnostics::nameOf(profile));
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--profile",
+            [&profiles](const std::vector<std::string>& asked) {
+                profiles.clear();
+                for (const std::string& name : asked)
+                    profiles.push_back(*VELHLSDiagnostics::profileNamed(name));
+            },
+            what + "; may be repeated")
+        ->check(CLI::IsMember(names))
+        ->allow_extra_args(false)
+        ->delimiter(',');
+}
+
 void addFindingOptions(CLI::App& command, FindingChoice& choice) {
     command
         .add_option_function<std::string>(

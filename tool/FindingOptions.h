@@ -1,6 +1,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "velhls/VELHLSCheck.h"
 
 namespace CLI {
 class App;
@@ -9,6 +12,10 @@ class App;
 namespace tool {
 
 struct FindingChoice;
+
+/// Adds --profile, which may be repeated; what was in the list is the default.
+void addProfileOption(CLI::App& command, std::vector<VELHLSDiagnostics::Profile>& profiles,
+                      const std::string& what);
 
 /// Adds what the commands that find something have in common: --severity, --fail-on, --disable and --severity-of.
 void addFindingOptions(CLI::App& command, FindingChoice& choice);

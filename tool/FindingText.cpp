@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <unistd.h>
 
+#include "tool/CharacterPlace.h"
 #include "tool/Printable.h"
 #include "tool/Utf8.h"
 
@@ -73,22 +74,12 @@ std::string describeAt(const std::string& place, const std::string& name, const 
     return text;
 }
 
-/// The start of every line, to find one by its number.
-std::vector<std::size_t> lineStarts(std::string_view text) {
-    std::vector<std::size_t> starts = {0};
-    for (std::size_t feed = text.find('\n'); feed != std::string_view::npos; feed = text.find('\n', feed + 1))
-        starts.push_back(feed + 1);
-    return starts;
-}
-
 std::string describeAllWithLines(const std::string& name, std::string_view text,
                                  const std::vector<VELHLSFinding>& findings, bool inColour) {
-    const std::vector<std::size_t> starts = lineStarts(text);
+    CharacterPlaces lines(text);
     std::string report;
-    for (const VELHLSFinding& finding : findings) {
-        const std::string_view rest = text.substr(starts[finding.line - 1]);
-        report += describeWithLine(name, finding, rest.substr(0, rest.find('\n')), inColour);
-    }
+    for (const VELHLSFinding& finding : findings)
+        report += describeWithLine(name, finding, lines.lineNumbered(finding.line), inColour);
     return report;
 }
 
@@ -102,6 +93,11 @@ bool isColourUnwanted() {
 
 std::string describe(const std::string& name, const VELHLSFinding& finding) {
     return describeAt(placeOf(name, finding), name, finding);
+}
+
+std::string describeRejection(const std::string& name, const VELHLSReason& reason) {
+    return name + ":" + std::to_string(reason.line) + ":" + std::to_string(reason.column) +
+           ": rejected: " + printable(reason.message) + " [" + reason.ruleId + "]";
 }
 
 std::string describeByLine(const std::string& name, const VELHLSFinding& finding) {

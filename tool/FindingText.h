@@ -4,12 +4,16 @@
 #include <string_view>
 #include <vector>
 
+#include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
 namespace tool {
 
 /// "file:line:column: error: message [rule]", with control characters made visible.
 [[nodiscard]] std::string describe(const std::string& name, const VELHLSFinding& finding);
+
+/// "file:line:column: rejected: message [rule]"
+[[nodiscard]] std::string describeRejection(const std::string& name, const VELHLSReason& reason);
 
 /// "file:line: error: message [rule]"
 [[nodiscard]] std::string describeByLine(const std::string& name, const VELHLSFinding& finding);

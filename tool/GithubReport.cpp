@@ -51,12 +51,31 @@ std::string suppressedNote(const VELHLSFinding& finding) {
     return " (" + std::to_string(finding.suppressed) + " more are not listed)";
 }
 
-std::string annotationOf(const std::string& path, const VELHLSFinding& finding, const CharacterPlace& place) {
-    return "::" + std::string(commandOf(finding.severity)) + " " + fileProperty(path) +
-           "line=" + std::to_string(finding.line) + ",col=" + std::to_string(place.column) +
-           ",endColumn=" + std::to_string(place.column + place.length) +
-           ",title=" + propertyOf(finding.ruleId) +
-           "::" + messageOf(finding.message + suppressedNote(finding)) + "\n";
+/// What is annotated.
+struct Note {
+    std::string_view command;
+    std::size_t line;
+    CharacterPlace place;
+    std::string title;
+    std::string message;
+};
+
+std::string annotationOf(const std::string& path, const Note& note) {
+    return "::" + std::string(note.command) + " " + fileProperty(path) + "line=" + std::to_string(note.line) +
+           ",col=" + std::to_string(note.place.column) +
+           ",endColumn=" + std::to_string(note.place.column + note.place.length) +
+           ",title=" + propertyOf(note.title) + "::" + messageOf(note.message) + "\n";
+}
+
+Note noteOf(const VELHLSFinding& finding, CharacterPlaces& places) {
+    return {commandOf(finding.severity), finding.line,
+            places.of(finding.line, finding.column, finding.length), finding.ruleId,
+            finding.message + suppressedNote(finding)};
+}
+
+Note noteOf(const VELHLSReason& reason, CharacterPlaces& places) {
+    return {"notice", reason.line, places.of(reason.line, reason.column, reason.length),
+            "rejected: " + reason.ruleId, reason.message};
 }
 
 std::string failureAnnotation(const CheckedFile& file) {
@@ -70,7 +89,8 @@ void GithubReport::add(const CheckedFile& file) {
     CharacterPlaces places(file.text);
     std::string report;
     for (const VELHLSFinding& finding : file.findings)
-        report += annotationOf(file.path, finding, places.of(finding));
+        report += annotationOf(file.path, noteOf(finding, places));
+    if (file.rejected) report += annotationOf(file.path, noteOf(*file.rejected, places));
     writeToStandardOutput(report);
 }
 

@@ -8,7 +8,7 @@ namespace tool {
 ///
 ///     ::error file=live.m3u8,line=3,col=29,endColumn=30,title=variant-bandwidth-zero::expected a BANDWIDTH above 0
 ///
-/// Neither a path nor a playlist can end such a command or begin another one. Inputs that cannot be read are annotations too.
+/// That the models reject a playlist is a notice. Neither a path nor a playlist can end such a command or begin another one. Inputs that cannot be read are annotations too.
 class GithubReport : public Report {
   public:
     void add(const CheckedFile& file) override;

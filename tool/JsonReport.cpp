@@ -12,7 +12,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 /// Changes when what is written would no longer be read as before.
-constexpr int formatVersion = 1;
+constexpr int formatVersion = 2;
 
 Json reportWithoutFiles() {
     return {{"version", formatVersion}, {"files", Json::array()}};
@@ -26,6 +26,7 @@ Json fileAsJson(const CheckedFile& file) {
     }
     const bool isPlaylist = file.kind != PlaylistKind::Detect;
     json["kind"] = isPlaylist ? Json(nameOf(file.kind)) : Json();
+    json["rejected"] = rejectionAsJson(file.rejected);
     json["findings"] = Json::array();
     for (const VELHLSFinding& finding : file.findings)
         json["findings"].push_back(findingAsJson(finding));

@@ -5,7 +5,7 @@
 
 namespace tool {
 
-/// The findings as JSON. The schema is docs/schemas/check-1.schema.json.
+/// The findings as JSON. The schema is docs/schemas/check-2.schema.json.
 class JsonReport : public Report {
   public:
     JsonReport();

@@ -2,9 +2,11 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
 #include "tool/Failure.h"
@@ -26,12 +28,15 @@ struct CheckedFile {
     std::vector<VELHLSFinding> findings;
     /// What was found, shown or not.
     FindingCounts counts;
+    /// Why the models reject the playlist, if they do, whatever was found.
+    std::optional<VELHLSReason> rejected;
 };
 
 /// What was found in all files.
 struct CheckSummary {
     std::size_t filesRead = 0;
     std::size_t filesNotRead = 0;
+    std::size_t filesRejected = 0;
     std::size_t linksLeftOut = 0;
     FindingCounts counts;
     ExitStatus status = success;
@@ -57,10 +62,11 @@ struct ReportStyle {
     std::string format = "text";
     /// When a text has colours: "auto", "always" or "never".
     std::string colour = "auto";
-    /// What a text says is hidden.
-    VELHLSFinding::Severity leastShown = VELHLSFinding::Warning;
 };
 
-[[nodiscard]] std::unique_ptr<Report> reportOf(const ReportStyle& style);
+struct CheckRequest;
+
+/// The report of what is asked for.
+[[nodiscard]] std::unique_ptr<Report> reportOf(const CheckRequest& request);
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -37,14 +38,25 @@ std::size_t farnessOf(std::string_view id, std::string_view text) {
 
 }  // namespace
 
+std::vector<std::string> ruleIds() {
+    std::vector<std::string> ids;
+    std::set<std::string_view> known;
+    for (const VELHLSDiagnostics::Profile profile : VELHLSDiagnostics::profiles()) {
+        for (const VELHLSRule& rule : VELHLSDiagnostics::rules(profile)) {
+            if (known.insert(rule.id).second) ids.emplace_back(rule.id);
+        }
+    }
+    return ids;
+}
+
 std::vector<std::string> rulesNear(const std::string& text) {
     constexpr std::size_t longestText = 100;
     constexpr std::size_t most = 5;
     if (text.size() > longestText) return {};
     std::vector<std::pair<std::size_t, std::string>> near;
-    for (const VELHLSRule& rule : VELHLSDiagnostics::rules()) {
-        const std::size_t farness = farnessOf(rule.id, text);
-        if (farness <= text.size() / 3) near.emplace_back(farness, rule.id);
+    for (const std::string& id : ruleIds()) {
+        const std::size_t farness = farnessOf(id, text);
+        if (farness <= text.size() / 3) near.emplace_back(farness, id);
     }
     std::sort(near.begin(), near.end());
     std::vector<std::string> ids;

@@ -1,6 +1,7 @@
 #include "tool/SarifReport.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string_view>
 
@@ -16,24 +17,45 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// The SARIF levels have the names of our severities.
-Json describeRule(const VELHLSRule& rule) {
-    const std::string page(pageOf(rule.id));
-    return {{"id", rule.id},
-            {"shortDescription", {{"text", rule.summary}}},
-            {"help", {{"text", page}, {"markdown", page}}},
-            {"defaultConfiguration", {{"level", VELHLSFinding::textOf(rule.severity)}}},
-            {"properties",
-             {{"expected", rule.expected},
-              {"source", rule.source},
-              {"isLostWhenWritten", rule.isLostWhenWritten}}}};
+/// Where the clause can be read; empty where there is none.
+std::string helpUriOf(const VELHLSRule& rule) {
+    if (rule.clause.empty()) return {};
+    if (rule.source.find("RFC 8216,") == 0)
+        return "https://www.rfc-editor.org/rfc/rfc8216#section-" + std::string(rule.clause);
+    if (rule.profile == "apple")
+        return "https://developer.apple.com/documentation/http-live-streaming/"
+               "hls-authoring-specification-for-apple-devices";
+    return "https://datatracker.ietf.org/doc/html/draft-pantos-hls-rfc8216bis#section-" +
+           std::string(rule.clause);
 }
 
-Json describeRules(std::map<std::string, std::size_t>& indices) {
+/// The SARIF levels have the names of our severities.
+Json describeRule(const VELHLSRule& rule) {
+    const std::string page(pageOf(rule));
+    Json description = {{"id", rule.id},
+                        {"shortDescription", {{"text", rule.summary}}},
+                        {"help", {{"text", page}, {"markdown", page}}},
+                        {"defaultConfiguration", {{"level", VELHLSFinding::textOf(rule.severity)}}},
+                        {"properties",
+                         {{"expected", rule.expected},
+                          {"source", rule.source},
+                          {"profile", rule.profile},
+                          {"clause", rule.clause},
+                          {"level", rule.level},
+                          {"isLostWhenWritten", rule.isLostWhenWritten}}}};
+    const std::string help = helpUriOf(rule);
+    if (!help.empty()) description["helpUri"] = help;
+    return description;
+}
+
+/// A rule that several profiles have stands there once.
+Json describeRules(const std::vector<VELHLSDiagnostics::Profile>& profiles,
+                   std::map<std::string, std::size_t>& indices) {
     Json rules = Json::array();
-    for (const VELHLSRule& rule : VELHLSDiagnostics::rules()) {
-        indices.emplace(rule.id, rules.size());
-        rules.push_back(describeRule(rule));
+    for (const VELHLSDiagnostics::Profile profile : profiles) {
+        for (const VELHLSRule& rule : VELHLSDiagnostics::rules(profile)) {
+            if (indices.emplace(rule.id, rules.size()).second) rules.push_back(describeRule(rule));
+        }
     }
     return rules;
 }
@@ -58,30 +80,71 @@ std::string uriOf(const std::string& path) {
 }
 
 /// SARIF counts columns in characters.
-Json regionOf(const VELHLSFinding& finding, const CharacterPlace& place) {
-    return {{"startLine", finding.line},
-            {"startColumn", place.column},
-            {"endLine", finding.line},
-            {"endColumn", place.column + place.length}};
+Json locationOf(const std::string& path, std::size_t line, const CharacterPlace& place) {
+    const Json region = {{"startLine", line},
+                         {"startColumn", place.column},
+                         {"endLine", line},
+                         {"endColumn", place.column + place.length}};
+    return {{"physicalLocation", {{"artifactLocation", {{"uri", uriOf(path)}}}, {"region", region}}}};
 }
 
-Json resultOf(const std::string& path, const VELHLSFinding& finding, const CharacterPlace& place,
-              std::size_t ruleIndex) {
-    Json result = {
-        {"ruleId", finding.ruleId},
-        {"ruleIndex", ruleIndex},
-        {"level", VELHLSFinding::textOf(finding.severity)},
-        {"message", {{"text", finding.message}}},
-        {"locations",
-         {{{"physicalLocation",
-            {{"artifactLocation", {{"uri", uriOf(path)}}}, {"region", regionOf(finding, place)}}}}}}};
-    if (finding.suppressed != 0) result["properties"] = {{"suppressed", finding.suppressed}};
-    return result;
+/// FNV-1a: the same in every build.
+std::uint64_t hashOf(std::string_view text) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (const char character : text)
+        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001B3U;
+    return hash;
 }
 
-Json logWithoutResults(std::map<std::string, std::size_t>& ruleIndices) {
-    const Json driver = {
-        {"name", "velhls"}, {"version", VELHLS_TOOL_VERSION}, {"rules", describeRules(ruleIndices)}};
+std::string hexadecimalOf(std::uint64_t number) {
+    std::string text(16, '0');
+    for (std::size_t position = text.size(); position-- > 0; number >>= 4U)
+        text[position] = "0123456789abcdef"[number & 0xFU];
+    return text;
+}
+
+/// What stays the same when lines before the finding come and go: its rule and the start of its line. The same again has a number.
+class Fingerprints {
+  public:
+    std::string next(const VELHLSFinding& finding, std::string_view line) {
+        const std::uint64_t hash = hashOf(finding.ruleId + "\n" + std::string(line.substr(0, 1024)));
+        return hexadecimalOf(hash) + ":" + std::to_string(++seen_[hash]);
+    }
+
+  private:
+    std::map<std::uint64_t, std::size_t> seen_;
+};
+
+Json propertiesOf(const VELHLSFinding& finding) {
+    Json properties = {{"profile", finding.profile}, {"clause", finding.clause}, {"level", finding.level}};
+    if (finding.suppressed != 0) properties["suppressed"] = finding.suppressed;
+    return properties;
+}
+
+Json resultOf(const std::string& path, const VELHLSFinding& finding, CharacterPlaces& places,
+              Fingerprints& fingerprints) {
+    const CharacterPlace place = places.of(finding.line, finding.column, finding.length);
+    return {{"ruleId", finding.ruleId},
+            {"level", VELHLSFinding::textOf(finding.severity)},
+            {"message", {{"text", finding.message}}},
+            {"locations", Json::array({locationOf(path, finding.line, place)})},
+            {"partialFingerprints",
+             {{"ruleAndLine/v1", fingerprints.next(finding, places.lineNumbered(finding.line))}}},
+            {"properties", propertiesOf(finding)}};
+}
+
+Json rejectionOf(const std::string& path, const VELHLSReason& reason, CharacterPlaces& places) {
+    const CharacterPlace place = places.of(reason.line, reason.column, reason.length);
+    return {{"level", "note"},
+            {"message", {{"text", "rejected: " + reason.message + " [" + reason.ruleId + "]"}}},
+            {"locations", Json::array({locationOf(path, reason.line, place)})}};
+}
+
+Json logWithoutResults(const std::vector<VELHLSDiagnostics::Profile>& profiles,
+                       std::map<std::string, std::size_t>& ruleIndices) {
+    const Json driver = {{"name", "velhls"},
+                         {"version", VELHLS_TOOL_VERSION},
+                         {"rules", describeRules(profiles, ruleIndices)}};
     const Json run = {
         {"tool", {{"driver", driver}}}, {"columnKind", "unicodeCodePoints"}, {"results", Json::array()}};
     return {{"$schema",
@@ -92,7 +155,8 @@ Json logWithoutResults(std::map<std::string, std::size_t>& ruleIndices) {
 
 }  // namespace
 
-SarifReport::SarifReport() : log_(logWithoutResults(ruleIndices_)), text_(log_, "results") {
+SarifReport::SarifReport(const std::vector<VELHLSDiagnostics::Profile>& profiles)
+    : log_(logWithoutResults(profiles, ruleIndices_)), text_(log_, "results") {
     writeToStandardOutput(text_.start());
 }
 
@@ -100,11 +164,14 @@ void SarifReport::add(const CheckedFile& file) {
     if (!file.failure.empty())
         notifications_.push_back({{"level", "error"}, {"message", {{"text", file.failure}}}});
     CharacterPlaces places(file.text);
+    Fingerprints fingerprints;
     std::string results;
     for (const VELHLSFinding& finding : file.findings) {
-        const std::size_t ruleIndex = ruleIndices_.at(finding.ruleId);
-        results += text_.element(resultOf(file.path, finding, places.of(finding), ruleIndex));
+        Json result = resultOf(file.path, finding, places, fingerprints);
+        result["ruleIndex"] = ruleIndices_.at(finding.ruleId);
+        results += text_.element(result);
     }
+    if (file.rejected) notifications_.push_back(rejectionOf(file.path, *file.rejected, places));
     writeToStandardOutput(results);
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -11,10 +12,11 @@
 
 namespace tool {
 
-/// The findings as SARIF 2.1.0 (OASIS), with all rules.
+/// The findings as SARIF 2.1.0 (OASIS), with the rules of the profiles. Which files cannot be read, and which the models reject,
+/// are notifications of the run.
 class SarifReport : public Report {
   public:
-    SarifReport();
+    explicit SarifReport(const std::vector<VELHLSDiagnostics::Profile>& profiles);
     void add(const CheckedFile& file) override;
     void end(const CheckSummary& summary) override;
 

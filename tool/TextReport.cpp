@@ -25,6 +25,7 @@ std::string describeCounts(const FindingCounts& counts, VELHLSFinding::Severity 
 std::string describe(const CheckSummary& summary, VELHLSFinding::Severity leastShown) {
     std::string text =
         counted(summary.filesRead, "file") + " checked: " + describeCounts(summary.counts, leastShown);
+    if (summary.filesRejected != 0) text += ", " + std::to_string(summary.filesRejected) + " rejected";
     if (summary.filesNotRead != 0) text += ", " + counted(summary.filesNotRead, "input") + " not read";
     if (summary.linksLeftOut != 0) text += ", " + counted(summary.linksLeftOut, "link") + " not followed";
     return text + "\n";
@@ -32,11 +33,13 @@ std::string describe(const CheckSummary& summary, VELHLSFinding::Severity leastS
 
 }  // namespace
 
-TextReport::TextReport(const ReportStyle& style)
-    : findingStyle_(findingStyleOf(style.colour)), leastShown_(style.leastShown) {}
+TextReport::TextReport(const std::string& colour, VELHLSFinding::Severity leastShown)
+    : findingStyle_(findingStyleOf(colour)), leastShown_(leastShown) {}
 
 void TextReport::add(const CheckedFile& file) {
-    writeToStandardOutput(describeAll(file.name, file.text, file.findings, findingStyle_));
+    std::string text = describeAll(file.name, file.text, file.findings, findingStyle_);
+    if (file.rejected) text += describeRejection(file.name, *file.rejected) + "\n";
+    writeToStandardOutput(text);
 }
 
 void TextReport::end(const CheckSummary& summary) {

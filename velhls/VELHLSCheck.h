@@ -4,6 +4,8 @@
 /// What looks at texts: all of velhls::check. The models (velhls::velhls) have velhls/VELHLS.h, where it also stands what
 /// holds for all of velhls.
 
+#include "velhls/comparison/VELHLSChange.h"
+#include "velhls/comparison/VELHLSComparison.h"
 #include "velhls/diagnostics/VELHLSDiagnostics.h"
 #include "velhls/document/VELHLSAttribute.h"
 #include "velhls/document/VELHLSAttributeDefinition.h"

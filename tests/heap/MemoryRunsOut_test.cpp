@@ -21,6 +21,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "tests/heap/Heap.h"
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/MediaRoundTrip.h"
 #include "tests/support/WholePlaylists.h"
 
@@ -181,8 +182,8 @@ class Check {
         : text_(text), input_(text, smallPiece), kind_(kind) {}
 
     void run() {
-        findings_ = VELHLSDiagnostics::check(text_, kind_);
-        findingsOfStream_ = VELHLSDiagnostics::check(input_, kind_);
+        findings_ = library::findingsIn(text_, kind_);
+        findingsOfStream_ = VELHLSDiagnostics::check(input_, library::optionsFor(kind_)).findings;
     }
 
     [[nodiscard]] std::string outcome() const { return told(findings_) + told(findingsOfStream_); }
@@ -489,7 +490,7 @@ std::string timestamps() {
 }
 
 std::string rules() {
-    return std::to_string(VELHLSDiagnostics::rules().size()) +
+    return std::to_string(library::rules().size()) +
            std::string(VELHLSDiagnostics::ruleNamed("variant-bandwidth-missing")->summary);
 }
 

@@ -16,6 +16,7 @@
 
 #include "tests/heap/Heap.h"
 #include "tests/support/HostileInputs.h"
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/Parses.h"
 
 namespace {
@@ -64,7 +65,7 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
     EXPECT_LE(multiple(understood, text.size()), 1.0 + mostOfDocument);
 
     std::vector<VELHLSFinding> findings;
-    const Memory checked = memoryOf([&] { findings = VELHLSDiagnostics::check(text, input.kind); });
+    const Memory checked = memoryOf([&] { findings = library::findingsIn(text, input.kind); });
     EXPECT_LE(multiple(checked, text.size() + parsed.held), mostOfCheck);
     if (playlist == nullptr) return;
 

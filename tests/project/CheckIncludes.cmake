@@ -11,6 +11,7 @@ set(below_media common media)
 set(below_writer common manifest media writer)
 set(below_document common document)
 set(below_standard common document standard)
+set(below_comparison common document standard comparison)
 set(below_losses common document losses)
 set(below_diagnostics common document losses standard diagnostics)
 # The models, of which only public headers may be included.

@@ -24,6 +24,12 @@ Outcome velhls(std::vector<std::string> arguments, const std::string& input = ""
     return command::run(arguments, input);
 }
 
+/// Checks by what the library makes of a playlist.
+Outcome checkByLibrary(std::vector<std::string> options, const std::string& input = "") {
+    options.insert(options.begin(), {"check", "--profile=library"});
+    return velhls(options, input);
+}
+
 const std::string rejected = lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=0", "a.m3u8"});
 const std::string clean = lines({"#EXTM3U", "#EXT-X-START:TIME-OFFSET=2.5",
                                  "#EXT-X-STREAM-INF:BANDWIDTH=1,CLOSED-CAPTIONS=NONE", "a.m3u8"});
@@ -43,7 +49,7 @@ void expectAnnotationsAlone(const std::string& output) {
 TEST(JsonReport, WritesEachFileAsItIsChecked) {
     const TemporaryFolder folder;
     const std::string path = folder.with("a.m3u8", rejected);
-    const Outcome outcome = velhls({"check", "--format=json", path, folder.file("b"), "-"}, clean);
+    const Outcome outcome = checkByLibrary({"--format=json", path, folder.file("b"), "-"}, clean);
     EXPECT_EQ(outcome.exitStatus, 2);
     EXPECT_THAT(outcome.output, testing::StartsWith("{\n  \"version\": "));
     EXPECT_THAT(outcome.output, HasSubstr(",\n"
@@ -75,12 +81,11 @@ TEST(JsonReport, WritesEachFileAsItIsChecked) {
 }
 
 TEST(JsonReport, OfNoFileIsWholeToo) {
-    EXPECT_THAT(velhls({"check", "--format=json", "--files-from=-"}).output,
+    EXPECT_THAT(checkByLibrary({"--format=json", "--files-from=-"}).output,
                 testing::MatchesRegex("\\{\n  \"version\": [0-9]+,\n  \"files\": \\[\\]\n\\}\n"));
-    EXPECT_EQ(velhls({"check", "--format=jsonl", "--files-from=-"}).output, "");
-    EXPECT_EQ(velhls({"check", "--format=github", "--files-from=-"}).output, "");
-    EXPECT_THAT(velhls({"check", "--format=sarif", "--files-from=-"}).output,
-                HasSubstr("\"results\": [],\n"));
+    EXPECT_EQ(checkByLibrary({"--format=jsonl", "--files-from=-"}).output, "");
+    EXPECT_EQ(checkByLibrary({"--format=github", "--files-from=-"}).output, "");
+    EXPECT_THAT(checkByLibrary({"--format=sarif", "--files-from=-"}).output, HasSubstr("\"results\": [],\n"));
 }
 
 TEST(JsonReport, HoldsNoMoreThanOneFile) {
@@ -94,7 +99,7 @@ TEST(JsonReport, HoldsNoMoreThanOneFile) {
         for (int count = 0; count < files; ++count)
             list += path + "\n";
         const Outcome outcome =
-            velhls({"check", "--severity=note", "--files-from=-", "--format", format}, list);
+            checkByLibrary({"--severity=note", "--files-from=-", "--format", format}, list);
         EXPECT_EQ(outcome.exitStatus, 0);
         EXPECT_GT(outcome.output.size(), static_cast<std::size_t>(files) * 10000);
         return outcome.peakMemory;
@@ -106,9 +111,9 @@ TEST(JsonReport, HoldsNoMoreThanOneFile) {
 TEST(JsonLinesReport, HasAFileInEachLine) {
     const TemporaryFolder folder;
     const std::string path = folder.with("a.m3u8", rejected);
-    const std::string output = velhls({"check", "--format=jsonl", path, folder.file("b"), "-"}, clean).output;
+    const std::string output = checkByLibrary({"--format=jsonl", path, folder.file("b"), "-"}, clean).output;
     EXPECT_THAT(output, testing::StartsWith("{\"path\":\"" + path +
-                                            "\",\"kind\":\"master\",\"findings\":[{\"rule\":"));
+                                            "\",\"kind\":\"master\",\"rejected\":{\"rule\":"));
     EXPECT_THAT(output,
                 HasSubstr("]}\n{\"path\":\"" + folder.file("b") + "\",\"failure\":\"" + folder.file("b") +
                           ": error: cannot be read: No such file or directory\"}\n{\"path\":\"-\","));
@@ -118,14 +123,16 @@ TEST(JsonLinesReport, HasAFileInEachLine) {
 TEST(GithubReport, MakesAnnotations) {
     const TemporaryFolder folder;
     const std::string path = folder.with("a.m3u8", rejected);
-    const Outcome outcome = velhls({"check", "--format=github", path, "-", folder.file("b")}, rejected);
-    const std::string finding =
-        "line=2,col=29,endColumn=30,title=variant-bandwidth-zero::EXT-X-STREAM-INF: BANDWIDTH: expected a "
-        "BANDWIDTH "
-        "above 0, seen \"0\"\n";
-    EXPECT_EQ(outcome.output, "::error file=" + path + "," + finding + "::error " + finding +
-                                  "::error file=" + folder.file("b") + ",title=not read::" +
-                                  folder.file("b") + ": error: cannot be read: No such file or directory\n");
+    const Outcome outcome = checkByLibrary({"--format=github", path, "-", folder.file("b")}, rejected);
+    const auto notesOf = [](const std::string& file) {
+        const std::string place = file + "line=2,col=29,endColumn=30,title=";
+        const std::string message =
+            "variant-bandwidth-zero::EXT-X-STREAM-INF: BANDWIDTH: expected a BANDWIDTH above 0, seen \"0\"\n";
+        return "::error " + place + message + "::notice " + place + "rejected%3A " + message;
+    };
+    EXPECT_EQ(outcome.output, notesOf("file=" + path + ",") + notesOf("") + "::error file=" +
+                                  folder.file("b") + ",title=not read::" + folder.file("b") +
+                                  ": error: cannot be read: No such file or directory\n");
     // What stands on standard error, too, a workflow would look through.
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 2);
@@ -134,13 +141,13 @@ TEST(GithubReport, MakesAnnotations) {
 TEST(GithubReport, CountsCharacters) {
     const std::string text =
         lines({"#EXTM3U", "#EXT-X-STREAM-INF:NAME=\"\xC3\xA9\xE2\x82\xAC\",BANDWIDTH=0", "a.m3u8"});
-    EXPECT_THAT(velhls({"check", "--format=github"}, text).output, HasSubstr("line=2,col=39,endColumn=40,"));
+    EXPECT_THAT(checkByLibrary({"--format=github"}, text).output, HasSubstr("line=2,col=39,endColumn=40,"));
 }
 
 TEST(GithubReport, NamesNotesNotices) {
     const std::string output =
-        velhls({"check", "--format=github", "--severity=note", "--severity-of=variant-bandwidth-zero=note"},
-               rejected)
+        checkByLibrary({"--format=github", "--severity=note", "--severity-of=variant-bandwidth-zero=note"},
+                       rejected)
             .output;
     EXPECT_THAT(output, HasSubstr("::notice line=2,col=29,endColumn=30,title=variant-bandwidth-zero::"));
 }
@@ -164,12 +171,12 @@ TEST(GithubReport, LetsNoNameWriteACommand) {
     };
     const TemporaryFolder folder;
     for (const HostileName& name : names) {
-        const Outcome missing = velhls({"check", "--format=github", folder.file(name.name)});
+        const Outcome missing = checkByLibrary({"--format=github", folder.file(name.name)});
         EXPECT_EQ(missing.output, "::error file=" + folder.file(name.property) +
                                       ",title=not read::" + folder.file(name.message) +
                                       ": error: cannot be read: No such file or directory\n");
         EXPECT_EQ(missing.errors, "");
-        const Outcome found = velhls({"check", "--format=github", folder.with(name.name, rejected)});
+        const Outcome found = checkByLibrary({"--format=github", folder.with(name.name, rejected)});
         EXPECT_THAT(found.output,
                     testing::StartsWith("::error file=" + folder.file(name.property) + ",line=2,col=29,"));
         expectAnnotationsAlone(found.output);
@@ -182,17 +189,16 @@ TEST(GithubReport, LetsNoPlaylistWriteACommand) {
         "\xE2\x80\xA8::error::x", "a,b:c"};
     for (const std::string& value : values) {
         const std::string text = "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=" + value + "\n" + value + "\n";
-        const Outcome outcome =
-            velhls({"check", "--format=github", "--severity=note", "--kind=master"}, text);
+        const Outcome outcome = checkByLibrary({"--format=github", "--severity=note", "--kind=master"}, text);
         EXPECT_NE(outcome.output, "");
         expectAnnotationsAlone(outcome.output);
     }
-    EXPECT_THAT(velhls({"check", "--format=github", "--kind=master"}, "#EXTM3U\n50%\r::error::x\n").output,
+    EXPECT_THAT(checkByLibrary({"--format=github", "--kind=master"}, "#EXTM3U\n50%\r::error::x\n").output,
                 HasSubstr("seen \"50%25\\x0D::error::x\"\n"));
 }
 
 TEST(GithubReport, IsNothingButAnnotationsForAllExamples) {
-    const Outcome outcome = velhls({"check", "--format=github", "--severity=note", VELHLS_EXAMPLE_FINDINGS});
+    const Outcome outcome = checkByLibrary({"--format=github", "--severity=note", VELHLS_EXAMPLE_FINDINGS});
     EXPECT_GT(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 150);
     expectAnnotationsAlone(outcome.output);
 }

@@ -24,6 +24,14 @@ TEST(ExplainCommand, ShowsThePageOfARule) {
     EXPECT_EQ(outcome.output, contentOf(VELHLS_SOURCE "/docs/rules/variant-bandwidth-zero.md"));
 }
 
+TEST(ExplainCommand, ShowsThePagesOfBothVoices) {
+    EXPECT_EQ(velhls({"explain", "rendition-report-absolute"}).output,
+              contentOf(VELHLS_SOURCE "/docs/standard/rendition-report-absolute.md"));
+    EXPECT_EQ(velhls({"explain", "version-too-low"}).output,
+              contentOf(VELHLS_SOURCE "/docs/standard/version-too-low.md") + "\n" +
+                  contentOf(VELHLS_SOURCE "/docs/rules/version-too-low.md"));
+}
+
 TEST(ExplainCommand, OffersRulesWithNearNames) {
     const std::vector<std::pair<std::string, std::string>> offers = {
         {"variant-bandwith-zero", "\"variant-bandwith-zero\"; did you mean variant-bandwidth-zero?\n"},

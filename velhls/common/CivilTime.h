@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "velhls/common/PrivateExport.h"
+
 namespace velhls {
 
 /// A date and time in UTC. When it is converted to seconds, fields outside their range carry over.
@@ -34,6 +36,6 @@ inline constexpr std::int64_t secondsOfDay = 86400;
 [[nodiscard]] std::int64_t startOfDay(std::int64_t secondsSinceEpoch);
 
 /// The date of a second that the calendar holds, as a time at the start of that day.
-[[nodiscard]] CivilTime dateOf(std::int64_t secondsSinceEpoch);
+[[nodiscard]] VELHLS_PRIVATE_API CivilTime dateOf(std::int64_t secondsSinceEpoch);
 
 }  // namespace velhls

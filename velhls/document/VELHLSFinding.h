@@ -4,6 +4,25 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
+
+/// A second place that a finding speaks of, in its own text or in another one: what the first place disagrees with.
+struct VELHLSRelatedPlace {
+    /// The text that it is in, by the name that the caller gave it; empty for the text of the finding itself.
+    std::string uri;
+
+    /// The line in that text, counted from 1.
+    std::size_t line = 1;
+
+    /// The byte in that line where the place begins, counted from 1.
+    std::size_t column = 1;
+
+    /// The number of bytes; 0 where something is missing. Never beyond the end of the line.
+    std::size_t length = 0;
+
+    /// What stands there, in a few words. Like a finding's message it may hold any bytes.
+    std::string message;
+};
 
 /// One thing that is wrong with a playlist, or that the library does with it and that may surprise.
 ///
@@ -50,7 +69,7 @@ struct VELHLSFinding {
     /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
     std::string source;
 
-    /// By what the playlist was checked: "rfc8216", "rfc8216bis" or "apple". Empty for what the library does.
+    /// By whose rules the playlist was checked: "rfc8216", "rfc8216bis" or "apple"; "library" for what the models do.
     std::string profile;
 
     /// The number of the clause that the rule stands for, in RFC 8216, its successor or the authoring rules: "4.3.2.1".
@@ -60,6 +79,10 @@ struct VELHLSFinding {
     /// The key word of that clause: "MUST", "SHOULD NOT"…; "SYN" for a format that is given without one, "REC" for what is
     /// recommended in passing. Empty where there is no clause.
     std::string level;
+
+    /// What the finding speaks of beside its own place: the line of another playlist, or of an earlier version. Most findings
+    /// have none.
+    std::vector<VELHLSRelatedPlace> related;
 
     /// How many more findings this rule had after this one that are not listed. Other than 0 in the last listed
     /// finding of a rule that had more than VELHLSDiagnostics::maximumFindingsPerRule.

@@ -32,6 +32,7 @@ void StandardFindings::add(const StandardRule& rule, const VELHLSLine& line, std
     finding.profile = profile_;
     finding.clause = clauseOf(finding.source);
     finding.level = rule.level;
+    if (words.related != nullptr) finding.related.push_back(*words.related);
     findings_.push_back(std::move(finding));
 }
 

@@ -20,6 +20,8 @@ struct FindingWords {
     std::string_view seen = {};
     /// "RFC 8216, section 4.3.2.4", where the rule stands for clauses of several sections.
     std::string_view source = {};
+    /// A second place; null for none.
+    const VELHLSRelatedPlace* related = nullptr;
 };
 
 /// Gathers findings. Of each rule it keeps a bounded number, and counts the others.

@@ -1,0 +1,114 @@
+#include "velhls/comparison/Values.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "velhls/common/CivilTime.h"
+#include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
+#include "velhls/document/VELHLSSyntax.h"
+
+namespace velhls {
+namespace {
+
+bool isDefault(const VELHLSAttribute& attribute) {
+    return (attribute.name == attribute::keyFormat && attribute.value == "identity") ||
+           (attribute.name == attribute::keyFormatVersions && attribute.value == "1");
+}
+
+void sortByName(std::vector<VELHLSAttribute>& attributes) {
+    std::stable_sort(
+        attributes.begin(), attributes.end(),
+        [](const VELHLSAttribute& left, const VELHLSAttribute& right) { return left.name < right.name; });
+}
+
+std::vector<VELHLSAttribute> saidAttributes(std::string_view list) {
+    std::vector<VELHLSAttribute> attributes;
+    for (const VELHLSAttribute& attribute : VELHLSAttributes(list)) {
+        if (!isDefault(attribute)) attributes.push_back(attribute);
+    }
+    sortByName(attributes);
+    return attributes;
+}
+
+std::string padded(std::int64_t number, std::size_t width) {
+    const std::string digits = std::to_string(number);
+    return digits.size() < width ? std::string(width - digits.size(), '0') + digits : digits;
+}
+
+std::int64_t startOfDayOf(std::int64_t seconds) {
+    return seconds - (seconds % secondsOfDay + secondsOfDay) % secondsOfDay;
+}
+
+}  // namespace
+
+bool isSameValue(std::string_view left, std::string_view right) {
+    if (left == right) return true;
+    const auto number = VELHLSSyntax::readSignedDecimalFloatingPoint(left);
+    if (number) return number == VELHLSSyntax::readSignedDecimalFloatingPoint(right);
+    const auto date = VELHLSSyntax::readDateTime(left);
+    const auto other = date ? VELHLSSyntax::readDateTime(right) : std::nullopt;
+    return date && other && date->microseconds == other->microseconds && date->hasZone == other->hasZone;
+}
+
+std::vector<VELHLSAttribute> sortedAttributes(const VELHLSLine& line) {
+    std::vector<VELHLSAttribute> attributes;
+    for (const VELHLSAttribute& attribute : line.attributes())
+        attributes.push_back(attribute);
+    sortByName(attributes);
+    return attributes;
+}
+
+bool isSameList(std::string_view left, std::string_view right) {
+    if (left == right) return true;
+    const std::vector<VELHLSAttribute> first = saidAttributes(left);
+    const std::vector<VELHLSAttribute> second = saidAttributes(right);
+    return std::equal(first.begin(), first.end(), second.begin(), second.end(),
+                      [](const VELHLSAttribute& one, const VELHLSAttribute& other) {
+                          return one.name == other.name && one.value == other.value;
+                      });
+}
+
+void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect aspect,
+                       const std::string& path, Differences& differences) {
+    if (before.value == now.value) return;
+    const std::vector<VELHLSAttribute> left = sortedAttributes(before);
+    const std::vector<VELHLSAttribute> right = sortedAttributes(now);
+    const Spot missingBefore = {before.number, {}};
+    const Spot missingNow = {now.number, {}};
+    for (std::size_t first = 0, second = 0; first < left.size() || second < right.size();) {
+        const int order = first == left.size()     ? 1
+                          : second == right.size() ? -1
+                                                   : left[first].name.compare(right[second].name);
+        const Spot old = order <= 0 ? spotOf(before, left[first].value) : missingBefore;
+        const Spot fresh = order >= 0 ? spotOf(now, right[second].value) : missingNow;
+        const std::string_view name = order <= 0 ? left[first].name : right[second].name;
+        if (order != 0 || !isSameValue(old.text, fresh.text)) differences.add(aspect, path, name, old, fresh);
+        first += order <= 0 ? 1 : 0;
+        second += order >= 0 ? 1 : 0;
+    }
+}
+
+std::string inQuotes(std::string_view text) {
+    return quoted(text);
+}
+
+std::string dateText(std::int64_t microseconds) {
+    constexpr std::int64_t second = 1000000;
+    const std::int64_t fraction = (microseconds % second + second) % second;
+    const std::int64_t seconds = (microseconds - fraction) / second;
+    const CivilTime day = velhls::dateOf(seconds);
+    const std::int64_t ofDay = seconds - startOfDayOf(seconds);
+    return padded(day.year, 4) + "-" + padded(day.month, 2) + "-" + padded(day.day, 2) + "T" +
+           padded(ofDay / 3600, 2) + ":" + padded(ofDay / 60 % 60, 2) + ":" + padded(ofDay % 60, 2) + "." +
+           padded(fraction / 1000, 3) + "Z";
+}
+
+std::string secondsText(double seconds) {
+    std::string text = std::to_string(seconds);
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') text.pop_back();
+    return text;
+}
+
+}  // namespace velhls
