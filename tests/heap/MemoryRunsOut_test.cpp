@@ -234,6 +234,32 @@ class Edit {
     std::string edited_;
 };
 
+/// A parse of a document, and the lines of its records.
+class FindLines {
+  public:
+    explicit FindLines(const std::string& text) : document_(text) {}
+
+    void run() {
+        const auto manifest = lines_.parseManifest(document_);
+        if (manifest != nullptr) line_ = lines_.of(*manifest->streamVariants.back())->first;
+        const auto stream = lines_.parseMediaStream(document_);
+        if (stream != nullptr) line_ = lines_.of(*stream->segments.back())->first;
+    }
+
+    [[nodiscard]] std::string outcome() const { return std::to_string(line_); }
+    [[nodiscard]] static std::string changed() { return ""; }
+
+  private:
+    VELHLSDocument document_;
+    VELHLSRecordLines lines_;
+    std::size_t line_ = 0;
+};
+
+TEST(MemoryRunsOut, FindingTheLinesOfRecords) {
+    runOutOfMemory<FindLines>(whole::master);
+    runOutOfMemory<FindLines>(whole::media);
+}
+
 TEST(MemoryRunsOut, EditingADocument) {
     runOutOfMemory<Edit>(whole::master);
     runOutOfMemory<Edit>(whole::media);

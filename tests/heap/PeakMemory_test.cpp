@@ -25,6 +25,7 @@ constexpr double mostOfParse = 24.0;
 constexpr double mostOfRender = 2.5;
 constexpr double mostOfWrite = 3.0;
 constexpr double mostOfCheck = 32.0;
+constexpr double mostOfRecordLines = 32.0;
 /// Beside the text itself, which it owns.
 constexpr double mostOfDocument = 24.0;
 
@@ -63,6 +64,16 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
         structure = std::make_unique<VELHLSStructure>(*document);
     });
     EXPECT_LE(multiple(understood, text.size()), 1.0 + mostOfDocument);
+
+    VELHLSRecordLines lines;
+    const Memory placed = memoryOf([&] {
+        if (input.kind == VELHLSDiagnostics::Master) {
+            static_cast<void>(lines.parseManifest(*document));
+        } else {
+            static_cast<void>(lines.parseMediaStream(*document));
+        }
+    });
+    EXPECT_LE(multiple(placed, text.size() + parsed.held), mostOfRecordLines);
 
     std::vector<VELHLSFinding> findings;
     const Memory checked = memoryOf([&] { findings = library::findingsIn(text, input.kind); });

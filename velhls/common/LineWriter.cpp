@@ -23,7 +23,7 @@ void writeTag(std::ostream& out, std::string_view tag) {
 
 void writeTag(std::ostream& out, std::string_view tag, std::string_view value) {
     std::string line;
-    appendTag(line, tag);
+    appendTagStart(line, tag);
     line += value;
     writeLine(out, line);
 }

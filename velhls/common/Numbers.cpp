@@ -48,7 +48,7 @@ std::string_view withoutSpaceAndPlus(std::string_view text) {
 
 /// Goes on with a number over the digits from a position on, and returns where they end. Of more than 19 digits the
 /// number is worth nothing.
-const char* takeDigits(const char* position, const char* end, std::uint64_t& number) {
+const char* readDigits(const char* position, const char* end, std::uint64_t& number) {
     for (; position < end; ++position) {
         const auto digit = static_cast<std::uint32_t>(*position - '0');
         if (digit > 9) break;
@@ -119,31 +119,31 @@ constexpr std::array<char, 200> makeDigitPairs() {
 constexpr std::array<char, 200> digitPairs = makeDigitPairs();
 
 /// A number below 1,000.
-char* putThreeDigits(char* to, std::uint32_t number) {
-    to = put(to, static_cast<char>('0' + number / 100));
-    return putTwoDigits(to, number % 100);
+char* writeThreeDigits(char* to, std::uint32_t number) {
+    to = writeText(to, static_cast<char>('0' + number / 100));
+    return writeTwoDigits(to, number % 100);
 }
 
 /// A number below 10,000.
-char* putFourDigits(char* to, std::uint32_t number) {
-    to = putTwoDigits(to, number / 100);
-    return putTwoDigits(to, number % 100);
+char* writeFourDigits(char* to, std::uint32_t number) {
+    to = writeTwoDigits(to, number / 100);
+    return writeTwoDigits(to, number % 100);
 }
 
 /// The same, less its leading zeros.
-char* putUpToFourDigits(char* to, std::uint32_t number) {
-    if (number >= 1000) return putFourDigits(to, number);
-    if (number >= 100) return putThreeDigits(to, number);
-    if (number >= 10) return putTwoDigits(to, number);
-    return put(to, static_cast<char>('0' + number));
+char* writeUpToFourDigits(char* to, std::uint32_t number) {
+    if (number >= 1000) return writeFourDigits(to, number);
+    if (number >= 100) return writeThreeDigits(to, number);
+    if (number >= 10) return writeTwoDigits(to, number);
+    return writeText(to, static_cast<char>('0' + number));
 }
 
 /// Prints what std::to_chars prints, in half the time: it does not count the digits first, and takes four at a time.
-char* putWhole(char* to, std::uint64_t number) {
+char* writeWhole(char* to, std::uint64_t number) {
     constexpr std::uint32_t tenThousand = 10000;
-    if (number < tenThousand) return putUpToFourDigits(to, static_cast<std::uint32_t>(number));
-    to = putWhole(to, number / tenThousand);
-    return putFourDigits(to, static_cast<std::uint32_t>(number % tenThousand));
+    if (number < tenThousand) return writeUpToFourDigits(to, static_cast<std::uint32_t>(number));
+    to = writeWhole(to, number / tenThousand);
+    return writeFourDigits(to, static_cast<std::uint32_t>(number % tenThousand));
 }
 
 constexpr std::uint64_t power(std::uint64_t base, int exponent) {
@@ -156,7 +156,7 @@ constexpr std::uint64_t power(std::uint64_t base, int exponent) {
 /// is `bits` times five to that power, in units of 2^-(52 - decimals): it is computed in two halves, since
 /// it can take 66 bits, and rounded to the nearest whole number, a tie to the even one.
 template <int decimals>
-char* putWithDecimals(char* to, double number) {
+char* writeWithDecimals(char* to, double number) {
     constexpr std::uint64_t scale = power(10, decimals);
     constexpr int halfWidth = 26;
     constexpr std::uint64_t lowHalf = (std::uint64_t{1} << halfWidth) - 1;
@@ -176,11 +176,11 @@ char* putWithDecimals(char* to, double number) {
         ++whole;
     }
 
-    to = putWhole(to, whole);
-    to = put(to, '.');
+    to = writeWhole(to, whole);
+    to = writeText(to, '.');
     static_assert(decimals == 3 || decimals == 6);
-    if (decimals == 6) to = putThreeDigits(to, static_cast<std::uint32_t>(fraction / 1000));
-    return putThreeDigits(to, static_cast<std::uint32_t>(fraction % 1000));
+    if (decimals == 6) to = writeThreeDigits(to, static_cast<std::uint32_t>(fraction / 1000));
+    return writeThreeDigits(to, static_cast<std::uint32_t>(fraction % 1000));
 }
 
 }  // namespace
@@ -189,12 +189,12 @@ LeadingNumber<double> leadingDecimal(std::string_view text) {
     const char* const begin = text.data();
     const char* const textEnd = begin + text.size();
     std::uint64_t number = 0;
-    const char* end = takeDigits(begin, textEnd, number);
+    const char* end = readDigits(begin, textEnd, number);
     auto digitCount = static_cast<std::size_t>(end - begin);
     std::size_t decimals = 0;
     if (end < textEnd && *end == '.') {
         const char* const decimalsBegin = end + 1;
-        end = takeDigits(decimalsBegin, textEnd, number);
+        end = readDigits(decimalsBegin, textEnd, number);
         decimals = static_cast<std::size_t>(end - decimalsBegin);
         digitCount += decimals;
     }
@@ -208,7 +208,7 @@ LeadingNumber<std::int64_t> leadingInteger(std::string_view text) {
     constexpr std::size_t mostDigits = std::numeric_limits<std::int64_t>::digits10;
     const char* const begin = text.data();
     std::uint64_t number = 0;
-    const auto length = static_cast<std::size_t>(takeDigits(begin, begin + text.size(), number) - begin);
+    const auto length = static_cast<std::size_t>(readDigits(begin, begin + text.size(), number) - begin);
     if (length > mostDigits) return {};
     return {static_cast<std::int64_t>(number), length};
 }
@@ -259,25 +259,25 @@ double toDouble(std::string_view text, Reason& why) {
 
 void appendDecimal(std::string& out, std::int64_t number) {
     std::array<char, mostDecimalBytes> text;
-    out.append(text.data(), putDecimal(text.data(), number));
+    out.append(text.data(), writeDecimal(text.data(), number));
 }
 
 void appendDecimal(std::string& out, std::uint64_t number) {
     std::array<char, mostDecimalBytes> text;
-    out.append(text.data(), putWhole(text.data(), number));
+    out.append(text.data(), writeWhole(text.data(), number));
 }
 
-char* putTwoDigits(char* to, std::uint32_t number) {
+char* writeTwoDigits(char* to, std::uint32_t number) {
     const std::string_view pair(digitPairs.data() + std::size_t{2} * number, 2);
-    return put(to, pair);
+    return writeText(to, pair);
 }
 
-char* putDecimal(char* to, std::int64_t number) {
-    if (number >= 0) return putWhole(to, static_cast<std::uint64_t>(number));
-    return putWhole(put(to, '-'), 0 - static_cast<std::uint64_t>(number));
+char* writeDecimal(char* to, std::int64_t number) {
+    if (number >= 0) return writeWhole(to, static_cast<std::uint64_t>(number));
+    return writeWhole(writeText(to, '-'), 0 - static_cast<std::uint64_t>(number));
 }
 
-char* putShortest(char* to, double number) {
+char* writeShortest(char* to, double number) {
     // Of numbers with no more than 15 digits no two are read as one. So where the nearest one with six decimals is read
     // as this number, it is the shortest once the zeros at its end are gone.
     constexpr std::int64_t million = 1000000;
@@ -286,22 +286,22 @@ char* putShortest(char* to, double number) {
     if (!isPlain || static_cast<double>(millionths) / static_cast<double>(million) != number) {
         return std::to_chars(to, to + mostShortestBytes, number, std::chars_format::fixed).ptr;
     }
-    to = putWhole(to, static_cast<std::uint64_t>(millionths / million));
+    to = writeWhole(to, static_cast<std::uint64_t>(millionths / million));
     const auto decimals = static_cast<std::uint32_t>(millionths % million);
     if (decimals == 0) return to;
-    to = put(to, '.');
-    to = putThreeDigits(to, decimals / 1000);
-    if (decimals % 1000 != 0) to = putThreeDigits(to, decimals % 1000);
+    to = writeText(to, '.');
+    to = writeThreeDigits(to, decimals / 1000);
+    if (decimals % 1000 != 0) to = writeThreeDigits(to, decimals % 1000);
     while (to[-1] == '0')
         --to;
     return to;
 }
 
-char* putFixed(char* to, double number, int decimals) {
+char* writeFixed(char* to, double number, int decimals) {
     // Below 1 a double has more bits after the point than are counted with, and from 2^53 on none.
     const bool isPlain = number >= 1.0 && number < 9007199254740992.0;
-    if (isPlain && decimals == 3) return putWithDecimals<3>(to, number);
-    if (isPlain && decimals == 6) return putWithDecimals<6>(to, number);
+    if (isPlain && decimals == 3) return writeWithDecimals<3>(to, number);
+    if (isPlain && decimals == 6) return writeWithDecimals<6>(to, number);
     return std::to_chars(to, to + mostFixedBytes, number, std::chars_format::fixed, decimals).ptr;
 }
 

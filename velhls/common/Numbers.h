@@ -57,19 +57,19 @@ struct LeadingNumber {
 void appendDecimal(std::string& out, std::int64_t number);
 void appendDecimal(std::string& out, std::uint64_t number);
 
-/// The most bytes that putDecimal and putFixed put: the largest double has 309 digits before its point.
+/// The most bytes that writeDecimal and writeFixed write: the largest double has 309 digits before its point.
 inline constexpr std::size_t mostDecimalBytes = 20;
 inline constexpr std::size_t mostFixedBytes = 320;
 
-/// Puts a number below 100, with a zero before it where it is below 10, and returns the place after it.
-[[nodiscard]] char* putTwoDigits(char* to, std::uint32_t number);
+/// Writes a number below 100, with a zero before it where it is below 10, and returns the place after it.
+[[nodiscard]] char* writeTwoDigits(char* to, std::uint32_t number);
 
-/// Puts the number to where there is room for it, and returns the place after it.
-[[nodiscard]] char* putDecimal(char* to, std::int64_t number);
+/// Writes the number to where there is room for it, and returns the place after it.
+[[nodiscard]] char* writeDecimal(char* to, std::int64_t number);
 
 /// The same in fixed notation with up to six decimals, as printf's "%.*f" in the "C" locale writes it: "nan"
 /// and "inf" for what is no number.
-[[nodiscard]] VELHLS_PRIVATE_API char* putFixed(char* to, double number, int decimals);
+[[nodiscard]] VELHLS_PRIVATE_API char* writeFixed(char* to, double number, int decimals);
 
 /// The nearest whole number of one from 0 to below 2^63; of a half the upper one.
 [[nodiscard]] inline std::int64_t nearestWhole(double number) {
@@ -77,10 +77,10 @@ inline constexpr std::size_t mostFixedBytes = 320;
     return number - static_cast<double>(whole) < 0.5 ? whole : whole + 1;
 }
 
-/// The most bytes that putShortest puts: the smallest double has 323 zeros after its point, and then up to 17 digits.
+/// The most bytes that writeShortest writes: the smallest double has 323 zeros after its point, and then up to 17 digits.
 inline constexpr std::size_t mostShortestBytes = 350;
 
-/// Puts a finite number in fixed notation, with the fewest digits that are read back as the same number.
-[[nodiscard]] char* putShortest(char* to, double number);
+/// Writes a finite number in fixed notation, with the fewest digits that are read back as the same number.
+[[nodiscard]] char* writeShortest(char* to, double number);
 
 }  // namespace velhls

@@ -53,6 +53,10 @@ struct VELHLSFinding {
     /// The stable name of the rule: see VELHLSDiagnostics::ruleNamed.
     std::string ruleId;
 
+    /// Of a presentation, the playlist that the finding stands in, by the URI that the caller gave it; empty where one text was
+    /// checked.
+    std::string uri;
+
     /// The line in the text that was given, counted from 1. Lines end at line feeds.
     std::size_t line = 1;
 

@@ -10,7 +10,6 @@
 #include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/RecordTags.h"
-#include "velhls/manifest/RenditionTypeText.h"
 #include "velhls/media/VELHLSMediaStream.h"
 
 namespace {

@@ -68,7 +68,7 @@ class VELHLS_API VELHLSMediaSegment {
     /// validate; a media pattern tag. When a "ZOR-PATTERN_START" opens a media pattern (vendor extension),
     /// `pattern` receives it, and null is returned. A ZOR-PATTERN_START without a colon stores nothing; any
     /// other pattern tag sets the status' error to VELHLSParsingErrorMediaPattern and its message to the
-    /// line. All of them set `hasMediaPatterns`.
+    /// line. All of them set `hasMediaPatterns`. Why and where it is, tells the parse of a playlist: see VELHLSReason.
     ///
     /// Throws std::invalid_argument or std::out_of_range for a number that is none or does not fit, and
     /// std::out_of_range for a URI of fewer than 6 characters without EXT-X-BYTERANGE: see

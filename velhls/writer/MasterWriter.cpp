@@ -200,7 +200,7 @@ bool MasterWriter::appendSessionKeys(const VELHLSParsedManifest& manifest) {
         if (!why.empty()) return refuse("it", why);
         std::string line;
         static_cast<void>(key->render(line));
-        appendTag(body_, tag::sessionKey);
+        appendTagStart(body_, tag::sessionKey);
         body_.append(line, tagLength(tag::key));
         needed_.atLeast(versionNeededBy(*key));
     }
@@ -210,7 +210,7 @@ bool MasterWriter::appendSessionKeys(const VELHLSParsedManifest& manifest) {
 std::string MasterWriter::header(const VELHLSParsedManifest& manifest) const {
     std::string text;
     appendHeader(text, manifest.version, needed_);
-    if (manifest.independentSegments) appendBareTag(text, tag::independentSegments);
+    if (manifest.independentSegments) appendTag(text, tag::independentSegments);
     if (manifest.startTimeOffset != noStart || manifest.startPrecise) {
         appendStart(text, manifest.startTimeOffset, manifest.startPrecise);
     }
