@@ -1,13 +1,11 @@
 #include "tool/CommandOutline.h"
 
-#include <set>
 #include <sstream>
-#include <string_view>
 #include <utility>
 
 #include <CLI/CLI.hpp>
 
-#include "velhls/VELHLSCheck.h"
+#include "tool/RuleNames.h"
 
 namespace tool {
 
@@ -34,15 +32,7 @@ std::string valueNameIn(const std::string& typeName) {
 
 /// The names that a value called "RULE" may be, and the choices of any other.
 std::vector<std::string> offeredFor(const OptionOutline& option) {
-    if (option.valueName != "RULE") return option.choices;
-    std::vector<std::string> ids;
-    std::set<std::string_view> known;
-    for (const VELHLSDiagnostics::Profile profile : VELHLSDiagnostics::profiles()) {
-        for (const VELHLSRule& rule : VELHLSDiagnostics::rules(profile)) {
-            if (known.insert(rule.id).second) ids.emplace_back(rule.id);
-        }
-    }
-    return ids;
+    return option.valueName == "RULE" ? ruleIds() : option.choices;
 }
 
 OptionOutline outlineOf(const CLI::Option& option) {

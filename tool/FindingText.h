@@ -2,7 +2,9 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
 namespace tool {
@@ -20,5 +22,20 @@ namespace tool {
 /// of the text and a caret below the place. Every line ends in a line feed.
 [[nodiscard]] std::string describeWithLine(const std::string& name, const VELHLSFinding& finding,
                                            std::string_view line, bool inColour);
+
+/// How findings are shown.
+struct FindingStyle {
+    /// With the line of the text, and a caret below the place.
+    bool hasLines = false;
+    bool inColour = false;
+};
+
+/// What "auto", "always" and "never" ask for: lines and colours for a terminal, or always; never colours, or not where the
+/// environment has NO_COLOR.
+[[nodiscard]] FindingStyle findingStyleOf(const std::string& colour);
+
+/// The findings of the file's text, a line each or more.
+[[nodiscard]] std::string describeAll(const std::string& name, std::string_view text,
+                                      const std::vector<VELHLSFinding>& findings, FindingStyle style);
 
 }  // namespace tool
