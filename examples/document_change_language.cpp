@@ -1,6 +1,9 @@
 // Gives one rendition another LANGUAGE.
 //
 //     example_document_change_language German de examples/document/master.m3u8
+//
+// By the models each rendition loses its CHANNELS, each variant FRAME-RATE and VIDEO-RANGE, and the playlist its comment, its
+// session key and the order of its variants; a start and CLOSED-CAPTIONS=NONE are added.
 
 #include <sstream>
 #include <string>

@@ -1,6 +1,9 @@
 // Drops the variants above a bandwidth. The command does the same: velhls edit --max-bandwidth 2000000
 //
 //     example_document_drop_variants 2000000 examples/document/master.m3u8
+//
+// By the models the variants that stay lose FRAME-RATE and VIDEO-RANGE, the renditions their CHANNELS, and the playlist its
+// comment and its session key; a start and CLOSED-CAPTIONS=NONE are added.
 
 #include <algorithm>
 #include <cstdint>

@@ -2,6 +2,9 @@
 // two discontinuities, and the programme's initialization section once more.
 //
 //     example_document_insert_ad_break 268443 examples/document/ad.m3u8 examples/document/live.m3u8
+//
+// By the models the break cannot be announced, and the programme's own date range is lost too, with the bit rate; the map and a
+// date come before every segment.
 
 #include <cstdint>
 #include <ctime>

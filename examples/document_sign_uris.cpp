@@ -1,6 +1,9 @@
 // Signs every URI of a playlist, in lines and in attributes, as a CDN wants it, and touches nothing else.
 //
 //     example_document_sign_uris secret examples/document/live.m3u8
+//
+// By the models the date range and the bit rate are lost, the map and a date come before every segment, and each EXTINF and
+// date is written anew.
 
 #include <cstdint>
 #include <sstream>

@@ -11,7 +11,6 @@
 #include "velhls/common/AttributeWriter.h"
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/writer/KeyRules.h"
