@@ -13,6 +13,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "examples/BesideTheModels.h"
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -29,8 +30,7 @@ std::string byDocument(const std::string& text, const std::string& name, const s
 }
 
 std::string byModels(const std::string& text, const std::string& name, const std::string& language) {
-    std::istringstream input(text);
-    const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
+    const auto manifest = VELHLSParsedManifest::parseManifest(text);
     if (manifest == nullptr) return "rejected\n";
     for (auto& [type, groups] : manifest->renditions) {
         for (auto& [group, renditionsByName] : groups) {

@@ -15,6 +15,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "examples/BesideTheModels.h"
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -33,8 +34,7 @@ std::string byDocument(const std::string& text, std::uint64_t highest) {
 }
 
 std::string byModels(const std::string& text, std::uint64_t highest) {
-    std::istringstream input(text);
-    const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
+    const auto manifest = VELHLSParsedManifest::parseManifest(text);
     if (manifest == nullptr) return "rejected\n";
     manifest->variants.erase(manifest->variants.upper_bound(highest), manifest->variants.end());
     auto& streams = manifest->streamVariants;

@@ -18,6 +18,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "examples/BesideTheModels.h"
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -52,10 +53,8 @@ std::string byDocument(const std::string& text, const std::string& ad, std::uint
 
 /// The models have no field for a date range, so the break cannot be announced.
 std::string byModels(const std::string& text, const std::string& ad, std::uint64_t number) {
-    std::istringstream input(text);
-    const auto stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
-    std::istringstream adInput(ad);
-    const auto advert = VELHLSMediaStream::parseMediaStream(adInput, nullptr);
+    const auto stream = VELHLSMediaStream::parseMediaStream(text);
+    const auto advert = VELHLSMediaStream::parseMediaStream(ad);
     if (stream == nullptr || advert == nullptr) return "rejected\n";
     auto& segments = stream->segments;
     for (auto place = segments.begin(); place != segments.end(); ++place) {
