@@ -15,6 +15,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "tool/Check.h"
+#include "tool/CompareCommand.h"
 #include "tool/Edit.h"
 #include "tool/EditCommand.h"
 #include "tool/Failure.h"
@@ -222,6 +223,9 @@ int run(int argumentCount, char** arguments) {
 
     tool::EditRequest editRequest;
     tool::addEditCommand(app, editRequest);
+
+    tool::CompareRequest compareRequest;
+    tool::addCompareCommand(app, compareRequest, status);
 
     tool::addSelfDescription(app);
     addCheckCommand(app, request, status);
