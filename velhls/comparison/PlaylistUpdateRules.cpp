@@ -4,6 +4,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/comparison/CheckedUpdate.h"
 #include "velhls/comparison/Values.h"
 #include "velhls/document/FormatTables.h"
@@ -15,7 +16,7 @@ constexpr std::size_t playlistType = tagIndex(tag::playlistType);
 
 std::string newTextOf(const Difference& difference) {
     if (difference.change.kind == VELHLSChange::Removed) return "none";
-    return difference.change.newText.empty() ? "one" : inQuotes(difference.change.newText);
+    return difference.change.newText.empty() ? "one" : quoted(difference.change.newText);
 }
 
 void tellOf(const CheckedUpdate& update, const Difference& difference, const Tell& tell) {

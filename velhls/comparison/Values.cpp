@@ -89,10 +89,6 @@ void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect a
     }
 }
 
-std::string inQuotes(std::string_view text) {
-    return quoted(text);
-}
-
 std::string dateText(std::int64_t microseconds) {
     constexpr std::int64_t second = 1000000;
     const std::int64_t fraction = (microseconds % second + second) % second;

@@ -26,9 +26,6 @@ namespace velhls {
 void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect aspect,
                        const std::string& path, Differences& differences);
 
-/// The text in double quotes, for messages; of a long one its start.
-[[nodiscard]] std::string inQuotes(std::string_view text);
-
 /// "2026-11-21T10:00:05.250Z" for microseconds since the epoch.
 [[nodiscard]] std::string dateText(std::int64_t microseconds);
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/comparison/CheckedUpdate.h"
 #include "velhls/comparison/Values.h"
 #include "velhls/document/FormatTables.h"
@@ -57,7 +58,7 @@ void findOtherUri(const CheckedUpdate& update, const Tell& tell) {
     if (isAnew(update)) return findOtherUris(update, tell);
     forEachOf(update, Aspect::segmentUri, [&](const Difference& difference) {
         const std::string expected =
-            "the URI that " + difference.change.path + " had, " + inQuotes(difference.change.oldText);
+            "the URI that " + difference.change.path + " had, " + quoted(difference.change.oldText);
         update.tell(tell, difference.now, difference.before, expected, {}, saidBefore(difference));
     });
 }
