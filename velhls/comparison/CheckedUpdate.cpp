@@ -71,7 +71,7 @@ void CheckedUpdate::countSegments() {
 }
 
 bool CheckedUpdate::lacksNumber() const {
-    return removedAtStart > 0 && !now.playlist().has(tagIndex(tag::mediaSequence));
+    return removedAtStart > 0 && !now.playlist().has(tagIndexOf<tag::mediaSequence>);
 }
 
 bool CheckedUpdate::wentBack() const {

@@ -291,7 +291,7 @@ class SegmentComparer {
     }
 
     void compareDiscontinuities(const Side& before, const Side& now) {
-        constexpr std::size_t tag = tagIndex(tag::discontinuity);
+        constexpr std::size_t tag = tagIndexOf<tag::discontinuity>;
         const std::size_t count = before_.countOf(tag, before.index);
         const std::size_t newCount = now_.countOf(tag, now.index);
         if (count == newCount) return;
@@ -327,8 +327,8 @@ class SegmentComparer {
     /// EXT-X-SKIP stands for the lines that would tell what is in force.
     bool isPartly_;
     std::optional<SegmentPair> last_;
-    Follower keys_{Aspect::key, "key", tagIndex(tag::key), keysOf};
-    Follower maps_{Aspect::map, "map", tagIndex(tag::map), mapOf};
+    Follower keys_{Aspect::key, "key", tagIndexOf<tag::key>, keysOf};
+    Follower maps_{Aspect::map, "map", tagIndexOf<tag::map>, mapOf};
     DateFollower dates_;
 };
 

@@ -126,7 +126,7 @@ void findTooShort(const CheckedUpdate& update, const Tell& tell) {
     const std::string seen =
         secondsText(update.now.playlist().duration()) + " seconds against " + secondsText(least);
     const std::size_t old = update.removedAtStart > 0 ? 0 : update.removedElsewhere.front();
-    update.tell(tell, CheckedUpdate::spotOf(update.now, tagIndex(tag::targetDuration)),
+    update.tell(tell, CheckedUpdate::spotOf(update.now, tagIndexOf<tag::targetDuration>),
                 CheckedUpdate::spotOfSegment(update.before, old), {}, seen, "a segment that is gone");
 }
 

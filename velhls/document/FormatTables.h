@@ -383,4 +383,8 @@ constexpr std::size_t tagIndex(std::string_view name) {
     return index;
 }
 
+/// The same of a name of Names.h: a constant wherever it stands.
+template <const std::string_view& name>
+inline constexpr std::size_t tagIndexOf = tagIndex(name);
+
 }  // namespace velhls

@@ -89,7 +89,7 @@ constexpr SegmentLoss losses[] = {
       "no reference to a variable", libraryBehaviour, kept},
      findReference},
     {{"segment-uri-trimmed", VELHLSFinding::Warning, "White space after a segment's URI is dropped.",
-      "no white space after the URI", "RFC 8216, section 4.1", kept},
+      "no white space after the URI", libraryBehaviour, kept},
      findTrimmedUri},
     {{"segment-tag-replaced", VELHLSFinding::Warning, "A tag stands twice in one segment: the later one replaces the earlier.",
       "the tag once in a segment", libraryBehaviour, lost},
@@ -103,7 +103,7 @@ constexpr SegmentLoss losses[] = {
     {{"byte-range-from-uri", VELHLSFinding::Warning, "A byte range is read out of a segment's URI.",
       "a byte range in EXT-X-BYTERANGE, not in the URI", vendorExtension, kept},
      findRangeInUri},
-    {{"date-time-added", VELHLSFinding::Note, "Segments without a date and time get one.",
+    {{"date-time-added", VELHLSFinding::Warning, "Segments without a date and time get one.",
       "EXT-X-PROGRAM-DATE-TIME", libraryBehaviour, kept},
      findAddedDate},
 };
