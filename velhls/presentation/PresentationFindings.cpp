@@ -57,8 +57,9 @@ void PresentationFindings::add(const StandardRule& rule, StandardProfile profile
     const std::string_view expected = words.expected.empty() ? rule.rule.expected : words.expected;
     finding.message = messageOf(first.line.text, place, expected, seenIn(broken));
     finding.source = words.source.empty() ? rule.rule.source : words.source;
+    // What was not read is no matter of a profile.
+    finding.profile = rule.level.empty() ? "library" : VELHLSStandard::nameOf(profile);
     if (!rule.level.empty()) {
-        finding.profile = VELHLSStandard::nameOf(profile);
         finding.clause = clauseOf(finding.source);
         finding.level = rule.level;
     }
