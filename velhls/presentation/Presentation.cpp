@@ -35,7 +35,7 @@ Presentation::Presentation(const VELHLSPresentation::Resource& master,
                            const std::vector<VELHLSPresentation::Resource>& resources)
     : masterText_{master.uri, *master.document},
       structure_(*master.document),
-      master_(structure_, StandardProfile::rfc8216) {
+      master_(structure_, master.document->kind(), StandardProfile::rfc8216) {
     for (const VELHLSLine line : master.document->lines())
         master_.add(line);
     findUses();
