@@ -100,6 +100,8 @@ constexpr Example examples[] = {
     {"Why a rule is one, and what to do:", "velhls explain variant-bandwidth-zero"},
     {"The text as RFC 8216 wants it, in place of the file:",
      "velhls render --conformant --output live.m3u8 live.m3u8"},
+    {"A token for every URI, and every other byte as it was:",
+     "velhls edit --append-query token=1 --apply master.m3u8"},
     {"What a server delivers:", "curl -s https://example.com/master.m3u8 | velhls inspect"},
     {"The URIs of all segments:", "velhls inspect --json vod.m3u8 | jq -r '.playlist.segments[].uri'"},
 };

@@ -15,6 +15,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "tool/CheckCommand.h"
+#include "tool/CompareCommand.h"
 #include "tool/Edit.h"
 #include "tool/EditCommand.h"
 #include "tool/Failure.h"
@@ -139,6 +140,9 @@ int run(int argumentCount, char** arguments) {
 
     tool::EditRequest editRequest;
     tool::addEditCommand(app, editRequest);
+
+    tool::CompareRequest compareRequest;
+    tool::addCompareCommand(app, compareRequest, status);
 
     tool::addSelfDescription(app);
     tool::CheckOptions checkOptions;

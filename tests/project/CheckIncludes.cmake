@@ -15,7 +15,7 @@ set(below_comparison common document standard comparison)
 set(below_records common document records)
 set(below_presentation common document standard presentation)
 set(below_losses common document losses)
-set(below_diagnostics common document losses standard diagnostics)
+set(below_diagnostics common document presentation losses standard diagnostics)
 # The models, of which only public headers may be included.
 set(models_of_records manifest media)
 set(models_of_losses manifest media)

@@ -9,6 +9,7 @@ import json
 import os
 import subprocess
 import sys
+import tempfile
 
 try:
     import jsonschema
@@ -51,6 +52,32 @@ def check_lines():
     whole = output(*arguments, "--format=json", *files)[1]
     lines = subprocess.run([command, *arguments, "--format=jsonl", *files], capture_output=True, check=False).stdout
     assert [json.loads(line) for line in lines.decode("utf-8").splitlines()] == whole["files"]
+
+
+def check_comparisons():
+    schema = validator("compare-1.schema.json")
+    with tempfile.TemporaryDirectory() as folder:
+        old, new = os.path.join(folder, "old.m3u8"), os.path.join(folder, "new.m3u8")
+        head = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXT-X-MEDIA-SEQUENCE:"
+        for path, number, duration in ((old, 7, 6), (new, 8, 5)):
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(head + f"{number}\n")
+                file.writelines(f"#EXTINF:{duration},\n{uri}.ts\n" for uri in range(number, number + 4))
+        status, report = output("compare", "--format=json", old, new)
+        assert status == 3, status
+        schema.validate(report)
+        assert [finding["rule"] for finding in report["findings"]] == ["segment-duration-changed"] * 3, report
+        assert {change["kind"] for change in report["changes"]} == {"added", "removed", "changed"}, report
+        status, report = output("compare", "--series", "--format=json", old, old, new, "no such file", playlists[0])
+        assert status == 2, status
+        schema.validate(report)
+        assert report["summary"]["versions"] == 5, report
+        assert report["summary"]["rules"] == {"segment-duration-changed": 3}, report
+    for path in playlists:
+        status, report = output("compare", "--format=json", path, path)
+        if status != 2:
+            schema.validate(report)
+            assert status == 0 and report["changes"] == [] and report["findings"] == [], path
 
 
 def check_models():
@@ -131,6 +158,7 @@ def check_clauses():
 
 
 check_findings()
+check_comparisons()
 check_models()
 check_large_numbers()
 check_lines()

@@ -1,6 +1,6 @@
 #include "velhls/common/LineWriter.h"
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TagLine.h"
 
 namespace velhls {

@@ -8,7 +8,8 @@
 #include <optional>
 
 #include "velhls/common/CivilTime.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/TextScan.h"
 

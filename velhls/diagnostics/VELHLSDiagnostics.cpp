@@ -26,6 +26,7 @@
 #include "velhls/losses/ReadLines.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 #include "velhls/media/VELHLSMediaStream.h"
+#include "velhls/presentation/VELHLSPresentation.h"
 #include "velhls/standard/CheckStandard.h"
 
 namespace {
@@ -313,6 +314,8 @@ std::vector<VELHLSRule> VELHLSDiagnostics::rules(Profile profile) {
     std::vector<VELHLSRule> all = {notAPlaylist(profile)};
     if (isStandard(profile)) {
         for (const VELHLSRule& rule : VELHLSStandard::rules(standardOf(profile)))
+            all.push_back(rule);
+        for (const VELHLSRule& rule : VELHLSPresentation::rules(standardOf(profile)))
             all.push_back(rule);
         return all;
     }

@@ -116,7 +116,8 @@ class VELHLS_CHECK_API VELHLSDiagnostics {
     /// and for IPTV lists: EXTINF lines with attributes or a duration below 0, and no tag that begins with EXT-X.
     [[nodiscard]] static std::optional<Detection> detectKind(std::string_view text);
 
-    /// All rules of the profile, in the order of the documentation.
+    /// All rules of the profile, in the order of the documentation; of a profile of the standard those of presentations too
+    /// (VELHLSPresentation).
     [[nodiscard]] static std::vector<VELHLSRule> rules(Profile profile);
 
     /// The rule with this id, if there is one: of a rule that several profiles have, that of the first of them.

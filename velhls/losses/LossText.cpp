@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 
 namespace velhls {
 

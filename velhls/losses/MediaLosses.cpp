@@ -7,7 +7,8 @@
 #include <string>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/VELHLSUtility.h"

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/media/KeyAndMapTags.h"
 

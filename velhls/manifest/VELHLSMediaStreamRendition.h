@@ -120,7 +120,7 @@ class VELHLS_API VELHLSMediaStreamRendition {
     /// INSTREAM-ID of a closed-caption rendition; empty for all others.
     std::string instreamId;
 
-    /// AUDIO-TRACK-TYPE (vendor extension); kept for the caller, neither written nor compared.
+    /// AUDIO-TRACK-TYPE (vendor extension); kept for the caller, not written by `render`, not compared.
     std::string audioTrackType;
 
     /// CHARACTERISTICS, cut at its commas.

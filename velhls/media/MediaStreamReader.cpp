@@ -5,7 +5,7 @@
 
 #include "velhls/common/DefineTag.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/PatternTags.h"
 #include "velhls/common/Readers.h"
 #include "velhls/common/ReasonText.h"

@@ -9,7 +9,8 @@
 
 #include "velhls/common/LineReader.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/Substitution.h"
 #include "velhls/common/TagLine.h"

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/Reason.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/UriRange.h"

@@ -1,7 +1,7 @@
 #include "velhls/media/SegmentWriter.h"
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/media/RangeText.h"
 

@@ -6,7 +6,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/media/RangeText.h"

@@ -64,7 +64,11 @@ std::vector<VELHLSRule> VELHLSPresentation::rules(VELHLSStandard::Profile profil
         for (const velhls::PresentationEntry& entry : table) {
             VELHLSRule& rule = rules.emplace_back(entry.rule.rule);
             rule.level = entry.rule.level;
+            rule.clause = velhls::clauseOf(rule.source);
+            rule.profile = VELHLSStandard::nameOf(profile);
         }
     }
+    for (const velhls::PresentationEntry& entry : velhls::unreadResourceRules())
+        rules.push_back(entry.rule.rule);
     return rules;
 }

@@ -77,6 +77,7 @@ class VELHLS_CHECK_API VELHLSPresentation {
         const Resource& master, const std::vector<Resource>& resources,
         const std::vector<VELHLSStandard::Profile>& profiles);
 
-    /// All rules that the profile may find, in the order of the documentation.
+    /// All rules that the profile may find, in the order of the documentation; last that of resources that were not read, which is
+    /// told whatever profiles are asked for, and has none itself.
     [[nodiscard]] static std::vector<VELHLSRule> rules(VELHLSStandard::Profile profile);
 };

@@ -1,7 +1,7 @@
 #include "velhls/writer/DateText.h"
 
 #include "velhls/common/CivilTime.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TextBuffer.h"
 
 namespace velhls {

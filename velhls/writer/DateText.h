@@ -7,7 +7,7 @@
 #include <limits>
 #include <string_view>
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 
 namespace velhls {
 

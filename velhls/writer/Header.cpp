@@ -4,7 +4,7 @@
 
 #include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TagLine.h"
 
 namespace velhls {
