@@ -42,6 +42,7 @@ std::string_view firstOfSet(std::string_view text, const velhls::CharacterSet& s
 }
 
 constexpr velhls::CharacterSet quotes("\"");
+constexpr velhls::CharacterSet quotesAndBlanks("\" \t\n\r");
 
 }  // namespace
 
@@ -134,6 +135,8 @@ void VELHLSAttributes::Iterator::scanBare() {
     rest_.remove_prefix(written.size());
     attribute_.value = velhls::withoutTrailing(written, velhls::blanks);
     attribute_.writtenValue = attribute_.value;
+    // Of most values there is nothing more to say.
+    if (!written.empty() && velhls::holdsNone(written, quotesAndBlanks)) return;
     if (attribute_.value.empty()) {
         fail(VELHLSAttribute::ValueMissing, attribute_.value);
     } else if (!velhls::holdsNone(attribute_.value, quotes)) {
