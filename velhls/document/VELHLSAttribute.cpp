@@ -42,6 +42,7 @@ std::string_view firstOfSet(std::string_view text, const velhls::CharacterSet& s
 }
 
 constexpr velhls::CharacterSet quotes("\"");
+constexpr velhls::CharacterSet quotesAndBlanks("\" \t\n\r");
 
 /// Where the comma stands that ends the first pair of the list, or the list ends. The equals sign of the pair, or that comma, is
 /// where its name ends.
@@ -143,6 +144,8 @@ void VELHLSAttributes::Iterator::scanBare() {
     rest_.remove_prefix(written.size());
     attribute_.value = velhls::withoutTrailing(written, velhls::blanks);
     attribute_.writtenValue = attribute_.value;
+    // Of most values there is nothing more to say.
+    if (!written.empty() && velhls::holdsNone(written, quotesAndBlanks)) return;
     if (attribute_.value.empty()) {
         fail(VELHLSAttribute::ValueMissing, attribute_.value);
     } else if (!velhls::holdsNone(attribute_.value, quotes)) {
