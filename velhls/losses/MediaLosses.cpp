@@ -264,7 +264,7 @@ constexpr LineLoss losses[] = {
       "YYYY-MM-DDThh:mm:ss with a fraction and Z or +hh:mm, and each part in its range", libraryBehaviour, kept},
      findOtherDate},
     {{"date-time-offset-not-applied", VELHLSFinding::Warning, "The UTC offset of EXT-X-PROGRAM-DATE-TIME is read and not applied.",
-      "Z or +00:00", libraryBehaviour, kept},
+      "Z or +00:00", libraryBehaviour, lost},
      findUnappliedOffset},
     {{"date-time-rounded", VELHLSFinding::Warning, "EXT-X-PROGRAM-DATE-TIME is written in milliseconds.",
       "at most three decimals", libraryBehaviour, kept},

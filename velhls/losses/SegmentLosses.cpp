@@ -98,7 +98,7 @@ constexpr SegmentLoss losses[] = {
       "EXT-X-KEY and EXT-X-MAP before every segment", libraryBehaviour, kept},
      findRepeatedKeyAndMap},
     {{"map-before-key", VELHLSFinding::Warning, "An EXT-X-MAP before an EXT-X-KEY is written after it, which declares it encrypted otherwise.",
-      "EXT-X-KEY before the EXT-X-MAP that it applies to", libraryBehaviour, kept},
+      "EXT-X-KEY before the EXT-X-MAP that it applies to", libraryBehaviour, lost},
      findMapBeforeKey},
     {{"byte-range-from-uri", VELHLSFinding::Warning, "A byte range is read out of a segment's URI.",
       "a byte range in EXT-X-BYTERANGE, not in the URI", vendorExtension, kept},
