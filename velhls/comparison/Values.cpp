@@ -6,6 +6,7 @@
 #include "velhls/common/CivilTime.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/ReasonText.h"
+#include "velhls/common/Utf8.h"
 #include "velhls/document/VELHLSSyntax.h"
 
 namespace velhls {
@@ -20,15 +21,6 @@ void sortByName(std::vector<VELHLSAttribute>& attributes) {
     std::stable_sort(
         attributes.begin(), attributes.end(),
         [](const VELHLSAttribute& left, const VELHLSAttribute& right) { return left.name < right.name; });
-}
-
-std::vector<VELHLSAttribute> saidAttributes(std::string_view list) {
-    std::vector<VELHLSAttribute> attributes;
-    for (const VELHLSAttribute& attribute : VELHLSAttributes(list)) {
-        if (!isDefault(attribute)) attributes.push_back(attribute);
-    }
-    sortByName(attributes);
-    return attributes;
 }
 
 std::string padded(std::int64_t number, std::size_t width) {
@@ -59,14 +51,16 @@ std::vector<VELHLSAttribute> sortedAttributes(const VELHLSLine& line) {
     return attributes;
 }
 
-bool isSameList(std::string_view left, std::string_view right) {
-    if (left == right) return true;
-    const std::vector<VELHLSAttribute> first = saidAttributes(left);
-    const std::vector<VELHLSAttribute> second = saidAttributes(right);
-    return std::equal(first.begin(), first.end(), second.begin(), second.end(),
-                      [](const VELHLSAttribute& one, const VELHLSAttribute& other) {
-                          return one.name == other.name && one.value == other.value;
-                      });
+std::string canonicalList(std::string_view list) {
+    std::vector<VELHLSAttribute> attributes;
+    for (const VELHLSAttribute& attribute : VELHLSAttributes(list)) {
+        if (!isDefault(attribute)) attributes.push_back(attribute);
+    }
+    sortByName(attributes);
+    std::string text;
+    for (const VELHLSAttribute& attribute : attributes)
+        text.append(attribute.name).append("=").append(attribute.value).append("\n");
+    return text;
 }
 
 void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect aspect,
@@ -87,6 +81,12 @@ void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect a
         first += order <= 0 ? 1 : 0;
         second += order >= 0 ? 1 : 0;
     }
+}
+
+std::string shortened(std::string_view text) {
+    constexpr std::size_t longest = 256;
+    if (text.size() <= longest) return std::string(text);
+    return std::string(text.substr(0, utf8::lengthOfWholeCharacters(text, longest))) + "...";
 }
 
 std::string inQuotes(std::string_view text) {

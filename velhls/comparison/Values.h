@@ -18,13 +18,16 @@ namespace velhls {
 /// The attributes in the order of their names, those with one name in their order.
 [[nodiscard]] std::vector<VELHLSAttribute> sortedAttributes(const VELHLSLine& line);
 
-/// Whether two keys or two maps, given by what follows their colon, say the same: the order of attributes and those that have
-/// their default do not count.
-[[nodiscard]] bool isSameList(std::string_view left, std::string_view right);
+/// The same text for two lists that say the same: the order of attributes, and those of a key that have their default, do not
+/// count.
+[[nodiscard]] std::string canonicalList(std::string_view list);
 
 /// Adds what the attributes of two lines differ in.
 void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect aspect,
                        const std::string& path, Differences& differences);
+
+/// The text, or of a long one its beginning and "...": what is named in many changes must not be long.
+[[nodiscard]] std::string shortened(std::string_view text);
 
 /// The text in double quotes, for messages; of a long one its start.
 [[nodiscard]] std::string inQuotes(std::string_view text);
