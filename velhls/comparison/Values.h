@@ -4,19 +4,14 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "velhls/comparison/Difference.h"
-#include "velhls/document/VELHLSAttribute.h"
 #include "velhls/document/VELHLSLine.h"
 
 namespace velhls {
 
 /// The same text, number or moment.
 [[nodiscard]] bool isSameValue(std::string_view left, std::string_view right);
-
-/// The attributes in the order of their names, those with one name in their order.
-[[nodiscard]] std::vector<VELHLSAttribute> sortedAttributes(const VELHLSLine& line);
 
 /// The same text for two lists that say the same: the order of attributes, and those of a key that have their default, do not
 /// count.
