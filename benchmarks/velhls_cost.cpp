@@ -15,6 +15,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "tests/support/HostileInputs.h"
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/Parses.h"
 #ifdef VELHLS_COUNTS_BYTES
 #include "tests/heap/Heap.h"
@@ -89,8 +90,7 @@ void measure(const hostile::Input& input, std::size_t size) {
     } else {
         measureParseAndRender(input, text, playlist::parseMedia);
     }
-    measure(input, "check", text.size(),
-            [&] { static_cast<void>(VELHLSDiagnostics::check(text, input.kind)); });
+    measure(input, "check", text.size(), [&] { static_cast<void>(library::findingsIn(text, input.kind)); });
     WholeDocument document;
     measure(input, "document", text.size(), [&] { document.read(text); });
 }

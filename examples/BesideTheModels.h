@@ -1,8 +1,6 @@
 // How the examples that edit a document show what they did, beside the same job done by the models.
 #pragma once
 
-#include <exception>
-#include <fstream>
 #include <iostream>
 #include <set>
 #include <sstream>
@@ -10,13 +8,6 @@
 #include <vector>
 
 namespace example {
-
-inline std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 inline std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
@@ -48,21 +39,6 @@ inline void printBeside(const std::string& text, const std::string& byDocument, 
     std::cout << "\nBy the models:\n";
     printMissing("- ", text, byModels);
     printMissing("+ ", byModels, text);
-}
-
-/// Runs the example on a file; its arguments come after the program's name.
-template <typename Run>
-int runOn(int argumentCount, char** arguments, int wanted, const char* usage, Run run) {
-    if (argumentCount != wanted) {
-        std::cerr << "usage: " << usage << "\n";
-        return 2;
-    }
-    try {
-        return run();
-    } catch (const std::exception& error) {
-        std::cerr << arguments[0] << ": " << error.what() << "\n";
-        return 1;
-    }
 }
 
 }  // namespace example

@@ -2,8 +2,6 @@
 //
 //     example_absolute_uris https://example.com/show/master.m3u8 examples/presentation/master.m3u8
 
-#include <exception>
-#include <fstream>
 #include <iostream>
 #include <set>
 #include <sstream>
@@ -12,6 +10,8 @@
 
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
+
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -99,39 +99,26 @@ int rewrite(VELHLSMediaStream& stream, const Base& base) {
 }
 
 int run(const Base& base, const std::string& path) {
-    std::ifstream file(path);
-    std::ostringstream content;
-    // A file that cannot be opened would be read as an empty text.
-    if (!file.is_open() || !(content << file.rdbuf())) {
-        std::cerr << path << ": cannot be read\n";
+    const std::string text = example::contentOf(path);
+    const auto detected = VELHLSDiagnostics::detectKind(text);
+    if (!detected) {
+        std::cerr << path << ": no playlist\n";
         return 1;
     }
-    const auto detected = VELHLSDiagnostics::detectKind(content.str());
-    const auto kind = detected ? detected->kind : VELHLSDiagnostics::Detect;
-    std::istringstream input(content.str());
-    if (kind == VELHLSDiagnostics::Master) {
-        const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
+    VELHLSReason reason;
+    if (detected->kind == VELHLSDiagnostics::Master) {
+        const auto manifest = VELHLSParsedManifest::parseManifest(text, &reason);
         if (manifest != nullptr) return rewrite(*manifest, base) == 0 ? 0 : 1;
-    }
-    if (kind == VELHLSDiagnostics::Media) {
-        const auto stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
+    } else {
+        const auto stream = VELHLSMediaStream::parseMediaStream(text, &reason);
         if (stream != nullptr) return rewrite(*stream, base) == 0 ? 0 : 1;
     }
-    std::cerr << path << ": no playlist, or rejected\n";
-    return 1;
+    throw example::rejection(path, reason);
 }
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 3) {
-        std::cerr << "usage: example_absolute_uris URI_OF_THE_PLAYLIST PLAYLIST\n";
-        return 2;
-    }
-    try {
-        return run(Base(arguments[1]), arguments[2]);
-    } catch (const std::exception& error) {
-        std::cerr << arguments[2] << ": " << error.what() << "\n";
-        return 1;
-    }
+    return example::runOn(argumentCount, arguments, 3, "example_absolute_uris URI_OF_THE_PLAYLIST PLAYLIST",
+                          [&] { return run(Base(arguments[1]), arguments[2]); });
 }

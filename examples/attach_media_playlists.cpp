@@ -3,22 +3,15 @@
 //
 //     example_attach_media_playlists examples/presentation
 
-#include <exception>
-#include <fstream>
 #include <iostream>
-#include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "velhls/VELHLS.h"
 
-namespace {
+#include "examples/RunOnFiles.h"
 
-/// Null when the file cannot be opened: reading it would give an empty playlist.
-std::shared_ptr<VELHLSMediaStream> readMediaPlaylist(const std::string& path) {
-    std::ifstream input(path);
-    if (!input.is_open()) return nullptr;
-    return VELHLSMediaStream::parseMediaStream(input, nullptr);
-}
+namespace {
 
 double lengthOf(const VELHLSMediaStream& stream) {
     if (stream.segments.empty()) return 0.0;
@@ -28,9 +21,10 @@ double lengthOf(const VELHLSMediaStream& stream) {
 /// Attaching a media playlist is a plain assignment. From then on a variant's validate checks it too.
 template <typename Owner>
 bool attach(Owner& owner, const std::string& folder) {
-    owner.mediaStream = readMediaPlaylist(folder + "/" + owner.uri);
-    if (owner.mediaStream == nullptr) {
-        std::cerr << owner.uri << ": missing or rejected\n";
+    try {
+        owner.mediaStream = example::mediaPlaylistOf(folder + "/" + owner.uri);
+    } catch (const std::runtime_error& missingOrRejected) {
+        std::cerr << missingOrRejected.what() << "\n";
         return false;
     }
     std::cout << owner.uri << ": " << owner.mediaStream->segments.size() << " segments, "
@@ -53,16 +47,7 @@ bool attachAll(const VELHLSParsedManifest& manifest, const std::string& folder) 
 }
 
 int run(const std::string& folder) {
-    std::ifstream input(folder + "/master.m3u8");
-    if (!input.is_open()) {
-        std::cerr << "master.m3u8: cannot be opened\n";
-        return 1;
-    }
-    const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
-    if (manifest == nullptr) {
-        std::cerr << "master.m3u8: rejected\n";
-        return 1;
-    }
+    const auto manifest = example::masterPlaylistOf(folder + "/master.m3u8");
     const bool complete = attachAll(*manifest, folder);
     std::cout << (complete ? "complete and valid\n" : "incomplete\n");
     return complete ? 0 : 1;
@@ -71,15 +56,6 @@ int run(const std::string& folder) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 2) {
-        std::cerr << "usage: example_attach_media_playlists FOLDER\n";
-        return 2;
-    }
-    try {
-        return run(arguments[1]);
-    } catch (const std::exception& error) {
-        // A number that is none, or a segment URI that is too short, leaves the parse as an exception.
-        std::cerr << error.what() << "\n";
-        return 1;
-    }
+    return example::runOn(argumentCount, arguments, 2, "example_attach_media_playlists FOLDER",
+                          [&] { return run(arguments[1]); });
 }

@@ -1,6 +1,9 @@
 // Gives one rendition another LANGUAGE.
 //
 //     example_document_change_language German de examples/document/master.m3u8
+//
+// By the models each rendition loses its CHANNELS, each variant FRAME-RATE and VIDEO-RANGE, and the playlist its comment, its
+// session key and the order of its variants; a start and CLOSED-CAPTIONS=NONE are added.
 
 #include <sstream>
 #include <string>
@@ -10,6 +13,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "examples/BesideTheModels.h"
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -26,8 +30,7 @@ std::string byDocument(const std::string& text, const std::string& name, const s
 }
 
 std::string byModels(const std::string& text, const std::string& name, const std::string& language) {
-    std::istringstream input(text);
-    const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
+    const auto manifest = VELHLSParsedManifest::parseManifest(text);
     if (manifest == nullptr) return "rejected\n";
     for (auto& [type, groups] : manifest->renditions) {
         for (auto& [group, renditionsByName] : groups) {

@@ -1,6 +1,9 @@
 // Drops the variants above a bandwidth. The command does the same: velhls edit --max-bandwidth 2000000
 //
 //     example_document_drop_variants 2000000 examples/document/master.m3u8
+//
+// By the models the variants that stay lose FRAME-RATE and VIDEO-RANGE, the renditions their CHANNELS, and the playlist its
+// comment and its session key; a start and CLOSED-CAPTIONS=NONE are added.
 
 #include <algorithm>
 #include <cstdint>
@@ -12,6 +15,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "examples/BesideTheModels.h"
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -30,8 +34,7 @@ std::string byDocument(const std::string& text, std::uint64_t highest) {
 }
 
 std::string byModels(const std::string& text, std::uint64_t highest) {
-    std::istringstream input(text);
-    const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
+    const auto manifest = VELHLSParsedManifest::parseManifest(text);
     if (manifest == nullptr) return "rejected\n";
     manifest->variants.erase(manifest->variants.upper_bound(highest), manifest->variants.end());
     auto& streams = manifest->streamVariants;

@@ -2,6 +2,9 @@
 // two discontinuities, and the programme's initialization section once more.
 //
 //     example_document_insert_ad_break 268443 examples/document/ad.m3u8 examples/document/live.m3u8
+//
+// By the models the break cannot be announced, and the programme's own date range is lost too, with the bit rate; the map and a
+// date come before every segment.
 
 #include <cstdint>
 #include <ctime>
@@ -15,6 +18,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "examples/BesideTheModels.h"
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -49,10 +53,8 @@ std::string byDocument(const std::string& text, const std::string& ad, std::uint
 
 /// The models have no field for a date range, so the break cannot be announced.
 std::string byModels(const std::string& text, const std::string& ad, std::uint64_t number) {
-    std::istringstream input(text);
-    const auto stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
-    std::istringstream adInput(ad);
-    const auto advert = VELHLSMediaStream::parseMediaStream(adInput, nullptr);
+    const auto stream = VELHLSMediaStream::parseMediaStream(text);
+    const auto advert = VELHLSMediaStream::parseMediaStream(ad);
     if (stream == nullptr || advert == nullptr) return "rejected\n";
     auto& segments = stream->segments;
     for (auto place = segments.begin(); place != segments.end(); ++place) {

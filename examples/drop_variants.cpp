@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <exception>
-#include <fstream>
 #include <iostream>
 #include <string>
 
 #include "velhls/VELHLS.h"
+
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -22,16 +22,7 @@ void dropAbove(VELHLSParsedManifest& manifest, std::uint64_t highest) {
 }
 
 int run(std::uint64_t highest, const std::string& path) {
-    std::ifstream input(path);
-    if (!input.is_open()) {
-        std::cerr << path << ": cannot be opened\n";
-        return 1;
-    }
-    const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
-    if (manifest == nullptr) {
-        std::cerr << path << ": rejected\n";
-        return 1;
-    }
+    const auto manifest = example::masterPlaylistOf(path);
     dropAbove(*manifest, highest);
     if (manifest->streamVariants.empty()) {
         std::cerr << path << ": no variant at or below " << highest << " bit/s\n";
@@ -43,14 +34,6 @@ int run(std::uint64_t highest, const std::string& path) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 3) {
-        std::cerr << "usage: example_drop_variants BITS_PER_SECOND MASTER\n";
-        return 2;
-    }
-    try {
-        return run(std::stoull(arguments[1]), arguments[2]);
-    } catch (const std::exception& error) {
-        std::cerr << arguments[2] << ": " << error.what() << "\n";
-        return 1;
-    }
+    return example::runOn(argumentCount, arguments, 3, "example_drop_variants BITS_PER_SECOND MASTER",
+                          [&] { return run(std::stoull(arguments[1]), arguments[2]); });
 }

@@ -5,12 +5,12 @@
 // appends a segment of 4 seconds with that URI.
 
 #include <cmath>
-#include <exception>
-#include <fstream>
 #include <iostream>
 #include <string>
 
 #include "velhls/VELHLS.h"
+
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -29,14 +29,9 @@ void dropOldest(VELHLSMediaStream& stream) {
 }
 
 int run(double duration, const std::string& uri, const std::string& path) {
-    std::ifstream input(path);
-    if (!input.is_open()) {
-        std::cerr << path << ": cannot be opened\n";
-        return 1;
-    }
-    const auto stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
-    if (stream == nullptr || stream->segments.empty()) {
-        std::cerr << path << ": rejected, or without segments\n";
+    const auto stream = example::mediaPlaylistOf(path);
+    if (stream->segments.empty()) {
+        std::cerr << path << ": without segments\n";
         return 1;
     }
     if (std::round(duration) > stream->targetDuration) {
@@ -58,14 +53,6 @@ int run(double duration, const std::string& uri, const std::string& path) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 4) {
-        std::cerr << "usage: example_extend_live_window SECONDS URI PLAYLIST\n";
-        return 2;
-    }
-    try {
-        return run(std::stod(arguments[1]), arguments[2], arguments[3]);
-    } catch (const std::exception& error) {
-        std::cerr << arguments[3] << ": " << error.what() << "\n";
-        return 1;
-    }
+    return example::runOn(argumentCount, arguments, 4, "example_extend_live_window SECONDS URI PLAYLIST",
+                          [&] { return run(std::stod(arguments[1]), arguments[2], arguments[3]); });
 }

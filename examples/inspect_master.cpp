@@ -2,12 +2,12 @@
 //
 //     example_inspect_master examples/playlists/master-adaptive.m3u8
 
-#include <exception>
-#include <fstream>
 #include <iostream>
 #include <string>
 
 #include "velhls/VELHLS.h"
+
+#include "examples/RunOnFiles.h"
 
 namespace {
 
@@ -53,16 +53,7 @@ void showRenditions(const VELHLSParsedManifest& manifest) {
 }
 
 int run(const std::string& path) {
-    std::ifstream input(path);
-    if (!input.is_open()) {
-        std::cerr << path << ": cannot be opened\n";
-        return 1;
-    }
-    const auto manifest = VELHLSParsedManifest::parseManifest(input, nullptr);
-    if (manifest == nullptr) {
-        std::cerr << path << ": rejected\n";
-        return 1;
-    }
+    const auto manifest = example::masterPlaylistOf(path);
     showVariants(*manifest);
     showRenditions(*manifest);
     return 0;
@@ -71,15 +62,6 @@ int run(const std::string& path) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 2) {
-        std::cerr << "usage: example_inspect_master MASTER\n";
-        return 2;
-    }
-    try {
-        return run(arguments[1]);
-    } catch (const std::exception& error) {
-        // A number that is none leaves the parse as an exception.
-        std::cerr << arguments[1] << ": " << error.what() << "\n";
-        return 1;
-    }
+    return example::runOn(argumentCount, arguments, 2, "example_inspect_master MASTER",
+                          [&] { return run(arguments[1]); });
 }

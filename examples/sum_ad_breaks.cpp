@@ -1,32 +1,23 @@
-// Sums up the advertisement breaks of a media playlist, from the segment with an EXT-X-CUE-OUT up to the one with an
-// EXT-X-CUE-IN, and compares each with what its cue announces.
+// Sums up the advertisement breaks of a media playlist, from each EXT-X-CUE-OUT up to the next EXT-X-CUE-IN, wherever they
+// stand, and compares each with what its cue announces.
 //
 //     example_sum_ad_breaks ad-breaks.m3u8
 //
-// The model holds cue markers that stand among a segment's tags. Those that it does not hold are named, with their lines:
-// then the sums are not those of the playlist.
+// It reads the text. The model holds only the cue markers that stand among a segment's other tags: those that it does not
+// hold are named, with their lines.
 
 #include <cstddef>
 #include <exception>
-#include <fstream>
 #include <iomanip>
 #include <iostream>
 #include <optional>
-#include <sstream>
 #include <string>
 
-#include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
-namespace {
+#include "examples/RunOnFiles.h"
 
-/// The text of the file; nothing when it cannot be read.
-std::optional<std::string> contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) return std::nullopt;
-    return text.str();
-}
+namespace {
 
 /// The seconds that a cue announces: "30", or "DURATION=30" among other attributes. Nothing when it does not say.
 std::optional<double> announced(const std::string& cueOut) {
@@ -40,36 +31,64 @@ std::optional<double> announced(const std::string& cueOut) {
     }
 }
 
-/// Prints each break and their sum.
-void showBreaks(const VELHLSMediaStream& stream) {
-    double sum = 0.0;
-    double inBreak = 0.0;
-    std::string cue;
-    const auto endBreak = [&](const std::string& how) {
-        std::cout << inBreak << " s" << how << ", announced: ";
-        if (const auto seconds = announced(cue)) {
+/// The breaks of a playlist, told one after the other.
+class Breaks {
+  public:
+    /// Looks at a line: a cue marker holds from the next URI on.
+    void take(const VELHLSLine& line) {
+        if (line.name == "EXT-X-CUE-IN" && cue_) end("");
+        if (line.name != "EXT-X-CUE-OUT") return;
+        if (cue_) end(" up to the next break");
+        cue_ = line.value;
+    }
+
+    void addSegment(double duration) {
+        if (cue_) seconds_ += duration;
+    }
+
+    void endPlaylist() {
+        if (cue_) end(" and not ended");
+        std::cout << sum_ << " s in all\n";
+    }
+
+  private:
+    void end(const char* how) {
+        std::cout << seconds_ << " s" << how << ", announced: ";
+        if (const auto seconds = announced(*cue_)) {
             std::cout << *seconds << " s\n";
         } else {
             std::cout << "nothing\n";
         }
-        sum += inBreak;
-        inBreak = 0.0;
-        cue.clear();
-    };
-    for (const auto& segment : stream.segments) {
-        if (!cue.empty() && segment->cueIn) endBreak("");
-        if (!cue.empty() && !segment->cueOut.empty()) endBreak(" up to the next break");
-        if (!segment->cueOut.empty()) cue = segment->cueOut;
-        if (!cue.empty()) inBreak += segment->duration;
+        sum_ += seconds_;
+        seconds_ = 0.0;
+        cue_.reset();
     }
-    if (!cue.empty()) endBreak(" and not ended");
-    std::cout << sum << " s in all\n";
+
+    /// What follows the colon of the break's EXT-X-CUE-OUT; nothing outside of a break.
+    std::optional<std::string> cue_;
+    double seconds_ = 0.0;
+    double sum_ = 0.0;
+};
+
+/// Prints each break and their sum.
+void showBreaks(const VELHLSDocument& document) {
+    const VELHLSStructure structure(document);
+    Breaks breaks;
+    std::size_t number = 1;
+    for (const VELHLSStructure::Segment segment : structure.segments()) {
+        for (; number <= segment.lastLine; ++number)
+            breaks.take(document.line(number));
+        breaks.addSegment(segment.duration);
+    }
+    breaks.endPlaylist();
 }
 
 /// Names the cue markers that the model does not hold. False when there are any.
 bool holdsAllCues(const std::string& path, const std::string& text) {
     bool holdsAll = true;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, VELHLSDiagnostics::Media)) {
+    const VELHLSDiagnostics::Options options = {VELHLSDiagnostics::Media,
+                                                {VELHLSDiagnostics::Profile::library}};
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, options).findings) {
         const bool isLostCue = finding.ruleId == "cue-in-dropped" || finding.ruleId == "cue-out-ignored";
         if (!isLostCue) continue;
         std::cout << path << ":" << finding.line << ": the model does not hold this cue: " << finding.message
@@ -80,35 +99,21 @@ bool holdsAllCues(const std::string& path, const std::string& text) {
 }
 
 int run(const std::string& path) {
-    const std::optional<std::string> text = contentOf(path);
-    if (!text) {
-        std::cerr << path << ": cannot be read\n";
-        return 1;
-    }
-    std::istringstream input(*text);
-    const auto stream = VELHLSMediaStream::parseMediaStream(input, nullptr);
-    if (stream == nullptr) {
+    const VELHLSDocument document(example::contentOf(path));
+    if (document.kind() != VELHLSDocument::Media) {
         std::cerr << path << ": no media playlist\n";
         return 1;
     }
     std::cout << std::fixed << std::setprecision(1);
-    showBreaks(*stream);
-    if (!holdsAllCues(path, *text)) std::cout << "so these sums are not those of the playlist\n";
+    showBreaks(document);
+    if (!holdsAllCues(path, document.text()))
+        std::cout << "so a sum over the model's segments would be another\n";
     return 0;
 }
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 2) {
-        std::cerr << "usage: example_sum_ad_breaks MEDIA\n";
-        return 2;
-    }
-    try {
-        return run(arguments[1]);
-    } catch (const std::exception& error) {
-        // A number that is none leaves the parse as an exception.
-        std::cerr << arguments[1] << ": " << error.what() << "\n";
-        return 1;
-    }
+    return example::runOn(argumentCount, arguments, 2, "example_sum_ad_breaks MEDIA",
+                          [&] { return run(arguments[1]); });
 }

@@ -1,19 +1,19 @@
 #include "fuzz/Playlists.h"
 #include "tests/support/DiagnosticsOracle.h"
+#include "tests/support/LibraryFindings.h"
 
 VELHLS_FUZZ_TARGET(check) {
     if (fuzz::holdsSlowPattern(text)) return;
     const bool expands = text.find("#ZOR-PATTERN_START:") != std::string::npos;
     const fuzz::Cost cost = expands ? fuzz::Cost{0, std::size_t{512} << 20, 0.0, 60.0} : fuzz::Cost{48};
     for (const auto kind : {VELHLSDiagnostics::Master, VELHLSDiagnostics::Media}) {
-        static_cast<void>(
-            fuzz::bounded(text.size(), cost, [&] { return VELHLSDiagnostics::check(text, kind); }));
+        static_cast<void>(fuzz::bounded(text.size(), cost, [&] { return library::findingsIn(text, kind); }));
         if (!expands) {
             fuzz::expectBoundedWhenProlonged(text, cost, [kind](const std::string& longText) {
-                return VELHLSDiagnostics::check(longText, kind);
+                return library::findingsIn(longText, kind);
             });
         }
         fuzz::expectEqual(oracle::brokenPromise(text, kind), "", "the findings and the parse agree");
     }
-    static_cast<void>(VELHLSDiagnostics::check(text));
+    static_cast<void>(library::findingsIn(text));
 }

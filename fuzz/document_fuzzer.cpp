@@ -1,5 +1,6 @@
 #include "fuzz/Playlists.h"
 #include "tests/support/DocumentOracle.h"
+#include "tests/support/RecordLinesOracle.h"
 
 namespace {
 
@@ -24,4 +25,6 @@ VELHLS_FUZZ_TARGET(document) {
     static_cast<void>(fuzz::bounded(text.size(), cost, [&] { return readAll(text); }));
     fuzz::expectBoundedWhenProlonged(text, cost, readAll);
     fuzz::expectEqual(oracle::DocumentPromises(text).broken(), "", "what must hold of every document");
+    fuzz::expectEqual(oracle::RecordLinesPromises(text).broken(), "",
+                      "what must hold of the lines of records");
 }

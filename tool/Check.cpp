@@ -2,106 +2,74 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <string_view>
-#include <unistd.h>
-#include <vector>
+#include <string>
+#include <utility>
 
-#include "tool/FindingText.h"
 #include "tool/InputFile.h"
-#include "tool/JsonReport.h"
-#include "tool/OutputFile.h"
-#include "tool/SarifReport.h"
 
 namespace tool {
 namespace {
 
-CheckedFile checkFile(const std::string& path, const CheckRequest& request) {
-    CheckedFile file;
-    file.path = path;
-    file.name = nameInMessages(path);
+/// Reads the input, unless there is a failure in its place.
+void read(CheckedFile& file, const Input& input, std::size_t mostBytes) {
+    file.path = input.path;
+    file.name = nameInMessages(input.path);
+    file.failure = input.failure;
+    if (!file.failure.empty()) return;
     try {
-        file.text = contentOf(path, request.mostBytes);
+        file.text = contentOf(input.path, mostBytes, input.kind);
     } catch (const Failure& failure) {
         file.failure = failure.what();
-        return file;
     }
-    file.kind = decideKind(file.text, request.kind);
-    for (VELHLSFinding& finding : VELHLSDiagnostics::check(file.text, file.kind)) {
-        if (request.disabledRules.count(finding.ruleId) != 0) continue;
-        const bool isWarning = finding.severity == VELHLSFinding::Warning;
-        if (request.warningsAreErrors && isWarning) finding.severity = VELHLSFinding::Error;
-        if (finding.severity >= request.least) file.findings.push_back(std::move(finding));
-    }
+}
+
+CheckedFile checkInput(const Input& input, const CheckRequest& request) {
+    CheckedFile file;
+    read(file, input, request.mostBytes);
+    if (!file.failure.empty()) return file;
+    VELHLSDiagnostics::Report report = VELHLSDiagnostics::check(file.text, request.options);
+    file.kind = report.kind;
+    file.rejected = std::move(report.rejected);
+    file.findings = request.choice.chosenOf(std::move(report.findings));
+    for (const VELHLSFinding& finding : file.findings)
+        file.counts.add(finding);
+    file.findings = request.choice.shownOf(std::move(file.findings));
     return file;
 }
 
-ExitStatus statusOf(const CheckedFile& file) {
+ExitStatus statusOf(const CheckedFile& file, const FindingChoice& choice) {
     if (!file.failure.empty()) return unusable;
-    return file.findings.empty() ? success : rejected;
+    return choice.fails(file.counts) ? rejected : success;
 }
 
-/// The start of every line, to find one by its number.
-std::vector<std::size_t> lineStarts(std::string_view text) {
-    std::vector<std::size_t> starts = {0};
-    for (std::size_t feed = text.find('\n'); feed != std::string_view::npos; feed = text.find('\n', feed + 1))
-        starts.push_back(feed + 1);
-    return starts;
+void add(CheckSummary& summary, const CheckedFile& file, ExitStatus status) {
+    ++(file.failure.empty() ? summary.filesRead : summary.filesNotRead);
+    if (file.rejected) ++summary.filesRejected;
+    summary.counts.add(file.counts);
+    summary.status = std::max(summary.status, status);
 }
 
-bool isForTerminal(const CheckRequest& request) {
-    if (request.colour == "always") return true;
-    return ::isatty(STDOUT_FILENO) == 1;
-}
-
-/// NO_COLOR holds when it is set and not empty, as users of other commands expect.
-bool isInColour(const CheckRequest& request) {
-    if (request.colour == "always") return true;
-    if (request.colour == "never") return false;
-    const char* const noColour = std::getenv("NO_COLOR");
-    const bool isUnwanted = noColour != nullptr && noColour[0] != '\0';
-    return !isUnwanted && isForTerminal(request);
-}
-
-std::string reportWithLines(const CheckedFile& file, bool inColour) {
-    const std::vector<std::size_t> starts = lineStarts(file.text);
-    std::string report;
-    for (const VELHLSFinding& finding : file.findings) {
-        const std::string_view rest = std::string_view(file.text).substr(starts[finding.line - 1]);
-        report += describeWithLine(file.name, finding, rest.substr(0, rest.find('\n')), inColour);
-    }
-    return report;
-}
-
-std::string textReport(const CheckedFile& file, const CheckRequest& request) {
-    if (isForTerminal(request)) return reportWithLines(file, isInColour(request));
-    std::string report;
-    for (const VELHLSFinding& finding : file.findings)
-        report += describe(file.name, finding) + "\n";
-    return report;
+/// Annotations tell of these themselves: on standard error, too, a workflow would look for its commands.
+void tellFailure(const CheckedFile& file, const ReportStyle& style) {
+    if (file.failure.empty() || style.format == "github") return;
+    static_cast<void>(std::fprintf(stderr, "%s\n", file.failure.c_str()));
 }
 
 }  // namespace
 
 ExitStatus check(const CheckRequest& request) {
-    JsonReport json;
-    SarifReport sarif;
-    ExitStatus status = success;
-    for (const std::string& path : request.paths) {
-        const CheckedFile file = checkFile(path, request);
-        status = std::max(status, statusOf(file));
-        if (!file.failure.empty()) static_cast<void>(std::fprintf(stderr, "%s\n", file.failure.c_str()));
-        if (request.format == "json") {
-            json.add(file);
-        } else if (request.format == "sarif") {
-            sarif.add(file);
-        } else {
-            writeToStandardOutput(textReport(file, request));
-        }
+    const std::unique_ptr<Report> report = reportOf(request);
+    CheckSummary summary;
+    InputWalk walk(request.inputs);
+    while (const std::optional<Input> input = walk.next()) {
+        const CheckedFile file = checkInput(*input, request);
+        add(summary, file, statusOf(file, request.choice));
+        tellFailure(file, request.style);
+        report->add(file);
     }
-    if (request.format == "json") writeToStandardOutput(json.text());
-    if (request.format == "sarif") writeToStandardOutput(sarif.text(status));
-    return status;
+    summary.linksLeftOut = walk.linksLeftOut();
+    report->end(summary);
+    return summary.status;
 }
 
 }  // namespace tool

@@ -1,47 +1,29 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
-#include <set>
-#include <string>
-#include <vector>
 
 #include "velhls/VELHLSCheck.h"
 
 #include "tool/Failure.h"
-#include "tool/PlaylistKind.h"
+#include "tool/FindingChoice.h"
+#include "tool/InputNames.h"
+#include "tool/Report.h"
 
 namespace tool {
 
 /// What `velhls check` is asked for.
 struct CheckRequest {
-    std::vector<std::string> paths;
-    PlaylistKind kind = PlaylistKind::Detect;
-    std::string format = "text";
-    /// Findings that weigh less are left out.
-    VELHLSFinding::Severity least = VELHLSFinding::Warning;
-    std::set<std::string> disabledRules;
-    bool warningsAreErrors = false;
-    /// "auto", "always" or "never".
-    std::string colour = "auto";
+    InputNames inputs;
+    /// What to read them as, and by whose rules.
+    VELHLSDiagnostics::Options options;
+    FindingChoice choice;
+    ReportStyle style;
     /// The most that is read of each file.
-    std::size_t mostBytes = 0;
-};
-
-/// What was found in one file.
-struct CheckedFile {
-    /// The path as it was given, and as messages name it.
-    std::string path;
-    std::string name;
-    /// Why the file could not be read; empty when it was.
-    std::string failure;
-    std::string text;
-    PlaylistKind kind = PlaylistKind::Detect;
-    std::vector<VELHLSFinding> findings;
+    std::size_t mostBytes = usualLargestInput;
 };
 
 /// Checks all files and writes what was found to standard output; files that cannot be read are told of on
-/// standard error. The exit status is the worst of all files. The text of one file at a time is held in memory.
+/// standard error. The exit status is the worst of all files. One file at a time is held in memory.
 [[nodiscard]] ExitStatus check(const CheckRequest& request);
 
 }  // namespace tool

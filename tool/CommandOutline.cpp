@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "velhls/VELHLSCheck.h"
+#include "tool/RuleNames.h"
 
 namespace tool {
 
@@ -32,11 +32,7 @@ std::string valueNameIn(const std::string& typeName) {
 
 /// The names that a value called "RULE" may be, and the choices of any other.
 std::vector<std::string> offeredFor(const OptionOutline& option) {
-    if (option.valueName != "RULE") return option.choices;
-    std::vector<std::string> ids;
-    for (const VELHLSRule& rule : VELHLSDiagnostics::rules())
-        ids.emplace_back(rule.id);
-    return ids;
+    return option.valueName == "RULE" ? ruleIds() : option.choices;
 }
 
 OptionOutline outlineOf(const CLI::Option& option) {

@@ -65,6 +65,24 @@ Target targetOfRemove(const std::string& text) {
     return target;
 }
 
+/// Throws for what cannot be a query, or would bring a second "?" or "&".
+void requireQuery(const std::string& query) {
+    const auto isOfQuery = [](char character) {
+        // RFC 3986, section 3.4, and the braces of a variable.
+        constexpr std::string_view others = "-._~!$&'()*+,;=:@/?%{}";
+        const bool isLetterOrDigit = (character >= 'a' && character <= 'z') ||
+                                     (character >= 'A' && character <= 'Z') ||
+                                     (character >= '0' && character <= '9');
+        return isLetterOrDigit || others.find(character) != std::string_view::npos;
+    };
+    const bool hasMark = !query.empty() && (query.front() == '?' || query.front() == '&');
+    if (!hasMark && std::all_of(query.begin(), query.end(), isOfQuery)) return;
+    failUsage(
+        "--append-query: expected a query as RFC 3986 writes it, as NAME=VALUE, without \"?\" or \"&\" "
+        "before it, seen " +
+        quotedExcerpt(query));
+}
+
 /// "?a=1" at the end of "path", "&a=1" where there is a query, and before what "#" begins.
 std::string withQuery(const std::string& uri, const std::string& query) {
     const std::size_t fragment = std::min(uri.find('#'), uri.size());
@@ -73,6 +91,16 @@ std::string withQuery(const std::string& uri, const std::string& query) {
     const bool isOpen = mark != std::string::npos && (mark + 1 == target.size() || target.back() == '&');
     const char* const separator = mark == std::string::npos ? "?" : isOpen ? "" : "&";
     return target + separator + query + uri.substr(fragment);
+}
+
+/// What is neither a playlist nor a list of URIs: UTF-16, compressed data, the error page of a server. What looks
+/// like its lines is none.
+bool isForeign(const VELHLSDocument& document) {
+    const std::string& text = document.text();
+    const std::size_t start = text.find_first_not_of(" \t\r\n");
+    if (document.kind() != VELHLSDocument::Neither || start == std::string::npos) return false;
+    const bool isCompressed = text.compare(0, 2, "\x1F\x8B") == 0;
+    return isCompressed || text[start] == '<' || text.find('\0') != std::string::npos;
 }
 
 /// Makes the edits that one request asks for, all of the text as it was read.
@@ -87,6 +115,7 @@ class Editor {
             set_.push_back(targetOfSet(text));
         for (const std::string& text : request.removed)
             removed_.push_back(targetOfRemove(text));
+        requireQuery(request.query);
         readBase();
     }
 
@@ -107,6 +136,12 @@ class Editor {
     [[noreturn]] void fail(std::size_t line, const std::string& reason) const {
         throw Failure(rejected,
                       nameInMessages(request_.input) + ":" + std::to_string(line) + ": error: " + reason);
+    }
+
+    void requireLines() const {
+        if (!isForeign(document_)) return;
+        throw Failure(rejected, nameInMessages(request_.input) +
+                                    ": error: cannot be edited: no playlist (velhls check says what it is)");
     }
 
     void readBase() {
@@ -170,6 +205,7 @@ class Editor {
 
     void changeUris() {
         if (base_ == nullptr && request_.query.empty()) return;
+        requireLines();
         for (const VELHLSUri& uri : document_.uris()) {
             const bool isChanged = changed_.count({uri.line, std::string(uri.attribute)}) != 0;
             if (gone_.count(uri.line) == 0 && !isChanged && !uri.text.empty()) changeUri(uri);
@@ -190,6 +226,7 @@ class Editor {
     }
 
     void insertLines() {
+        if (!request_.inserted.empty()) requireLines();
         for (const auto& [number, text] : request_.inserted) {
             if (number < 1 || number > document_.lineCount() + 1) {
                 failUsage("--insert-before: " + nameInMessages(request_.input) + " has " +

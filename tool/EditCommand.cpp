@@ -28,14 +28,16 @@ void addUriOptions(CLI::App& command, EditRequest& request) {
 #endif
     command
         .add_option("--append-query", request.query,
-                    "Append this to the query of each URI that is relative, http or https")
+                    "Append this, as NAME=VALUE, to the query of each URI that is relative, http or https")
         ->type_name("QUERY");
 }
 
 void addVariantOptions(CLI::App& command, EditRequest& request) {
     command
-        .add_option("--min-bandwidth", request.leastBandwidth,
-                    "Drop variants with a lower BANDWIDTH, and renditions that no variant names any more")
+        .add_option(
+            "--min-bandwidth", request.leastBandwidth,
+            "Drop variants with a lower BANDWIDTH, in bits per second, and renditions that no variant "
+            "names any more")
         ->type_name("BITS");
     command.add_option("--max-bandwidth", request.mostBandwidth, "Likewise with a higher one")
         ->type_name("BITS");

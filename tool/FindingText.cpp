@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+#include <unistd.h>
 
+#include "tool/CharacterPlace.h"
 #include "tool/Printable.h"
 #include "tool/Utf8.h"
 
@@ -71,10 +74,30 @@ std::string describeAt(const std::string& place, const std::string& name, const 
     return text;
 }
 
+std::string describeAllWithLines(const std::string& name, std::string_view text,
+                                 const std::vector<VELHLSFinding>& findings, bool inColour) {
+    CharacterPlaces lines(text);
+    std::string report;
+    for (const VELHLSFinding& finding : findings)
+        report += describeWithLine(name, finding, lines.lineNumbered(finding.line), inColour);
+    return report;
+}
+
+/// NO_COLOR holds when it is set and not empty, as users of other commands expect.
+bool isColourUnwanted() {
+    const char* const noColour = std::getenv("NO_COLOR");
+    return noColour != nullptr && noColour[0] != '\0';
+}
+
 }  // namespace
 
 std::string describe(const std::string& name, const VELHLSFinding& finding) {
     return describeAt(placeOf(name, finding), name, finding);
+}
+
+std::string describeRejection(const std::string& name, const VELHLSReason& reason) {
+    return name + ":" + std::to_string(reason.line) + ":" + std::to_string(reason.column) +
+           ": rejected: " + printable(reason.message) + " [" + reason.ruleId + "]";
 }
 
 std::string describeByLine(const std::string& name, const VELHLSFinding& finding) {
@@ -96,6 +119,21 @@ std::string describeWithLine(const std::string& name, const VELHLSFinding& findi
     text += "    " + std::string(utf8::countCharacters(before), ' ') +
             coloured("^" + std::string(width - 1, '~'), green, inColour) + "\n";
     return text + suppressedNote(name, finding);
+}
+
+FindingStyle findingStyleOf(const std::string& colour) {
+    if (colour == "always") return {true, true};
+    const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+    return {isTerminal, isTerminal && colour == "auto" && !isColourUnwanted()};
+}
+
+std::string describeAll(const std::string& name, std::string_view text,
+                        const std::vector<VELHLSFinding>& findings, FindingStyle style) {
+    if (style.hasLines) return describeAllWithLines(name, text, findings, style.inColour);
+    std::string report;
+    for (const VELHLSFinding& finding : findings)
+        report += describe(name, finding) + "\n";
+    return report;
 }
 
 }  // namespace tool

@@ -1,10 +1,10 @@
 #include "tool/InputFile.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <memory>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tool/Failure.h"
 #include "tool/Printable.h"
@@ -20,33 +20,25 @@ namespace {
     fail(path, "larger than " + std::to_string(mostBytes) + " bytes (--max-bytes)");
 }
 
-/// The size of a regular file; 0 for what only tells its size when it has been read.
-std::size_t sizeOf(std::FILE* file) {
+bool isRegular(int descriptor) {
     struct stat status = {};
-    if (::fstat(::fileno(file), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
-    return static_cast<std::size_t>(status.st_size);
+    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-std::string contentOf(std::FILE* file, const std::string& path, std::size_t mostBytes) {
-    constexpr std::size_t blockSize = std::size_t{64} << 10;
-    const std::size_t expected = sizeOf(file);
-    if (expected > mostBytes) failAsTooLarge(path, mostBytes);
-    std::string content;
-    content.reserve(expected + blockSize);
-    while (true) {
-        const std::size_t size = content.size();
-        content.resize(size + blockSize);
-        const std::size_t count = std::fread(&content[size], 1, blockSize, file);
-        content.resize(size + count);
-        if (std::ferror(file) != 0) fail(path, std::strerror(errno));
-        if (content.size() > mostBytes) failAsTooLarge(path, mostBytes);
-        if (count < blockSize) return content;
+int open(const std::string& path, InputKind kind) {
+    if (path == standardInput && kind == InputKind::Any) return STDIN_FILENO;
+    // A name with a NUL byte would open the file whose name ends before it.
+    if (path.find('\0') != std::string::npos) fail(path, "its name holds a NUL byte");
+    // A pipe without a writer would be waited for.
+    const int carefully = kind == InputKind::Regular ? O_NOFOLLOW | O_NONBLOCK : 0;
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | carefully);
+    if (descriptor < 0) fail(path, std::strerror(errno));
+    if (kind == InputKind::Regular && !isRegular(descriptor)) {
+        static_cast<void>(::close(descriptor));
+        fail(path, "not a regular file");
     }
+    return descriptor;
 }
-
-struct Closer {
-    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
-};
 
 }  // namespace
 
@@ -54,11 +46,41 @@ std::string nameInMessages(const std::string& path) {
     return path == standardInput ? "<stdin>" : printable(path);
 }
 
-std::string contentOf(const std::string& path, std::size_t mostBytes) {
-    if (path == standardInput) return contentOf(stdin, path, mostBytes);
-    const std::unique_ptr<std::FILE, Closer> file(std::fopen(path.c_str(), "rb"));
-    if (file == nullptr) fail(path, std::strerror(errno));
-    return contentOf(file.get(), path, mostBytes);
+InputFile::InputFile(const std::string& path, InputKind kind) : path_(path), descriptor_(open(path, kind)) {}
+
+InputFile::~InputFile() {
+    if (descriptor_ != STDIN_FILENO) static_cast<void>(::close(descriptor_));
+}
+
+std::size_t InputFile::read(char* bytes, std::size_t most) {
+    while (true) {
+        const ssize_t count = ::read(descriptor_, bytes, most);
+        if (count >= 0) return static_cast<std::size_t>(count);
+        if (errno != EINTR) fail(path_, std::strerror(errno));
+    }
+}
+
+std::size_t InputFile::size() const {
+    struct stat status = {};
+    if (::fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+    return static_cast<std::size_t>(status.st_size);
+}
+
+std::string contentOf(const std::string& path, std::size_t mostBytes, InputKind kind) {
+    constexpr std::size_t blockSize = std::size_t{64} << 10;
+    InputFile file(path, kind);
+    const std::size_t expected = file.size();
+    if (expected > mostBytes) failAsTooLarge(path, mostBytes);
+    std::string content;
+    content.reserve(expected + blockSize);
+    while (true) {
+        const std::size_t size = content.size();
+        content.resize(size + blockSize);
+        const std::size_t count = file.read(&content[size], blockSize);
+        content.resize(size + count);
+        if (count == 0) return content;
+        if (content.size() > mostBytes) failAsTooLarge(path, mostBytes);
+    }
 }
 
 }  // namespace tool

@@ -2,8 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tool/FindingText.h"
+#include "tool/FindingJson.h"
 #include "tool/JsonText.h"
+#include "tool/OutputFile.h"
 
 namespace tool {
 namespace {
@@ -11,37 +12,45 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 /// Changes when what is written would no longer be read as before.
-constexpr int formatVersion = 1;
+constexpr int formatVersion = 2;
 
-Json describeFinding(const VELHLSFinding& finding) {
-    return {{"rule", finding.ruleId},   {"severity", VELHLSFinding::textOf(finding.severity)},
-            {"line", finding.line},     {"column", finding.column},
-            {"length", finding.length}, {"message", finding.message},
-            {"source", finding.source}, {"suppressed", finding.suppressed}};
+Json reportWithoutFiles() {
+    return {{"version", formatVersion}, {"files", Json::array()}};
 }
 
-Json describeFile(const CheckedFile& file) {
-    Json description = {{"path", file.path}};
+Json fileAsJson(const CheckedFile& file) {
+    Json json = {{"path", file.path}};
     if (!file.failure.empty()) {
-        description["failure"] = file.failure;
-        return description;
+        json["failure"] = file.failure;
+        return json;
     }
     const bool isPlaylist = file.kind != PlaylistKind::Detect;
-    description["kind"] = isPlaylist ? Json(nameOf(file.kind)) : Json();
-    description["findings"] = Json::array();
+    json["kind"] = isPlaylist ? Json(nameOf(file.kind)) : Json();
+    json["rejected"] = rejectionAsJson(file.rejected);
+    json["findings"] = Json::array();
     for (const VELHLSFinding& finding : file.findings)
-        description["findings"].push_back(describeFinding(finding));
-    return description;
+        json["findings"].push_back(findingAsJson(finding));
+    return json;
 }
 
 }  // namespace
 
-void JsonReport::add(const CheckedFile& file) {
-    files_.push_back(describeFile(file));
+JsonReport::JsonReport() : text_(reportWithoutFiles(), "files") {
+    writeToStandardOutput(text_.start());
 }
 
-std::string JsonReport::text() const {
-    return jsonText({{"version", formatVersion}, {"files", files_}});
+void JsonReport::add(const CheckedFile& file) {
+    writeToStandardOutput(text_.element(fileAsJson(file)));
 }
+
+void JsonReport::end(const CheckSummary& /*summary*/) {
+    writeToStandardOutput(text_.end(reportWithoutFiles()));
+}
+
+void JsonLinesReport::add(const CheckedFile& file) {
+    writeToStandardOutput(jsonLine(fileAsJson(file)));
+}
+
+void JsonLinesReport::end(const CheckSummary& /*summary*/) {}
 
 }  // namespace tool

@@ -1,23 +1,26 @@
 #pragma once
 
-#include <string>
-
-#include <nlohmann/json.hpp>
-
-#include "tool/Check.h"
+#include "tool/JsonArrayText.h"
+#include "tool/Report.h"
 
 namespace tool {
 
-/// The findings as JSON. The schema is docs/schemas/check-1.schema.json.
-class JsonReport {
+/// The findings as JSON. The schema is docs/schemas/check-2.schema.json.
+class JsonReport : public Report {
   public:
-    void add(const CheckedFile& file);
-
-    /// The whole report.
-    [[nodiscard]] std::string text() const;
+    JsonReport();
+    void add(const CheckedFile& file) override;
+    void end(const CheckSummary& summary) override;
 
   private:
-    nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
+    JsonArrayText text_;
+};
+
+/// One object a file, in a line of its own: the members of "files" in the whole report.
+class JsonLinesReport : public Report {
+  public:
+    void add(const CheckedFile& file) override;
+    void end(const CheckSummary& summary) override;
 };
 
 }  // namespace tool

@@ -13,4 +13,10 @@ namespace tool {
     return value.dump(indent, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
+/// The same in one line.
+[[nodiscard]] inline std::string jsonLine(const nlohmann::ordered_json& value) {
+    constexpr int inOneLine = -1;
+    return value.dump(inOneLine, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
 }  // namespace tool

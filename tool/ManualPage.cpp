@@ -4,6 +4,8 @@
 #include <sstream>
 #include <string_view>
 
+#include "tool/ConfigFile.h"
+
 namespace tool {
 
 namespace {
@@ -90,11 +92,16 @@ struct Example {
 
 constexpr Example examples[] = {
     {"What is wrong with a playlist, and where:", "velhls check live.m3u8"},
-    {"Errors alone, of all playlists of a folder, for a program to read:",
-     "velhls check --severity error --format json *.m3u8"},
+    {"Errors alone, of all playlists below a folder, for a program to read:",
+     "velhls check --severity error --format json vod/"},
+    {"The playlists that changed, as annotations of a workflow, which warnings fail, too:",
+     "git diff --name-only -z main -- '*.m3u8' | velhls check --files-from - --null --format github "
+     "--fail-on warning"},
     {"Why a rule is one, and what to do:", "velhls explain variant-bandwidth-zero"},
     {"The text as RFC 8216 wants it, in place of the file:",
      "velhls render --conformant --output live.m3u8 live.m3u8"},
+    {"A token for every URI, and every other byte as it was:",
+     "velhls edit --append-query token=1 --apply master.m3u8"},
     {"What a server delivers:", "curl -s https://example.com/master.m3u8 | velhls inspect"},
     {"The URIs of all segments:", "velhls inspect --json vod.m3u8 | jq -r '.playlist.segments[].uri'"},
 };
@@ -106,6 +113,20 @@ void writeExamples(std::ostream& out) {
             << roff(example.what) << "\n.PP\n.RS 4\n.nf\n"
             << roff(example.commandLine) << "\n.fi\n.RE\n";
     }
+}
+
+void writeFiles(std::ostream& out) {
+    out << ".SH FILES\n.TP\n"
+        << bold(configName) << "\n"
+        << "Options of the commands that have " << bold("--config")
+        << ", for all of them or in a section that has a command's name:\n.PP\n.RS 11\n.nf\n"
+        << roff(
+               "severity = \"note\"\n\n[check]\ndisable = [\"durations-whole\"]\n"
+               "severity-of = [\"version-too-low=warning\"]")
+        << "\n.fi\n.RE\n.PP\n.RS 7\n"
+        << "It is looked for in the working directory and the folders above it, and the nearest one is read. "
+           "What the "
+           "command line says of an option takes the place of what the file says of it.\n.RE\n";
 }
 
 }  // namespace
@@ -122,6 +143,8 @@ std::string manualPage(const CommandOutline& command, const std::string& version
         << bold(command.name)
         << " reads playlists of HTTP Live Streaming (M3U8, RFC 8216), master playlists and media\n"
         << "playlists alike. Without a file, or with " << bold("-") << ", it reads standard input.\n"
+        << bold(command.name + " check")
+        << " takes folders, too: all *.m3u8 and *.m3u files below them, links left out.\n"
         << "A playlist that is rejected is told of on standard error as\n"
         << italic("file") << ":" << italic("line") << ": error: " << italic("reason")
         << ".\nAn output file is replaced wholly or not at all.\n.SH COMMANDS\n";
@@ -137,6 +160,7 @@ std::string manualPage(const CommandOutline& command, const std::string& version
     for (const OptionOutline& option : command.options)
         writeOption(out, option);
     out << ".SH \"EXIT STATUS\"\n" << roff(exitStatusOf(command)) << "\n";
+    writeFiles(out);
     writeExamples(out);
     out << ".SH \"SEE ALSO\"\n"
         << bold("curl") << "(1), " << bold("jq") << "(1)\n.PP\n"

@@ -42,9 +42,21 @@ bool isKeptByWriter(std::string_view ruleId, PlaylistKind kind) {
     return isStartOfMaster || std::find(kept.begin(), kept.end(), ruleId) != kept.end();
 }
 
+std::vector<VELHLSFinding> findingsOfLibrary(const Playlist& playlist) {
+    return VELHLSDiagnostics::check(playlist.text, {playlist.kind, {VELHLSDiagnostics::Profile::library}})
+        .findings;
+}
+
+std::map<std::string_view, VELHLSRule> rulesOfLibrary() {
+    std::map<std::string_view, VELHLSRule> rules;
+    for (const VELHLSRule& rule : VELHLSDiagnostics::rules(VELHLSDiagnostics::Profile::library))
+        rules.emplace(rule.id, rule);
+    return rules;
+}
+
 [[noreturn]] void reject(const Playlist& playlist) {
     std::string message;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(playlist.text, playlist.kind)) {
+    for (const VELHLSFinding& finding : findingsOfLibrary(playlist)) {
         if (finding.severity == VELHLSFinding::Error)
             message += describeByLine(playlist.name, finding) + "\n";
     }
@@ -87,21 +99,20 @@ std::string describeLosses(const Playlist& playlist, Writing writing) {
         VELHLSFinding first;
         std::size_t more = 0;
     };
+    const std::map<std::string_view, VELHLSRule> rules = rulesOfLibrary();
     std::vector<Loss> losses;
     std::map<std::string, std::size_t> indices;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(playlist.text, playlist.kind)) {
-        const auto rule = VELHLSDiagnostics::ruleNamed(finding.ruleId);
-        if (!rule || !rule->isLostWhenWritten) continue;
-        if (writing == Writing::Conformant && isKeptByWriter(rule->id, playlist.kind)) continue;
+    for (const VELHLSFinding& finding : findingsOfLibrary(playlist)) {
+        if (!rules.at(finding.ruleId).isLostWhenWritten) continue;
+        if (writing == Writing::Conformant && isKeptByWriter(finding.ruleId, playlist.kind)) continue;
         const auto [index, isNew] = indices.emplace(finding.ruleId, losses.size());
         if (isNew) losses.push_back({finding, finding.suppressed});
         if (!isNew) losses[index->second].more += 1 + finding.suppressed;
     }
     std::string text;
     for (const Loss& loss : losses) {
-        const auto rule = VELHLSDiagnostics::ruleNamed(loss.first.ruleId);
-        text +=
-            playlist.name + ":" + std::to_string(loss.first.line) + ": lost: " + std::string(rule->summary);
+        text += playlist.name + ":" + std::to_string(loss.first.line) +
+                ": lost: " + std::string(rules.at(loss.first.ruleId).summary);
         if (loss.more != 0) text += " And " + std::to_string(loss.more) + " more.";
         text += " [" + loss.first.ruleId + "]\n";
     }

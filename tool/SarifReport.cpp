@@ -1,40 +1,61 @@
 #include "tool/SarifReport.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
 
-#include "tool/FindingText.h"
+#include "tool/CharacterPlace.h"
 #include "tool/InputFile.h"
-#include "tool/JsonText.h"
+#include "tool/OutputFile.h"
 #include "tool/RulePages.h"
-#include "tool/Utf8.h"
 
 namespace tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// The SARIF levels have the names of our severities.
-Json describeRule(const VELHLSRule& rule) {
-    const std::string page(pageOf(rule.id));
-    return {{"id", rule.id},
-            {"shortDescription", {{"text", rule.summary}}},
-            {"help", {{"text", page}, {"markdown", page}}},
-            {"defaultConfiguration", {{"level", VELHLSFinding::textOf(rule.severity)}}},
-            {"properties",
-             {{"expected", rule.expected},
-              {"source", rule.source},
-              {"isLostWhenWritten", rule.isLostWhenWritten}}}};
+/// Where the clause can be read; empty where there is none.
+std::string helpUriOf(const VELHLSRule& rule) {
+    if (rule.clause.empty()) return {};
+    if (rule.source.find("RFC 8216,") == 0)
+        return "https://www.rfc-editor.org/rfc/rfc8216#section-" + std::string(rule.clause);
+    if (rule.profile == "apple")
+        return "https://developer.apple.com/documentation/http-live-streaming/"
+               "hls-authoring-specification-for-apple-devices";
+    return "https://datatracker.ietf.org/doc/html/draft-pantos-hls-rfc8216bis#section-" +
+           std::string(rule.clause);
 }
 
-Json describeRules(std::map<std::string, std::size_t>& indices) {
+/// The SARIF levels have the names of our severities.
+Json describeRule(const VELHLSRule& rule) {
+    const std::string page(pageOf(rule));
+    Json description = {{"id", rule.id},
+                        {"shortDescription", {{"text", rule.summary}}},
+                        {"help", {{"text", page}, {"markdown", page}}},
+                        {"defaultConfiguration", {{"level", VELHLSFinding::textOf(rule.severity)}}},
+                        {"properties",
+                         {{"expected", rule.expected},
+                          {"source", rule.source},
+                          {"profile", rule.profile},
+                          {"clause", rule.clause},
+                          {"level", rule.level},
+                          {"isLostWhenWritten", rule.isLostWhenWritten}}}};
+    const std::string help = helpUriOf(rule);
+    if (!help.empty()) description["helpUri"] = help;
+    return description;
+}
+
+/// A rule that several profiles have stands there once.
+Json describeRules(const std::vector<VELHLSDiagnostics::Profile>& profiles,
+                   std::map<std::string, std::size_t>& indices) {
     Json rules = Json::array();
-    for (const VELHLSRule& rule : VELHLSDiagnostics::rules()) {
-        indices.emplace(rule.id, rules.size());
-        rules.push_back(describeRule(rule));
+    for (const VELHLSDiagnostics::Profile profile : profiles) {
+        for (const VELHLSRule& rule : VELHLSDiagnostics::rules(profile)) {
+            if (indices.emplace(rule.id, rules.size()).second) rules.push_back(describeRule(rule));
+        }
     }
     return rules;
 }
@@ -59,69 +80,107 @@ std::string uriOf(const std::string& path) {
 }
 
 /// SARIF counts columns in characters.
-Json regionOf(const VELHLSFinding& finding, std::string_view line) {
-    const std::size_t startColumn = utf8::countCharacters(line.substr(0, finding.column - 1)) + 1;
-    const std::size_t length = utf8::countCharacters(line.substr(finding.column - 1, finding.length));
-    return {{"startLine", finding.line},
-            {"startColumn", startColumn},
-            {"endLine", finding.line},
-            {"endColumn", startColumn + length}};
+Json locationOf(const std::string& path, std::size_t line, const CharacterPlace& place) {
+    const Json region = {{"startLine", line},
+                         {"startColumn", place.column},
+                         {"endLine", line},
+                         {"endColumn", place.column + place.length}};
+    return {{"physicalLocation", {{"artifactLocation", {{"uri", uriOf(path)}}}, {"region", region}}}};
 }
 
-Json describeFinding(const CheckedFile& file, const VELHLSFinding& finding, std::string_view line,
-                     std::size_t ruleIndex) {
-    Json result = {
-        {"ruleId", finding.ruleId},
-        {"ruleIndex", ruleIndex},
-        {"level", VELHLSFinding::textOf(finding.severity)},
-        {"message", {{"text", finding.message}}},
-        {"locations",
-         {{{"physicalLocation",
-            {{"artifactLocation", {{"uri", uriOf(file.path)}}}, {"region", regionOf(finding, line)}}}}}}};
-    if (finding.suppressed != 0) result["properties"] = {{"suppressed", finding.suppressed}};
-    return result;
+/// FNV-1a: the same in every build.
+std::uint64_t hashOf(std::string_view text) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (const char character : text)
+        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001B3U;
+    return hash;
 }
 
-void appendFindings(Json& results, const CheckedFile& file,
-                    const std::map<std::string, std::size_t>& ruleIndices) {
-    std::size_t lineNumber = 1;
-    std::size_t start = 0;
-    for (const VELHLSFinding& finding : file.findings) {
-        if (finding.line < lineNumber) {
-            lineNumber = 1;
-            start = 0;
-        }
-        for (; lineNumber < finding.line; ++lineNumber)
-            start = file.text.find('\n', start) + 1;
-        const std::string_view rest = std::string_view(file.text).substr(start);
-        results.push_back(
-            describeFinding(file, finding, rest.substr(0, rest.find('\n')), ruleIndices.at(finding.ruleId)));
+std::string hexadecimalOf(std::uint64_t number) {
+    std::string text(16, '0');
+    for (std::size_t position = text.size(); position-- > 0; number >>= 4U)
+        text[position] = "0123456789abcdef"[number & 0xFU];
+    return text;
+}
+
+/// What stays the same when lines before the finding come and go: its rule and the start of its line. The same again has a number.
+class Fingerprints {
+  public:
+    std::string next(const VELHLSFinding& finding, std::string_view line) {
+        const std::uint64_t hash = hashOf(finding.ruleId + "\n" + std::string(line.substr(0, 1024)));
+        return hexadecimalOf(hash) + ":" + std::to_string(++seen_[hash]);
     }
+
+  private:
+    std::map<std::uint64_t, std::size_t> seen_;
+};
+
+Json propertiesOf(const VELHLSFinding& finding) {
+    Json properties = {{"profile", finding.profile}, {"clause", finding.clause}, {"level", finding.level}};
+    if (finding.suppressed != 0) properties["suppressed"] = finding.suppressed;
+    return properties;
+}
+
+Json resultOf(const std::string& path, const VELHLSFinding& finding, CharacterPlaces& places,
+              Fingerprints& fingerprints) {
+    const CharacterPlace place = places.of(finding.line, finding.column, finding.length);
+    return {{"ruleId", finding.ruleId},
+            {"level", VELHLSFinding::textOf(finding.severity)},
+            {"message", {{"text", finding.message}}},
+            {"locations", Json::array({locationOf(path, finding.line, place)})},
+            {"partialFingerprints",
+             {{"ruleAndLine/v1", fingerprints.next(finding, places.lineNumbered(finding.line))}}},
+            {"properties", propertiesOf(finding)}};
+}
+
+Json rejectionOf(const std::string& path, const VELHLSReason& reason, CharacterPlaces& places) {
+    const CharacterPlace place = places.of(reason.line, reason.column, reason.length);
+    return {{"level", "note"},
+            {"message", {{"text", "rejected: " + reason.message + " [" + reason.ruleId + "]"}}},
+            {"locations", Json::array({locationOf(path, reason.line, place)})}};
+}
+
+Json logWithoutResults(const std::vector<VELHLSDiagnostics::Profile>& profiles,
+                       std::map<std::string, std::size_t>& ruleIndices) {
+    const Json driver = {{"name", "velhls"},
+                         {"version", VELHLS_TOOL_VERSION},
+                         {"rules", describeRules(profiles, ruleIndices)}};
+    const Json run = {
+        {"tool", {{"driver", driver}}}, {"columnKind", "unicodeCodePoints"}, {"results", Json::array()}};
+    return {{"$schema",
+             "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json"},
+            {"version", "2.1.0"},
+            {"runs", Json::array({run})}};
 }
 
 }  // namespace
 
-SarifReport::SarifReport() : rules_(describeRules(ruleIndices_)) {}
-
-void SarifReport::add(const CheckedFile& file) {
-    appendFindings(results_, file, ruleIndices_);
-    if (file.failure.empty()) return;
-    notifications_.push_back({{"level", "error"}, {"message", {{"text", file.failure}}}});
+SarifReport::SarifReport(const std::vector<VELHLSDiagnostics::Profile>& profiles)
+    : log_(logWithoutResults(profiles, ruleIndices_)), text_(log_, "results") {
+    writeToStandardOutput(text_.start());
 }
 
-std::string SarifReport::text(ExitStatus status) const {
-    const Json driver = {{"name", "velhls"}, {"version", VELHLS_TOOL_VERSION}, {"rules", rules_}};
-    Json invocation = {{"executionSuccessful", status != unusable}, {"exitCode", static_cast<int>(status)}};
+void SarifReport::add(const CheckedFile& file) {
+    if (!file.failure.empty())
+        notifications_.push_back({{"level", "error"}, {"message", {{"text", file.failure}}}});
+    CharacterPlaces places(file.text);
+    Fingerprints fingerprints;
+    std::string results;
+    for (const VELHLSFinding& finding : file.findings) {
+        Json result = resultOf(file.path, finding, places, fingerprints);
+        result["ruleIndex"] = ruleIndices_.at(finding.ruleId);
+        results += text_.element(result);
+    }
+    if (file.rejected) notifications_.push_back(rejectionOf(file.path, *file.rejected, places));
+    writeToStandardOutput(results);
+}
+
+void SarifReport::end(const CheckSummary& summary) {
+    Json invocation = {{"executionSuccessful", summary.status != unusable},
+                       {"exitCode", static_cast<int>(summary.status)}};
     if (!notifications_.empty()) invocation["toolExecutionNotifications"] = notifications_;
-    const Json run = {{"tool", {{"driver", driver}}},
-                      {"columnKind", "unicodeCodePoints"},
-                      {"invocations", Json::array({invocation})},
-                      {"results", results_}};
-    return jsonText(
-        {{"$schema",
-          "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json"},
-         {"version", "2.1.0"},
-         {"runs", Json::array({run})}});
+    log_["runs"][0]["invocations"] = Json::array({invocation});
+    writeToStandardOutput(text_.end(log_));
 }
 
 }  // namespace tool

@@ -3,28 +3,27 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
-#include "tool/Check.h"
+#include "tool/JsonArrayText.h"
+#include "tool/Report.h"
 
 namespace tool {
 
-/// The findings as SARIF 2.1.0 (OASIS), with all rules.
-class SarifReport {
+/// The findings as SARIF 2.1.0 (OASIS), with the rules of the profiles. Which files cannot be read, and which the models reject,
+/// are notifications of the run.
+class SarifReport : public Report {
   public:
-    SarifReport();
-
-    /// The text of the file must still be there.
-    void add(const CheckedFile& file);
-
-    /// The whole report of the files, which were checked with this exit status.
-    [[nodiscard]] std::string text(ExitStatus status) const;
+    explicit SarifReport(const std::vector<VELHLSDiagnostics::Profile>& profiles);
+    void add(const CheckedFile& file) override;
+    void end(const CheckSummary& summary) override;
 
   private:
     std::map<std::string, std::size_t> ruleIndices_;
-    nlohmann::ordered_json rules_;
-    nlohmann::ordered_json results_ = nlohmann::ordered_json::array();
+    nlohmann::ordered_json log_;
+    JsonArrayText text_;
     nlohmann::ordered_json notifications_ = nlohmann::ordered_json::array();
 };
 

@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
-/// The characters of UTF-8 (RFC 3629), for all that the command shows and counts.
+/// The characters of UTF-8 (RFC 3629), for all that the command shows and counts. The libraries have a reader of their own,
+/// velhls/common/Utf8.h: it is no part of their interface, and the command uses nothing else of them.
 namespace tool::utf8 {
 
 /// A byte that continues a character, and so begins none.

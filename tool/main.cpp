@@ -14,7 +14,7 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
-#include "tool/Check.h"
+#include "tool/CheckCommand.h"
 #include "tool/CompareCommand.h"
 #include "tool/Edit.h"
 #include "tool/EditCommand.h"
@@ -25,7 +25,8 @@
 #include "tool/Playlist.h"
 #include "tool/PlaylistKind.h"
 #include "tool/Printable.h"
-#include "tool/RulePages.h"
+#include "tool/ReadingOptions.h"
+#include "tool/RuleCommands.h"
 #include "tool/SelfDescription.h"
 
 namespace {
@@ -34,21 +35,16 @@ namespace {
 struct Request {
     std::string input = tool::standardInput;
     std::string output = tool::standardInput;
-    std::string kind = "auto";
+    tool::PlaylistKind kind = tool::PlaylistKind::Detect;
     bool quiet = false;
     bool conformant = false;
     bool json = false;
     std::size_t mostBytes = tool::usualLargestInput;
-    std::string rule;
     std::string command;
-    std::string severity = "warning";
-    std::vector<std::string> disabledRules;
-    tool::CheckRequest check;
 };
 
 void render(const Request& request) {
-    const tool::Playlist playlist =
-        tool::readPlaylist(request.input, tool::kindNamed(request.kind), request.mostBytes);
+    const tool::Playlist playlist = tool::readPlaylist(request.input, request.kind, request.mostBytes);
     const auto writing = request.conformant ? tool::Writing::Conformant : tool::Writing::Rendered;
     const std::string text = tool::cleanText(playlist, writing);
     if (request.output == tool::standardInput) {
@@ -58,31 +54,6 @@ void render(const Request& request) {
     }
     if (request.quiet) return;
     static_cast<void>(std::fputs(tool::describeLosses(playlist, writing).c_str(), stderr));
-}
-
-VELHLSFinding::Severity severityNamed(const std::string& name) {
-    if (name == "error") return VELHLSFinding::Error;
-    return name == "warning" ? VELHLSFinding::Warning : VELHLSFinding::Note;
-}
-
-/// What CLI11 says of a value that is no rule.
-std::string whyNoRule(const std::string& id) {
-    if (VELHLSDiagnostics::ruleNamed(id)) return {};
-    return "there is no rule " + tool::quotedExcerpt(id);
-}
-
-tool::ExitStatus check(const Request& request) {
-    tool::CheckRequest asked = request.check;
-    if (asked.paths.empty()) asked.paths.emplace_back(tool::standardInput);
-    asked.kind = tool::kindNamed(request.kind);
-    asked.mostBytes = request.mostBytes;
-    asked.least = severityNamed(request.severity);
-    asked.disabledRules.insert(request.disabledRules.begin(), request.disabledRules.end());
-    return tool::check(asked);
-}
-
-void explain(const Request& request) {
-    tool::writeToStandardOutput(tool::pageOf(request.rule));
 }
 
 struct Inspection {
@@ -97,67 +68,13 @@ struct Inspection {
 };
 
 void inspect(const Request& request) {
-    const tool::Playlist playlist =
-        tool::readPlaylist(request.input, tool::kindNamed(request.kind), request.mostBytes);
+    const tool::Playlist playlist = tool::readPlaylist(request.input, request.kind, request.mostBytes);
     tool::writeToStandardOutput(std::visit(Inspection{playlist.status, request.json}, playlist.model));
-}
-
-/// Makes bytes of a size such as "10k"; says why that cannot be done.
-std::string makeBytes(std::string& size) {
-    const bool isNumber = !size.empty() && size.front() >= '0' && size.front() <= '9';
-    if (!isNumber) return "expected a number of bytes, as 10k, seen " + tool::quotedExcerpt(size);
-    return CLI::AsSizeValue(false)(size);
-}
-
-/// What the commands that read playlists have in common.
-void addReadingOptions(CLI::App& command, Request& request) {
-    command.add_option("--kind", request.kind, "What to read it as")
-        ->check(CLI::IsMember({"auto", "master", "media"}))
-        ->capture_default_str();
-    command
-        .add_option("--max-bytes", request.mostBytes,
-                    "Read no playlist that has more bytes; 10k is 10,240, and m and g are more")
-        ->type_name("BYTES")
-        ->transform(CLI::Validator(makeBytes, ""))
-        ->capture_default_str();
 }
 
 void addInputOptions(CLI::App& command, Request& request) {
     command.add_option("FILE", request.input, "The playlist; - for standard input")->capture_default_str();
-    addReadingOptions(command, request);
-}
-
-void addCheckCommand(CLI::App& app, Request& request, tool::ExitStatus& status) {
-    CLI::App* command = app.add_subcommand(
-        "check", "Say what is wrong with playlists, where, and what the library makes of them");
-    command->footer(
-        "Exit status: 0 nothing found, 1 something found, 2 bad usage or a file that cannot be read.\n"
-        "NO_COLOR is respected.");
-    command->add_option("FILE", request.check.paths, "The playlists; - for standard input, the default");
-    addReadingOptions(*command, request);
-    command->add_option("--format", request.check.format, "How to write what is found")
-        ->check(CLI::IsMember({"text", "json", "sarif"}))
-        ->capture_default_str();
-    command->add_option("--severity", request.severity, "The least severity that is looked at")
-        ->check(CLI::IsMember({"error", "warning", "note"}))
-        ->capture_default_str();
-    command->add_option("--disable", request.disabledRules, "Leave this rule out; may be repeated")
-        ->check(CLI::Validator(whyNoRule, "RULE"))
-        ->allow_extra_args(false)
-        ->delimiter(',');
-    command->add_flag("--werror", request.check.warningsAreErrors, "Take warnings for errors");
-    command->add_option("--color", request.check.colour, "When to use colours")
-        ->check(CLI::IsMember({"auto", "always", "never"}))
-        ->capture_default_str();
-    command->callback([&request, &status] { status = check(request); });
-}
-
-void addExplainCommand(CLI::App& app, Request& request) {
-    CLI::App* command = app.add_subcommand("explain", "Show the page of a rule");
-    command->add_option("RULE", request.rule, "The rule, as check names it in brackets")
-        ->required()
-        ->check(CLI::Validator(whyNoRule, "RULE"));
-    command->callback([&request] { explain(request); });
+    tool::addReadingOptions(command, request.kind, request.mostBytes);
 }
 
 /// The command of this name; null when there is none.
@@ -228,8 +145,9 @@ int run(int argumentCount, char** arguments) {
     tool::addCompareCommand(app, compareRequest, status);
 
     tool::addSelfDescription(app);
-    addCheckCommand(app, request, status);
-    addExplainCommand(app, request);
+    tool::CheckOptions checkOptions;
+    tool::addCheckCommand(app, checkOptions, status);
+    tool::addRuleCommands(app);
     addHelpCommand(app, request);
 
     try {

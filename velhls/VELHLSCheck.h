@@ -20,4 +20,6 @@
 #include "velhls/document/VELHLSStructure.h"
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/document/VELHLSTagDefinition.h"
+#include "velhls/presentation/VELHLSPresentation.h"
+#include "velhls/records/VELHLSRecordLines.h"
 #include "velhls/standard/VELHLSStandard.h"

@@ -19,6 +19,7 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/Outcome.h"
 #include "tests/support/Parses.h"
 #include "tests/support/WholePlaylists.h"
@@ -168,7 +169,8 @@ std::string outcomeOf(std::istream& input, Parse parse) {
 
 std::string findingsOf(std::istream& input) {
     std::string text;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(input))
+    for (const VELHLSFinding& finding :
+         VELHLSDiagnostics::check(input, library::optionsFor(VELHLSDiagnostics::Detect)).findings)
         text += std::to_string(finding.line) + ": " + finding.message + "\n";
     return text;
 }

@@ -13,13 +13,14 @@ int main() {
         "#EXTM3U\n"
         "#EXT-X-STREAM-INF:BANDWIDTH=0\n"
         "low.m3u8\n";
-    bool hasErrors = false;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text)) {
+    const VELHLSDiagnostics::Report report = VELHLSDiagnostics::check(text);
+    for (const VELHLSFinding& finding : report.findings) {
         if (finding.severity != VELHLSFinding::Error) continue;
-        hasErrors = true;
         std::cout << finding.line << ":" << finding.column << ": " << finding.ruleId << "\n";
     }
-    if (!hasErrors || VELHLSParsedManifest::parseManifest(text) != nullptr) return EXIT_FAILURE;
+    if (!report.rejected || VELHLSParsedManifest::parseManifest(text) != nullptr) return EXIT_FAILURE;
+    std::cout << report.rejected->line << ":" << report.rejected->column
+              << ": rejected: " << report.rejected->ruleId << "\n";
     std::cout << ZORHLSManifestLibVersionNumber << "\n";
     return EXIT_SUCCESS;
 }

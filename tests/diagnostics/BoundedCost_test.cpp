@@ -13,12 +13,13 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "tests/support/HostileInputs.h"
+#include "tests/support/LibraryFindings.h"
 
 namespace {
 
 std::vector<std::size_t> linesWith(const std::string& ruleId, const std::string& text) {
     std::vector<std::size_t> lines;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, VELHLSDiagnostics::Media)) {
+    for (const VELHLSFinding& finding : library::findingsIn(text, VELHLSDiagnostics::Media)) {
         if (finding.ruleId == ruleId) lines.push_back(finding.line);
     }
     return lines;

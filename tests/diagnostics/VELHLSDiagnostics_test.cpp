@@ -7,6 +7,7 @@
 
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -17,7 +18,7 @@ using playlist::lines;
 std::string found(const std::string& text, VELHLSDiagnostics::PlaylistKind kind = VELHLSDiagnostics::Detect,
                   VELHLSFinding::Severity least = VELHLSFinding::Error) {
     std::string list;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, kind)) {
+    for (const VELHLSFinding& finding : library::findingsIn(text, kind)) {
         if (finding.severity < least) continue;
         list += (list.empty() ? "" : " ") + std::to_string(finding.line) + ":" +
                 std::to_string(finding.column) + "+" + std::to_string(finding.length) + " " + finding.ruleId;
@@ -28,15 +29,15 @@ std::string found(const std::string& text, VELHLSDiagnostics::PlaylistKind kind 
 /// What the finding of the rule says that was seen; nothing when there is none.
 std::string seenBy(const std::string& ruleId, const std::string& text,
                    VELHLSDiagnostics::PlaylistKind kind = VELHLSDiagnostics::Master) {
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, kind)) {
+    for (const VELHLSFinding& finding : library::findingsIn(text, kind)) {
         if (finding.ruleId == ruleId) return finding.message.substr(finding.message.find(", seen ") + 7);
     }
     return {};
 }
 
 TEST(VELHLSDiagnostics, TellsWhatWasExpectedAndSeenAndTheSource) {
-    const auto findings = VELHLSDiagnostics::check(
-        lines({"#EXTM3U", "#EXT-X-STREAM-INF:CLOSED-CAPTIONS=NONE,BANDWIDTH=0", "a"}));
+    const auto findings =
+        library::findingsIn(lines({"#EXTM3U", "#EXT-X-STREAM-INF:CLOSED-CAPTIONS=NONE,BANDWIDTH=0", "a"}));
     ASSERT_EQ(findings.size(), 2U);
     EXPECT_EQ(findings[1].ruleId, "variant-bandwidth-zero");
     EXPECT_EQ(findings[1].severity, VELHLSFinding::Error);
@@ -183,7 +184,7 @@ TEST(VELHLSDiagnostics, ListsABoundedNumberOfEachRule) {
     std::string text = "#EXTM3U\n";
     for (int count = 0; count < 5000; ++count)
         text += "stray\n#EXT-X-ENDLIST\n";
-    const auto findings = VELHLSDiagnostics::check(text, VELHLSDiagnostics::Master);
+    const auto findings = library::findingsIn(text, VELHLSDiagnostics::Master);
     std::map<std::string, std::size_t> listed;
     std::map<std::string, std::size_t> suppressed;
     for (const VELHLSFinding& finding : findings) {
@@ -198,7 +199,7 @@ TEST(VELHLSDiagnostics, ListsABoundedNumberOfEachRule) {
 TEST(VELHLSDiagnostics, ShortensWhatItQuotes) {
     const std::string longName(100000, 'x');
     for (const VELHLSFinding& finding :
-         VELHLSDiagnostics::check("#EXTM3U\n" + longName + "\n", VELHLSDiagnostics::Master)) {
+         library::findingsIn("#EXTM3U\n" + longName + "\n", VELHLSDiagnostics::Master)) {
         EXPECT_LT(finding.message.size(), 300U) << finding.ruleId;
     }
 }
@@ -223,7 +224,7 @@ TEST(VELHLSDiagnostics, CutsWhatItQuotesBetweenCharacters) {
 TEST(VELHLSDiagnostics, NamesTheAttributeUnlessItsNameIsEmptyOrLong) {
     const auto messageFor = [](const std::string& name) {
         const auto findings =
-            VELHLSDiagnostics::check("#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1," + name + "=\"\x01\"\na\n");
+            library::findingsIn("#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1," + name + "=\"\x01\"\na\n");
         for (const VELHLSFinding& finding : findings) {
             if (finding.ruleId == "control-character")
                 return finding.message.substr(0, finding.message.find("expected"));
@@ -253,7 +254,7 @@ TEST(VELHLSDiagnostics, TellsOfARepeatedAttributeAmongFewAndAmongMany) {
             list += ",X-" + std::to_string(index) + "=1";
         std::size_t repeated = 0;
         for (const VELHLSFinding& finding :
-             VELHLSDiagnostics::check("#EXTM3U\n#EXT-X-STREAM-INF:" + list + ",X-0=2\na\n"))
+             library::findingsIn("#EXTM3U\n#EXT-X-STREAM-INF:" + list + ",X-0=2\na\n"))
             repeated += finding.ruleId == "attribute-repeated" ? 1 : 0;
         EXPECT_EQ(repeated, 1U) << count;
     }
@@ -397,11 +398,13 @@ TEST(VELHLSDiagnostics, ReadsWhatIsLeftOfAStream) {
     std::istringstream input("stray\n#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=0\na\n");
     std::string first;
     std::getline(input, first);
-    const auto findings = VELHLSDiagnostics::check(input);
+    const auto findings =
+        VELHLSDiagnostics::check(input, library::optionsFor(VELHLSDiagnostics::Detect)).findings;
     EXPECT_EQ(findings.back().ruleId, "variant-bandwidth-zero");
     EXPECT_EQ(findings.back().line, 2U);
     EXPECT_EQ(found("", VELHLSDiagnostics::Master), "1:1+0 variants-missing");
-    EXPECT_EQ(VELHLSDiagnostics::check(input, VELHLSDiagnostics::Master).size(), 3U);
+    EXPECT_EQ(VELHLSDiagnostics::check(input, library::optionsFor(VELHLSDiagnostics::Master)).findings.size(),
+              3U);
 }
 
 TEST(VELHLSDiagnostics, SaysWhatATextIsThatIsNoPlaylist) {
@@ -449,7 +452,10 @@ TEST(VELHLSDiagnostics, DetectsTheKindByTheTags) {
         return detection ? detection->tag + " in " + std::to_string(detection->line) : "none";
     };
     EXPECT_EQ(kindOf("#EXTM3U\r\n#EXT-X-ENDLIST\r\n"), "EXT-X-ENDLIST in 2");
-    EXPECT_EQ(kindOf("#EXTINF:4,\na\n#EXT-X-STREAM-INF:BANDWIDTH=1\nb\n"), "EXT-X-STREAM-INF in 3");
+    EXPECT_EQ(kindOf("#EXTINF:4,\na\n#EXT-X-STREAM-INF:BANDWIDTH=1\nb\n"), "EXTINF in 1");
+    EXPECT_EQ(kindOf("#EXTINF:4,\na\n#EXT-X-STREAM-INF:BANDWIDTH=1\nb\n#EXT-X-I-FRAME-STREAM-INF:A=1\n"),
+              "EXT-X-STREAM-INF in 3");
+    EXPECT_EQ(kindOf("#EXT-X-MEDIA:A=1\n#EXTINF:4,\na\n"), "EXTINF in 2");
     EXPECT_EQ(kindOf("#EXTINF:4,\na\n"), "EXTINF in 1");
     EXPECT_EQ(kindOf("#EXTM3U\n#EXTINF:-1,\na\n"), "none");
     EXPECT_EQ(kindOf("#EXT-X-VERSION:3\n#EXTINF:-1,\na\n"), "EXTINF in 2");
@@ -490,7 +496,6 @@ TEST(VELHLSDiagnostics, EachTagOfOneKindTellsTheKind) {
                                               "EXT-X-CUE-IN",
                                               "EXT-X-CUE-OUT",
                                               "EXT-X-CUE-OUT-CONT",
-                                              "EXT-X-ALLOW-CACHE",
                                               "ZOR-PATTERN_START",
                                               "ZOR-PATTERN_END",
                                               "ZOR-PATTERN_REPEAT",

@@ -22,6 +22,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "tests/heap/Heap.h"
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/MediaRoundTrip.h"
 #include "tests/support/WholePlaylists.h"
 
@@ -182,8 +183,8 @@ class Check {
         : text_(text), input_(text, smallPiece), kind_(kind) {}
 
     void run() {
-        findings_ = VELHLSDiagnostics::check(text_, kind_);
-        findingsOfStream_ = VELHLSDiagnostics::check(input_, kind_);
+        findings_ = library::findingsIn(text_, kind_);
+        findingsOfStream_ = VELHLSDiagnostics::check(input_, library::optionsFor(kind_)).findings;
     }
 
     [[nodiscard]] std::string outcome() const { return told(findings_) + told(findingsOfStream_); }
@@ -267,6 +268,32 @@ class Compare {
 TEST(MemoryRunsOut, ComparingTwoVersions) {
     runOutOfMemory<Compare>(whole::master);
     runOutOfMemory<Compare>(whole::media);
+}
+
+/// A parse of a document, and the lines of its records.
+class FindLines {
+  public:
+    explicit FindLines(const std::string& text) : document_(text) {}
+
+    void run() {
+        const auto manifest = lines_.parseManifest(document_);
+        if (manifest != nullptr) line_ = lines_.of(*manifest->streamVariants.back())->first;
+        const auto stream = lines_.parseMediaStream(document_);
+        if (stream != nullptr) line_ = lines_.of(*stream->segments.back())->first;
+    }
+
+    [[nodiscard]] std::string outcome() const { return std::to_string(line_); }
+    [[nodiscard]] static std::string changed() { return ""; }
+
+  private:
+    VELHLSDocument document_;
+    VELHLSRecordLines lines_;
+    std::size_t line_ = 0;
+};
+
+TEST(MemoryRunsOut, FindingTheLinesOfRecords) {
+    runOutOfMemory<FindLines>(whole::master);
+    runOutOfMemory<FindLines>(whole::media);
 }
 
 TEST(MemoryRunsOut, EditingADocument) {
@@ -525,7 +552,7 @@ std::string timestamps() {
 }
 
 std::string rules() {
-    return std::to_string(VELHLSDiagnostics::rules().size()) +
+    return std::to_string(library::rules().size()) +
            std::string(VELHLSDiagnostics::ruleNamed("variant-bandwidth-missing")->summary);
 }
 

@@ -17,6 +17,7 @@
 
 #include "tests/heap/Heap.h"
 #include "tests/support/HostileInputs.h"
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/Parses.h"
 
 namespace {
@@ -25,6 +26,7 @@ constexpr double mostOfParse = 24.0;
 constexpr double mostOfRender = 2.5;
 constexpr double mostOfWrite = 3.0;
 constexpr double mostOfCheck = 32.0;
+constexpr double mostOfRecordLines = 32.0;
 /// Beside the text itself, which it owns.
 constexpr double mostOfDocument = 24.0;
 /// Of two documents, beside these.
@@ -78,8 +80,18 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
     const Memory compared = memoryOf([&] { comparison = VELHLSComparison::compare(*document, next, {9.0}); });
     EXPECT_LE(multiple(compared, 2 * text.size()), mostOfComparison);
 
+    VELHLSRecordLines lines;
+    const Memory placed = memoryOf([&] {
+        if (input.kind == VELHLSDiagnostics::Master) {
+            static_cast<void>(lines.parseManifest(*document));
+        } else {
+            static_cast<void>(lines.parseMediaStream(*document));
+        }
+    });
+    EXPECT_LE(multiple(placed, text.size() + parsed.held), mostOfRecordLines);
+
     std::vector<VELHLSFinding> findings;
-    const Memory checked = memoryOf([&] { findings = VELHLSDiagnostics::check(text, input.kind); });
+    const Memory checked = memoryOf([&] { findings = library::findingsIn(text, input.kind); });
     EXPECT_LE(multiple(checked, text.size() + parsed.held), mostOfCheck);
     if (playlist == nullptr) return;
 

@@ -12,13 +12,16 @@ set(below_writer common manifest media writer)
 set(below_document common document)
 set(below_standard common document standard)
 set(below_comparison common document standard comparison)
+set(below_records common document records)
+set(below_presentation common document standard presentation)
 set(below_losses common document losses)
-set(below_diagnostics common document losses standard diagnostics)
+set(below_diagnostics common document presentation losses standard diagnostics)
 # The models, of which only public headers may be included.
+set(models_of_records manifest media)
 set(models_of_losses manifest media)
 set(models_of_diagnostics manifest media)
 # The way to the readers. In the models it is for their parses.
-set(reaches_readers manifest media diagnostics)
+set(reaches_readers manifest media records diagnostics)
 
 set(repository ${CMAKE_ARGV3})
 set(wrong "")

@@ -87,6 +87,8 @@ TEST(StandardPages, AreThoseOfTheRules) {
     for (const Profile profile : {Profile::rfc8216, Profile::rfc8216bis, Profile::apple}) {
         for (const VELHLSRule& rule : VELHLSStandard::rules(profile))
             rules.insert(std::string(rule.id));
+        for (const VELHLSRule& rule : VELHLSPresentation::rules(profile))
+            rules.insert(std::string(rule.id));
     }
     EXPECT_EQ(pages, rules);
 }

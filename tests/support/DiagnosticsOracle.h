@@ -14,6 +14,8 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/LibraryFindings.h"
+
 /// What the diagnostics promise of every text, for the tests and the fuzz target.
 namespace oracle {
 
@@ -202,7 +204,7 @@ inline std::string brokenPromiseOfText(const std::string& text, VELHLSDiagnostic
 inline const std::map<std::string_view, VELHLSRule>& rulesByName() {
     static const std::map<std::string_view, VELHLSRule> rules = [] {
         std::map<std::string_view, VELHLSRule> named;
-        for (const VELHLSRule& rule : VELHLSDiagnostics::rules())
+        for (const VELHLSRule& rule : library::rules())
             named.emplace(rule.id, rule);
         return named;
     }();
@@ -212,7 +214,7 @@ inline const std::map<std::string_view, VELHLSRule>& rulesByName() {
 /// What of the promises is broken for this text; empty when none is.
 inline std::string brokenPromise(const std::string& text, VELHLSDiagnostics::PlaylistKind kind) {
     const PlainParse plain = parsePlainly(text, kind);
-    const std::vector<VELHLSFinding> findings = VELHLSDiagnostics::check(text, kind);
+    const std::vector<VELHLSFinding> findings = library::findingsIn(text, kind);
     const std::vector<std::string_view> lines = linesOf(text);
 
     const VELHLSFinding* firstError = nullptr;

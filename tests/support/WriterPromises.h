@@ -17,6 +17,7 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/MediaDescription.h"
 
 /// What VELHLSPlaylistWriter promises of every model, for the tests and the fuzz target.
@@ -160,7 +161,7 @@ inline std::string reasonNotToBeRead(const VELHLSParsedManifest& manifest) {
 /// stand in a playlist are the model's own, and of a line only the first is told.
 inline std::set<std::string> faultsOf(const std::string& text, VELHLSDiagnostics::PlaylistKind kind) {
     std::set<std::string> ids;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, kind)) {
+    for (const VELHLSFinding& finding : library::findingsIn(text, kind)) {
         if (finding.ruleId == "control-character" || finding.ruleId == "not-utf-8") continue;
         const bool isStandard = finding.source.compare(0, 3, "RFC") == 0;
         if (isStandard && finding.severity != VELHLSFinding::Note) ids.insert(finding.ruleId);

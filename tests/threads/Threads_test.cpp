@@ -17,6 +17,7 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/LibraryFindings.h"
 #include "tests/support/Outcome.h"
 #include "tests/support/Parses.h"
 #include "tests/support/WholePlaylists.h"
@@ -77,7 +78,7 @@ std::string parsedAndRendered(const std::string& text, Parse parse) {
 
 std::string findings(const std::string& text) {
     std::string told;
-    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text))
+    for (const VELHLSFinding& finding : library::findingsIn(text))
         told += std::to_string(finding.line) + ": " + finding.message + finding.ruleId + "\n";
     return told;
 }
@@ -121,11 +122,11 @@ TEST(Threads, CheckDifferentPlaylistsAndOneAndTheSame) {
 TEST(Threads, AskForTheRulesForTheFirstTimeTogether) {
     std::vector<std::string> summaries(threadCount);
     onAllThreads([&summaries](std::size_t number) {
-        const auto rules = VELHLSDiagnostics::rules();
+        const auto rules = library::rules();
         const std::string id(rules[number].id);
         summaries[number] = VELHLSDiagnostics::ruleNamed(id)->summary;
     });
-    const auto rules = VELHLSDiagnostics::rules();
+    const auto rules = library::rules();
     for (std::size_t number = 0; number < threadCount; ++number)
         EXPECT_EQ(summaries[number], rules[number].summary);
 }

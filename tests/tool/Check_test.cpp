@@ -24,6 +24,12 @@ Outcome velhls(std::vector<std::string> arguments, const std::string& input = ""
     return command::run(arguments, input);
 }
 
+/// Checks by what the library makes of a playlist.
+Outcome checkByLibrary(std::vector<std::string> options, const std::string& input = "") {
+    options.insert(options.begin(), {"check", "--profile=library"});
+    return velhls(options, input);
+}
+
 const std::string clean = lines({"#EXTM3U", "#EXT-X-START:TIME-OFFSET=2.5",
                                  "#EXT-X-STREAM-INF:BANDWIDTH=1,CLOSED-CAPTIONS=NONE", "a.m3u8"});
 const std::string warned =
@@ -33,56 +39,123 @@ const std::string warning =
     "<stdin>:2:31: warning: EXT-X-STREAM-INF: expected an attribute that the library keeps, seen "
     "\"FRAME-RATE\" [attribute-ignored]\n";
 
-TEST(CheckCommand, SaysNothingOfACleanPlaylist) {
-    const Outcome outcome = velhls({"check", "--severity=note"}, clean);
+TEST(CheckCommand, FindsNothingInACleanPlaylist) {
+    const Outcome outcome = checkByLibrary({"--severity=note"}, clean);
     EXPECT_EQ(outcome.exitStatus, 0);
-    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.output, "1 file checked: nothing found\n");
     EXPECT_EQ(outcome.errors, "");
 }
 
-TEST(CheckCommand, TellsWarningsAndErrorsAndLeavesNotesOut) {
-    const Outcome outcome = velhls({"check", "-"}, warned);
-    EXPECT_EQ(outcome.exitStatus, 1);
-    EXPECT_EQ(outcome.output, warning);
+TEST(CheckCommand, TellsWarningsAndErrorsAndCountsTheNotes) {
+    const Outcome outcome = checkByLibrary({"-"}, warned);
+    EXPECT_EQ(outcome.exitStatus, 0);
+    EXPECT_EQ(outcome.output, warning + "1 file checked: 1 warning, 3 notes not shown\n");
     EXPECT_EQ(outcome.errors, "");
 }
 
-TEST(CheckCommand, LooksAtTheAskedSeverityAndAbove) {
-    EXPECT_EQ(velhls({"check", "--severity=error"}, warned).exitStatus, 0);
-    EXPECT_EQ(velhls({"check", "--severity=error"}, rejected).exitStatus, 1);
-    EXPECT_THAT(velhls({"check", "--severity=note"}, warned).output, HasSubstr("note: expected a line"));
+TEST(CheckCommand, ShowsTheAskedSeverityAndAbove) {
+    EXPECT_EQ(checkByLibrary({"--severity=error"}, warned).output,
+              "1 file checked: 1 warning not shown, 3 notes not shown\n");
+    EXPECT_THAT(checkByLibrary({"--severity=note"}, warned).output, HasSubstr("note: expected a line"));
 }
 
-TEST(CheckCommand, TakesWarningsForErrors) {
-    const Outcome outcome = velhls({"check", "--werror", "--severity=error"}, warned);
-    EXPECT_EQ(outcome.exitStatus, 1);
-    EXPECT_THAT(outcome.output, StartsWith("<stdin>:2:31: error: "));
+TEST(CheckCommand, ChecksByTheProfilesThatAreAskedFor) {
+    const std::string text = lines({"#EXTM3U", "#EXTINF:6,", "0.ts"});
+    const Outcome standard = velhls({"check"}, text);
+    EXPECT_EQ(standard.exitStatus, 1);
+    EXPECT_THAT(standard.output, HasSubstr("[target-duration-missing]\n"));
+    EXPECT_THAT(standard.output, HasSubstr("<stdin>:3:1: rejected: expected "));
+    const std::string both =
+        velhls({"check", "--profile=library", "--profile", "rfc8216", "--format=json"}, text).output;
+    EXPECT_THAT(both, HasSubstr("\"profile\": \"rfc8216\",\n          \"clause\": \"4.3.3.1\""));
+    EXPECT_THAT(both, HasSubstr("\"profile\": \"library\""));
+    EXPECT_THAT(both, HasSubstr("\"rejected\": {\n        \"rule\": \"segment-uri-too-short\""));
+    EXPECT_EQ(velhls({"check", "--profile=library,rfc8216", "--format=json", "-"}, text).output, both);
+}
+
+TEST(CheckCommand, HasAnExitStatusOfItsProfilesAndNotOfTheRejection) {
+    const std::string text =
+        lines({"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXTINF:6,", "0.ts", "#EXT-X-ENDLIST"});
+    const Outcome standard = velhls({"check"}, text);
+    EXPECT_EQ(standard.exitStatus, 0);
+    EXPECT_THAT(standard.output, StartsWith("<stdin>:4:1: rejected: "));
+    EXPECT_THAT(standard.output, testing::EndsWith("\n1 file checked: nothing found, 1 rejected\n"));
+    EXPECT_EQ(checkByLibrary({}, text).exitStatus, 1);
+}
+
+TEST(CheckCommand, FailsByTheAskedSeverityWhateverIsShown) {
+    struct Case {
+        std::string failOn;
+        std::string text;
+        int exitStatus;
+    };
+    const std::vector<Case> cases = {
+        {"error", rejected, 1}, {"error", warned, 0}, {"error", clean, 0}, {"warning", warned, 1},
+        {"warning", clean, 0},  {"note", warned, 1},  {"note", clean, 0},
+    };
+    for (const Case& row : cases) {
+        for (const std::string shown : {"error", "warning", "note"}) {
+            const Outcome outcome =
+                checkByLibrary({"--fail-on=" + row.failOn, "--severity", shown}, row.text);
+            EXPECT_EQ(outcome.exitStatus, row.exitStatus) << row.failOn << " " << shown << "\n" << row.text;
+        }
+    }
+    EXPECT_EQ(checkByLibrary({}, rejected).exitStatus, 1);
+}
+
+TEST(CheckCommand, AnInputThatCannotBeReadWeighsMoreThanWhatIsFound) {
+    EXPECT_EQ(checkByLibrary({"-", "no such file"}, rejected).exitStatus, 2);
+    EXPECT_EQ(checkByLibrary({"no such file", "-"}, rejected).exitStatus, 2);
 }
 
 TEST(CheckCommand, LeavesDisabledRulesOut) {
-    EXPECT_EQ(velhls({"check", "--disable=attribute-ignored"}, warned).exitStatus, 0);
-    EXPECT_EQ(
-        velhls({"check", "--disable", "tag-ignored", "--disable", "attribute-ignored"}, warned).exitStatus,
-        0);
-    EXPECT_EQ(velhls({"check", "--disable=tag-ignored,attribute-ignored", "-"}, warned).exitStatus, 0);
-    EXPECT_EQ(velhls({"check", "--disable=tag-ignored"}, warned).output, warning);
+    const std::vector<std::string> failOnWarnings = {"check", "--profile=library", "--fail-on=warning"};
+    const auto checked = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), failOnWarnings.begin(), failOnWarnings.end());
+        return velhls(more, warned);
+    };
+    EXPECT_EQ(checked({"--disable=attribute-ignored"}).exitStatus, 0);
+    EXPECT_EQ(checked({"--disable=attribute-ignored"}).output, "1 file checked: 3 notes not shown\n");
+    EXPECT_EQ(checked({"--disable", "tag-ignored", "--disable", "attribute-ignored"}).exitStatus, 0);
+    EXPECT_EQ(checked({"--disable=tag-ignored,attribute-ignored", "-"}).exitStatus, 0);
+    EXPECT_EQ(checked({"--disable=tag-ignored"}).exitStatus, 1);
+    EXPECT_THAT(checked({"--disable=tag-ignored"}).output, StartsWith(warning));
+}
+
+TEST(CheckCommand, GivesFindingsTheSeverityThatIsAskedFor) {
+    const Outcome raised = checkByLibrary({"--severity-of=attribute-ignored=error"}, warned);
+    EXPECT_EQ(raised.exitStatus, 1);
+    EXPECT_THAT(raised.output, StartsWith("<stdin>:2:31: error: "));
+    EXPECT_THAT(raised.output, testing::EndsWith("\n1 file checked: 1 error, 3 notes not shown\n"));
+    const Outcome lowered = checkByLibrary({"--severity-of", "variant-bandwidth-zero=note"}, rejected);
+    EXPECT_EQ(lowered.exitStatus, 0);
+    EXPECT_THAT(lowered.output, StartsWith("<stdin>:2:29: rejected: "));
+    EXPECT_THAT(lowered.output, testing::EndsWith("\n1 file checked: 2 notes not shown, 1 rejected\n"));
+    // Of two for one rule the last one holds, and what is disabled is gone.
+    const Outcome both = checkByLibrary(
+        {"--severity-of=attribute-ignored=note,tag-ignored=error", "--severity-of=attribute-ignored=error"},
+        warned);
+    EXPECT_EQ(both.exitStatus, 1);
+    EXPECT_EQ(checkByLibrary({"--severity-of=attribute-ignored=error", "--disable=attribute-ignored"}, warned)
+                  .exitStatus,
+              0);
 }
 
 TEST(CheckCommand, ChecksAllFiles) {
     const TemporaryFolder folder;
     const std::string first = folder.with("first.m3u8", warned);
     const std::string second = folder.with("second.m3u8", rejected);
-    const Outcome outcome = velhls({"check", first, folder.with("third.m3u8", clean), second});
+    const Outcome outcome = checkByLibrary({first, folder.with("third.m3u8", clean), second});
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_THAT(outcome.output, StartsWith(first + ":2:31: warning: "));
     EXPECT_THAT(outcome.output, HasSubstr("\n" + second + ":2:29: error: "));
 }
 
 TEST(CheckCommand, TellsOfFilesThatCannotBeReadAndChecksTheOthers) {
-    const Outcome outcome = velhls({"check", "no such file", "-"}, warned);
+    const Outcome outcome = checkByLibrary({"no such file", "-"}, warned);
     EXPECT_EQ(outcome.exitStatus, 2);
-    EXPECT_EQ(outcome.output, warning);
-    EXPECT_THAT(outcome.errors, StartsWith("no such file: error: cannot be read: "));
+    EXPECT_EQ(outcome.output, warning + "1 file checked: 1 warning, 3 notes not shown, 1 input not read\n");
+    EXPECT_EQ(outcome.errors, "no such file: error: cannot be read: No such file or directory\n");
 }
 
 TEST(CheckCommand, ExplainsBadUsage) {
@@ -91,6 +164,12 @@ TEST(CheckCommand, ExplainsBadUsage) {
                                                {"check", "--severity=fatal"},
                                                {"check", "--color=blue"},
                                                {"check", "--disable=no-such-rule"},
+                                               {"check", "--fail-on=fatal"},
+                                               {"check", "--severity-of=tag-ignored"},
+                                               {"check", "--severity-of=tag-ignored=fatal"},
+                                               {"check", "--severity-of=no-such-rule=note"},
+                                               {"check", "--null"},
+                                               {"rules", "--format=sarif"},
                                                {"check", "--unknown"},
                                                {"explain"},
                                                {"explain", "no-such-rule"}}) {
@@ -114,38 +193,42 @@ TEST(CheckCommand, TellsOfWhatIsNoPlaylistInOneError) {
         {"some words\n", "no tag"},
     };
     for (const auto& [text, seen] : texts) {
-        const Outcome outcome = velhls({"check", "--severity=note"}, text);
+        const Outcome outcome = checkByLibrary({"--severity=note"}, text);
         EXPECT_EQ(outcome.exitStatus, 1) << seen;
-        EXPECT_EQ(outcome.output,
-                  "<stdin>:1:1: error: " + std::string(text.rfind("#EXTM3U", 0) == 0 ? "EXTM3U: " : "") +
-                      "expected an HLS playlist, seen " + seen + " [not-a-playlist]\n");
+        const std::string message = std::string(text.rfind("#EXTM3U", 0) == 0 ? "EXTM3U: " : "") +
+                                    "expected an HLS playlist, seen " + seen + " [not-a-playlist]\n";
+        EXPECT_EQ(outcome.output, "<stdin>:1:1: error: " + message + "<stdin>:1:1: rejected: " + message +
+                                      "1 file checked: 1 error, 1 rejected\n");
     }
 }
 
 TEST(CheckCommand, ReadsThePlaylistAsTheKindThatWasAskedFor) {
-    EXPECT_EQ(velhls({"check", "--kind=media", "--disable=target-duration-missing"}, "#EXTM3U\n").exitStatus,
+    EXPECT_EQ(checkByLibrary({"--kind=media", "--disable=target-duration-missing"}, "#EXTM3U\n").exitStatus,
               0);
-    EXPECT_THAT(velhls({"check", "--kind=master"}, "#EXTM3U\n").output, HasSubstr("[variants-missing]"));
+    EXPECT_THAT(checkByLibrary({"--kind=master"}, "#EXTM3U\n").output, HasSubstr("[variants-missing]"));
 }
 
 TEST(CheckCommand, ShowsTheLineAndACaretInColoursWhenAskedTo) {
-    EXPECT_EQ(velhls({"check", "--color=always"}, rejected).output,
+    EXPECT_EQ(checkByLibrary({"--color=always"}, rejected).output,
               "\x1B[1m<stdin>:2:29:\x1B[0m \x1B[1;31merror:\x1B[0m EXT-X-STREAM-INF: BANDWIDTH: expected a "
               "BANDWIDTH above 0, seen \"0\" [variant-bandwidth-zero]\n"
               "    #EXT-X-STREAM-INF:BANDWIDTH=\x1B[1;31m0\x1B[0m\n"
-              "                                \x1B[1;32m^\x1B[0m\n");
+              "                                \x1B[1;32m^\x1B[0m\n"
+              "<stdin>:2:29: rejected: EXT-X-STREAM-INF: BANDWIDTH: expected a BANDWIDTH above 0, seen \"0\" "
+              "[variant-bandwidth-zero]\n"
+              "1 file checked: 1 error, 1 note not shown, 1 rejected\n");
 }
 
 TEST(CheckCommand, CutsLongLinesAroundThePlace) {
     const std::string playlist =
         lines({"#EXTM3U", "#EXT-X-STREAM-INF:CODECS=\"" + std::string(300, 'x') + "\",BANDWIDTH=0", "a"});
-    const std::string output = velhls({"check", "--color=always"}, playlist).output;
+    const std::string output = checkByLibrary({"--color=always"}, playlist).output;
     EXPECT_THAT(output, HasSubstr("    ..." + std::string(48, 'x') + "\",BANDWIDTH=\x1B[1;31m0"));
 }
 
 TEST(CheckCommand, KeepsColoursAndControlCharactersFromFiles) {
     const std::string playlist = lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=\x1B[2J", "a.m3u8"});
-    const Outcome outcome = velhls({"check"}, playlist);
+    const Outcome outcome = checkByLibrary({}, playlist);
     EXPECT_THAT(outcome.output, HasSubstr("seen \"\\x1B[2J\""));
     EXPECT_EQ(outcome.output.find('\x1B'), std::string::npos);
 }
@@ -154,9 +237,10 @@ TEST(CheckCommand, TellsHowManyFindingsOfARuleAreNotListed) {
     std::string playlist = clean;
     for (int count = 0; count < 130; ++count)
         playlist += "#EXT-X-UNKNOWN:1\n";
-    const std::string output = velhls({"check"}, playlist).output;
-    EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 101);
-    EXPECT_THAT(output, HasSubstr("<stdin>: note: 30 more of [tag-ignored] are not listed\n"));
+    const std::string output = checkByLibrary({}, playlist).output;
+    EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 102);
+    EXPECT_THAT(output, testing::EndsWith("<stdin>: note: 30 more of [tag-ignored] are not listed\n"
+                                          "1 file checked: 130 warnings\n"));
 }
 
 TEST(CheckCommand, FindsInEachExampleWhatIsExpected) {
@@ -168,10 +252,12 @@ TEST(CheckCommand, FindsInEachExampleWhatIsExpected) {
     for (const std::filesystem::path& example : examples) {
         std::filesystem::path expected = example;
         expected.replace_extension(".expected");
-        const std::string findings = velhls({"check", "--severity=note", example.string()}).output;
+        const std::string findings = checkByLibrary({"--severity=note", example.string()}).output;
         const std::string folder = example.parent_path().string() + "/";
         std::string relative;
-        for (std::size_t start = 0; start < findings.size();) {
+        // The last line counts them.
+        const std::size_t summary = findings.rfind('\n', findings.size() - 2) + 1;
+        for (std::size_t start = 0; start < summary;) {
             const std::size_t end = findings.find('\n', start) + 1;
             EXPECT_EQ(findings.compare(start, folder.size(), folder), 0);
             relative += findings.substr(start + folder.size(), end - start - folder.size());
@@ -179,12 +265,6 @@ TEST(CheckCommand, FindsInEachExampleWhatIsExpected) {
         }
         EXPECT_EQ(relative, contentOf(expected.string())) << example;
     }
-}
-
-TEST(ExplainCommand, ShowsThePageOfARule) {
-    const Outcome outcome = velhls({"explain", "variant-bandwidth-zero"});
-    EXPECT_EQ(outcome.exitStatus, 0);
-    EXPECT_EQ(outcome.output, contentOf(VELHLS_SOURCE "/docs/rules/variant-bandwidth-zero.md"));
 }
 
 TEST(RenderCommand, SaysOncePerRuleWhatTheCleanTextNoLongerHolds) {

@@ -95,10 +95,36 @@ TEST(EditCommand, AppendsAQueryToUrisThatAreFetchedByHttp) {
         EXPECT_EQ(edited({"--append-query", "t=1&u"}, "#EXT-X-KEY:URI=\"" + uri + "\""),
                   "#EXT-X-KEY:URI=\"" + expected + "\"");
     }
-    const Outcome refused = edit({"--append-query", "t=\"1\""}, "#EXTM3U\n#EXT-X-MAP:URI=\"a\"\n");
-    EXPECT_EQ(refused.exitStatus, 1);
-    EXPECT_EQ(refused.errors, "<stdin>:2: error: \"a\": a URI in quotes holds no quote\n");
-    EXPECT_EQ(refused.output, "");
+    EXPECT_EQ(edited({"--append-query", "t={$token}&exp=1~acl=/*~hmac=%2F"}, "a.ts\n"),
+              "a.ts?t={$token}&exp=1~acl=/*~hmac=%2F\n");
+}
+
+TEST(EditCommand, RefusesAQueryThatIsNone) {
+    for (const std::string query :
+         {"t=\"1\"", "a b", "t#f", "t=1\n", "?t=1", "&t=1", "t=<1>", "t=\xC3\xA4"}) {
+        const Outcome refused = edit({"--append-query", query}, "#EXTM3U\na.ts\n");
+        EXPECT_EQ(refused.exitStatus, 2) << query;
+        EXPECT_THAT(refused.errors, HasSubstr("--append-query: expected a query as RFC 3986 writes it"));
+        EXPECT_EQ(refused.output, "");
+    }
+}
+
+TEST(EditCommand, RefusesWhatIsNoPlaylist) {
+    const std::string littleEndian = "\xFF\xFE#\0E\0X\0T\0M\0003\0U\0\n\0a\0.\0t\0s\0\n\0"s;
+    const std::string bigEndian = "\0#\0E\0X\0T\0M\0003\0U\0\n\0a\0.\0t\0s\0\n"s;
+    for (const std::string& text : {littleEndian, bigEndian, std::string("\x1F\x8B\x08 compressed"),
+                                    std::string("\r\n <html>\n404\n")}) {
+        const Outcome refused = edit({"--append-query", "t=1"}, text);
+        EXPECT_EQ(refused.exitStatus, 1) << text;
+        EXPECT_EQ(refused.errors,
+                  "<stdin>: error: cannot be edited: no playlist (velhls check says what it is)\n");
+        EXPECT_EQ(refused.output, "");
+    }
+    EXPECT_EQ(edit({"--insert-before", "1", "#EXTM3U"}, littleEndian).exitStatus, 1);
+    EXPECT_EQ(edited({}, littleEndian), littleEndian);
+    EXPECT_EQ(edited({"--append-query", "t=1"}, ""), "");
+    EXPECT_EQ(edited({"--append-query", "t=1"}, "a.ts\n<b>.ts\n"), "a.ts?t=1\n<b>.ts?t=1\n");
+    EXPECT_EQ(edited({"--append-query", "t=1"}, "<\n#EXTINF:6,\na.ts\n"), "<?t=1\n#EXTINF:6,\na.ts?t=1\n");
 }
 
 #ifdef VELHLS_HAS_URIPARSER
@@ -262,7 +288,7 @@ TEST(EditCommand, ReplacesAFileInPlaceOnlyWhenSomethingChanges) {
 
     EXPECT_EQ(edit({path, "--apply", "--set", "EXT-X-MAP:URI=a\"b", "--remove", "EXTM3U"}).exitStatus, 0);
     const std::string before = contentOf(path);
-    EXPECT_EQ(edit({path, "--apply", "--append-query", "\n"}).exitStatus, 1);
+    EXPECT_EQ(edit({path, "--apply", "--append-query", "\n"}).exitStatus, 2);
     EXPECT_EQ(contentOf(path), before);
     EXPECT_EQ(edit({path, "--apply", "-o", folder.file("other")}).exitStatus, 2);
     EXPECT_EQ(edit({folder.file("missing"), "--apply"}).exitStatus, 2);

@@ -35,14 +35,23 @@ def validator(name):
 
 
 def check_findings():
-    status, report = output("check", "--format=json", "--severity=note", *findings, "no such file")
+    status, report = output("check", "--profile=library", "--format=json", "--severity=note", *findings, "no such file")
     assert status == 2, status
-    validator("check-1.schema.json").validate(report)
+    validator("check-2.schema.json").validate(report)
     assert len(report["files"]) == len(findings) + 1
     assert "failure" in report["files"][-1]
     for file in report["files"][:-1]:
         rules = [finding["rule"] for finding in file["findings"]]
         assert os.path.basename(file["path"])[: -len(".m3u8")] in rules, file["path"]
+
+
+def check_lines():
+    """Each line is a member of "files"."""
+    files = [*findings, "no such file"]
+    arguments = ("check", "--profile=library", "--severity=note")
+    whole = output(*arguments, "--format=json", *files)[1]
+    lines = subprocess.run([command, *arguments, "--format=jsonl", *files], capture_output=True, check=False).stdout
+    assert [json.loads(line) for line in lines.decode("utf-8").splitlines()] == whole["files"]
 
 
 def check_comparisons():
@@ -98,7 +107,7 @@ def check_large_numbers():
 
 
 def check_sarif():
-    status, log = output("check", "--format=sarif", "--severity=note", *findings, "no such file")
+    status, log = output("check", "--profile=library", "--format=sarif", "--severity=note", *findings, "no such file")
     assert log["version"] == "2.1.0"
     assert log["$schema"].endswith("sarif-schema-2.1.0.json")
     (run,) = log["runs"]
@@ -106,7 +115,10 @@ def check_sarif():
     assert driver["name"] == "velhls" and driver["version"]
     assert run["invocations"][0]["exitCode"] == status == 2
     assert run["invocations"][0]["executionSuccessful"] is False
-    assert run["invocations"][0]["toolExecutionNotifications"][0]["message"]["text"]
+    notifications = run["invocations"][0]["toolExecutionNotifications"]
+    assert any(notification["level"] == "error" for notification in notifications)
+    assert any(notification["message"]["text"].startswith("rejected: ") for notification in notifications)
+    assert all(notification["message"]["text"] for notification in notifications)
     ids = [rule["id"] for rule in driver["rules"]]
     assert len(set(ids)) == len(ids)
     for rule in driver["rules"]:
@@ -114,6 +126,9 @@ def check_sarif():
         assert rule["defaultConfiguration"]["level"] in ("error", "warning", "note")
         assert rule["properties"]["source"]
     assert run["results"]
+    places = [(result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"], result["ruleId"],
+               result["partialFingerprints"]["ruleAndLine/v1"]) for result in run["results"]]
+    assert len(set(places)) == len(places)
     for result in run["results"]:
         assert ids[result["ruleIndex"]] == result["ruleId"]
         assert result["level"] in ("error", "warning", "note") and result["message"]["text"]
@@ -124,9 +139,29 @@ def check_sarif():
         assert region["endLine"] == region["startLine"] and region["endColumn"] >= region["startColumn"]
 
 
+def check_clauses():
+    """The rules of a standard lead to its clauses."""
+    log = output("check", "--format=sarif", "--profile=rfc8216", "--profile=apple", stdin=b"#EXTM3U\n#EXTINF:6,\na.ts\n")[1]
+    rules = log["runs"][0]["tool"]["driver"]["rules"]
+    for rule in rules:
+        assert rule["properties"]["clause"] and rule["properties"]["level"], rule["id"]
+        assert rule["helpUri"].startswith("https://"), rule["id"]
+    helps = {rule["id"]: rule["helpUri"] for rule in rules}
+    assert helps["target-duration-missing"] == "https://www.rfc-editor.org/rfc/rfc8216#section-4.3.3.1"
+    for result in log["runs"][0]["results"]:
+        assert rules[result["ruleIndex"]]["id"] == result["ruleId"]
+        assert result["properties"]["clause"] and result["properties"]["level"]
+    listed = json.loads(subprocess.run([command, "rules", "--format=json", "--profile=rfc8216"], capture_output=True,
+                                       check=True).stdout)
+    assert listed["version"] == 1 and len(listed["rules"]) > 100
+    assert all(rule["profiles"] == ["rfc8216"] for rule in listed["rules"])
+
+
 check_findings()
 check_comparisons()
 check_models()
 check_large_numbers()
+check_lines()
 check_sarif()
+check_clauses()
 print("all output is valid")

@@ -988,7 +988,7 @@ TEST(VELHLSPlaylistWriterMaster, RefusesOtherRecordsThatWouldBreakALine) {
             rendition->groupId = "g";
             rendition->name = "n";
             change(*rendition);
-            manifest.renditions[rendition->type]["g"]["n"] = rendition;
+            manifest.renditions[rendition->type][rendition->groupId][rendition->name] = rendition;
         });
     };
     using Rendition = VELHLSMediaStreamRendition;
@@ -1009,13 +1009,26 @@ TEST(VELHLSPlaylistWriterMaster, RefusesOtherRecordsThatWouldBreakALine) {
                   rendition.characteristics = {"a", "b\""};
               }),
               refused + "CHARACTERISTICS holds a quote");
-    EXPECT_EQ(withRendition([](Rendition& rendition) { rendition.name = ""; }),
-              refused + "it does not validate");
+    EXPECT_EQ(withRendition([](Rendition& rendition) { rendition.name = ""; }), refused + "it has no NAME");
+    EXPECT_EQ(withRendition([](Rendition& rendition) { rendition.groupId = ""; }),
+              refused + "it has no GROUP-ID");
     EXPECT_EQ(withRendition(
                   [](Rendition& rendition) { rendition.type = static_cast<Rendition::RenditionType>(9); }),
-              refused + "it does not validate");
+              refused + "it has no TYPE");
+    EXPECT_EQ(withRendition([](Rendition& rendition) { rendition.type = Rendition::ClosedCaptions; }),
+              refused + "it is of closed captions, and has no INSTREAM-ID");
+    EXPECT_EQ(withRendition([](Rendition& rendition) {
+                  rendition.type = Rendition::ClosedCaptions;
+                  rendition.instreamId = "CC1";
+                  rendition.uri = "cc.m3u8";
+              }),
+              refused + "it is of closed captions, and has a URI");
+    EXPECT_EQ(withRendition([](Rendition& rendition) { rendition.instreamId = "CC1"; }),
+              refused + "it has an INSTREAM-ID, and is not of closed captions");
+    EXPECT_EQ(withRendition([](Rendition& rendition) { rendition.forced = true; }),
+              refused + "it has FORCED=YES, and is not of subtitles");
     EXPECT_EQ(withRendition([](Rendition& rendition) { rendition.isDefault = true; }),
-              refused + "it does not validate");
+              refused + "it has DEFAULT=YES without AUTOSELECT=YES");
 
     const auto withData = [](const VELHLSManifestSessionData& entry) {
         return masterWith([&entry](VELHLSParsedManifest& manifest) {
@@ -1023,7 +1036,9 @@ TEST(VELHLSPlaylistWriterMaster, RefusesOtherRecordsThatWouldBreakALine) {
         });
     };
     const std::string refusedData = "refused: session data 1: ";
-    EXPECT_EQ(withData({"", "v", "", ""}), refusedData + "it does not validate");
+    EXPECT_EQ(withData({"", "v", "", ""}), refusedData + "it has no DATA-ID");
+    EXPECT_EQ(withData({"a", "", "", ""}), refusedData + "it has neither VALUE nor URI");
+    EXPECT_EQ(withData({"a", "v", "u", ""}), refusedData + "it has both VALUE and URI");
     EXPECT_EQ(withData({"a\"", "v", "", ""}), refusedData + "DATA-ID holds a quote");
     EXPECT_EQ(withData({"a", "v\n", "", ""}), refusedData + "VALUE holds a line end");
     EXPECT_EQ(withData({"a", "", "u\"", ""}), refusedData + "URI holds a quote");
@@ -1036,14 +1051,105 @@ TEST(VELHLSPlaylistWriterMaster, RefusesOtherRecordsThatWouldBreakALine) {
     EXPECT_EQ(withKey(keyOf(VELHLSProtectionData::AES128, "")), "refused: session key 1: it has no URI");
 }
 
-TEST(VELHLSPlaylistWriterMaster, RefusesAManifestThatDoesNotValidate) {
-    EXPECT_EQ(written(VELHLSParsedManifest()), "refused: the manifest does not validate");
+TEST(VELHLSPlaylistWriterMaster, NamesTheRecordAndTheRuleOfAManifestThatDoesNotValidate) {
+    using Rendition = VELHLSMediaStreamRendition;
+    const auto addAudio = [](VELHLSParsedManifest& manifest, const char* groupId, const char* name,
+                             bool isDefault) {
+        const auto rendition = std::make_shared<Rendition>();
+        rendition->type = Rendition::Audio;
+        rendition->groupId = groupId;
+        rendition->name = name;
+        rendition->isDefault = rendition->autoSelect = isDefault;
+        manifest.renditions[rendition->type][groupId][name] = rendition;
+    };
+    EXPECT_EQ(written(VELHLSParsedManifest()),
+              "refused: expected at least one EXT-X-STREAM-INF or EXT-X-I-FRAME-STREAM-INF, seen none "
+              "[variants-missing]");
+    EXPECT_EQ(
+        masterWith([](VELHLSParsedManifest& manifest) {
+            const auto second = std::make_shared<VELHLSMediaVariant>(*manifest.streamVariants[0]);
+            second->groupIds[Rendition::Audio] = "mp3";
+            manifest.streamVariants.push_back(second);
+            manifest.variants.emplace(second->bandwidth, second);
+        }),
+        "refused: variant 2: EXT-X-STREAM-INF: AUDIO: expected the GROUP-ID of an EXT-X-MEDIA tag of this "
+        "type, seen \"mp3\" [group-missing]");
     EXPECT_EQ(masterWith([](VELHLSParsedManifest& manifest) {
-                  manifest.streamVariants[0]->groupIds[VELHLSMediaStreamRendition::Audio] = "none";
+                  const auto variant = std::make_shared<VELHLSMediaVariant>();
+                  variant->isIFrame = true;
+                  variant->bandwidth = 1;
+                  variant->uri = "i.m3u8";
+                  variant->groupIds[Rendition::Video] = "v";
+                  manifest.variants.emplace(1, variant);
               }),
-              "refused: the manifest does not validate");
+              "refused: I-frame variant 1: EXT-X-I-FRAME-STREAM-INF: VIDEO: expected the GROUP-ID of an "
+              "EXT-X-MEDIA "
+              "tag of this type, seen \"v\" [group-missing]");
+    EXPECT_EQ(masterWith([&addAudio](VELHLSParsedManifest& manifest) {
+                  addAudio(manifest, "a", "Deutsch", true);
+                  addAudio(manifest, "a", "English", true);
+              }),
+              "refused: rendition 2: EXT-X-MEDIA: DEFAULT: expected one rendition with DEFAULT=YES in a "
+              "group, seen "
+              "\"YES\" [group-default-repeated]");
+    EXPECT_EQ(masterWith([&addAudio](VELHLSParsedManifest& manifest) {
+                  addAudio(manifest, "a", "Deutsch", false);
+                  addAudio(manifest, "a", "English", false);
+                  addAudio(manifest, "b", "Deutsch", false);
+              }),
+              "refused: rendition 3: EXT-X-MEDIA: GROUP-ID: expected a rendition of every NAME that the "
+              "first group of "
+              "the type has, seen no rendition \"English\" [group-rendition-missing]");
+    EXPECT_EQ(masterWith([&addAudio](VELHLSParsedManifest& manifest) {
+                  addAudio(manifest, "a", "Deutsch", false);
+                  addAudio(manifest, "b", "Deutsch", true);
+              }),
+              "refused: rendition 2: EXT-X-MEDIA: NAME: expected the same attributes as in the first group "
+              "of the type, "
+              "seen \"Deutsch\" [group-rendition-different]");
+    const auto entry = std::make_shared<VELHLSManifestSessionData>("com.example.a", "v", "", "");
+    EXPECT_EQ(
+        masterWith([&entry](VELHLSParsedManifest& manifest) {
+            manifest.sessionData = {entry, std::make_shared<VELHLSManifestSessionData>(*entry)};
+        }),
+        "refused: session data 2: EXT-X-SESSION-DATA: DATA-ID: expected a DATA-ID and LANGUAGE that no other "
+        "EXT-X-SESSION-DATA has, seen \"com.example.a\" [session-data-repeated]");
+    EXPECT_EQ(masterWith([](VELHLSParsedManifest& manifest) {
+                  manifest.sessionKeys = {keyOf(VELHLSProtectionData::AES128, "k"),
+                                          keyOf(VELHLSProtectionData::AES128, "k")};
+              }),
+              "refused: session key 2: EXT-X-SESSION-KEY: URI: expected an EXT-X-SESSION-KEY that no other "
+              "one equals, "
+              "seen \"k\" [session-key-repeated]");
+    EXPECT_EQ(masterWith([](VELHLSParsedManifest& manifest) {
+                  manifest.sessionKeys = {keyOf(VELHLSProtectionData::AES128, ""),
+                                          keyOf(VELHLSProtectionData::AES128, "")};
+              }),
+              "refused: session key 2: Two EXT-X-SESSION-KEY tags are the same. [session-key-repeated]");
     EXPECT_EQ(masterWith([](VELHLSParsedManifest& manifest) { manifest.sessionKeys.push_back(nullptr); }),
-              "refused: the manifest does not validate");
+              "refused: the manifest holds a null record");
+}
+
+TEST(VELHLSPlaylistWriterMaster, RefusesRenditionsUnderOtherNamesThanTheirOwn) {
+    using Rendition = VELHLSMediaStreamRendition;
+    const auto under = [](Rendition::RenditionType type, const char* groupId, const char* name) {
+        return masterWith([&](VELHLSParsedManifest& manifest) {
+            const auto rendition = std::make_shared<Rendition>();
+            rendition->type = Rendition::Audio;
+            rendition->groupId = "g";
+            rendition->name = "n";
+            manifest.renditions[type][groupId][name] = rendition;
+        });
+    };
+    const std::string refused = "refused: rendition 1: it ";
+    EXPECT_NE(under(Rendition::Audio, "g", "n").find("GROUP-ID=\"g\",NAME=\"n\""), std::string::npos);
+    EXPECT_EQ(under(Rendition::Video, "g", "n"), refused + "stands under another TYPE than its own");
+    EXPECT_EQ(under(Rendition::Audio, "h", "n"), refused + "stands under another GROUP-ID than its own");
+    EXPECT_EQ(under(Rendition::Audio, "g", "m"), refused + "stands under another NAME than its own");
+    EXPECT_EQ(masterWith([](VELHLSParsedManifest& manifest) {
+                  manifest.renditions[Rendition::Audio]["g"]["n"] = nullptr;
+              }),
+              refused + "is null");
 }
 
 TEST(VELHLSPlaylistWriterMaster, RefusesListsOfVariantsThatDoNotAgree) {

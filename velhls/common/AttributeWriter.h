@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 
 namespace velhls {
 

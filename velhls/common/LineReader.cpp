@@ -66,7 +66,8 @@ std::string_view LineReader::nextOfInput() {
 /// The last line of a text, which has no line feed; or any one, when the lines are told to somebody.
 std::string_view LineReader::nextOfText() {
     if (reading_ != nullptr && reading_->hasEnded()) good_ = false;
-    if (!good_) return "";
+    // What comes after the last line is empty, and stands at its end.
+    if (!good_) return std::string_view(position_, 0);
     const char* const lineEnd = find(position_, textEnd_, lineFeed_);
     good_ = lineEnd != nullptr;
     const char* const end = good_ ? lineEnd : textEnd_;
@@ -114,8 +115,6 @@ void LineReader::getLine() {
 }
 
 std::string_view LineReader::withoutCarriageReturns(std::string_view line) {
-    // What comes after the last line stands nowhere in the area.
-    if (line.empty()) return line;
     const char* const carriageReturn = firstCarriageReturn(line);
     if (carriageReturn == nullptr) return line;
     const auto position = static_cast<std::size_t>(carriageReturn - line.data());

@@ -42,14 +42,14 @@ class LineReader {
     /// The next line as it stands; empty when nothing is left or the stream was not good.
     [[nodiscard]] std::string_view nextRaw() {
         const char* const lineEnd = nextLineFeed();
-        return lineEnd != nullptr ? takeUpTo(lineEnd) : nextOfInput();
+        return lineEnd != nullptr ? readUpTo(lineEnd) : nextOfInput();
     }
 
     /// The same, and removes every carriage return from the line, wherever it stands.
     [[nodiscard]] std::string_view next() {
         const char* const lineEnd = nextLineFeed();
-        if (lineEnd != nullptr && lineEnd <= clearEnd_) return takeUpTo(lineEnd);
-        return withoutCarriageReturns(lineEnd != nullptr ? takeUpTo(lineEnd) : nextOfInput());
+        if (lineEnd != nullptr && lineEnd <= clearEnd_) return readUpTo(lineEnd);
+        return withoutCarriageReturns(lineEnd != nullptr ? readUpTo(lineEnd) : nextOfInput());
     }
 
     /// The keeper is told as long as lines are read.
@@ -74,7 +74,7 @@ class LineReader {
         return static_cast<const char*>(std::memchr(position_, lineFeed_, left));
     }
 
-    [[nodiscard]] std::string_view takeUpTo(const char* lineEnd) {
+    [[nodiscard]] std::string_view readUpTo(const char* lineEnd) {
         const std::string_view line(position_, static_cast<std::size_t>(lineEnd - position_));
         position_ = lineEnd + 1;
         return line;

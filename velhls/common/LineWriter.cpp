@@ -1,6 +1,6 @@
 #include "velhls/common/LineWriter.h"
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TagLine.h"
 
 namespace velhls {
@@ -23,7 +23,7 @@ void writeTag(std::ostream& out, std::string_view tag) {
 
 void writeTag(std::ostream& out, std::string_view tag, std::string_view value) {
     std::string line;
-    appendTag(line, tag);
+    appendTagStart(line, tag);
     line += value;
     writeLine(out, line);
 }

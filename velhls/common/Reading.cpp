@@ -38,13 +38,6 @@ Place wholeLine(std::size_t number, std::string_view line) {
     return {number, 1, withoutTrailing(line, lineEnds).size()};
 }
 
-/// The first line of the text, which is taken off with its line feed.
-std::string_view takeLine(std::string_view& text) {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
-    return line;
-}
-
 /// Whether the line of a body makes one of the expanded text. All vendor tags with a colon are increments, or fail.
 bool isExpanded(std::string_view line) {
     return !isVendorTag(line) || !TagLine(line).hasColon;
@@ -168,7 +161,7 @@ void Reading::expansionBegins(std::string_view body) {
     std::string_view rest = body;
     for (const NumberedLine& line : linesOfRecord()) {
         std::string_view after = rest;
-        const std::string_view bodyLine = takeLine(after);
+        const std::string_view bodyLine = nextLine(after);
         if (rest.empty() || (line.line != bodyLine && cleaned(line.line) != bodyLine)) continue;
         rest = after;
         bodyLines_.push_back(line);
@@ -205,7 +198,7 @@ std::vector<Reading::NumberedLine> Reading::linesOfTextSince(const NumberedLine&
     const char* const end = line_.line.data() + line_.line.size();
     std::string_view rest(start.line.data(), static_cast<std::size_t>(end - start.line.data()));
     for (std::size_t number = start.number; number <= line_.number; ++number)
-        lines.push_back({takeLine(rest), number});
+        lines.push_back({nextLine(rest), number});
     return lines;
 }
 

@@ -51,13 +51,10 @@ std::string messageOf(std::string_view line, const Place& place, std::string_vie
 }
 
 std::string_view lineOf(std::string_view text, std::size_t number) {
-    std::string_view rest = text;
-    for (std::size_t before = 1; before < number; ++before) {
-        const std::size_t feed = rest.find('\n');
-        if (feed == std::string_view::npos) break;
-        rest.remove_prefix(feed + 1);
-    }
-    return rest.substr(0, rest.find('\n'));
+    std::string_view line = nextLine(text);
+    for (std::size_t current = 1; current < number && !text.empty(); ++current)
+        line = nextLine(text);
+    return line;
 }
 
 VELHLSReason reasonOf(std::string_view text, const Rejection& rejection) {

@@ -10,7 +10,7 @@
 #include "velhls/common/AttributeWriter.h"
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
 

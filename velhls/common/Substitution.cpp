@@ -52,16 +52,16 @@ class Substituter {
     std::optional<char> readOutsideReference() {
         while (!sources_.empty() && sources_.back().rest.empty())
             closeSource(true);
-        return takeCharacter();
+        return readCharacter();
     }
 
     std::optional<char> readInsideReference() {
         while (!sources_.empty() && sources_.back().rest.empty())
             closeSource(false);
-        return takeCharacter();
+        return readCharacter();
     }
 
-    std::optional<char> takeCharacter() {
+    std::optional<char> readCharacter() {
         if (sources_.empty()) return std::nullopt;
         const char character = sources_.back().rest.front();
         sources_.back().rest.remove_prefix(1);

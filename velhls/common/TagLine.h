@@ -51,17 +51,17 @@ struct TagLine {
 }
 
 /// What a value follows: "#", the tag's name and ":".
-inline void appendTag(std::string& out, std::string_view tag) {
+inline void appendTagStart(std::string& out, std::string_view tag) {
     out += '#';
     out += tag;
     out += ':';
 }
 
-/// The same, put to where there is room for it. Returns the place after it.
-[[nodiscard]] inline char* putTag(char* to, std::string_view tag) {
-    to = put(to, '#');
-    to = put(to, tag);
-    return put(to, ':');
+/// The same, written to where there is room for it. Returns the place after it.
+[[nodiscard]] inline char* writeTagStart(char* to, std::string_view tag) {
+    to = writeText(to, '#');
+    to = writeText(to, tag);
+    return writeText(to, ':');
 }
 
 }  // namespace velhls

@@ -10,12 +10,12 @@
 namespace velhls {
 
 /// Copies a piece of text and returns the place after it. There must be room.
-inline char* put(char* to, std::string_view piece) {
+inline char* writeText(char* to, std::string_view piece) {
     std::memcpy(to, piece.data(), piece.size());
     return to + piece.size();
 }
 
-inline char* put(char* to, char character) {
+inline char* writeText(char* to, char character) {
     *to = character;
     return to + 1;
 }
@@ -30,7 +30,7 @@ class TextBuffer {
         return text_.get() + size_;
     }
 
-    /// What was put into the room ends here.
+    /// What was written into the room ends here.
     void endAt(const char* end) { size_ = static_cast<std::size_t>(end - text_.get()); }
 
     [[nodiscard]] std::string_view text() const { return {text_.get(), size_}; }

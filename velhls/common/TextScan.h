@@ -68,6 +68,14 @@ inline constexpr CharacterSet referenceStarts("{$");
     return true;
 }
 
+/// The first line of a text, which is taken off it together with its line feed. LineReader does the same for whole
+/// playlists, and VELHLSDocument knows where all lines begin.
+[[nodiscard]] inline std::string_view nextLine(std::string_view& text) {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(line.size() < text.size() ? line.size() + 1 : line.size());
+    return line;
+}
+
 [[nodiscard]] constexpr bool isBlank(std::string_view text) {
     return holdsOnly(text, blanks);
 }

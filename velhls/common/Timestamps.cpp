@@ -8,7 +8,8 @@
 #include <optional>
 
 #include "velhls/common/CivilTime.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/TextScan.h"
 
@@ -104,13 +105,13 @@ void appendPadded(std::string& out, std::int64_t number, std::size_t width) {
 }
 
 /// "10:00:05.250+00:00"
-char* putTime(char* to, std::int64_t secondOfDay, double secondOfMinute) {
-    to = putTwoDigits(to, static_cast<std::uint32_t>(secondOfDay / 3600));
-    to = put(to, ':');
-    to = putTwoDigits(to, static_cast<std::uint32_t>(secondOfDay % 3600 / 60));
-    to = put(to, ':');
-    to = putFixed(to, secondOfMinute, 3);
-    return put(to, std::string_view("+00:00"));
+char* writeTime(char* to, std::int64_t secondOfDay, double secondOfMinute) {
+    to = writeTwoDigits(to, static_cast<std::uint32_t>(secondOfDay / 3600));
+    to = writeText(to, ':');
+    to = writeTwoDigits(to, static_cast<std::uint32_t>(secondOfDay % 3600 / 60));
+    to = writeText(to, ':');
+    to = writeFixed(to, secondOfMinute, 3);
+    return writeText(to, std::string_view("+00:00"));
 }
 
 constexpr std::size_t usualDateLength = std::string_view("2026-11-21T").size();
@@ -226,7 +227,7 @@ bool TimestampReader::readDay(std::string_view day) {
     return true;
 }
 
-char* TimestampWriter::put(char* to, double seconds) {
+char* TimestampWriter::write(char* to, double seconds) {
     const std::int64_t whole = limitedToCalendar(truncated(seconds));
     const double fraction = seconds - static_cast<double>(whole);
     // The difference is no fraction where the time was not a number or beyond what the calendar holds.
@@ -240,12 +241,12 @@ char* TimestampWriter::put(char* to, double seconds) {
     const double secondOfMinute = (hasFraction ? fraction : 0.0) + static_cast<double>(secondOfDay % 60);
     // The text of a year of four digits is never longer than there is room for.
     if (date_.size() == usualDateLength) {
-        return putTime(velhls::put(to, firstOf(date_, usualDateLength)), secondOfDay, secondOfMinute);
+        return writeTime(writeText(to, firstOf(date_, usualDateLength)), secondOfDay, secondOfMinute);
     }
     std::array<char, mostFixedBytes + 64> text;
-    const char* const end = putTime(velhls::put(text.data(), date_), secondOfDay, secondOfMinute);
+    const char* const end = writeTime(writeText(text.data(), date_), secondOfDay, secondOfMinute);
     const auto length = static_cast<std::size_t>(end - text.data());
-    return velhls::put(to, std::string_view(text.data(), std::min(length, mostTimestampBytes)));
+    return writeText(to, std::string_view(text.data(), std::min(length, mostTimestampBytes)));
 }
 
 }  // namespace velhls

@@ -38,8 +38,8 @@ inline constexpr std::size_t mostTimestampBytes = 31;
 /// kept. See VELHLSUtility::renderTimestamp.
 class TimestampWriter {
   public:
-    /// Puts the text to where there is room for `mostTimestampBytes`, and returns the place after it.
-    [[nodiscard]] char* put(char* to, double seconds);
+    /// Writes the text to where there is room for `mostTimestampBytes`, and returns the place after it.
+    [[nodiscard]] char* write(char* to, double seconds);
 
   private:
     /// The first second of the day that `date_` tells.

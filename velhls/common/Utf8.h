@@ -1,4 +1,5 @@
-// Internal to the library, not installed: the characters of UTF-8 (RFC 3629).
+// Internal to the libraries, not installed: the characters of UTF-8 (RFC 3629), in the one place for both of them. The
+// command, which uses public headers alone, has its own.
 #pragma once
 
 #include <cstddef>

@@ -19,6 +19,9 @@
 /// fault; for a playlist that ends inside a segment in the segment's first line, or in its last line when that is a URI
 /// without a line feed; for a rule that binds the records of a master playlist to each other in the line of the record
 /// that breaks it.
+///
+/// The parse of one record alone, of a variant or a segment for instance, has no place for a reason. To learn it parse a
+/// playlist that holds the record's lines, as a text.
 struct VELHLSReason {
     /// The stable name of the rule that was broken; docs/rules has a page of that name.
     std::string ruleId;

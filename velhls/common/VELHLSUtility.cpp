@@ -61,6 +61,6 @@ double VELHLSUtility::parseTimestamp(const std::string& text) {
 
 void VELHLSUtility::renderTimestamp(double seconds, std::string& out) {
     std::array<char, velhls::mostTimestampBytes> text;
-    char* const end = velhls::TimestampWriter().put(text.data(), seconds);
+    char* const end = velhls::TimestampWriter().write(text.data(), seconds);
     out.append(text.data(), end);
 }

@@ -23,7 +23,7 @@ using Room = std::array<char, 4096>;
 
 /// What the stream buffer has at hand; nothing at the end. Only looking for the first character asks it for more, so
 /// that nothing is lost when that throws.
-std::string_view takePiece(std::streambuf& buffer, Room& room) {
+std::string_view readPiece(std::streambuf& buffer, Room& room) {
     using Traits = std::streambuf::traits_type;
     if (Traits::eq_int_type(buffer.sgetc(), Traits::eof())) return {};
     const auto size = static_cast<std::streamsize>(room.size());
@@ -31,9 +31,9 @@ std::string_view takePiece(std::streambuf& buffer, Room& room) {
     return {room.data(), static_cast<std::size_t>(buffer.sgetn(room.data(), atHand))};
 }
 
-std::string_view takePiece(std::istream& input, Room& room) {
+std::string_view readPiece(std::istream& input, Room& room) {
     try {
-        return takePiece(*input.rdbuf(), room);
+        return readPiece(*input.rdbuf(), room);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {
@@ -50,7 +50,7 @@ std::string readAll(std::istream& input) {
     std::string text;
     if (input.rdbuf() == nullptr) return text;
     Room room;
-    for (auto piece = takePiece(input, room); !piece.empty(); piece = takePiece(input, room))
+    for (auto piece = readPiece(input, room); !piece.empty(); piece = readPiece(input, room))
         text += piece;
     return text;
 }

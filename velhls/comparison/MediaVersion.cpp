@@ -30,7 +30,7 @@ bool operator<(const SegmentKey& left, const SegmentKey& right) {
 }
 
 MediaVersion::MediaVersion(const VELHLSDocument& document)
-    : structure_(document), playlist_(structure_, StandardProfile::rfc8216) {
+    : structure_(document), playlist_(structure_, document.kind(), StandardProfile::rfc8216) {
     for (const VELHLSLine line : document.lines())
         playlist_.add(line);
     lastLines_.reserve(segmentCount());

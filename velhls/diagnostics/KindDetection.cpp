@@ -4,36 +4,13 @@
 #include <cstddef>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/TagLine.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/document/VELHLSTagDefinition.h"
+#include "velhls/standard/TextCharacters.h"
 
 namespace velhls {
 namespace {
-
-/// Takes one line after another from the front of a text.
-class LineCutter {
-  public:
-    explicit LineCutter(std::string_view text) : rest_(text) {}
-
-    [[nodiscard]] bool ended() const { return rest_.empty(); }
-
-    /// The next line without its line end.
-    std::string_view next() {
-        ++number_;
-        const std::size_t feed = rest_.find('\n');
-        const std::string_view line = rest_.substr(0, feed);
-        rest_.remove_prefix(feed == std::string_view::npos ? rest_.size() : feed + 1);
-        return withoutTrailing(line, lineEnds);
-    }
-
-    /// The number of the line that was taken last.
-    [[nodiscard]] std::size_t number() const { return number_; }
-
-  private:
-    std::string_view rest_;
-    std::size_t number_ = 0;
-};
 
 /// A duration below 0, or attributes after the duration: what IPTV lists write, and no media playlist.
 bool isIptvDuration(std::string_view value) {
@@ -42,26 +19,34 @@ bool isIptvDuration(std::string_view value) {
     return startsWith(trimmed, "-") || trimmed.find('=') != std::string_view::npos;
 }
 
-bool isIptvTag(const TagLine& tagLine) {
-    if (tagLine.name == "EXTGRP" || tagLine.name == "EXTVLCOPT" || tagLine.name == "KODIPROP") return true;
-    return tagLine.name == tag::extInf && isIptvDuration(tagLine.value);
+bool isIptvTag(const VELHLSLine& line) {
+    if (line.name == "EXTGRP" || line.name == "EXTVLCOPT" || line.name == "KODIPROP") return true;
+    return line.name == tag::extInf && isIptvDuration(line.value);
 }
 
 /// IPTV lists use the header and EXTINF of the older format that playlists come from, and none of its
 /// extensions for streaming.
-bool isIptvList(std::string_view text) {
+bool isIptvList(const VELHLSDocument& document) {
     bool isIptv = false;
-    for (LineCutter lines(text); !lines.ended();) {
-        const std::string_view line = lines.next();
-        if (startsWith(line, "#EXT-X-") || startsWith(line, "#ZOR-")) return false;
-        if (isTagOrComment(line)) isIptv = isIptv || isIptvTag(TagLine(line));
+    for (const VELHLSLine line : document.lines()) {
+        if (startsWith(line.name, "EXT-X-") || startsWith(line.name, "ZOR-")) return false;
+        isIptv = isIptv || isIptvTag(line);
     }
     return isIptv;
 }
 
-VELHLSDiagnostics::Detection detection(VELHLSDiagnostics::PlaylistKind kind, std::string_view tagName,
-                                       std::size_t line) {
-    return {kind, std::string(tagName), line};
+/// The first line with a tag that speaks for the kind: of variants or segments, or else of that kind alone.
+VELHLSLine decidingLine(const VELHLSDocument& document, VELHLSDocument::Kind kind) {
+    const bool isMaster = kind == VELHLSDocument::Master;
+    const auto playlist = isMaster ? VELHLSTagDefinition::Master : VELHLSTagDefinition::Media;
+    std::optional<VELHLSLine> first;
+    for (const VELHLSLine line : document.lines()) {
+        if (line.definition == nullptr) continue;
+        const bool isOfRecord = isMaster ? hasUse<ofVariant>(line.name) : line.name == tag::extInf;
+        if (isOfRecord) return line;
+        if (!first && line.definition->playlist == playlist) first = line;
+    }
+    return *first;
 }
 
 bool startsWithAnyCase(std::string_view text, std::string_view start) {
@@ -78,37 +63,32 @@ bool looksBinary(std::string_view text) {
     return start.find('\0') != std::string_view::npos;
 }
 
-/// A byte order mark of UTF-16, or the start of a header in it.
-bool isUtf16(std::string_view text) {
-    constexpr std::string_view littleEndianHeader("#\0E\0X\0T\0", 8);
-    constexpr std::string_view bigEndianHeader("\0#\0E\0X\0T", 8);
-    return startsWith(text, "\xFF\xFE") || startsWith(text, "\xFE\xFF") ||
-           startsWith(text, littleEndianHeader) || startsWith(text, bigEndianHeader);
-}
-
 }  // namespace
 
+VELHLSDiagnostics::PlaylistKind kindOf(const VELHLSDocument& document) {
+    if (document.kind() == VELHLSDocument::Master) return VELHLSDiagnostics::Master;
+    const bool isMedia = document.kind() == VELHLSDocument::Media && !isIptvList(document);
+    return isMedia ? VELHLSDiagnostics::Media : VELHLSDiagnostics::Detect;
+}
+
 std::optional<VELHLSDiagnostics::Detection> detectKind(std::string_view text) {
-    std::optional<VELHLSDiagnostics::Detection> first;
-    for (LineCutter lines(text); !lines.ended();) {
-        const std::string_view line = lines.next();
-        if (!isTagOrComment(line)) continue;
-        const std::string_view name = TagLine(line).name;
-        if (hasUse<ofVariant>(name)) return detection(VELHLSDiagnostics::Master, name, lines.number());
-        if (first) continue;
-        if (hasUse<ofMasterPlaylist>(name))
-            first = detection(VELHLSDiagnostics::Master, name, lines.number());
-        if (hasUse<ofMediaPlaylist>(name)) first = detection(VELHLSDiagnostics::Media, name, lines.number());
-    }
-    if (first && first->tag == tag::extInf && isIptvList(text)) return std::nullopt;
-    return first;
+    const VELHLSDocument document{std::string(text)};
+    const VELHLSDiagnostics::PlaylistKind kind = kindOf(document);
+    if (kind == VELHLSDiagnostics::Detect) return std::nullopt;
+    const VELHLSLine line = decidingLine(document, document.kind());
+    return VELHLSDiagnostics::Detection{kind, std::string(line.name), line.number};
+}
+
+bool isNoPlaylist(const VELHLSDocument& document) {
+    if (isUtf16(document.text())) return false;
+    return document.kind() != VELHLSDocument::Neither || document.linesNamed(tag::extM3U).empty();
 }
 
 std::string describeNoPlaylist(std::string_view text) {
     if (text.empty()) return "an empty text";
     if (startsWith(text, "\x1F\x8B")) return "data compressed with gzip (gzip -dc unpacks it)";
     if (isUtf16(text)) return "text in UTF-16 (iconv -f UTF-16 -t UTF-8 converts it)";
-    if (isIptvList(text)) return "an IPTV list";
+    if (isIptvList(VELHLSDocument(std::string(text)))) return "an IPTV list";
     if (looksBinary(text)) return "binary data";
     const std::size_t start = text.find_first_not_of(" \t\r\n");
     const std::string_view content = text.substr(std::min(start, text.size()));

@@ -284,11 +284,14 @@ void StandardRules::checkDefault(const LossLine& line, const Attribute& attribut
 
 void StandardRules::needVersionForAttribute(const LossLine& line, const Attribute& attribute,
                                             std::string_view name) {
-    const Place place = placeOf(line, attribute.name);
-    if (name == attribute::iv) needVersion(2, name, place);
-    if (name == attribute::keyFormat || name == attribute::keyFormatVersions) needVersion(5, name, place);
+    // The place is worked out for those alone: in a line with carriage returns it takes a walk over the line.
+    const auto need = [&](int version, std::string_view feature) {
+        needVersion(version, feature, placeOf(line, attribute.name));
+    };
+    if (name == attribute::iv) need(2, name);
+    if (name == attribute::keyFormat || name == attribute::keyFormatVersions) need(5, name);
     const bool isService = name == attribute::instreamId && isServiceId(attribute.value);
-    if (isService) needVersion(7, "INSTREAM-ID of a SERVICE", place);
+    if (isService) need(7, "INSTREAM-ID of a SERVICE");
 }
 
 void StandardRules::checkDuration(const LossLine& line) {

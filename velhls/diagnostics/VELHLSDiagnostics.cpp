@@ -1,13 +1,20 @@
 #include "velhls/diagnostics/VELHLSDiagnostics.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
+#include <iterator>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/Readers.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/WholeText.h"
@@ -19,6 +26,8 @@
 #include "velhls/losses/ReadLines.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 #include "velhls/media/VELHLSMediaStream.h"
+#include "velhls/presentation/VELHLSPresentation.h"
+#include "velhls/standard/CheckStandard.h"
 
 namespace {
 
@@ -27,9 +36,33 @@ using velhls::ReadLines;
 using velhls::RecordLines;
 using velhls::Rule;
 
-constexpr VELHLSRule notAPlaylist = {
-    "not-a-playlist",  VELHLSFinding::Error,    "The text is no HLS playlist at all.",
-    "an HLS playlist", "RFC 8216, section 4.1", false};
+using Profile = VELHLSDiagnostics::Profile;
+
+constexpr std::array<std::string_view, 4> profileNames = {"rfc8216", "rfc8216bis", "apple", "library"};
+
+bool isStandard(Profile profile) {
+    return profile != Profile::library;
+}
+
+VELHLSStandard::Profile standardOf(Profile profile) {
+    if (profile == Profile::apple) return VELHLSStandard::Profile::apple;
+    return profile == Profile::rfc8216 ? VELHLSStandard::Profile::rfc8216
+                                       : VELHLSStandard::Profile::rfc8216bis;
+}
+
+/// What is said of a text that is no playlist by whatever profile is asked for.
+VELHLSRule notAPlaylist(Profile profile) {
+    VELHLSRule rule = {"not-a-playlist",  VELHLSFinding::Error,    "The text is no HLS playlist at all.",
+                       "an HLS playlist", "RFC 8216, section 4.1", false};
+    rule.profile = VELHLSDiagnostics::nameOf(profile);
+    if (isStandard(profile)) {
+        rule.level = "SYN";
+        rule.clause = velhls::clauseOf(rule.source);
+    } else {
+        rule.source = "library behaviour";
+    }
+    return rule;
+}
 
 static_assert(VELHLSDiagnostics::maximumFindingsPerRule == velhls::FindingList::mostOfOneRule &&
               VELHLSDiagnostics::maximumFindingsPerRule == Reading::mostRejectionsOfOneRule);
@@ -127,50 +160,182 @@ class CheckedText {
     Reading reading_;
 };
 
-std::vector<VELHLSFinding> noPlaylist(const std::string& text) {
-    const velhls::TextLines lines(text);
-    velhls::FindingList findings(lines);
-    const std::size_t lengthOfLine = velhls::withoutTrailing(lines.line(1), velhls::lineEnds).size();
-    findings.add(notAPlaylist, {1, 1, lengthOfLine}, velhls::describeNoPlaylist(text));
-    return findings.takeAll();
+/// What is said of the first line of a text that is no playlist.
+VELHLSFinding noPlaylist(std::string_view text, Profile profile) {
+    const VELHLSRule rule = notAPlaylist(profile);
+    const std::string_view line = velhls::withoutTrailing(text.substr(0, text.find('\n')), velhls::lineEnds);
+    VELHLSFinding finding;
+    finding.severity = rule.severity;
+    finding.ruleId = rule.id;
+    finding.length = line.size();
+    finding.message =
+        velhls::messageOf(line, {1, 1, line.size()}, rule.expected, velhls::describeNoPlaylist(text));
+    finding.source = rule.source;
+    finding.profile = rule.profile;
+    finding.clause = rule.clause;
+    finding.level = rule.level;
+    return finding;
 }
+
+/// Checks one text by several profiles.
+class ProfileRun {
+  public:
+    ProfileRun(std::string_view text, const VELHLSDiagnostics::Options& options)
+        : text_(text), profiles_(options.profiles) {
+        report_.kind = options.kind;
+        std::sort(profiles_.begin(), profiles_.end());
+        profiles_.erase(std::unique(profiles_.begin(), profiles_.end()), profiles_.end());
+    }
+
+    VELHLSDiagnostics::Report run() {
+        const bool isDetected = report_.kind != VELHLSDiagnostics::Detect;
+        const bool asksStandard = std::any_of(profiles_.begin(), profiles_.end(), isStandard);
+        if (!isDetected || asksStandard) checkDocument(VELHLSDocument(std::string(text_)));
+        report_.rejected = whyRejected();
+        if (asks(Profile::library)) append(checkByLibrary());
+        if (profiles_.size() > 1) order();
+        return std::move(report_);
+    }
+
+  private:
+    /// Finds the kind, and what the profiles of the standard have to say. The document is gone before the models read.
+    void checkDocument(const VELHLSDocument& document) {
+        if (report_.kind == VELHLSDiagnostics::Detect) {
+            report_.kind = velhls::kindOf(document);
+            if (report_.kind == VELHLSDiagnostics::Detect && velhls::isNoPlaylist(document)) {
+                if (!profiles_.empty()) report_.findings.push_back(noPlaylist(text_, profiles_.front()));
+                return;
+            }
+        }
+        const auto kind = static_cast<VELHLSDocument::Kind>(report_.kind);
+        for (const Profile profile : profiles_) {
+            if (isStandard(profile))
+                velhls::checkStandard(document, kind, standardOf(profile), report_.findings);
+        }
+    }
+
+    [[nodiscard]] bool asks(Profile profile) const {
+        return std::find(profiles_.begin(), profiles_.end(), profile) != profiles_.end();
+    }
+
+    [[nodiscard]] std::optional<VELHLSReason> whyRejected() const {
+        if (report_.kind == VELHLSDiagnostics::Media) return velhls::whyMediaIsRejected(text_);
+        if (report_.kind == VELHLSDiagnostics::Master) {
+            VELHLSReason reason;
+            if (VELHLSParsedManifest::parseManifest(text_, &reason) != nullptr) return std::nullopt;
+            return reason;
+        }
+        const VELHLSFinding finding = noPlaylist(text_, Profile::library);
+        return VELHLSReason{finding.ruleId, finding.line, finding.column, finding.length, finding.message};
+    }
+
+    [[nodiscard]] std::vector<VELHLSFinding> checkByLibrary() const {
+        if (report_.kind == VELHLSDiagnostics::Detect) {
+            if (!report_.findings.empty() &&
+                report_.findings.front().ruleId == notAPlaylist(Profile::library).id)
+                return {};
+            return {noPlaylist(text_, Profile::library)};
+        }
+        CheckedText checked(text_, report_.kind);
+        return report_.kind == VELHLSDiagnostics::Master ? checked.checkMaster() : checked.checkMedia();
+    }
+
+    void append(std::vector<VELHLSFinding> findings) {
+        report_.findings.insert(report_.findings.end(), std::make_move_iterator(findings.begin()),
+                                std::make_move_iterator(findings.end()));
+    }
+
+    /// Puts what several profiles found in the order of the places, and leaves out what the later standard says again.
+    void order() {
+        auto& findings = report_.findings;
+        std::stable_sort(findings.begin(), findings.end(),
+                         [](const VELHLSFinding& left, const VELHLSFinding& right) {
+                             return std::tie(left.line, left.column) < std::tie(right.line, right.column);
+                         });
+        if (!asks(Profile::rfc8216) || !asks(Profile::rfc8216bis)) return;
+        std::set<std::tuple<std::size_t, std::size_t, std::string_view>> later;
+        for (const VELHLSFinding& finding : findings) {
+            if (finding.profile == profileNames[static_cast<std::size_t>(Profile::rfc8216bis)])
+                later.emplace(finding.line, finding.column, finding.ruleId);
+        }
+        std::vector<VELHLSFinding> kept;
+        for (VELHLSFinding& finding : findings) {
+            const bool isEarlier =
+                finding.profile == profileNames[static_cast<std::size_t>(Profile::rfc8216)];
+            const bool isSaidAgain =
+                isEarlier && later.count({finding.line, finding.column, finding.ruleId}) != 0;
+            if (!isSaidAgain) kept.push_back(finding);
+        }
+        findings = std::move(kept);
+    }
+
+    std::string_view text_;
+    std::vector<Profile> profiles_;
+    VELHLSDiagnostics::Report report_;
+};
 
 }  // namespace
 
-std::vector<VELHLSFinding> VELHLSDiagnostics::check(const std::string& text, PlaylistKind kind) {
-    if (kind == Detect) {
-        const std::optional<Detection> detection = detectKind(text);
-        if (!detection) return noPlaylist(text);
-        kind = detection->kind;
-    }
-    CheckedText checked(text, kind);
-    return kind == Master ? checked.checkMaster() : checked.checkMedia();
+std::string_view VELHLSDiagnostics::nameOf(Profile profile) noexcept {
+    return profileNames[static_cast<std::size_t>(profile)];
 }
 
-std::vector<VELHLSFinding> VELHLSDiagnostics::check(std::istream& input, PlaylistKind kind) {
-    if (!input.good()) return check(std::string(), kind);
-    return check(velhls::readAll(input), kind);
+std::optional<VELHLSDiagnostics::Profile> VELHLSDiagnostics::profileNamed(std::string_view name) noexcept {
+    const auto* const found = std::find(profileNames.begin(), profileNames.end(), name);
+    if (found == profileNames.end()) return std::nullopt;
+    return static_cast<Profile>(found - profileNames.begin());
 }
 
-std::optional<VELHLSDiagnostics::Detection> VELHLSDiagnostics::detectKind(const std::string& text) {
+std::vector<VELHLSDiagnostics::Profile> VELHLSDiagnostics::profiles() {
+    return {Profile::rfc8216, Profile::rfc8216bis, Profile::apple, Profile::library};
+}
+
+VELHLSDiagnostics::Report VELHLSDiagnostics::check(std::string_view text) {
+    return check(text, Options());
+}
+
+VELHLSDiagnostics::Report VELHLSDiagnostics::check(std::string_view text, const Options& options) {
+    return ProfileRun(text, options).run();
+}
+
+VELHLSDiagnostics::Report VELHLSDiagnostics::check(std::istream& input) {
+    return check(input, Options());
+}
+
+VELHLSDiagnostics::Report VELHLSDiagnostics::check(std::istream& input, const Options& options) {
+    return check(input.good() ? velhls::readAll(input) : std::string(), options);
+}
+
+std::optional<VELHLSDiagnostics::Detection> VELHLSDiagnostics::detectKind(std::string_view text) {
     return velhls::detectKind(text);
 }
 
-std::vector<VELHLSRule> VELHLSDiagnostics::rules() {
-    std::vector<VELHLSRule> all = {notAPlaylist};
+std::vector<VELHLSRule> VELHLSDiagnostics::rules(Profile profile) {
+    std::vector<VELHLSRule> all = {notAPlaylist(profile)};
+    if (isStandard(profile)) {
+        for (const VELHLSRule& rule : VELHLSStandard::rules(standardOf(profile)))
+            all.push_back(rule);
+        for (const VELHLSRule& rule : VELHLSPresentation::rules(standardOf(profile)))
+            all.push_back(rule);
+        return all;
+    }
     for (std::size_t index = 0; index < velhls::ruleCount; ++index)
         all.push_back(ruleOf(static_cast<Rule>(index)));
     for (const VELHLSRule& rule : velhls::rulesOfLosses())
         all.push_back(rule);
     for (const VELHLSRule& rule : velhls::StandardRules::rules())
         all.push_back(rule);
+    for (VELHLSRule& rule : all)
+        rule.profile = nameOf(profile);
     return all;
 }
 
-std::optional<VELHLSRule> VELHLSDiagnostics::ruleNamed(const std::string& id) {
-    const std::vector<VELHLSRule> all = rules();
-    const auto rule =
-        std::find_if(all.begin(), all.end(), [&id](const VELHLSRule& row) { return row.id == id; });
-    if (rule == all.end()) return std::nullopt;
-    return *rule;
+std::optional<VELHLSRule> VELHLSDiagnostics::ruleNamed(std::string_view id) {
+    for (const Profile profile : profiles()) {
+        const std::vector<VELHLSRule> all = rules(profile);
+        const auto rule =
+            std::find_if(all.begin(), all.end(), [&id](const VELHLSRule& row) { return row.id == id; });
+        if (rule != all.end()) return *rule;
+    }
+    return std::nullopt;
 }

@@ -5,17 +5,24 @@
 #include <istream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velhls/common/VELHLSExport.h"
+#include "velhls/common/VELHLSReason.h"
 #include "velhls/document/VELHLSFinding.h"
 #include "velhls/document/VELHLSRule.h"
 
-/// Says what is wrong with the text of a playlist, where, and what the library makes of it.
+/// Says what is wrong with the text of a playlist, where, by whose rules, and whether the models read it.
 ///
-///     for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text)) {
+///     const VELHLSDiagnostics::Report report = VELHLSDiagnostics::check(text);
+///     for (const VELHLSFinding& finding : report.findings) {
 ///         std::cout << finding.line << ":" << finding.column << ": " << finding.message << "\n";
 ///     }
+///     if (report.rejected) std::cout << "rejected: " << report.rejected->message << "\n";
+///
+/// Two voices speak, and are never mixed: the standard, which knows nothing of this library, and the library, which tells
+/// what its models reject, drop or change.
 class VELHLS_CHECK_API VELHLSDiagnostics {
   public:
     VELHLSDiagnostics() = delete;
@@ -27,34 +34,71 @@ class VELHLS_CHECK_API VELHLSDiagnostics {
         Media = 2,   ///< a media playlist
     };
 
-    /// The most findings of one rule that are listed. The last of them tells how many more there were. So the
-    /// list is bounded, whatever the playlist holds.
+    /// By whose rules a text is checked.
+    enum class Profile : std::uint8_t {
+        rfc8216,     ///< RFC 8216
+        rfc8216bis,  ///< RFC 8216 as its successor changes it, low latency included
+        apple,    ///< Apple's authoring rules for its devices, as far as a text shows them, and nothing else
+        library,  ///< what the models reject, drop, change or read otherwise than it seems to be meant
+    };
+
+    /// "rfc8216", "rfc8216bis", "apple" or "library".
+    [[nodiscard]] static std::string_view nameOf(Profile profile) noexcept;
+
+    /// The profile with this name; nothing when there is none.
+    [[nodiscard]] static std::optional<Profile> profileNamed(std::string_view name) noexcept;
+
+    /// All profiles, in the order of their numbers.
+    [[nodiscard]] static std::vector<Profile> profiles();
+
+    /// What is asked.
+    struct Options {
+        /// What to read the text as.
+        PlaylistKind kind = Detect;
+        /// By whose rules to check it; one that stands twice counts once. None: only whether the models reject it.
+        std::vector<Profile> profiles = {Profile::rfc8216};
+    };
+
+    /// What is answered.
+    struct Report {
+        /// What the text was read as; Detect when it is neither kind of playlist.
+        PlaylistKind kind = Detect;
+        /// What the profiles find.
+        std::vector<VELHLSFinding> findings;
+        /// Why the models reject the text, whatever the profiles; nothing when they accept it.
+        std::optional<VELHLSReason> rejected;
+    };
+
+    /// The most findings of one rule that are listed, of each profile. The last of them tells how many more there were.
+    /// So the list is bounded, whatever the playlist holds.
     static constexpr std::size_t maximumFindingsPerRule = 100;
 
-    /// Reads the text as the parse of its kind does, and goes on after what that rejects.
+    /// Checks the text by RFC 8216.
+    [[nodiscard]] static Report check(std::string_view text);
+
+    /// Checks the text as asked.
     ///
-    /// For the kinds Master and Media there is an error among the findings if and only if the parse of the text
-    /// (VELHLSParsedManifest::parseManifest, VELHLSMediaStream::parseMediaStream) returns null or throws an
-    /// exception of number conversion. The first error stands where that parse gave up: in the line that it read
-    /// last, or, where a record has several lines (a variant's tag and URI, a segment, a media pattern), in the
-    /// one of them that is at fault. When the input ends too early, the error stands at the first tag of what is
-    /// incomplete. Where rules between records are broken, it stands in the line of the record that broke them;
-    /// in the first line for a master playlist without variants.
+    /// `rejected` is what the parse of a text of the kind says (VELHLSParsedManifest::parseManifest,
+    /// VELHLSMediaStream::parseMediaStream): nothing if and only if that gives a playlist. Of a text that is neither kind
+    /// of playlist it is the rule "not-a-playlist".
     ///
-    /// For the kind Detect a text that is neither kind of playlist has the one finding "not-a-playlist"; any
-    /// other is read as the kind that detectKind tells.
+    /// A profile of the standard looks at the text from its first line to its last, whatever the models reject; its
+    /// errors are clauses that must be kept, its warnings those that should be. Where rfc8216 and rfc8216bis find the
+    /// same, it is told once, by the later one. A text that is no playlist at all has the one finding "not-a-playlist".
     ///
-    /// The findings come in the order of their places, except that errors between records come last when a line
-    /// was rejected before. Errors after the first one are what the parse would have met, had it gone on: what
-    /// only follows from an earlier one is left out where that can be told.
+    /// The profile library has an error if and only if the models reject the text; the first error stands where the
+    /// parse gave up. Errors after it are what the parse would have met, had it gone on: what only follows from an
+    /// earlier one is left out where that can be told. Errors between records come last when a line was rejected before.
     ///
-    /// It takes time and memory linear in the text, but for what media patterns expand to (docs/bounds.md).
-    [[nodiscard]] static std::vector<VELHLSFinding> check(const std::string& text,
-                                                          PlaylistKind kind = Detect);
+    /// All other findings come in the order of their places, and those of one place in the order of the profiles. It takes
+    /// time and memory linear in the text, but for sorting and for what media patterns expand to (docs/bounds.md). Throws
+    /// std::length_error for a text of 4 GiB or more, and nothing else but std::bad_alloc.
+    [[nodiscard]] static Report check(std::string_view text, const Options& options);
 
     /// The same for what is left of the stream, which is read to its end. An empty text when it is not good. A stream
     /// that breaks off is read as one that ends there and becomes bad, and throws if it was told to.
-    [[nodiscard]] static std::vector<VELHLSFinding> check(std::istream& input, PlaylistKind kind = Detect);
+    [[nodiscard]] static Report check(std::istream& input);
+    [[nodiscard]] static Report check(std::istream& input, const Options& options);
 
     /// What a text was taken for, and why.
     struct Detection {
@@ -66,15 +110,16 @@ class VELHLS_CHECK_API VELHLSDiagnostics {
         std::size_t line = 1;
     };
 
-    /// Decides by the tags that only one kind of playlist has (RFC 8216, sections 4.3.2 to 4.3.4). Where both
-    /// are there a variant makes it a master playlist, since no media playlist has one; otherwise the first such
-    /// tag decides. Nothing when there is no such tag, and for IPTV lists: EXTINF lines with attributes or a
-    /// duration below 0, and no tag that begins with EXT-X.
-    [[nodiscard]] static std::optional<Detection> detectKind(const std::string& text);
+    /// Decides by the tags that only one kind of playlist has (RFC 8216, sections 4.3.2 to 4.3.4). The more frequent of
+    /// the tags of variants (EXT-X-STREAM-INF, EXT-X-I-FRAME-STREAM-INF) and of segments (EXTINF) decides; of as many,
+    /// the one that comes first; without any, the first tag that only one kind has. Nothing when there is no such tag,
+    /// and for IPTV lists: EXTINF lines with attributes or a duration below 0, and no tag that begins with EXT-X.
+    [[nodiscard]] static std::optional<Detection> detectKind(std::string_view text);
 
-    /// All rules, in the order of the documentation.
-    [[nodiscard]] static std::vector<VELHLSRule> rules();
+    /// All rules of the profile, in the order of the documentation; of a profile of the standard those of presentations too
+    /// (VELHLSPresentation).
+    [[nodiscard]] static std::vector<VELHLSRule> rules(Profile profile);
 
-    /// The rule with this id, if there is one.
-    [[nodiscard]] static std::optional<VELHLSRule> ruleNamed(const std::string& id);
+    /// The rule with this id, if there is one: of a rule that several profiles have, that of the first of them.
+    [[nodiscard]] static std::optional<VELHLSRule> ruleNamed(std::string_view id);
 };

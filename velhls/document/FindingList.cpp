@@ -32,6 +32,7 @@ void FindingList::add(const VELHLSRule& rule, const Place& place, std::string_vi
     entry.finding.length = place.length;
     entry.finding.message = messageOf(lines_.line(place.line), place, rule.expected, seen);
     entry.finding.source = rule.source;
+    entry.finding.profile = "library";
     entries_.push_back(std::move(entry));
 }
 

@@ -100,7 +100,7 @@ void findValue(VELHLSLine& line) {
 }
 
 /// Sets the name and the value of a line that is not just a tag that is known.
-void takeApart(VELHLSLine& line) {
+void readParts(VELHLSLine& line) {
     const velhls::LineParts parts = velhls::partsOf(line.text, line.number == 1);
     line.name = parts.name;
     if (!line.name.empty()) return findValue(line);
@@ -189,7 +189,7 @@ VELHLSLine VELHLSDocument::line(std::size_t number) const {
         line.name = velhls::firstOf(velhls::withoutFirst(line.text, 1), line.definition->name.size());
         findValue(line);
     } else {
-        takeApart(line);
+        readParts(line);
     }
     return line;
 }

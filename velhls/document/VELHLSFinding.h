@@ -53,6 +53,10 @@ struct VELHLSFinding {
     /// The stable name of the rule: see VELHLSDiagnostics::ruleNamed.
     std::string ruleId;
 
+    /// Of a presentation, the playlist that the finding stands in, by the URI that the caller gave it; empty where one text was
+    /// checked.
+    std::string uri;
+
     /// The line in the text that was given, counted from 1. Lines end at line feeds.
     std::size_t line = 1;
 
@@ -69,7 +73,7 @@ struct VELHLSFinding {
     /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
     std::string source;
 
-    /// By what the playlist was checked: "rfc8216", "rfc8216bis" or "apple". Empty for what the library does.
+    /// By whose rules the playlist was checked: "rfc8216", "rfc8216bis" or "apple"; "library" for what the models do.
     std::string profile;
 
     /// The number of the clause that the rule stands for, in RFC 8216, its successor or the authoring rules: "4.3.2.1".

@@ -28,4 +28,10 @@ struct VELHLSRule {
     /// "SHOULD NOT"; "SYN" for a format that is given without one, "REC" for what is recommended in passing. Empty for
     /// all other rules.
     std::string_view level = {};
+
+    /// The number of that clause: "4.3.2.1". Empty for all other rules.
+    std::string_view clause = {};
+
+    /// The profile that the rule was asked of: "rfc8216", "rfc8216bis", "apple" or "library".
+    std::string_view profile = {};
 };

@@ -60,7 +60,7 @@ class VELHLSStructure::Finder {
     void find() {
         reserve();
         for (std::size_t line = 1; line <= document_.lineCount(); ++line)
-            take(line, document_.codes_[line - 1]);
+            readLine(line, document_.codes_[line - 1]);
         if (segment_.firstLine != 0) endSegment(segment_.lastLine, false);
     }
 
@@ -78,11 +78,11 @@ class VELHLSStructure::Finder {
         structure_.keyLines_.reserve(count(code::key));
     }
 
-    void take(std::size_t line, std::uint8_t number) {
+    void readLine(std::size_t line, std::uint8_t number) {
         if (segmentTagCodes[number]) belongsToSegment(line);
         switch (number) {
             case code::uri.number():
-                return takeUri(line);
+                return readUri(line);
             case code::extInf.number():
                 duration_ = readDuration(value(line));
                 return;
@@ -93,12 +93,12 @@ class VELHLSStructure::Finder {
                 ++discontinuities_;
                 return;
             case code::key.number():
-                return takeKey(line);
+                return readKey(line);
             case code::map.number():
                 change(line).mapLine = static_cast<std::uint32_t>(line);
                 return;
             case code::programDateTime.number():
-                return takeDate(line);
+                return readDate(line);
             case code::streamInf.number():
                 structure_.variants_.push_back({static_cast<std::uint32_t>(line), 0});
                 isVariantOpen_ = true;
@@ -106,7 +106,7 @@ class VELHLSStructure::Finder {
             case code::mediaSequence.number():
             case code::discontinuitySequence.number():
             case code::skip.number():
-                return takeSequence(line, LineCode(number));
+                return readSequence(line, LineCode(number));
             default:
                 return;
         }
@@ -117,7 +117,7 @@ class VELHLSStructure::Finder {
         if (segment_.firstLine == 0) segment_.firstLine = segment_.lastLine;
     }
 
-    void takeUri(std::size_t line) {
+    void readUri(std::size_t line) {
         if (isVariantOpen_) {
             structure_.variants_.back().uriLine = static_cast<std::uint32_t>(line);
             isVariantOpen_ = false;
@@ -131,7 +131,7 @@ class VELHLSStructure::Finder {
         segment_.changes = static_cast<std::uint32_t>(structure_.changes_.size());
         segment_.discontinuities = discontinuities_;
         segment_.startTime = startTime_;
-        segment_.rangeOffset = rangeLine_ == 0 ? noOffset : takeRange(hasUri ? line : 0);
+        segment_.rangeOffset = rangeLine_ == 0 ? noOffset : readRange(hasUri ? line : 0);
         if (rangeLine_ == 0) before_ = {};
         structure_.segments_.push_back(segment_);
         startTime_ += duration_;
@@ -142,7 +142,7 @@ class VELHLSStructure::Finder {
 
     /// Where the range of the segment begins if that is where the one before it ends. An offset that is written is read when
     /// it is asked for.
-    std::uint64_t takeRange(std::size_t uriLine) {
+    std::uint64_t readRange(std::size_t uriLine) {
         const bool isWritten = value(rangeLine_).find('@') != std::string_view::npos;
         const bool follows =
             !isWritten && uriLine != 0 && before_.uriLine != 0 && value(before_.uriLine) == value(uriLine);
@@ -166,7 +166,7 @@ class VELHLSStructure::Finder {
         return offset != noOffset && range->length < noOffset - offset ? offset + range->length : noOffset;
     }
 
-    void takeKey(std::size_t line) {
+    void readKey(std::size_t line) {
         const VELHLSAttributes attributes(value(line));
         std::string_view format = "identity";
         bool endsAll = false;
@@ -187,14 +187,14 @@ class VELHLSStructure::Finder {
             structure_.keyLines_.push_back(key.line);
     }
 
-    void takeDate(std::size_t line) {
+    void readDate(std::size_t line) {
         Change& changed = change(line);
         changed.dateLine = static_cast<std::uint32_t>(line);
         changed.dateStartTime = startTime_;
     }
 
     /// They number the first segment, so that they say nothing after it.
-    void takeSequence(std::size_t line, LineCode lineCode) {
+    void readSequence(std::size_t line, LineCode lineCode) {
         if (!structure_.segments_.empty()) return;
         if (lineCode == code::skip) {
             const auto skipped = VELHLSAttributes(value(line)).find("SKIPPED-SEGMENTS");

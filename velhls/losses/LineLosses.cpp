@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"

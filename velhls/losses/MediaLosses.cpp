@@ -7,7 +7,8 @@
 #include <string>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/VELHLSUtility.h"
@@ -61,7 +62,7 @@ std::optional<Duration> durationOf(const LossLine& line) {
 bool isKeptByRendering(double duration) {
     constexpr int decimals = 6;
     std::array<char, mostFixedBytes> text;
-    const char* const end = putFixed(text.data(), duration, decimals);
+    const char* const end = writeFixed(text.data(), duration, decimals);
     return toDouble({text.data(), static_cast<std::size_t>(end - text.data())}) == duration;
 }
 

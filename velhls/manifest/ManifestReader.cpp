@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/Readers.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/ReasonText.h"
-#include "velhls/media/KeyFormatVersions.h"
+#include "velhls/media/KeyAndMapTags.h"
 
 namespace velhls {
 namespace {
@@ -99,7 +99,7 @@ std::string identityOf(const VELHLSProtectionData& key) {
         text += *part;
     }
     text += ':';
-    text += joinKeyFormatVersions(key.keyFormatVersions);
+    text += keyFormatVersionsText(key.keyFormatVersions);
     return text;
 }
 

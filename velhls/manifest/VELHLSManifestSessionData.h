@@ -21,10 +21,11 @@ class VELHLS_API VELHLSManifestSessionData {
                               const std::string& language);
 
     /// Reads a whole EXT-X-SESSION-DATA line. Returns a new entry, which validates, or null for another tag,
-    /// a malformed attribute list, or an entry that does not validate. Values are stored without any check.
+    /// a malformed attribute list, or an entry that does not validate: which of these it was tells the parse of
+    /// a playlist (VELHLSReason). Values are stored without any check.
     ///
-    /// Kept as is: the attribute that stands first is lost, since its name is read with the tag's colon in
-    /// front of it. So a tag whose DATA-ID comes first is rejected, although that is the usual order, and the
+    /// Kept as is: the attribute that stands first is lost, since its name is read with the tag's colon
+    /// before it. So a tag whose DATA-ID comes first is rejected, although that is the usual order, and the
     /// one that `render` writes; put another attribute before it.
     [[nodiscard]] static std::shared_ptr<VELHLSManifestSessionData> parseSessionData(const std::string& line);
 

@@ -1,5 +1,8 @@
 #include "velhls/manifest/VELHLSMediaStreamRendition.h"
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <utility>
 
@@ -8,7 +11,6 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/RecordTags.h"
-#include "velhls/manifest/RenditionTypeText.h"
 
 namespace {
 
@@ -20,6 +22,10 @@ using velhls::Rule;
 
 /// Gives access to the constructor that a reader needs.
 struct ReadRendition : VELHLSMediaStreamRendition {};
+
+/// Each text at the place of its type's number.
+constexpr std::array<std::string_view, 4> typeTexts = {attribute::audio, attribute::video,
+                                                       attribute::subtitles, attribute::closedCaptions};
 
 /// Sets the flag; false for a value that is neither of the two.
 bool readFlag(std::string_view value, bool& flag, Reason& why) {
@@ -107,6 +113,18 @@ std::string joinedByCommas(const std::set<std::string>& pieces) {
 }
 
 }  // namespace
+
+std::optional<VELHLSMediaStreamRendition::RenditionType> velhls::renditionTypeNamed(std::string_view text) {
+    for (std::uint32_t number = 0; number < typeTexts.size(); ++number) {
+        if (typeTexts[number] == text) return static_cast<VELHLSMediaStreamRendition::RenditionType>(number);
+    }
+    return std::nullopt;
+}
+
+std::string_view VELHLSMediaStreamRendition::textOf(RenditionType type) noexcept {
+    const auto number = static_cast<std::size_t>(type);
+    return number < typeTexts.size() ? typeTexts[number] : std::string_view();
+}
 
 std::shared_ptr<VELHLSMediaStreamRendition> velhls::readRendition(const TagLine& tagLine, RecordMaker* maker,
                                                                   Reason& why) {

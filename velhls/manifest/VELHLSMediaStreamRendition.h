@@ -62,7 +62,8 @@ class VELHLS_API VELHLSMediaStreamRendition {
 
     /// Reads a whole EXT-X-MEDIA line. Returns a new rendition, which validates, or null when the line is not
     /// acceptable: another tag, a malformed attribute list, a TYPE that is none of the four, a DEFAULT,
-    /// AUTOSELECT or FORCED other than exactly "YES" or "NO", or a rendition that does not validate.
+    /// AUTOSELECT or FORCED other than exactly "YES" or "NO", or a rendition that does not validate. Which of these it was
+    /// tells the parse of a playlist: see VELHLSReason.
     ///
     /// Kept as is: DEFAULT=YES sets AUTOSELECT, whatever AUTOSELECT says. CHARACTERISTICS is sorted and loses
     /// its repeats; empty pieces are kept. The forms of INSTREAM-ID, LANGUAGE and URI are not checked.
@@ -119,7 +120,7 @@ class VELHLS_API VELHLSMediaStreamRendition {
     /// INSTREAM-ID of a closed-caption rendition; empty for all others.
     std::string instreamId;
 
-    /// AUDIO-TRACK-TYPE (vendor extension); kept for the caller, neither written nor compared.
+    /// AUDIO-TRACK-TYPE (vendor extension); kept for the caller, not written by `render`, not compared.
     std::string audioTrackType;
 
     /// CHARACTERISTICS, cut at its commas.

@@ -7,10 +7,9 @@
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/RecordTags.h"
-#include "velhls/manifest/RenditionTypeText.h"
 #include "velhls/media/VELHLSMediaStream.h"
 
 namespace {

@@ -47,7 +47,7 @@ class VELHLS_API VELHLSMediaVariant {
     /// string for EXT-X-I-FRAME-STREAM-INF, whose URI is an attribute. Returns a new variant, which
     /// validates, or null when they are not acceptable: an empty URI line for EXT-X-STREAM-INF, a URI line
     /// that is not empty for EXT-X-I-FRAME-STREAM-INF, another tag, a malformed attribute list, or a variant
-    /// that does not validate.
+    /// that does not validate. Which of these it was tells the parse of a playlist: see VELHLSReason.
     ///
     /// Throws std::invalid_argument when BANDWIDTH, AVERAGE-BANDWIDTH or PROGRAM-ID hold no number at their
     /// start, and std::out_of_range when it fits no signed 64-bit (PROGRAM-ID: 32-bit) integer.

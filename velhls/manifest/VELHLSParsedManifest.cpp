@@ -1,15 +1,13 @@
 #include "velhls/manifest/VELHLSParsedManifest.h"
 
 #include <algorithm>
-#include <stdexcept>
 #include <utility>
 
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
+#include "velhls/common/Parses.h"
 #include "velhls/common/Readers.h"
-#include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
-#include "velhls/common/TimedParse.h"
 #include "velhls/manifest/ManifestReader.h"
 #include "velhls/manifest/ManifestRules.h"
 
@@ -72,16 +70,9 @@ std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::i
 
 std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::parseManifest(std::string_view text,
                                                                           VELHLSReason* reason) {
-    try {
-        if (auto manifest = finished(velhls::ManifestReader(text, nullptr).read())) return manifest;
-    } catch (const std::logic_error&) {
-        // A number that cannot be converted. The second reading takes it for a reason.
-    }
-    if (reason == nullptr) return nullptr;
-    velhls::Reading reading(text, velhls::Reading::Extent::toFirstRejection);
-    static_cast<void>(velhls::readMaster(text, reading));
-    *reason = velhls::reasonOf(text, reading.rejections().front());
-    return nullptr;
+    return velhls::reasonedParse(
+        text, reason, [text] { return finished(velhls::ManifestReader(text, nullptr).read()); },
+        velhls::readMaster);
 }
 
 std::shared_ptr<VELHLSParsedManifest> VELHLSParsedManifest::internalParseManifest(

@@ -42,8 +42,7 @@ class VELHLS_API VELHLSParsedManifest {
     using RenditionGroups = std::map<std::string, RenditionsByName>;
 
     /// Reads a master playlist from the stream, which is left after the last line that was read. Returns
-    /// null when the playlist is rejected; why and where it is, is had from the
-    /// overload that takes a text. `status` may be null.
+    /// null when the playlist is rejected: the overload that takes a text says why and where. `status` may be null.
     ///
     /// On success the status' error is set to VELHLSParsingErrorNone; a rejection leaves its error and
     /// message as they were. Its metrics are written in both cases. The exceptions of number conversion

@@ -2,7 +2,7 @@
 
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/manifest/RecordTags.h"
 

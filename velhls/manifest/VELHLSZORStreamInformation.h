@@ -17,7 +17,7 @@
 class VELHLS_API VELHLSZORStreamInformation {
   public:
     /// Reads a whole ZOR-STREAM-INF line. Returns a new entry, or null for another tag, a malformed attribute
-    /// list, or two bit rates of 0. Other attributes are ignored.
+    /// list, or two bit rates of 0; a playlist goes on without it, and VELHLSDiagnostics says why. Other attributes are ignored.
     ///
     /// Throws std::invalid_argument when a bit rate holds no number at its start, and std::out_of_range when
     /// it fits no signed 64-bit integer. Kept as is: a negative number is stored in two's complement.

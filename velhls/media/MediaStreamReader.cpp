@@ -1,12 +1,14 @@
 #include "velhls/media/MediaStreamReader.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "velhls/common/DefineTag.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/PatternTags.h"
 #include "velhls/common/Readers.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
@@ -96,6 +98,7 @@ bool MediaStreamReader::readSegment(bool afterDiscontinuity) {
     if (segmentReader_.pattern() != nullptr) return appendPattern();
     if (segment == nullptr) return false;
     if (reading_ != nullptr) reading_->recordMade(segment.get());
+    if (letsSegmentsGo_) stream_->segments.clear();
     stream_->segments.push_back(std::move(segment));
     if (afterDiscontinuity) stream_->discontinuitySeen = true;
     return true;
@@ -107,7 +110,14 @@ bool MediaStreamReader::appendPattern() {
     if (!createSegments(stream_->segments, pattern, nextOrigin(), surroundings, allowance_, why_))
         return false;
     if (reading_ != nullptr) reading_->patternMade();
+    if (letsSegmentsGo_) letGoAllButLast();
     return true;
+}
+
+/// The next segment goes on from the last one.
+void MediaStreamReader::letGoAllButLast() {
+    auto& segments = stream_->segments;
+    if (segments.size() > 1) segments.erase(segments.begin(), segments.end() - 1);
 }
 
 SegmentOrigin MediaStreamReader::nextOrigin() const {
@@ -118,6 +128,21 @@ SegmentOrigin MediaStreamReader::nextOrigin() const {
 
 std::shared_ptr<VELHLSMediaStream> readMedia(std::string_view text, Reading& reading) {
     return MediaStreamReader(text, &reading).read();
+}
+
+std::optional<VELHLSReason> whyMediaIsRejected(std::string_view text) {
+    try {
+        MediaStreamReader reader(text, nullptr);
+        reader.letSegmentsGo();
+        if (reader.read() != nullptr) return std::nullopt;
+    } catch (const std::logic_error&) {
+        // A number that cannot be converted. The second reading takes it for a reason.
+    }
+    Reading reading(text, Reading::Extent::toFirstRejection);
+    MediaStreamReader reader(text, &reading);
+    reader.letSegmentsGo();
+    static_cast<void>(reader.read());
+    return reasonOf(text, reading.rejections().front());
 }
 
 }  // namespace velhls

@@ -27,6 +27,10 @@ class MediaStreamReader {
     /// The reading may be null.
     MediaStreamReader(std::string_view text, Reading* reading) : lines_(text, reading), reading_(reading) {}
 
+    /// From here on a segment is let go once the one after it was read, for somebody who only wants to know whether the
+    /// playlist is rejected.
+    void letSegmentsGo() { letsSegmentsGo_ = true; }
+
     /// Reads to the end of the playlist. Null when a line is rejected; reading stops after that line. All
     /// segments are valid. A reading that goes on after rejections gives what was not rejected.
     [[nodiscard]] std::shared_ptr<VELHLSMediaStream> read();
@@ -40,6 +44,7 @@ class MediaStreamReader {
     bool readPlaylistType(std::string_view value);
     bool readSegment(bool afterDiscontinuity);
     bool appendPattern();
+    void letGoAllButLast();
     [[nodiscard]] SegmentOrigin nextOrigin() const;
 
     std::shared_ptr<VELHLSMediaStream> stream_ = std::make_shared<VELHLSMediaStream>();
@@ -48,6 +53,7 @@ class MediaStreamReader {
     Reading* reading_ = nullptr;
     Reason why_;
     std::string_view line_;
+    bool letsSegmentsGo_ = false;
     RecordMaker recordMaker_;
     SegmentReader segmentReader_{lines_, {&recordMaker_, stream_->hlsDefineMap, status_, reading_}, why_};
     ExpansionAllowance allowance_{VELHLSMediaPattern::maximumExpansionBytesOfPlaylist};

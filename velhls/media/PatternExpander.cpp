@@ -9,7 +9,8 @@
 
 #include "velhls/common/LineReader.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/Substitution.h"
 #include "velhls/common/TagLine.h"
@@ -74,13 +75,12 @@ bool PatternExpander::fits() const {
 void PatternExpander::readBody() {
     restOfBody_ = pattern_.body;
     while (!restOfBody_.empty() && steps_.size() < mostSteps)
-        steps_.push_back(takeStep(restOfBody_));
+        steps_.push_back(readStep(restOfBody_));
 }
 
 /// The step of the first line, which is taken off the text.
-PatternExpander::Step PatternExpander::takeStep(std::string_view& text) const {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
+PatternExpander::Step PatternExpander::readStep(std::string_view& text) const {
+    const std::string_view line = nextLine(text);
     Step step = stepOf(line);
     step.bytes = line.size() + 1;
     return step;
@@ -150,7 +150,7 @@ bool PatternExpander::expandOnce() {
     }
     std::string_view rest = restOfBody_;
     while (!rest.empty()) {
-        if (!expandStep(takeStep(rest))) return false;
+        if (!expandStep(readStep(rest))) return false;
     }
     return true;
 }
@@ -189,11 +189,11 @@ bool PatternExpander::appendPlainUri(const Step& step, std::size_t length) {
     char* end = text_.room(length + 1);
     for (const Reference& reference : step.references) {
         if (!allowance_.spend(reference.value->size() + 1)) return isTooLarge();
-        end = put(end, reference.textBefore);
-        end = put(end, *reference.value);
+        end = writeText(end, reference.textBefore);
+        end = writeText(end, *reference.value);
     }
-    end = put(end, step.textAfter);
-    text_.endAt(put(end, '\n'));
+    end = writeText(end, step.textAfter);
+    text_.endAt(writeText(end, '\n'));
     return true;
 }
 
@@ -219,7 +219,7 @@ std::int64_t PatternExpander::incremented(const Step& step) {
 bool PatternExpander::increment(const Step& step) {
     const std::int64_t number = incremented(step);
     std::array<char, mostDecimalBytes> text;
-    const auto length = static_cast<std::size_t>(putDecimal(text.data(), number) - text.data());
+    const auto length = static_cast<std::size_t>(writeDecimal(text.data(), number) - text.data());
     // Mostly as long as before: only its digits change.
     step.variable->resize(length);
     std::copy_n(text.data(), length, step.variable->data());
@@ -227,8 +227,8 @@ bool PatternExpander::increment(const Step& step) {
 }
 
 void PatternExpander::append(std::string_view line) {
-    char* const end = put(text_.room(line.size() + 1), line);
-    text_.endAt(put(end, '\n'));
+    char* const end = writeText(text_.room(line.size() + 1), line);
+    text_.endAt(writeText(end, '\n'));
 }
 
 namespace {

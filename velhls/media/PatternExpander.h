@@ -103,7 +103,7 @@ class PatternExpander {
 
     [[nodiscard]] bool fits() const;
     void readBody();
-    Step takeStep(std::string_view& text) const;
+    Step readStep(std::string_view& text) const;
     [[nodiscard]] Step stepOf(std::string_view line) const;
     [[nodiscard]] Step vendorTagStep(std::string_view line) const;
     void findReferences(Step& step) const;

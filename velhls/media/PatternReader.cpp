@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/Tags.h"
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/Reason.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/UriRange.h"
@@ -19,9 +19,9 @@ namespace velhls {
 
 inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 
-/// Puts the text of a range of no negative length to where there is room for `mostRangeBytes`, and returns
+/// Writes the text of a range of no negative length to where there is room for `mostRangeBytes`, and returns
 /// the place after it. See VELHLSByteRange::render.
-[[nodiscard]] char* putRange(char* to, const VELHLSByteRange& range);
+[[nodiscard]] char* writeRange(char* to, const VELHLSByteRange& range);
 
 /// False for most URIs: then there is no byte range in this one, and readRangeInUri need not be asked. Every range
 /// ends in a digit; what is too short is for readRangeInUri to throw for.

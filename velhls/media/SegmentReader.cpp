@@ -6,7 +6,7 @@
 
 #include "velhls/common/DefineTag.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/PatternTags.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/media/KeyAndMapTags.h"
@@ -92,8 +92,8 @@ void SegmentReader::keep(std::string_view line) {
 void SegmentReader::viewsEnd() {
     for (std::size_t index = 0; index < keptLineCount_; ++index) {
         const std::string_view line = keptLines_[index];
-        char* const end = put(keptText_.room(line.size() + 1), line);
-        keptText_.endAt(put(end, '\n'));
+        char* const end = writeText(keptText_.room(line.size() + 1), line);
+        keptText_.endAt(writeText(end, '\n'));
     }
     keptLineCount_ = 0;
 }

@@ -1,7 +1,7 @@
 #include "velhls/media/SegmentWriter.h"
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/media/RangeText.h"
 
@@ -53,32 +53,32 @@ void SegmentWriter::write(TextBuffer& out, const VELHLSMediaSegment& segment, bo
     char* end = out.room(mostOtherBytes + keyLine.size() + mapLine.size() + segment.title.size() +
                          segment.uri.size());
     if (segment.discontinuity) {
-        end = put(end, '#');
-        end = put(end, tag::discontinuity);
-        end = put(end, '\n');
+        end = writeText(end, '#');
+        end = writeText(end, tag::discontinuity);
+        end = writeText(end, '\n');
     }
-    if (!keyLine.empty()) end = put(end, keyLine);
-    if (!mapLine.empty()) end = put(end, mapLine);
+    if (!keyLine.empty()) end = writeText(end, keyLine);
+    if (!mapLine.empty()) end = writeText(end, mapLine);
     if (segment.programDateTime > 0.0) {
-        end = putTag(end, tag::programDateTime);
-        end = timestamps_.put(end, segment.programDateTime);
-        end = put(end, '\n');
+        end = writeTagStart(end, tag::programDateTime);
+        end = timestamps_.write(end, segment.programDateTime);
+        end = writeText(end, '\n');
     }
-    end = putTag(end, tag::extInf);
-    end = putFixed(end, segment.duration, 6);
+    end = writeTagStart(end, tag::extInf);
+    end = writeFixed(end, segment.duration, 6);
     if (!segment.title.empty()) {
         // A parsed title has its comma already: the second one is part of the interface.
-        end = put(end, ',');
-        end = put(end, segment.title);
+        end = writeText(end, ',');
+        end = writeText(end, segment.title);
     }
-    end = put(end, '\n');
+    end = writeText(end, '\n');
     if (segment.byteRange != nullptr && segment.byteRange->length >= 1) {
-        end = putTag(end, tag::byteRange);
-        end = putRange(end, *segment.byteRange);
-        end = put(end, '\n');
+        end = writeTagStart(end, tag::byteRange);
+        end = writeRange(end, *segment.byteRange);
+        end = writeText(end, '\n');
     }
-    end = put(end, segment.uri);
-    end = put(end, '\n');
+    end = writeText(end, segment.uri);
+    end = writeText(end, '\n');
     out.endAt(end);
 }
 

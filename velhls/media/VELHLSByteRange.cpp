@@ -6,7 +6,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TextBuffer.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/media/RangeText.h"
@@ -78,11 +79,11 @@ bool readRange(std::string_view text, char separator, bool inclusiveRange, VELHL
     return true;
 }
 
-char* putRange(char* to, const VELHLSByteRange& range) {
-    char* end = putDecimal(to, range.length);
+char* writeRange(char* to, const VELHLSByteRange& range) {
+    char* end = writeDecimal(to, range.length);
     if (range.offset < 0) return end;
-    end = put(end, '@');
-    return putDecimal(end, range.offset);
+    end = writeText(end, '@');
+    return writeDecimal(end, range.offset);
 }
 
 bool readRangeInUri(std::string_view uri, VELHLSByteRange& range, Reason& why) {
@@ -107,7 +108,7 @@ std::int32_t VELHLSByteRange::parse(const std::string& text, char separator, boo
 std::int32_t VELHLSByteRange::render(std::string& out) const {
     if (length < 0) return -1;
     std::array<char, velhls::mostRangeBytes> text;
-    out.append(text.data(), velhls::putRange(text.data(), *this));
+    out.append(text.data(), velhls::writeRange(text.data(), *this));
     return 0;
 }
 

@@ -17,7 +17,8 @@ class VELHLS_API VELHLSMISMap {
   public:
     /// Reads a whole EXT-X-MAP line; trailing line ends are left out of it. Other attributes than URI and
     /// BYTERANGE are ignored. Returns 0, or -1 for another tag, a malformed or empty attribute list, a
-    /// missing URI, or a BYTERANGE that is none: then `uri` is emptied and `byteRange` is not to be used.
+    /// missing URI, or a BYTERANGE that is none: then `uri` is emptied and `byteRange` is not to be used. Which of these it
+    /// was tells the parse of a playlist: see VELHLSReason.
     ///
     /// Throws std::out_of_range for a BYTERANGE number beyond 2^63 - 1.
     [[nodiscard]] std::int32_t parse(const std::string& line);

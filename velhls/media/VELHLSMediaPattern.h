@@ -49,7 +49,8 @@ class VELHLS_API VELHLSMediaPattern {
     /// pattern may stand: URI lines and empty lines, EXTINF, EXT-X-BYTERANGE, EXT-X-KEY, EXT-X-MAP,
     /// EXT-X-PROGRAM-DATE-TIME, EXT-X-CUE-OUT and EXT-X-CUE-OUT-CONT with a colon, EXT-X-DISCONTINUITY
     /// without one, ZOR-DEFINE_INCREMENT, and a ZOR-PATTERN_END with the pattern's name. The
-    /// ZOR-PATTERN_REPEAT needs a comma and the pattern's name.
+    /// ZOR-PATTERN_REPEAT needs a comma and the pattern's name. Why and where it is, tells the parse of a playlist: see
+    /// VELHLSReason.
     ///
     /// Throws std::invalid_argument or std::out_of_range for a repeat count that is no signed 64-bit number.
     ///

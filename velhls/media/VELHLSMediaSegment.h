@@ -21,7 +21,7 @@ class VELHLSMediaPattern;
 ///     #EXT-X-KEY:METHOD=AES-128,URI="k"                protectionData   (shared with the segments after it)
 ///     #EXT-X-MAP:URI="init.mp4"                        misMap           (shared with the segments after it)
 ///     #EXT-X-PROGRAM-DATE-TIME:2026-01-01T00:00:00Z    programDateTime
-///     #EXT-X-CUE-OUT:30                                cueOut           (not written back)
+///     #EXT-X-CUE-OUT:30                                cueOut           (not written by render)
 ///     #EXTINF:6.006,Intro                              duration, title  (the title keeps its comma: ",Intro")
 ///     #EXT-X-BYTERANGE:1024@0                          byteRange
 ///     seg1.ts                                          uri
@@ -68,7 +68,7 @@ class VELHLS_API VELHLSMediaSegment {
     /// validate; a media pattern tag. When a "ZOR-PATTERN_START" opens a media pattern (vendor extension),
     /// `pattern` receives it, and null is returned. A ZOR-PATTERN_START without a colon stores nothing; any
     /// other pattern tag sets the status' error to VELHLSParsingErrorMediaPattern and its message to the
-    /// line. All of them set `hasMediaPatterns`.
+    /// line. All of them set `hasMediaPatterns`. Why and where it is, tells the parse of a playlist: see VELHLSReason.
     ///
     /// Throws std::invalid_argument or std::out_of_range for a number that is none or does not fit, and
     /// std::out_of_range for a URI of fewer than 6 characters without EXT-X-BYTERANGE: see
@@ -145,14 +145,14 @@ class VELHLS_API VELHLSMediaSegment {
     /// The URI line without its trailing white space, not resolved (VELHLS.h).
     std::string uri;
 
-    /// EXT-X-CUE-IN stood among the segment's tags (vendor extension; not written back).
+    /// EXT-X-CUE-IN stood among the segment's tags (vendor extension; not written by `render`).
     bool cueIn = false;
 
-    /// The text after the colon of EXT-X-CUE-OUT (vendor extension; not written back); empty when there is
-    /// none.
+    /// The text after the colon of EXT-X-CUE-OUT (vendor extension; not written by `render`); empty when there
+    /// is none, and when the tag has no colon.
     std::string cueOut;
 
-    /// The text after the colon of EXT-X-CUE-OUT-CONT (vendor extension; not written back); likewise.
+    /// The text after the colon of EXT-X-CUE-OUT-CONT (vendor extension; not written by `render`).
     std::string cueOutCont;
 
   protected:

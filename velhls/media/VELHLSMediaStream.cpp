@@ -2,16 +2,14 @@
 
 #include <cmath>
 #include <limits>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
+#include "velhls/common/Parses.h"
 #include "velhls/common/Readers.h"
-#include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
-#include "velhls/common/TimedParse.h"
 #include "velhls/media/MediaStreamReader.h"
 #include "velhls/media/SegmentWriter.h"
 
@@ -59,16 +57,8 @@ std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::istr
 
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::parseMediaStream(std::string_view text,
                                                                        VELHLSReason* reason) {
-    try {
-        if (auto stream = velhls::MediaStreamReader(text, nullptr).read()) return stream;
-    } catch (const std::logic_error&) {
-        // A number that cannot be converted. The second reading takes it for a reason.
-    }
-    if (reason == nullptr) return nullptr;
-    velhls::Reading reading(text, velhls::Reading::Extent::toFirstRejection);
-    static_cast<void>(velhls::readMedia(text, reading));
-    *reason = velhls::reasonOf(text, reading.rejections().front());
-    return nullptr;
+    return velhls::reasonedParse(
+        text, reason, [text] { return velhls::MediaStreamReader(text, nullptr).read(); }, velhls::readMedia);
 }
 
 std::shared_ptr<VELHLSMediaStream> VELHLSMediaStream::internalParseMediaStream(std::istream& input,

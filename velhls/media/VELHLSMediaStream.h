@@ -43,8 +43,8 @@ class VELHLS_API VELHLSMediaStream {
     /// value that is no type.
     [[nodiscard]] static std::string_view textOf(PlaylistType type) noexcept;
 
-    /// Reads a media playlist from the stream. Returns null when the playlist is rejected; why and where it is, is had from
-    /// the overload that takes a text. `status` may be null.
+    /// Reads a media playlist from the stream. Returns null when the playlist is rejected: the overload that takes
+    /// a text says why and where. `status` may be null.
     ///
     /// On success the status' error is set to VELHLSParsingErrorNone. A rejection for a media pattern tag
     /// sets it to VELHLSParsingErrorMediaPattern, with the line as the message, except that a

@@ -7,10 +7,11 @@
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/AttributeWriter.h"
 #include "velhls/common/Names.h"
+#include "velhls/common/NumberReading.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/media/KeyAndMapTags.h"
-#include "velhls/media/KeyFormatVersions.h"
 
 namespace {
 
@@ -33,6 +34,18 @@ std::optional<VELHLSProtectionData::ProtectionMethod> encryptingMethodNamed(std:
     return std::nullopt;
 }
 
+/// The numbers between the slashes. An empty piece is no number: its conversion throws, with the reason.
+std::vector<std::int32_t> readKeyFormatVersions(std::string_view text, Reason& why) {
+    std::vector<std::int32_t> versions;
+    std::size_t start = 0;
+    while (true) {
+        const std::size_t slash = text.find('/', start);
+        versions.push_back(velhls::toInt32(text.substr(start, slash - start), why));
+        if (slash == std::string_view::npos) return versions;
+        start = slash + 1;
+    }
+}
+
 bool readAttribute(VELHLSProtectionData& key, const velhls::Attribute& read, Reason& why) {
     if (read.name == attribute::uri) {
         key.uri = read.value;
@@ -45,7 +58,7 @@ bool readAttribute(VELHLSProtectionData& key, const velhls::Attribute& read, Rea
         if (!velhls::holdsOnly(read.value, velhls::digitsAndSlash)) {
             return why(Rule::keyFormatVersionsMalformed, read.value);
         }
-        key.keyFormatVersions = velhls::splitKeyFormatVersions(read.value, why);
+        key.keyFormatVersions = readKeyFormatVersions(read.value, why);
     }
     return true;
 }
@@ -77,6 +90,15 @@ bool velhls::readKey(const TagLine& tagLine, VELHLSProtectionData& key, Reason& 
     if (encrypts && read.uri.empty()) return why.missing(Rule::keyUriMissing, tagLine.name);
     key = std::move(read);
     return true;
+}
+
+std::string velhls::keyFormatVersionsText(const std::vector<std::int32_t>& versions) {
+    std::string text;
+    for (const std::int32_t version : versions) {
+        if (!text.empty()) text += '/';
+        appendDecimal(text, std::int64_t{version});
+    }
+    return text;
 }
 
 VELHLSProtectionData::VELHLSProtectionData(ProtectionMethod method, const std::string& uri,
@@ -127,7 +149,7 @@ std::int32_t VELHLSProtectionData::render(std::string& out) const {
         const bool hasDefaultVersions = keyFormatVersions.size() == 1 && keyFormatVersions.front() == 1;
         if (!hasDefaultVersions) {
             line.appendQuoted(velhls::attribute::keyFormatVersions,
-                              velhls::joinKeyFormatVersions(keyFormatVersions));
+                              velhls::keyFormatVersionsText(keyFormatVersions));
         }
     }
     line.endLine();

@@ -34,6 +34,12 @@ class VELHLS_API VELHLSProtectionData {
     VELHLSProtectionData() = default;
 
     /// Stores its arguments; an empty list of versions becomes the single version 1. Checks nothing.
+    ///
+    ///     VELHLSProtectionData key(VELHLSProtectionData::AES128,
+    ///                              "https://keys.example.com/7",    // uri
+    ///                              "",                              // iv: absent
+    ///                              "",                              // keyFormat: absent
+    ///                              {});                             // keyFormatVersions: {1}
     VELHLSProtectionData(ProtectionMethod method, const std::string& uri, const std::string& iv,
                          const std::string& keyFormat, std::vector<std::int32_t> versions);
 
@@ -43,7 +49,8 @@ class VELHLS_API VELHLSProtectionData {
     /// Not acceptable are: another tag; a malformed or empty attribute list; a METHOD that is missing or none
     /// of the three, or that is NONE in a session key; a missing or empty URI unless METHOD is NONE; an IV
     /// that is not "0x" (lower case) with 32 hexadecimal digits; KEYFORMATVERSIONS with other characters than
-    /// digits and "/". METHOD=NONE drops all other attributes.
+    /// digits and "/". Which of these it was tells the parse of a playlist: see VELHLSReason. METHOD=NONE drops all other
+    /// attributes.
     ///
     /// Throws std::invalid_argument for an empty piece of KEYFORMATVERSIONS ("1/", or the value "") and
     /// std::out_of_range for one that does not fit 32 bits.

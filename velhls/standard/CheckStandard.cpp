@@ -141,16 +141,16 @@ void appendRules(const StandardTable<Subject>& table, std::vector<StandardRule>&
 
 }  // namespace
 
-void checkStandard(const VELHLSDocument& document, StandardProfile profile,
+void checkStandard(const VELHLSDocument& document, VELHLSDocument::Kind kind, StandardProfile profile,
                    std::vector<VELHLSFinding>& findings) {
     // The rules speak of lines, and an empty text has none.
     if (document.lineCount() == 0) {
         const VELHLSDocument blank("\n");
-        return checkStandard(blank, profile, findings);
+        return checkStandard(blank, kind, profile, findings);
     }
     StandardFindings found(profile);
     const VELHLSStructure structure(document);
-    CheckedPlaylist playlist(structure, profile);
+    CheckedPlaylist playlist(structure, kind, profile);
     if (isUtf16(document.text())) {
         // What it says in another encoding is nothing that rules of its lines could speak of.
         if (profile != StandardProfile::apple) findAll(encodingRules(), playlist, found);

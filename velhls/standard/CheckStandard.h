@@ -12,7 +12,8 @@ namespace velhls {
 
 /// Appends what the profile finds in the document, in the order of the places. Takes time linear in the text but for sorting, and memory linear in
 /// it; of one rule there are at most 100 findings, and the last tells how many more there were.
-void checkStandard(const VELHLSDocument& document, StandardProfile profile,
+/// The kind may be another than the document's own.
+void checkStandard(const VELHLSDocument& document, VELHLSDocument::Kind kind, StandardProfile profile,
                    std::vector<VELHLSFinding>& findings);
 
 /// All rules that the profile may find, in the order of the documentation.

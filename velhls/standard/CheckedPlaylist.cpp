@@ -6,8 +6,9 @@
 
 namespace velhls {
 
-CheckedPlaylist::CheckedPlaylist(const VELHLSStructure& structure, StandardProfile profile)
-    : document_(structure.document()), structure_(structure), profile_(profile) {
+CheckedPlaylist::CheckedPlaylist(const VELHLSStructure& structure, VELHLSDocument::Kind kind,
+                                 StandardProfile profile)
+    : document_(structure.document()), structure_(structure), kind_(kind), profile_(profile) {
     if (structure_.segmentCount() == 0) return;
     const VELHLSStructure::Segment last = structure_.segment(structure_.segmentCount() - 1);
     duration_ = last.startTime + last.duration;

@@ -22,7 +22,7 @@ namespace velhls {
 class CheckedPlaylist {
   public:
     /// The structure must outlive it. It knows of no line until that was added.
-    CheckedPlaylist(const VELHLSStructure& structure, StandardProfile profile);
+    CheckedPlaylist(const VELHLSStructure& structure, VELHLSDocument::Kind kind, StandardProfile profile);
 
     /// Remembers which tag the line has. All lines must be added in their order before rules of segments or of the playlist are
     /// asked, and each before rules of lines are.
@@ -31,8 +31,8 @@ class CheckedPlaylist {
     [[nodiscard]] const VELHLSDocument& document() const { return document_; }
     [[nodiscard]] const VELHLSStructure& structure() const { return structure_; }
     [[nodiscard]] StandardProfile profile() const { return profile_; }
-    [[nodiscard]] bool isMaster() const { return document_.kind() == VELHLSDocument::Master; }
-    [[nodiscard]] bool isMedia() const { return document_.kind() == VELHLSDocument::Media; }
+    [[nodiscard]] bool isMaster() const { return kind_ == VELHLSDocument::Master; }
+    [[nodiscard]] bool isMedia() const { return kind_ == VELHLSDocument::Media; }
 
     /// Whether the profile knows what the table's row describes.
     template <typename Row>
@@ -67,6 +67,7 @@ class CheckedPlaylist {
   private:
     const VELHLSDocument& document_;
     const VELHLSStructure& structure_;
+    VELHLSDocument::Kind kind_;
     StandardProfile profile_;
     std::array<std::vector<std::uint32_t>, tagTable.size()> lines_;
     std::optional<std::uint64_t> targetDuration_;

@@ -29,7 +29,7 @@ std::string_view afterName(const VELHLSLine& line) {
 }
 
 void findKindUnknown(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (playlist.document().kind() == VELHLSDocument::Neither)
+    if (!playlist.isMaster() && !playlist.isMedia())
         tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, "none", {}});
 }
 

@@ -23,7 +23,8 @@ constexpr std::array rows = {
     Row{"vtt", SegmentFormat::webVtt},         Row{"webvtt", SegmentFormat::webVtt},
 };
 
-/// What follows the last point of the last part of the path; empty when there is none.
+}  // namespace
+
 std::string_view suffixOf(std::string_view uri) {
     std::size_t start = 0;
     for (std::size_t place = 0; place < uri.size(); ++place) {
@@ -35,8 +36,6 @@ std::string_view suffixOf(std::string_view uri) {
     }
     return start == 0 ? std::string_view() : uri.substr(start);
 }
-
-}  // namespace
 
 SegmentFormat formatOf(std::string_view uri) {
     const std::string_view suffix = suffixOf(uri);

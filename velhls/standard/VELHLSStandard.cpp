@@ -4,7 +4,7 @@
 
 std::vector<VELHLSFinding> VELHLSStandard::check(const VELHLSDocument& document, Profile profile) {
     std::vector<VELHLSFinding> findings;
-    velhls::checkStandard(document, profile, findings);
+    velhls::checkStandard(document, document.kind(), profile, findings);
     return findings;
 }
 
@@ -18,6 +18,8 @@ std::vector<VELHLSRule> VELHLSStandard::rules(Profile profile) {
     for (const velhls::StandardRule& stated : velhls::rulesOfStandard(profile)) {
         VELHLSRule& rule = rules.emplace_back(stated.rule);
         rule.level = stated.level;
+        rule.clause = velhls::clauseOf(stated.rule.source);
+        rule.profile = nameOf(profile);
     }
     return rules;
 }

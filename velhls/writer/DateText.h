@@ -7,7 +7,7 @@
 #include <limits>
 #include <string_view>
 
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 
 namespace velhls {
 
@@ -50,8 +50,8 @@ class DateWriter {
   public:
     static constexpr std::size_t length = std::string_view("2026-11-21T10:00:05.250Z").size();
 
-    /// Puts the text to where there is room for it, and returns the place after it.
-    [[nodiscard]] char* put(char* to, const Milliseconds& time);
+    /// Writes the text to where there is room for it, and returns the place after it.
+    [[nodiscard]] char* write(char* to, const Milliseconds& time);
 
   private:
     static constexpr std::size_t dayLength = std::string_view("2026-11-21T").size();

@@ -19,8 +19,8 @@ class NeededVersion {
 };
 
 /// "#", the tag's name and the line's end.
-void appendBareTag(std::string& out, std::string_view tag);
-void appendNumberTag(std::string& out, std::string_view tag, std::int64_t number);
+void appendTag(std::string& out, std::string_view tag);
+void appendTag(std::string& out, std::string_view tag, std::int64_t number);
 
 /// Appends EXTM3U and EXT-X-VERSION: the model's version, or the needed one where that is higher.
 void appendHeader(std::string& out, std::int32_t version, const NeededVersion& needed);

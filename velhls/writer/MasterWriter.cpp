@@ -11,9 +11,10 @@
 #include "velhls/common/AttributeWriter.h"
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/manifest/ManifestRules.h"
+#include "velhls/writer/BrokenRuleText.h"
 #include "velhls/writer/KeyRules.h"
 #include "velhls/writer/SafeText.h"
 
@@ -38,6 +39,30 @@ bool listsAgree(const VELHLSParsedManifest& manifest) {
     return listed == held;
 }
 
+/// Why the rendition cannot be written; empty when it can.
+std::string_view whyNoRendition(const VELHLSMediaStreamRendition& rendition) {
+    const bool isCaptions = rendition.type == VELHLSMediaStreamRendition::ClosedCaptions;
+    const bool isSubtitles = rendition.type == VELHLSMediaStreamRendition::Subtitles;
+    if (VELHLSMediaStreamRendition::textOf(rendition.type).empty()) return "has no TYPE";
+    if (rendition.groupId.empty()) return "has no GROUP-ID";
+    if (rendition.name.empty()) return "has no NAME";
+    if (isCaptions && rendition.instreamId.empty()) return "is of closed captions, and has no INSTREAM-ID";
+    if (isCaptions && !rendition.uri.empty()) return "is of closed captions, and has a URI";
+    if (!isCaptions && !rendition.instreamId.empty()) {
+        return "has an INSTREAM-ID, and is not of closed captions";
+    }
+    if (rendition.forced && !isSubtitles) return "has FORCED=YES, and is not of subtitles";
+    if (rendition.isDefault && !rendition.autoSelect) return "has DEFAULT=YES without AUTOSELECT=YES";
+    return rendition.validate() ? std::string_view() : "does not validate";
+}
+
+/// Why the entry cannot be written; empty when it can.
+std::string_view whyNoSessionData(const VELHLSManifestSessionData& entry) {
+    if (entry.dataId.empty()) return "has no DATA-ID";
+    if (entry.validate()) return {};
+    return entry.value.empty() ? "has neither VALUE nor URI" : "has both VALUE and URI";
+}
+
 bool hasNominalBitrate(const VELHLSMediaVariant& variant) {
     return variant.nominalVideoBitrate != 0 || variant.nominalAudioBitrate != 0;
 }
@@ -58,7 +83,12 @@ std::optional<std::string> MasterWriter::write(const VELHLSParsedManifest& manif
 }
 
 bool MasterWriter::isSound(const VELHLSParsedManifest& manifest) {
-    if (!manifest.validate()) return refuse("the manifest", "does not validate");
+    if (!areInTheirPlaces(manifest)) return false;
+    const BrokenRules broken = brokenRulesOf(manifest, BrokenRules::Wanted::first);
+    if (!broken.empty()) {
+        refusal_ = textOf(broken, manifest);
+        return false;
+    }
     if (!listsAgree(manifest)) {
         return refuse("the manifest", "has other streamVariants than its variants hold");
     }
@@ -67,6 +97,27 @@ bool MasterWriter::isSound(const VELHLSParsedManifest& manifest) {
     writesNoCaptions_ =
         options_.noClosedCaptions && std::none_of(variants.begin(), variants.end(), namesCaptions);
     return !options_.nominalBitrates || decideNominalBitrates(manifest);
+}
+
+/// A rendition is written with its own GROUP-ID and NAME: under others the rules between groups would have looked at
+/// other groups than those that are written.
+bool MasterWriter::areInTheirPlaces(const VELHLSParsedManifest& manifest) {
+    startRecords("rendition");
+    for (const auto& [type, groups] : manifest.renditions) {
+        for (const auto& [groupId, group] : groups) {
+            for (const auto& [name, rendition] : group) {
+                ++number_;
+                if (rendition == nullptr) return refuse("it", "is null");
+                if (rendition->type != type) return refuse("it", "stands under another TYPE than its own");
+                if (rendition->groupId != groupId) {
+                    return refuse("it", "stands under another GROUP-ID than its own");
+                }
+                if (rendition->name != name) return refuse("it", "stands under another NAME than its own");
+            }
+        }
+    }
+    startRecords({});
+    return true;
 }
 
 /// ZOR-STREAM-INF lines pair with the variants by their positions, so that there is one for each or none.
@@ -96,8 +147,7 @@ bool MasterWriter::appendRenditions(const VELHLSParsedManifest& manifest) {
 }
 
 bool MasterWriter::append(const VELHLSMediaStreamRendition& rendition) {
-    const bool hasType = !VELHLSMediaStreamRendition::textOf(rendition.type).empty();
-    if (!hasType || !rendition.validate()) return refuse("it", "does not validate");
+    if (const std::string_view why = whyNoRendition(rendition); !why.empty()) return refuse("it", why);
     if (!areSound({{attribute::groupId, rendition.groupId},
                    {attribute::name, rendition.name},
                    {attribute::uri, rendition.uri},
@@ -179,7 +229,7 @@ bool MasterWriter::appendSessionData(const VELHLSParsedManifest& manifest) {
     startRecords("session data");
     for (const auto& entry : manifest.sessionData) {
         ++number_;
-        if (!entry->validate()) return refuse("it", "does not validate");
+        if (const std::string_view why = whyNoSessionData(*entry); !why.empty()) return refuse("it", why);
         if (!areSound({{attribute::dataId, entry->dataId},
                        {attribute::value, entry->value},
                        {attribute::uri, entry->uri},
@@ -200,7 +250,7 @@ bool MasterWriter::appendSessionKeys(const VELHLSParsedManifest& manifest) {
         if (!why.empty()) return refuse("it", why);
         std::string line;
         static_cast<void>(key->render(line));
-        appendTag(body_, tag::sessionKey);
+        appendTagStart(body_, tag::sessionKey);
         body_.append(line, tagLength(tag::key));
         needed_.atLeast(versionNeededBy(*key));
     }
@@ -210,7 +260,7 @@ bool MasterWriter::appendSessionKeys(const VELHLSParsedManifest& manifest) {
 std::string MasterWriter::header(const VELHLSParsedManifest& manifest) const {
     std::string text;
     appendHeader(text, manifest.version, needed_);
-    if (manifest.independentSegments) appendBareTag(text, tag::independentSegments);
+    if (manifest.independentSegments) appendTag(text, tag::independentSegments);
     if (manifest.startTimeOffset != noStart || manifest.startPrecise) {
         appendStart(text, manifest.startTimeOffset, manifest.startPrecise);
     }

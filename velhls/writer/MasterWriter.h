@@ -31,6 +31,7 @@ class MasterWriter {
 
     // Each is false when the playlist is refused, for the reason that is then set.
     [[nodiscard]] bool isSound(const VELHLSParsedManifest& manifest);
+    [[nodiscard]] bool areInTheirPlaces(const VELHLSParsedManifest& manifest);
     [[nodiscard]] bool areSound(std::initializer_list<Quoted> values);
     [[nodiscard]] bool decideNominalBitrates(const VELHLSParsedManifest& manifest);
     [[nodiscard]] bool appendRenditions(const VELHLSParsedManifest& manifest);

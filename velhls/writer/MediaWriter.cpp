@@ -10,7 +10,7 @@
 #include "velhls/common/AttributeWriter.h"
 #include "velhls/common/LineWriter.h"
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberWriting.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/media/RangeText.h"
 #include "velhls/writer/KeyRules.h"
@@ -86,10 +86,10 @@ bool isToldByUri(const VELHLSByteRange& range, std::string_view uri) {
     std::array<char, mostRangeBytes> text;
     char* end = text.data();
     if (range.offset < 0) {
-        end = putDecimal(end, range.length);
+        end = writeDecimal(end, range.length);
     } else {
-        end = put(putDecimal(end, range.offset), '-');
-        end = putDecimal(end, range.offset + range.length - 1);
+        end = writeText(writeDecimal(end, range.offset), '-');
+        end = writeDecimal(end, range.offset + range.length - 1);
     }
     const std::string_view told(text.data(), static_cast<std::size_t>(end - text.data()));
     return uri.substr(startOfRangeIn(uri)) == told;
@@ -189,10 +189,10 @@ bool MediaWriter::append(const VELHLSMediaSegment& segment) {
     if (!cuesFollow) appendCues(segment);
 
     char* end = body_.room(mostOtherBytes + segment.title.size() + segment.uri.size());
-    end = putTag(end, tag::extInf);
-    end = putShortest(end, segment.duration);
-    if (segment.title.empty() || segment.title.front() != ',') end = put(end, ',');
-    end = put(put(end, segment.title), '\n');
+    end = writeTagStart(end, tag::extInf);
+    end = writeShortest(end, segment.duration);
+    if (segment.title.empty() || segment.title.front() != ',') end = writeText(end, ',');
+    end = writeText(writeText(end, segment.title), '\n');
     body_.endAt(end);
     longestDuration_ = std::max(longestDuration_, segment.duration);
     hasDecimals_ = hasDecimals_ || !isWhole(segment.duration);
@@ -200,7 +200,7 @@ bool MediaWriter::append(const VELHLSMediaSegment& segment) {
     if (cuesFollow) appendCues(segment);
     if (!appendRange(segment)) return false;
     end = body_.room(segment.uri.size() + 1);
-    body_.endAt(put(put(end, segment.uri), '\n'));
+    body_.endAt(writeText(writeText(end, segment.uri), '\n'));
     return true;
 }
 
@@ -273,9 +273,9 @@ bool MediaWriter::appendDate(const VELHLSMediaSegment& segment) {
     }
     if (!refuseUnless(whyNoDate(date), "the date")) return false;
     const Milliseconds time(date);
-    char* end =
-        putTag(body_.room(tagLength(tag::programDateTime) + DateWriter::length + 1), tag::programDateTime);
-    body_.endAt(put(dates_.put(end, time), '\n'));
+    char* end = writeTagStart(body_.room(tagLength(tag::programDateTime) + DateWriter::length + 1),
+                              tag::programDateTime);
+    body_.endAt(writeText(dates_.write(end, time), '\n'));
     nextDate_ = time.asRead() + segment.duration;
     dateIsKnown_ = true;
     return true;
@@ -286,8 +286,8 @@ void MediaWriter::appendCues(const VELHLSMediaSegment& segment) {
     if (segment.cueIn) append("#EXT-X-CUE-IN\n");
     const auto appendCue = [this](std::string_view name, std::string_view value) {
         if (value.empty()) return;
-        char* end = putTag(body_.room(tagLength(name) + value.size() + 1), name);
-        body_.endAt(put(put(end, value), '\n'));
+        char* end = writeTagStart(body_.room(tagLength(name) + value.size() + 1), name);
+        body_.endAt(writeText(writeText(end, value), '\n'));
     };
     appendCue(tag::cueOut, segment.cueOut);
     appendCue(tag::cueOutCont, segment.cueOutCont);
@@ -303,8 +303,8 @@ bool MediaWriter::appendRange(const VELHLSMediaSegment& segment) {
     if (range.offset < 0 && (rangeUri == nullptr || *rangeUri != segment.uri)) {
         return refuse("the byte range", "has no offset, and does not follow one of the same URI");
     }
-    char* end = putTag(body_.room(mostOtherBytes), tag::byteRange);
-    body_.endAt(put(putRange(end, range), '\n'));
+    char* end = writeTagStart(body_.room(mostOtherBytes), tag::byteRange);
+    body_.endAt(writeText(writeRange(end, range), '\n'));
     needed_.atLeast(4);
     rangeUri_ = &segment.uri;
     return true;
@@ -319,15 +319,15 @@ std::string MediaWriter::header(const VELHLSMediaStream& stream) {
 
     std::string text;
     appendHeader(text, stream.version, needed_);
-    appendNumberTag(text, tag::targetDuration, writtenTargetDuration(stream));
-    if (stream.mediaSequence != 0) appendNumberTag(text, tag::mediaSequence, stream.mediaSequence);
+    appendTag(text, tag::targetDuration, writtenTargetDuration(stream));
+    if (stream.mediaSequence != 0) appendTag(text, tag::mediaSequence, stream.mediaSequence);
     if (stream.discontinuitySequence != 0 || discontinuityMayLeave) {
-        appendNumberTag(text, tag::discontinuitySequence, stream.discontinuitySequence);
+        appendTag(text, tag::discontinuitySequence, stream.discontinuitySequence);
     }
     if (stream.playlistType == VELHLSMediaStream::Vod) text += "#EXT-X-PLAYLIST-TYPE:VOD\n";
     if (stream.playlistType == VELHLSMediaStream::Event) text += "#EXT-X-PLAYLIST-TYPE:EVENT\n";
-    if (stream.iFramesOnly) appendBareTag(text, tag::iFramesOnly);
-    if (stream.independentSegments) appendBareTag(text, tag::independentSegments);
+    if (stream.iFramesOnly) appendTag(text, tag::iFramesOnly);
+    if (stream.independentSegments) appendTag(text, tag::independentSegments);
     if (stream.startTimeOffset != 0.0 || stream.startPrecise) {
         appendStart(text, stream.startTimeOffset, stream.startPrecise);
     }
@@ -339,7 +339,7 @@ std::int64_t MediaWriter::writtenTargetDuration(const VELHLSMediaStream& stream)
 }
 
 void MediaWriter::append(std::string_view text) {
-    body_.endAt(put(body_.room(text.size()), text));
+    body_.endAt(writeText(body_.room(text.size()), text));
 }
 
 bool MediaWriter::refuseUnless(std::string_view why, std::string_view what) {

@@ -70,9 +70,12 @@ class VELHLS_API VELHLSPlaylistWriter {
     ///
     /// Refused are: a line end in any value; a quote in a value that stands in quotes; a quote or a comma in a RESOLUTION; a
     /// variant's URI that is blank or begins with "#"; a start offset that is not finite; records that do not validate,
-    /// session keys of method None among them; and a manifest that does not validate, or whose `streamVariants` are not
-    /// the stream variants of `variants`. With VELHLSWriterOptions::nominalBitrates: nominal bit rates of some variants
-    /// and not of all.
+    /// session keys of method None among them; a rendition that stands under another type, GROUP-ID or NAME than its own;
+    /// and a manifest that does not validate, or whose `streamVariants` are not the stream variants of `variants`. With
+    /// VELHLSWriterOptions::nominalBitrates: nominal bit rates of some variants and not of all.
+    ///
+    /// Of a manifest that does not validate the reason names the record and the rule, as the parse would: "variant 1:
+    /// EXT-X-STREAM-INF: AUDIO: expected the GROUP-ID of an EXT-X-MEDIA tag of this type, seen "mp3" [group-missing]".
     ///
     /// The order is: header, version, independent segments, start; renditions by type, GROUP-ID and NAME; variants in the
     /// order of `streamVariants`; I-frame variants by bandwidth; session data; session keys.

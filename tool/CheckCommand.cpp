@@ -1,0 +1,65 @@
+#include "tool/CheckCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include "tool/ConfigFile.h"
+#include "tool/FindingOptions.h"
+#include "tool/ReadingOptions.h"
+
+namespace tool {
+namespace {
+
+void addInputs(CLI::App& command, InputNames& inputs) {
+    command
+        .add_option("FILE", inputs.paths,
+                    "The playlists, and folders for all *.m3u8 and *.m3u below them; - for standard input, "
+                    "the default")
+        ->configurable(false);
+    CLI::Option* const list =
+        command
+            .add_option(
+                "--files-from", inputs.list,
+                "Check also the files and folders that this file names, one a line; - for standard input")
+            ->configurable(false);
+    command
+        .add_flag("--null", inputs.isNulSeparated,
+                  "The names of that file end in NUL bytes, not in line feeds")
+        ->needs(list)
+        ->configurable(false);
+}
+
+ExitStatus run(CLI::App& command, CheckOptions& options) {
+    readConfig(command, options.config);
+    CheckRequest& request = options.request;
+    if (request.inputs.paths.empty() && request.inputs.list.empty())
+        request.inputs.paths.emplace_back(standardInput);
+    return check(request);
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App& app, CheckOptions& options, ExitStatus& status) {
+    CLI::App* const command = app.add_subcommand(
+        "check",
+        "Say what is wrong with playlists, where, by which rule, and which of them the library rejects");
+    command->footer(
+        "Exit status: 0 nothing found at or above --fail-on, 1 something found, 2 bad usage or an input that "
+        "cannot be "
+        "read.\n"
+        "That the library rejects a playlist makes no difference to it, but for the profile library.\n"
+        "NO_COLOR is respected.");
+    CheckRequest& request = options.request;
+    addInputs(*command, request.inputs);
+    addReadingOptions(*command, request.options.kind, request.mostBytes);
+    addProfileOption(*command, request.options.profiles,
+                     "By whose rules to check, rfc8216 unless told otherwise");
+    command->add_option("--format", request.style.format, "How to write what is found")
+        ->check(CLI::IsMember({"text", "json", "jsonl", "sarif", "github"}))
+        ->capture_default_str();
+    addFindingOptions(*command, request.choice);
+    addColourOption(*command, request.style.colour);
+    addConfigOption(*command, options.config);
+    command->callback([command, &options, &status] { status = run(*command, options); });
+}
+
+}  // namespace tool

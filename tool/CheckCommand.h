@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "tool/Check.h"
+
+namespace CLI {
+class App;
+}  // namespace CLI
+
+namespace tool {
+
+/// What the command line of `velhls check` fills.
+struct CheckOptions {
+    CheckRequest request;
+    /// The file with options; empty for the nearest.
+    std::string config;
+};
+
+/// Adds the subcommand `check`, which fills the options, runs, and leaves its exit status.
+void addCheckCommand(CLI::App& app, CheckOptions& options, ExitStatus& status);
+
+}  // namespace tool

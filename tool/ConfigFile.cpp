@@ -1,0 +1,108 @@
+#include "tool/ConfigFile.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <sstream>
+#include <system_error>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "tool/Failure.h"
+#include "tool/InputFile.h"
+#include "tool/Printable.h"
+
+namespace tool {
+namespace {
+
+constexpr char configOption[] = "--config";
+constexpr std::size_t largestConfig = std::size_t{1} << 20;
+
+/// Empty when no folder has one.
+std::string nearestConfig() {
+    std::error_code unknown;
+    for (std::filesystem::path folder = std::filesystem::current_path(unknown); !folder.empty();
+         folder = folder.parent_path()) {
+        const std::filesystem::path file = folder / configName;
+        if (std::filesystem::is_regular_file(file, unknown)) return file.string();
+        if (folder == folder.parent_path()) break;
+    }
+    return {};
+}
+
+/// The option that a file may set; null when the command has none.
+CLI::Option* optionNamed(CLI::App& command, const std::string& name) {
+    CLI::Option* const option = command.get_option_no_throw("--" + name);
+    return option != nullptr && option->get_configurable() ? option : nullptr;
+}
+
+/// Whether any command that reads such files has the option, or, for the name of a section, is the command.
+bool isForAnotherCommand(CLI::App& command, const CLI::ConfigItem& item) {
+    for (CLI::App* const other : command.get_parent()->get_subcommands({})) {
+        if (other->get_option_no_throw(configOption) == nullptr) continue;
+        if (item.parents.empty() && optionNamed(*other, item.name) != nullptr) return true;
+        if (!item.parents.empty() && item.parents.front() == other->get_name()) return true;
+    }
+    return false;
+}
+
+/// Marks where a section begins or ends.
+bool isBracket(const CLI::ConfigItem& item) {
+    return item.name == "++" || item.name == "--";
+}
+
+void give(CLI::Option& option, const CLI::ConfigItem& item) {
+    if (!option.empty()) return;
+    option.add_result(item.inputs);
+    option.run_callback();
+}
+
+void refuse(const std::string& reason) {
+    throw CLI::ConfigError(reason);
+}
+
+void readSection(CLI::App& command, const std::vector<CLI::ConfigItem>& items,
+                 const std::vector<std::string>& section) {
+    for (const CLI::ConfigItem& item : items) {
+        if (item.parents != section || isBracket(item)) continue;
+        CLI::Option* const option = optionNamed(command, item.name);
+        if (option != nullptr) {
+            give(*option, item);
+        } else if (!section.empty() || !isForAnotherCommand(command, item)) {
+            refuse("there is no option " + quotedExcerpt(item.name));
+        }
+    }
+}
+
+void refuseUnknownSections(CLI::App& command, const std::vector<CLI::ConfigItem>& items) {
+    for (const CLI::ConfigItem& item : items) {
+        if (!item.parents.empty() && (item.parents.size() > 1 || !isForAnotherCommand(command, item)))
+            refuse("there is no section " + quotedExcerpt(item.parents.front()));
+    }
+}
+
+}  // namespace
+
+void addConfigOption(CLI::App& command, std::string& path) {
+    command
+        .add_option(configOption, path,
+                    std::string("Take options from this file, and not from the nearest ") + configName +
+                        " of the working directory and the folders above it")
+        ->configurable(false);
+}
+
+void readConfig(CLI::App& command, const std::string& path) {
+    const std::string file = path.empty() ? nearestConfig() : path;
+    if (file.empty()) return;
+    std::istringstream text(contentOf(file, largestConfig));
+    try {
+        const std::vector<CLI::ConfigItem> items = CLI::ConfigTOML().from_config(text);
+        refuseUnknownSections(command, items);
+        readSection(command, items, {command.get_name()});
+        readSection(command, items, {});
+    } catch (const CLI::ParseError& error) {
+        throw Failure(unusable, nameInMessages(file) + ": error: " + printable(error.what()));
+    }
+}
+
+}  // namespace tool

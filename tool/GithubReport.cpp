@@ -1,0 +1,99 @@
+#include "tool/GithubReport.h"
+
+#include <string_view>
+
+#include "tool/CharacterPlace.h"
+#include "tool/InputFile.h"
+#include "tool/OutputFile.h"
+#include "tool/Printable.h"
+
+namespace tool {
+namespace {
+
+/// The characters that mean something there as "%3A", as the workflow undoes it.
+std::string escaped(std::string_view text, std::string_view special) {
+    constexpr std::string_view hexadecimal = "0123456789ABCDEF";
+    std::string result;
+    for (const char character : text) {
+        if (special.find(character) == std::string_view::npos) {
+            result += character;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(character);
+        result += '%';
+        result += hexadecimal[byte / 16];
+        result += hexadecimal[byte % 16];
+    }
+    return result;
+}
+
+/// The name that the file has, as far as a log can show it.
+std::string propertyOf(std::string_view value) {
+    return printable(escaped(value, "%\r\n:,"));
+}
+
+/// In a message a colon or a comma means nothing, and would stay escaped.
+std::string messageOf(std::string_view text) {
+    return escaped(printable(text), "%\r\n");
+}
+
+/// Standard input is no file that could be annotated.
+std::string fileProperty(const std::string& path) {
+    return path == standardInput ? "" : "file=" + propertyOf(path) + ",";
+}
+
+std::string_view commandOf(VELHLSFinding::Severity severity) {
+    return severity == VELHLSFinding::Note ? "notice" : VELHLSFinding::textOf(severity);
+}
+
+std::string suppressedNote(const VELHLSFinding& finding) {
+    if (finding.suppressed == 0) return {};
+    return " (" + std::to_string(finding.suppressed) + " more are not listed)";
+}
+
+/// What is annotated.
+struct Note {
+    std::string_view command;
+    std::size_t line;
+    CharacterPlace place;
+    std::string title;
+    std::string message;
+};
+
+std::string annotationOf(const std::string& path, const Note& note) {
+    return "::" + std::string(note.command) + " " + fileProperty(path) + "line=" + std::to_string(note.line) +
+           ",col=" + std::to_string(note.place.column) +
+           ",endColumn=" + std::to_string(note.place.column + note.place.length) +
+           ",title=" + propertyOf(note.title) + "::" + messageOf(note.message) + "\n";
+}
+
+Note noteOf(const VELHLSFinding& finding, CharacterPlaces& places) {
+    return {commandOf(finding.severity), finding.line,
+            places.of(finding.line, finding.column, finding.length), finding.ruleId,
+            finding.message + suppressedNote(finding)};
+}
+
+Note noteOf(const VELHLSReason& reason, CharacterPlaces& places) {
+    return {"notice", reason.line, places.of(reason.line, reason.column, reason.length),
+            "rejected: " + reason.ruleId, reason.message};
+}
+
+std::string failureAnnotation(const CheckedFile& file) {
+    return "::error " + fileProperty(file.path) + "title=not read::" + messageOf(file.failure) + "\n";
+}
+
+}  // namespace
+
+void GithubReport::add(const CheckedFile& file) {
+    if (!file.failure.empty()) return writeToStandardOutput(failureAnnotation(file));
+    CharacterPlaces places(file.text);
+    std::string report;
+    for (const VELHLSFinding& finding : file.findings)
+        report += annotationOf(file.path, noteOf(finding, places));
+    if (file.rejected) report += annotationOf(file.path, noteOf(*file.rejected, places));
+    writeToStandardOutput(report);
+}
+
+void GithubReport::end(const CheckSummary& /*summary*/) {}
+
+}  // namespace tool
