@@ -173,10 +173,8 @@ void findReused(const CheckedUpdate& update, const Tell& tell) {
 void findOtherValue(const CheckedUpdate& update, const Tell& tell) {
     forEachOf(update, Aspect::dateRangeValue, [&](const Difference& difference) {
         if (difference.change.kind == VELHLSChange::Added) return;
-        constexpr std::string_view prefix = "date range ";
-        const std::string_view id = std::string_view(difference.change.path).substr(prefix.size());
-        const DateRange* const before = update.rangesBefore.find(id);
-        const DateRange* const now = update.rangesNow.find(id);
+        const DateRange* const before = update.rangesBefore.find(difference.id);
+        const DateRange* const now = update.rangesNow.find(difference.id);
         const bool isGone = difference.change.kind == VELHLSChange::Removed;
         // A whole tag that went is another matter.
         if (isGone && (isPartly(update) || now->tagCount < before->tagCount)) return;

@@ -132,7 +132,7 @@ constexpr UpdateEntry rules[] = {
        "no EXT-X-PLAYLIST-TYPE where segments are removed", "RFC 8216, section 6.2.2", false}, "MUST NOT"}, findRemovalFromTyped},
     {{{"new-segment-missing", error, "A playlist without EXT-X-ENDLIST has changed, and has no new segment.",
        "a new segment in a new version", "RFC 8216, section 6.2.1", false}, "MUST"}, findNoNewSegment},
-    {{{"new-version-late", warning, "A live playlist has fewer new segments than target durations have passed, by half as much again.",
+    {{{"new-version-late", warning, "A live playlist lacks new segments for the time that has passed.",
        "a new version no later than 1.5 target durations after the last", "RFC 8216, section 6.2.1", false}, "MUST"}, findLate},
     {{{"new-version-early", note, "A live playlist has a new segment after less than half a target duration, if the version before was new.",
        "a new version no earlier than half a target duration after the last", "RFC 8216, section 6.2.1", false}, "MUST"}, findEarly},
