@@ -84,12 +84,11 @@ TEST(ExplainCommand, ShowsThePageOfARule) {
     EXPECT_EQ(outcome.output, contentOf(VELHLS_SOURCE "/docs/rules/variant-bandwidth-zero.md"));
 }
 
-TEST(ExplainCommand, ShowsThePagesOfBothVoices) {
+TEST(ExplainCommand, ShowsThePagesOfAllProfiles) {
     EXPECT_EQ(velhls({"explain", "rendition-report-absolute"}).output,
-              contentOf(VELHLS_SOURCE "/docs/standard/rendition-report-absolute.md"));
-    EXPECT_EQ(velhls({"explain", "version-too-low"}).output,
-              contentOf(VELHLS_SOURCE "/docs/standard/version-too-low.md") + "\n" +
-                  contentOf(VELHLS_SOURCE "/docs/rules/version-too-low.md"));
+              contentOf(VELHLS_SOURCE "/docs/rules/rendition-report-absolute.md"));
+    EXPECT_EQ(velhls({"explain", "authoring-target-duration"}).output,
+              contentOf(VELHLS_SOURCE "/docs/rules/authoring-target-duration.md"));
 }
 
 TEST(ExplainCommand, OffersRulesWithNearNames) {
