@@ -1,4 +1,4 @@
-# Writes OUTPUT, a C++ source with the pages of the folders STANDARD and LIBRARY as texts: what `velhls explain` prints.
+# Writes OUTPUT, a C++ source with the pages of the folders STANDARD, COMPARISON and LIBRARY as texts: what `velhls explain` prints.
 function(read_pages rows folder)
     file(GLOB pages ${folder}/*.md)
     list(SORT pages)
@@ -14,6 +14,7 @@ function(read_pages rows folder)
 endfunction()
 
 read_pages(standard ${STANDARD})
+read_pages(comparison ${COMPARISON})
 read_pages(library ${LIBRARY})
 set(source "#include \"tool/RulePages.h\"
 
@@ -26,7 +27,7 @@ struct Page {
 };
 
 constexpr Page standardPages[] = {
-${standard}};
+${standard}${comparison}};
 
 constexpr Page libraryPages[] = {
 ${library}};

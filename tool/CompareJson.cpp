@@ -1,6 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tool/CompareReport.h"
+#include "tool/FindingJson.h"
 #include "tool/JsonText.h"
 
 namespace tool {
@@ -23,18 +24,8 @@ Json changeAsJson(const VELHLSChange& change) {
 }
 
 Json findingAsJson(const ComparedPair& pair, const VELHLSFinding& finding) {
-    Json json = {{"rule", finding.ruleId},
-                 {"profile", finding.profile},
-                 {"clause", finding.clause},
-                 {"level", finding.level},
-                 {"severity", VELHLSFinding::textOf(finding.severity)},
-                 {"line", finding.line},
-                 {"column", finding.column},
-                 {"length", finding.length},
-                 {"message", finding.message},
-                 {"source", finding.source},
-                 {"suppressed", finding.suppressed},
-                 {"related", Json::array()}};
+    Json json = tool::findingAsJson(finding);
+    json["related"] = Json::array();
     for (const VELHLSRelatedPlace& place : finding.related) {
         json["related"].push_back({{"path", pair.oldPath},
                                    {"line", place.line},

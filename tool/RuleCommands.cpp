@@ -121,12 +121,16 @@ std::string pagesOf(const std::string& id) {
     return text + std::string(ofLibrary);
 }
 
+std::string whyNoPage(const std::string& id) {
+    return pagesOf(id).empty() ? whyNoRule(id) : std::string();
+}
+
 void addExplainCommand(CLI::App& app) {
     CLI::App* const command = app.add_subcommand("explain", "Show the page of a rule");
     const auto rule = std::make_shared<std::string>();
-    command->add_option("RULE", *rule, "The rule, as check names it in brackets")
+    command->add_option("RULE", *rule, "The rule, as check and compare name it in brackets")
         ->required()
-        ->check(CLI::Validator(whyNoRule, "RULE"));
+        ->check(CLI::Validator(whyNoPage, "RULE"));
     command->callback([rule] { writeToStandardOutput(pagesOf(*rule)); });
 }
 

@@ -7,7 +7,8 @@
 
 namespace tool {
 
-/// The page of the rule with this id in docs/standard, or docs/rules for those of the library; empty for an unknown one.
+/// The page of the rule with this id in docs/standard or docs/comparison, or docs/rules for those of the library; empty for
+/// an unknown one.
 [[nodiscard]] std::string_view pageOfStandard(std::string_view ruleId);
 [[nodiscard]] std::string_view pageOfLibrary(std::string_view ruleId);
 
