@@ -2,8 +2,16 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <set>
 #include <string>
+#include <system_error>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 #include "tool/InputFile.h"
 
@@ -23,18 +31,48 @@ void read(CheckedFile& file, const Input& input, std::size_t mostBytes) {
     }
 }
 
-CheckedFile checkInput(const Input& input, const CheckRequest& request) {
-    CheckedFile file;
-    read(file, input, request.mostBytes);
-    if (!file.failure.empty()) return file;
-    VELHLSDiagnostics::Report report = VELHLSDiagnostics::check(file.text, request.options);
+/// Checks the text by itself.
+std::vector<VELHLSFinding> checkText(CheckedFile& file, const VELHLSDiagnostics::Options& options) {
+    VELHLSDiagnostics::Report report = VELHLSDiagnostics::check(file.text, options);
     file.kind = report.kind;
     file.rejected = std::move(report.rejected);
-    file.findings = request.choice.chosenOf(std::move(report.findings));
+    return std::move(report.findings);
+}
+
+void choose(CheckedFile& file, std::vector<VELHLSFinding> findings, const FindingChoice& choice) {
+    file.findings = choice.chosenOf(std::move(findings));
     for (const VELHLSFinding& finding : file.findings)
         file.counts.add(finding);
-    file.findings = request.choice.shownOf(std::move(file.findings));
-    return file;
+    file.findings = choice.shownOf(std::move(file.findings));
+}
+
+/// Takes the findings of a file from those of its presentation.
+std::vector<VELHLSFinding> takeOf(const std::string& path, std::vector<VELHLSFinding>& findings) {
+    const auto own =
+        std::stable_partition(findings.begin(), findings.end(),
+                              [&path](const VELHLSFinding& finding) { return finding.uri != path; });
+    std::vector<VELHLSFinding> taken(std::make_move_iterator(own), std::make_move_iterator(findings.end()));
+    findings.erase(own, findings.end());
+    return taken;
+}
+
+/// Puts both together, in the order of the places.
+std::vector<VELHLSFinding> joined(std::vector<VELHLSFinding> ofText,
+                                  std::vector<VELHLSFinding> ofPresentation) {
+    if (ofPresentation.empty()) return ofText;
+    ofText.insert(ofText.end(), std::make_move_iterator(ofPresentation.begin()),
+                  std::make_move_iterator(ofPresentation.end()));
+    std::stable_sort(ofText.begin(), ofText.end(), [](const VELHLSFinding& left, const VELHLSFinding& right) {
+        return std::tie(left.line, left.column) < std::tie(right.line, right.column);
+    });
+    return ofText;
+}
+
+/// The path without links; empty where there is none.
+std::string realPathOf(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path real = std::filesystem::canonical(path, failure);
+    return failure ? std::string() : real.string();
 }
 
 ExitStatus statusOf(const CheckedFile& file, const FindingChoice& choice) {
@@ -45,6 +83,10 @@ ExitStatus statusOf(const CheckedFile& file, const FindingChoice& choice) {
 void add(CheckSummary& summary, const CheckedFile& file, ExitStatus status) {
     ++(file.failure.empty() ? summary.filesRead : summary.filesNotRead);
     if (file.rejected) ++summary.filesRejected;
+    if (file.followed) {
+        summary.urisOfNetwork += file.followed->network;
+        summary.urisWithVariables += file.followed->variable;
+    }
     summary.counts.add(file.counts);
     summary.status = std::max(summary.status, status);
 }
@@ -55,21 +97,85 @@ void tellFailure(const CheckedFile& file, const ReportStyle& style) {
     static_cast<void>(std::fprintf(stderr, "%s\n", file.failure.c_str()));
 }
 
+/// Checks one input after the other, and what is followed from them.
+class CheckRun {
+  public:
+    explicit CheckRun(const CheckRequest& request) : request_(request), report_(reportOf(request)) {}
+
+    ExitStatus run() {
+        InputWalk walk(request_.inputs);
+        while (const std::optional<Input> input = walk.next())
+            check(*input);
+        summary_.linksLeftOut = walk.linksLeftOut();
+        report_->end(summary_);
+        return summary_.status;
+    }
+
+  private:
+    void check(const Input& input) {
+        std::string realPath;
+        if (request_.follow.isAsked && input.path != standardInput) realPath = realPathOf(input.path);
+        if (!realPath.empty() && !checked_.insert(realPath).second) return;
+        CheckedFile file;
+        read(file, input, request_.mostBytes);
+        if (!file.failure.empty()) return tell(file);
+        std::vector<VELHLSFinding> findings = checkText(file, request_.options);
+        const bool isFollowed = request_.follow.isAsked && file.kind == PlaylistKind::Master;
+        if (isFollowed) return follow(std::move(file), std::move(findings));
+        choose(file, std::move(findings), request_.choice);
+        tell(file);
+    }
+
+    void follow(CheckedFile file, std::vector<VELHLSFinding> findings) {
+        try {
+            const PresentationFiles files(file.path, file.text, request_.follow, request_.mostBytes);
+            std::vector<VELHLSFinding> ofPresentation = files.findings(request_.options.profiles);
+            file.followed = files.uris();
+            choose(file, joined(std::move(findings), takeOf(file.path, ofPresentation)), request_.choice);
+            tell(file);
+            for (const PresentationFile& each : files.files()) {
+                if (each.use == VELHLSPresentation::Use::Playlist) checkFollowed(each, ofPresentation);
+            }
+        } catch (const Failure& failure) {
+            file.failure = failure.what();
+            tell(file);
+        }
+    }
+
+    void checkFollowed(const PresentationFile& followed, std::vector<VELHLSFinding>& ofPresentation) {
+        CheckedFile file;
+        file.path = followed.path;
+        file.name = nameInMessages(followed.path);
+        file.text = followed.document.text();
+        VELHLSDiagnostics::Options options = request_.options;
+        options.kind = VELHLSDiagnostics::Detect;
+        std::vector<VELHLSFinding> findings = checkText(file, options);
+        std::vector<VELHLSFinding> own = takeOf(followed.path, ofPresentation);
+        // Another input was it, or another presentation's playlist.
+        const bool isNew = checked_.insert(followed.realPath).second;
+        if (!isNew && own.empty()) return;
+        if (!isNew) findings.clear();
+        choose(file, joined(std::move(findings), std::move(own)), request_.choice);
+        tell(file);
+    }
+
+    void tell(const CheckedFile& file) {
+        add(summary_, file, statusOf(file, request_.choice));
+        tellFailure(file, request_.style);
+        report_->add(file);
+    }
+
+    const CheckRequest& request_;
+    std::unique_ptr<Report> report_;
+    CheckSummary summary_;
+    /// The real paths of what was told.
+    std::set<std::string> checked_;
+};
+
 }  // namespace
 
 ExitStatus check(const CheckRequest& request) {
-    const std::unique_ptr<Report> report = reportOf(request);
-    CheckSummary summary;
-    InputWalk walk(request.inputs);
-    while (const std::optional<Input> input = walk.next()) {
-        const CheckedFile file = checkInput(*input, request);
-        add(summary, file, statusOf(file, request.choice));
-        tellFailure(file, request.style);
-        report->add(file);
-    }
-    summary.linksLeftOut = walk.linksLeftOut();
-    report->end(summary);
-    return summary.status;
+    return CheckRun(request).run();
 }
 
 }  // namespace tool

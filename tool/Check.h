@@ -7,6 +7,7 @@
 #include "tool/Failure.h"
 #include "tool/FindingChoice.h"
 #include "tool/InputNames.h"
+#include "tool/Presentation.h"
 #include "tool/Report.h"
 
 namespace tool {
@@ -16,6 +17,7 @@ struct CheckRequest {
     InputNames inputs;
     /// What to read them as, and by whose rules.
     VELHLSDiagnostics::Options options;
+    FollowRequest follow;
     FindingChoice choice;
     ReportStyle style;
     /// The most that is read of each file.
@@ -23,7 +25,10 @@ struct CheckRequest {
 };
 
 /// Checks all files and writes what was found to standard output; files that cannot be read are told of on
-/// standard error. The exit status is the worst of all files. One file at a time is held in memory.
+/// standard error. The exit status is the worst of all files. One file at a time is held in memory, or one presentation.
+///
+/// A master playlist that is followed comes before its playlists. What was checked in one presentation is not checked again by
+/// itself.
 [[nodiscard]] ExitStatus check(const CheckRequest& request);
 
 }  // namespace tool

@@ -34,7 +34,7 @@ void addCompareCommand(CLI::App& app, CompareRequest& request, ExitStatus& statu
         ->capture_default_str();
     command->add_flag("--quiet", request.quiet,
                       "Leave the changes out of the text, and write the findings alone");
-    addMostBytesOption(*command, request.mostBytes);
+    addMaxBytesOption(*command, request.mostBytes);
     command->callback([&request, &status] { status = compare(request); });
 }
 

@@ -23,19 +23,6 @@ Json changeAsJson(const VELHLSChange& change) {
             {"newLine", lineAsJson(change.newLine)}};
 }
 
-Json findingAsJson(const ComparedPair& pair, const VELHLSFinding& finding) {
-    Json json = tool::findingAsJson(finding);
-    json["related"] = Json::array();
-    for (const VELHLSRelatedPlace& place : finding.related) {
-        json["related"].push_back({{"path", pair.oldPath},
-                                   {"line", place.line},
-                                   {"column", place.column},
-                                   {"length", place.length},
-                                   {"message", place.message}});
-    }
-    return json;
-}
-
 void addPair(const ComparedPair& pair, Json& json) {
     json["old"] = pair.oldPath;
     json["new"] = pair.newPath;
@@ -49,7 +36,7 @@ void addPair(const ComparedPair& pair, Json& json) {
         json["changes"].push_back(changeAsJson(change));
     json["findings"] = Json::array();
     for (const VELHLSFinding& finding : pair.comparison.findings)
-        json["findings"].push_back(findingAsJson(pair, finding));
+        json["findings"].push_back(findingAsJson(pair.oldPath, finding));
 }
 
 Json summaryAsJson(const SeriesSummary& summary) {

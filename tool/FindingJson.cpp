@@ -2,18 +2,27 @@
 
 namespace tool {
 
-nlohmann::ordered_json findingAsJson(const VELHLSFinding& finding) {
-    return {{"rule", finding.ruleId},
-            {"profile", finding.profile},
-            {"clause", finding.clause},
-            {"level", finding.level},
-            {"severity", VELHLSFinding::textOf(finding.severity)},
-            {"line", finding.line},
-            {"column", finding.column},
-            {"length", finding.length},
-            {"message", finding.message},
-            {"source", finding.source},
-            {"suppressed", finding.suppressed}};
+nlohmann::ordered_json findingAsJson(const std::string& path, const VELHLSFinding& finding) {
+    nlohmann::ordered_json json = {{"rule", finding.ruleId},
+                                   {"profile", finding.profile},
+                                   {"clause", finding.clause},
+                                   {"level", finding.level},
+                                   {"severity", VELHLSFinding::textOf(finding.severity)},
+                                   {"line", finding.line},
+                                   {"column", finding.column},
+                                   {"length", finding.length},
+                                   {"message", finding.message},
+                                   {"source", finding.source},
+                                   {"suppressed", finding.suppressed},
+                                   {"related", nlohmann::ordered_json::array()}};
+    for (const VELHLSRelatedPlace& place : finding.related) {
+        json["related"].push_back({{"path", place.uri.empty() ? path : place.uri},
+                                   {"line", place.line},
+                                   {"column", place.column},
+                                   {"length", place.length},
+                                   {"message", place.message}});
+    }
+    return json;
 }
 
 nlohmann::ordered_json rejectionAsJson(const std::optional<VELHLSReason>& reason) {

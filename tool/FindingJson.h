@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -9,8 +10,8 @@
 
 namespace tool {
 
-/// A finding as all commands write it.
-[[nodiscard]] nlohmann::ordered_json findingAsJson(const VELHLSFinding& finding);
+/// A finding in the file with this path. Its related places without a URI are in the same file.
+[[nodiscard]] nlohmann::ordered_json findingAsJson(const std::string& path, const VELHLSFinding& finding);
 
 /// Why the models reject a playlist; null when they do not.
 [[nodiscard]] nlohmann::ordered_json rejectionAsJson(const std::optional<VELHLSReason>& reason);

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "tool/CharacterPlace.h"
+#include "tool/InputFile.h"
 #include "tool/Printable.h"
 #include "tool/Utf8.h"
 
@@ -66,6 +67,16 @@ std::string suppressedNote(const std::string& name, const VELHLSFinding& finding
            "] are not listed\n";
 }
 
+/// The other places that a finding speaks of, a line each.
+std::string relatedNotes(const std::string& name, const VELHLSFinding& finding) {
+    std::string text;
+    for (const VELHLSRelatedPlace& place : finding.related) {
+        text += (place.uri.empty() ? name : nameInMessages(place.uri)) + ":" + std::to_string(place.line) +
+                ":" + std::to_string(place.column) + ": note: " + printable(place.message) + "\n";
+    }
+    return text;
+}
+
 std::string describeAt(const std::string& place, const std::string& name, const VELHLSFinding& finding) {
     std::string text = place + " " + std::string(VELHLSFinding::textOf(finding.severity)) + ": " +
                        printable(finding.message) + " [" + finding.ruleId + "]";
@@ -118,7 +129,7 @@ std::string describeWithLine(const std::string& name, const VELHLSFinding& findi
     text += "    " + before + coloured(place, colour, inColour) + printable(window.after) + "\n";
     text += "    " + std::string(utf8::countCharacters(before), ' ') +
             coloured("^" + std::string(width - 1, '~'), green, inColour) + "\n";
-    return text + suppressedNote(name, finding);
+    return text + relatedNotes(name, finding) + suppressedNote(name, finding);
 }
 
 FindingStyle findingStyleOf(const std::string& colour) {
@@ -132,7 +143,7 @@ std::string describeAll(const std::string& name, std::string_view text,
     if (style.hasLines) return describeAllWithLines(name, text, findings, style.inColour);
     std::string report;
     for (const VELHLSFinding& finding : findings)
-        report += describe(name, finding) + "\n";
+        report += describe(name, finding) + "\n" + relatedNotes(name, finding);
     return report;
 }
 

@@ -51,6 +51,14 @@ std::string suppressedNote(const VELHLSFinding& finding) {
     return " (" + std::to_string(finding.suppressed) + " more are not listed)";
 }
 
+/// The first of the other places that a finding speaks of.
+std::string relatedNote(const std::string& path, const VELHLSFinding& finding) {
+    if (finding.related.empty()) return {};
+    const VELHLSRelatedPlace& place = finding.related.front();
+    const std::string& file = place.uri.empty() ? path : place.uri;
+    return "; " + file + ":" + std::to_string(place.line) + ": " + place.message;
+}
+
 /// What is annotated.
 struct Note {
     std::string_view command;
@@ -67,10 +75,10 @@ std::string annotationOf(const std::string& path, const Note& note) {
            ",title=" + propertyOf(note.title) + "::" + messageOf(note.message) + "\n";
 }
 
-Note noteOf(const VELHLSFinding& finding, CharacterPlaces& places) {
+Note noteOf(const std::string& path, const VELHLSFinding& finding, CharacterPlaces& places) {
     return {commandOf(finding.severity), finding.line,
             places.of(finding.line, finding.column, finding.length), finding.ruleId,
-            finding.message + suppressedNote(finding)};
+            finding.message + relatedNote(path, finding) + suppressedNote(finding)};
 }
 
 Note noteOf(const VELHLSReason& reason, CharacterPlaces& places) {
@@ -89,7 +97,7 @@ void GithubReport::add(const CheckedFile& file) {
     CharacterPlaces places(file.text);
     std::string report;
     for (const VELHLSFinding& finding : file.findings)
-        report += annotationOf(file.path, noteOf(finding, places));
+        report += annotationOf(file.path, noteOf(file.path, finding, places));
     if (file.rejected) report += annotationOf(file.path, noteOf(*file.rejected, places));
     writeToStandardOutput(report);
 }

@@ -25,19 +25,24 @@ bool isRegular(int descriptor) {
     return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-int open(const std::string& path, InputKind kind) {
-    if (path == standardInput && kind == InputKind::Any) return STDIN_FILENO;
-    // A name with a NUL byte would open the file whose name ends before it.
-    if (path.find('\0') != std::string::npos) fail(path, "its name holds a NUL byte");
+/// Relative to a folder that is open; the path is for messages.
+int openIn(int folder, const std::string& name, InputKind kind, const std::string& path) {
     // A pipe without a writer would be waited for.
     const int carefully = kind == InputKind::Regular ? O_NOFOLLOW | O_NONBLOCK : 0;
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | carefully);
+    const int descriptor = ::openat(folder, name.c_str(), O_RDONLY | O_CLOEXEC | carefully);
     if (descriptor < 0) fail(path, std::strerror(errno));
     if (kind == InputKind::Regular && !isRegular(descriptor)) {
         static_cast<void>(::close(descriptor));
         fail(path, "not a regular file");
     }
     return descriptor;
+}
+
+int open(const std::string& path, InputKind kind) {
+    if (path == standardInput && kind == InputKind::Any) return STDIN_FILENO;
+    // A name with a NUL byte would open the file whose name ends before it.
+    if (path.find('\0') != std::string::npos) fail(path, "its name holds a NUL byte");
+    return openIn(AT_FDCWD, path, kind, path);
 }
 
 }  // namespace
@@ -47,6 +52,9 @@ std::string nameInMessages(const std::string& path) {
 }
 
 InputFile::InputFile(const std::string& path, InputKind kind) : path_(path), descriptor_(open(path, kind)) {}
+
+InputFile::InputFile(const std::string& path, int folder, const std::string& name)
+    : path_(path), descriptor_(openIn(folder, name, InputKind::Regular, path)) {}
 
 InputFile::~InputFile() {
     if (descriptor_ != STDIN_FILENO) static_cast<void>(::close(descriptor_));
@@ -67,8 +75,12 @@ std::size_t InputFile::size() const {
 }
 
 std::string contentOf(const std::string& path, std::size_t mostBytes, InputKind kind) {
-    constexpr std::size_t blockSize = std::size_t{64} << 10;
     InputFile file(path, kind);
+    return contentOf(file, path, mostBytes);
+}
+
+std::string contentOf(InputFile& file, const std::string& path, std::size_t mostBytes) {
+    constexpr std::size_t blockSize = std::size_t{64} << 10;
     const std::size_t expected = file.size();
     if (expected > mostBytes) failAsTooLarge(path, mostBytes);
     std::string content;

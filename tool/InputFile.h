@@ -25,6 +25,9 @@ class InputFile {
   public:
     /// Opens the file, or takes standard input for "-". Throws a Failure when that cannot be done.
     explicit InputFile(const std::string& path, InputKind kind = InputKind::Any);
+
+    /// Opens a regular file that is no link in a folder that is open; the path is for messages.
+    InputFile(const std::string& path, int folder, const std::string& name);
     ~InputFile();
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
@@ -45,5 +48,8 @@ class InputFile {
 /// than so many bytes; no more of it is then held in memory.
 [[nodiscard]] std::string contentOf(const std::string& path, std::size_t mostBytes,
                                     InputKind kind = InputKind::Any);
+
+/// The same for what is left of an open file; the path is for messages.
+[[nodiscard]] std::string contentOf(InputFile& file, const std::string& path, std::size_t mostBytes);
 
 }  // namespace tool

@@ -27,9 +27,16 @@ Json fileAsJson(const CheckedFile& file) {
     const bool isPlaylist = file.kind != PlaylistKind::Detect;
     json["kind"] = isPlaylist ? Json(nameOf(file.kind)) : Json();
     json["rejected"] = rejectionAsJson(file.rejected);
+    if (file.followed) {
+        json["followed"] = {{"read", file.followed->read},
+                            {"missing", file.followed->missing},
+                            {"refused", file.followed->refused},
+                            {"network", file.followed->network},
+                            {"variable", file.followed->variable}};
+    }
     json["findings"] = Json::array();
     for (const VELHLSFinding& finding : file.findings)
-        json["findings"].push_back(findingAsJson(finding));
+        json["findings"].push_back(findingAsJson(file.path, finding));
     return json;
 }
 

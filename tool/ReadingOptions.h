@@ -14,6 +14,6 @@ namespace tool {
 void addReadingOptions(CLI::App& command, PlaylistKind& kind, std::size_t& mostBytes);
 
 /// Adds --max-bytes alone.
-void addMostBytesOption(CLI::App& command, std::size_t& mostBytes);
+void addMaxBytesOption(CLI::App& command, std::size_t& mostBytes);
 
 }  // namespace tool

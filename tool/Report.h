@@ -12,6 +12,7 @@
 #include "tool/Failure.h"
 #include "tool/FindingChoice.h"
 #include "tool/PlaylistKind.h"
+#include "tool/Presentation.h"
 
 namespace tool {
 
@@ -28,6 +29,8 @@ struct CheckedFile {
     std::vector<VELHLSFinding> findings;
     /// What was found, shown or not.
     FindingCounts counts;
+    /// What came of the URIs of a master playlist that was followed.
+    std::optional<FollowedUris> followed;
     /// Why the models reject the playlist, if they do, whatever was found.
     std::optional<VELHLSReason> rejected;
 };
@@ -38,6 +41,9 @@ struct CheckSummary {
     std::size_t filesNotRead = 0;
     std::size_t filesRejected = 0;
     std::size_t linksLeftOut = 0;
+    /// URIs of playlists that were followed.
+    std::size_t urisOfNetwork = 0;
+    std::size_t urisWithVariables = 0;
     FindingCounts counts;
     ExitStatus status = success;
 };

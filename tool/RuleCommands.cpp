@@ -113,16 +113,9 @@ void addRulesCommand(CLI::App& app) {
     });
 }
 
-/// Both voices may have a rule of one name.
-std::string pagesOf(const std::string& id) {
-    std::string text(pageOfStandard(id));
-    const std::string_view ofLibrary = pageOfLibrary(id);
-    if (!text.empty() && !ofLibrary.empty()) text += "\n";
-    return text + std::string(ofLibrary);
-}
-
+/// Those of compare have pages too.
 std::string whyNoPage(const std::string& id) {
-    return pagesOf(id).empty() ? whyNoRule(id) : std::string();
+    return pageOf(id).empty() ? whyNoRule(id) : std::string();
 }
 
 void addExplainCommand(CLI::App& app) {
@@ -131,7 +124,7 @@ void addExplainCommand(CLI::App& app) {
     command->add_option("RULE", *rule, "The rule, as check and compare name it in brackets")
         ->required()
         ->check(CLI::Validator(whyNoPage, "RULE"));
-    command->callback([rule] { writeToStandardOutput(pagesOf(*rule)); });
+    command->callback([rule] { writeToStandardOutput(pageOf(*rule)); });
 }
 
 }  // namespace

@@ -121,16 +121,31 @@ Json propertiesOf(const VELHLSFinding& finding) {
     return properties;
 }
 
+/// Of other texts, which are not at hand here, the line alone: columns are characters.
+Json relatedLocationsOf(const std::string& path, const VELHLSFinding& finding) {
+    Json locations = Json::array();
+    for (const VELHLSRelatedPlace& place : finding.related) {
+        const std::string& file = place.uri.empty() ? path : place.uri;
+        locations.push_back(
+            {{"physicalLocation",
+              {{"artifactLocation", {{"uri", uriOf(file)}}}, {"region", {{"startLine", place.line}}}}},
+             {"message", {{"text", place.message}}}});
+    }
+    return locations;
+}
+
 Json resultOf(const std::string& path, const VELHLSFinding& finding, CharacterPlaces& places,
               Fingerprints& fingerprints) {
     const CharacterPlace place = places.of(finding.line, finding.column, finding.length);
-    return {{"ruleId", finding.ruleId},
-            {"level", VELHLSFinding::textOf(finding.severity)},
-            {"message", {{"text", finding.message}}},
-            {"locations", Json::array({locationOf(path, finding.line, place)})},
-            {"partialFingerprints",
-             {{"ruleAndLine/v1", fingerprints.next(finding, places.lineNumbered(finding.line))}}},
-            {"properties", propertiesOf(finding)}};
+    Json result = {{"ruleId", finding.ruleId},
+                   {"level", VELHLSFinding::textOf(finding.severity)},
+                   {"message", {{"text", finding.message}}},
+                   {"locations", Json::array({locationOf(path, finding.line, place)})},
+                   {"partialFingerprints",
+                    {{"ruleAndLine/v1", fingerprints.next(finding, places.lineNumbered(finding.line))}}},
+                   {"properties", propertiesOf(finding)}};
+    if (!finding.related.empty()) result["relatedLocations"] = relatedLocationsOf(path, finding);
+    return result;
 }
 
 Json rejectionOf(const std::string& path, const VELHLSReason& reason, CharacterPlaces& places) {
@@ -168,7 +183,9 @@ void SarifReport::add(const CheckedFile& file) {
     std::string results;
     for (const VELHLSFinding& finding : file.findings) {
         Json result = resultOf(file.path, finding, places, fingerprints);
-        result["ruleIndex"] = ruleIndices_.at(finding.ruleId);
+        // What was not read is told whatever profiles are asked for.
+        const auto index = ruleIndices_.find(finding.ruleId);
+        if (index != ruleIndices_.end()) result["ruleIndex"] = index->second;
         results += text_.element(result);
     }
     if (file.rejected) notifications_.push_back(rejectionOf(file.path, *file.rejected, places));

@@ -28,7 +28,11 @@ std::string describe(const CheckSummary& summary, VELHLSFinding::Severity leastS
     if (summary.filesRejected != 0) text += ", " + std::to_string(summary.filesRejected) + " rejected";
     if (summary.filesNotRead != 0) text += ", " + counted(summary.filesNotRead, "input") + " not read";
     if (summary.linksLeftOut != 0) text += ", " + counted(summary.linksLeftOut, "link") + " not followed";
-    return text + "\n";
+    if (summary.urisOfNetwork != 0) text += ", " + counted(summary.urisOfNetwork, "URI") + " of the network";
+    if (summary.urisWithVariables != 0)
+        text += ", " + counted(summary.urisWithVariables, "URI") + " with variables";
+    const bool hasOthers = summary.urisOfNetwork + summary.urisWithVariables != 0;
+    return text + (hasOthers ? " not followed\n" : "\n");
 }
 
 }  // namespace

@@ -75,7 +75,7 @@ TEST(VELHLSPresentation, TellsOfWhatWasNotReadWithTheReason) {
     ASSERT_EQ(rulesIn(findings, VELHLSFinding::Note), "resource-not-read") << shown(findings);
     EXPECT_EQ(findings.front().message,
               "expected a URI that may be followed, seen \"mid/video.m3u8\": it is a folder");
-    EXPECT_EQ(findings.front().profile, "");
+    EXPECT_EQ(findings.front().profile, "library");
     EXPECT_EQ(findings.front().clause, "");
 }
 

@@ -364,7 +364,7 @@ class SegmentComparer {
     }
 
     void compareDiscontinuities(const Side& before, const Side& now) {
-        constexpr std::size_t tag = tagIndex(tag::discontinuity);
+        constexpr std::size_t tag = tagIndexOf<tag::discontinuity>;
         const std::size_t count = before_.countOf(tag, before.index);
         const std::size_t newCount = now_.countOf(tag, now.index);
         if (count == newCount) return;

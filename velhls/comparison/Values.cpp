@@ -91,10 +91,6 @@ std::string shortened(std::string_view text) {
     return std::string(text.substr(0, utf8::lengthOfWholeCharacters(text, longest))) + "...";
 }
 
-std::string inQuotes(std::string_view text) {
-    return quoted(text);
-}
-
 std::string dateText(std::int64_t microseconds) {
     constexpr std::int64_t second = 1000000;
     const std::int64_t fraction = (microseconds % second + second) % second;

@@ -24,9 +24,6 @@ void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect a
 /// The text, or of a long one its beginning and "...": what is named in many changes must not be long.
 [[nodiscard]] std::string shortened(std::string_view text);
 
-/// The text in double quotes, for messages; of a long one its start.
-[[nodiscard]] std::string inQuotes(std::string_view text);
-
 /// "2026-11-21T10:00:05.250Z" for microseconds since the epoch.
 [[nodiscard]] std::string dateText(std::int64_t microseconds);
 

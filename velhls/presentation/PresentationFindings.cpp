@@ -57,8 +57,9 @@ void PresentationFindings::add(const StandardRule& rule, StandardProfile profile
     const std::string_view expected = words.expected.empty() ? rule.rule.expected : words.expected;
     finding.message = messageOf(first.line.text, place, expected, seenIn(broken));
     finding.source = words.source.empty() ? rule.rule.source : words.source;
+    // What was not read is no matter of a profile.
+    finding.profile = rule.level.empty() ? "library" : VELHLSStandard::nameOf(profile);
     if (!rule.level.empty()) {
-        finding.profile = VELHLSStandard::nameOf(profile);
         finding.clause = clauseOf(finding.source);
         finding.level = rule.level;
     }
@@ -88,11 +89,7 @@ std::vector<VELHLSFinding> PresentationFindings::takeAll() {
     return findings;
 }
 
-std::string inQuotes(std::string_view text) {
-    return quoted(text);
-}
-
-std::string secondsText(double seconds) {
+std::string durationText(double seconds) {
     const long long milliseconds = std::llround(std::min(std::fabs(seconds), 1e12) * 1000.0);
     std::string fraction = std::to_string(1000 + milliseconds % 1000).substr(1);
     fraction.erase(fraction.find_last_not_of('0') + 1);

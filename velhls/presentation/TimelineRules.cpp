@@ -2,6 +2,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/presentation/Agreement.h"
 #include "velhls/presentation/Presentation.h"
 #include "velhls/presentation/Timelines.h"
@@ -56,7 +57,7 @@ void findDiscontinuities(const Presentation& presentation, const TellPresentatio
         [](const PresentationPlaylist& playlist, std::size_t place) {
             const TimedSegment& segment = playlist.segments()[place];
             return BrokenPlace{playlist.uriOf(segment),
-                               std::to_string(segment.discontinuity) + " at " + secondsText(segment.start)};
+                               std::to_string(segment.discontinuity) + " at " + durationText(segment.start)};
         });
 }
 
@@ -73,7 +74,7 @@ void findOtherLength(const Presentation& presentation, const TellPresentation& t
             return std::optional(SegmentPair{left.segments().size() - 1, right.segments().size() - 1});
         },
         [](const PresentationPlaylist& playlist, std::size_t place) {
-            return BrokenPlace{playlist.uriOf(playlist.segments()[place]), secondsText(playlist.duration())};
+            return BrokenPlace{playlist.uriOf(playlist.segments()[place]), durationText(playlist.duration())};
         });
 }
 
@@ -85,8 +86,8 @@ void findOtherDates(const Presentation& presentation, const TellPresentation& te
         },
         [](const PresentationPlaylist& playlist, std::size_t place) {
             const PresentationPlace date = playlist.dateOf(place);
-            return BrokenPlace{date, inQuotes(date.piece) + " up to the segment at " +
-                                         secondsText(playlist.segments()[place].start)};
+            return BrokenPlace{date, quoted(date.piece) + " up to the segment at " +
+                                         durationText(playlist.segments()[place].start)};
         });
 }
 

@@ -69,6 +69,6 @@ std::vector<VELHLSRule> VELHLSPresentation::rules(VELHLSStandard::Profile profil
         }
     }
     for (const velhls::PresentationEntry& entry : velhls::unreadResourceRules())
-        rules.push_back(entry.rule.rule);
+        rules.emplace_back(entry.rule.rule).profile = "library";
     return rules;
 }

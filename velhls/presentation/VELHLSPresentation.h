@@ -78,6 +78,6 @@ class VELHLS_CHECK_API VELHLSPresentation {
         const std::vector<VELHLSStandard::Profile>& profiles);
 
     /// All rules that the profile may find, in the order of the documentation; last that of resources that were not read, which is
-    /// told whatever profiles are asked for, and has none itself.
+    /// told whatever profiles are asked for, as one of the profile library.
     [[nodiscard]] static std::vector<VELHLSRule> rules(VELHLSStandard::Profile profile);
 };
