@@ -42,7 +42,9 @@ class BitRates {
 }  // namespace
 
 PresentationPlaylist::PresentationPlaylist(const PresentationText& text)
-    : text_(text), structure_(text.document), tags_(structure_, text.document.kind(), StandardProfile::rfc8216) {
+    : text_(text),
+      structure_(text.document),
+      tags_(structure_, text.document.kind(), StandardProfile::rfc8216) {
     for (const VELHLSLine line : text_.document.lines())
         tags_.add(line);
     findSegments();
