@@ -1,20 +1,14 @@
-# Writes OUTPUT, a C++ source with the pages of the folders STANDARD and LIBRARY as texts: what `velhls explain` prints.
-function(read_pages rows folder)
-    file(GLOB pages ${folder}/*.md)
-    list(SORT pages)
-    set(read "")
-    foreach(page IN LISTS pages)
-        get_filename_component(id ${page} NAME_WE)
-        if(NOT id STREQUAL "README")
-            file(READ ${page} text)
-            string(APPEND read "    {\"${id}\", R\"page(${text})page\"},\n")
-        endif()
-    endforeach()
-    set(${rows} "${read}" PARENT_SCOPE)
-endfunction()
-
-read_pages(standard ${STANDARD})
-read_pages(library ${LIBRARY})
+# Writes OUTPUT, a C++ source with the pages of the folder PAGES as texts: what `velhls explain` prints.
+file(GLOB pages ${PAGES}/*.md)
+list(SORT pages)
+set(rows "")
+foreach(page IN LISTS pages)
+    get_filename_component(id ${page} NAME_WE)
+    if(NOT id STREQUAL "README")
+        file(READ ${page} text)
+        string(APPEND rows "    {\"${id}\", R\"page(${text})page\"},\n")
+    endif()
+endforeach()
 set(source "#include \"tool/RulePages.h\"
 
 namespace tool {
@@ -25,28 +19,16 @@ struct Page {
     std::string_view text;
 };
 
-constexpr Page standardPages[] = {
-${standard}};
-
-constexpr Page libraryPages[] = {
-${library}};
-
-template <std::size_t count>
-std::string_view textOf(const Page (&pages)[count], std::string_view id) {
-    for (const Page& page : pages) {
-        if (page.id == id) return page.text;
-    }
-    return {};
-}
+constexpr Page pages[] = {
+${rows}};
 
 }  // namespace
 
-std::string_view pageOfStandard(std::string_view ruleId) {
-    return textOf(standardPages, ruleId);
-}
-
-std::string_view pageOfLibrary(std::string_view ruleId) {
-    return textOf(libraryPages, ruleId);
+std::string_view pageOf(std::string_view ruleId) {
+    for (const Page& page : pages) {
+        if (page.id == ruleId) return page.text;
+    }
+    return {};
 }
 
 }  // namespace tool

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tool/Edit.h"
+#include "tool/ReadingOptions.h"
 
 namespace tool {
 namespace {
@@ -80,10 +81,7 @@ void addEditCommand(CLI::App& app, EditRequest& request) {
 #endif
     command->footer(footer);
     command->add_option("FILE", request.input, "The playlist; - for standard input")->capture_default_str();
-    command->add_option("--max-bytes", request.mostBytes, "Read no playlist that has more bytes")
-        ->type_name("BYTES")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
-        ->capture_default_str();
+    addMaxBytesOption(*command, request.mostBytes);
     addOutputOptions(*command, request);
     addUriOptions(*command, request);
     addVariantOptions(*command, request);

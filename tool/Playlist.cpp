@@ -13,6 +13,7 @@
 #include "tool/Failure.h"
 #include "tool/FindingText.h"
 #include "tool/InputFile.h"
+#include "tool/Printable.h"
 
 namespace tool {
 namespace {
@@ -33,6 +34,17 @@ bool parse(Playlist& playlist) {
     return std::visit([](const auto& model) { return model != nullptr; }, playlist.model);
 }
 
+std::vector<VELHLSFinding> findingsOfLibrary(const std::string& text, PlaylistKind kind) {
+    return VELHLSDiagnostics::check(text, {kind, {VELHLSDiagnostics::Profile::library}}).findings;
+}
+
+constexpr std::string_view mapBeforeKey = "map-before-key";
+
+bool tellsOf(const std::vector<VELHLSFinding>& findings, std::string_view ruleId) {
+    return std::any_of(findings.begin(), findings.end(),
+                       [ruleId](const VELHLSFinding& finding) { return finding.ruleId == ruleId; });
+}
+
 /// Whether what the models do not render is written all the same as RFC 8216 wants it.
 bool isKeptByWriter(std::string_view ruleId, PlaylistKind kind) {
     constexpr std::array<std::string_view, 4> kept = {"byte-range-empty-not-written", "cue-not-written",
@@ -42,11 +54,6 @@ bool isKeptByWriter(std::string_view ruleId, PlaylistKind kind) {
     return isStartOfMaster || std::find(kept.begin(), kept.end(), ruleId) != kept.end();
 }
 
-std::vector<VELHLSFinding> findingsOfLibrary(const Playlist& playlist) {
-    return VELHLSDiagnostics::check(playlist.text, {playlist.kind, {VELHLSDiagnostics::Profile::library}})
-        .findings;
-}
-
 std::map<std::string_view, VELHLSRule> rulesOfLibrary() {
     std::map<std::string_view, VELHLSRule> rules;
     for (const VELHLSRule& rule : VELHLSDiagnostics::rules(VELHLSDiagnostics::Profile::library))
@@ -54,9 +61,28 @@ std::map<std::string_view, VELHLSRule> rulesOfLibrary() {
     return rules;
 }
 
+/// "EXT-X-KEY: KEYID: " before a sentence about an attribute of a tag, without what the sentence begins with; before one
+/// about a line that is no tag, the start of the line.
+std::string subjectOf(const VELHLSLine& line, const VELHLSFinding& finding, std::string_view sentence) {
+    if (line.name.empty()) return quotedExcerpt(line.text) + ": ";
+    std::string subject;
+    const auto name = [&](std::string_view what) {
+        if (sentence.substr(0, what.size()) != what) subject += printable(what) + ": ";
+    };
+    name(line.name);
+    const bool hasList =
+        line.definition != nullptr && line.definition->form == VELHLSTagDefinition::AttributeList;
+    if (!hasList) return subject;
+    for (const VELHLSAttribute& attribute : line.attributes()) {
+        const std::size_t start = line.column(attribute.text);
+        if (start <= finding.column && finding.column < start + attribute.text.size()) name(attribute.name);
+    }
+    return subject;
+}
+
 [[noreturn]] void reject(const Playlist& playlist) {
     std::string message;
-    for (const VELHLSFinding& finding : findingsOfLibrary(playlist)) {
+    for (const VELHLSFinding& finding : findingsOfLibrary(playlist.text, playlist.kind)) {
         if (finding.severity == VELHLSFinding::Error)
             message += describeByLine(playlist.name, finding) + "\n";
     }
@@ -102,17 +128,27 @@ std::string describeLosses(const Playlist& playlist, Writing writing) {
     const std::map<std::string_view, VELHLSRule> rules = rulesOfLibrary();
     std::vector<Loss> losses;
     std::map<std::string, std::size_t> indices;
-    for (const VELHLSFinding& finding : findingsOfLibrary(playlist)) {
+    const std::vector<VELHLSFinding> findings = findingsOfLibrary(playlist.text, playlist.kind);
+    // Only the written text shows whether the model let the writer know where a map belongs.
+    const bool keepsMaps =
+        writing == Writing::Conformant && tellsOf(findings, mapBeforeKey) &&
+        tellsOf(findingsOfLibrary(cleanText(playlist, writing), playlist.kind), mapBeforeKey);
+    for (const VELHLSFinding& finding : findings) {
         if (!rules.at(finding.ruleId).isLostWhenWritten) continue;
         if (writing == Writing::Conformant && isKeptByWriter(finding.ruleId, playlist.kind)) continue;
+        if (keepsMaps && finding.ruleId == mapBeforeKey) continue;
         const auto [index, isNew] = indices.emplace(finding.ruleId, losses.size());
         if (isNew) losses.push_back({finding, finding.suppressed});
         if (!isNew) losses[index->second].more += 1 + finding.suppressed;
     }
+    if (losses.empty()) return {};
+    const VELHLSDocument document(playlist.text);
     std::string text;
     for (const Loss& loss : losses) {
+        const std::string_view summary = rules.at(loss.first.ruleId).summary;
         text += playlist.name + ":" + std::to_string(loss.first.line) +
-                ": lost: " + std::string(rules.at(loss.first.ruleId).summary);
+                ": lost: " + subjectOf(document.line(loss.first.line), loss.first, summary) +
+                std::string(summary);
         if (loss.more != 0) text += " And " + std::to_string(loss.more) + " more.";
         text += " [" + loss.first.ruleId + "]\n";
     }

@@ -24,6 +24,10 @@ void addReadingOptions(CLI::App& command, PlaylistKind& kind, std::size_t& mostB
             "--kind", [&kind](const std::string& name) { kind = kindNamed(name); }, "What to read it as")
         ->check(CLI::IsMember({"auto", "master", "media"}))
         ->default_str("auto");
+    addMaxBytesOption(command, mostBytes);
+}
+
+void addMaxBytesOption(CLI::App& command, std::size_t& mostBytes) {
     command
         .add_option("--max-bytes", mostBytes,
                     "Read no playlist that has more bytes; 10k is 10,240, and m and g are more")

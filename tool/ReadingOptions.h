@@ -13,4 +13,7 @@ namespace tool {
 /// Adds --kind and --max-bytes, which the commands that read playlists have in common.
 void addReadingOptions(CLI::App& command, PlaylistKind& kind, std::size_t& mostBytes);
 
+/// Adds --max-bytes alone.
+void addMaxBytesOption(CLI::App& command, std::size_t& mostBytes);
+
 }  // namespace tool

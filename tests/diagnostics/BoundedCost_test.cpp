@@ -36,15 +36,15 @@ std::string largeVariable() {
 TEST(BoundedCost, PatternsThatComeToNothingUseUpWhatAllPatternsMayRead) {
     const std::string costly = hostile::patternOf("#EXTINF:6,\nsegment{$large}.ts\n", "0");
     const std::string cheap = hostile::patternOf("#EXTINF:6,\nsegment1.ts\n", "0");
-    const auto isCheapOneTooLargeBehind = [&](std::size_t patterns) {
-        const std::string inFront = largeVariable() + hostile::times(patterns, costly);
-        const auto line = static_cast<std::size_t>(std::count(inFront.begin(), inFront.end(), '\n')) + 1;
-        const std::vector<std::size_t> lines = linesWith("pattern-too-large", inFront + cheap);
+    const auto isCheapOneTooLargeAfter = [&](std::size_t patterns) {
+        const std::string before = largeVariable() + hostile::times(patterns, costly);
+        const auto line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
+        const std::vector<std::size_t> lines = linesWith("pattern-too-large", before + cheap);
         return std::count(lines.begin(), lines.end(), line) == 1;
     };
-    EXPECT_FALSE(isCheapOneTooLargeBehind(1));
-    EXPECT_FALSE(isCheapOneTooLargeBehind(30));
-    EXPECT_TRUE(isCheapOneTooLargeBehind(80));
+    EXPECT_FALSE(isCheapOneTooLargeAfter(1));
+    EXPECT_FALSE(isCheapOneTooLargeAfter(30));
+    EXPECT_TRUE(isCheapOneTooLargeAfter(80));
 }
 
 /// As many names as the hash of the standard library puts in one place, which is what the hash map is slow with.

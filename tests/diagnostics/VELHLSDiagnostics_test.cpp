@@ -46,7 +46,7 @@ TEST(VELHLSDiagnostics, TellsWhatWasExpectedAndSeenAndTheSource) {
     EXPECT_EQ(findings[1].suppressed, 0U);
 }
 
-TEST(VELHLSDiagnostics, GoesOnBehindWhatIsRejected) {
+TEST(VELHLSDiagnostics, GoesOnAfterWhatIsRejected) {
     EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=audio", "#EXT-X-STREAM-INF:BANDWIDTH=x", "a",
                            "stray", "#EXT-X-ENDLIST", "#EXT-X-STREAM-INF:BANDWIDTH=1", "b"})),
               "2:19+5 rendition-type-unknown 3:29+1 number-missing 5:1+5 uri-without-tag "
@@ -65,7 +65,7 @@ TEST(VELHLSDiagnostics, LeavesOutWhatFollowsFromAnEarlierError) {
               "2:2+11 rendition-name-missing");
 }
 
-TEST(VELHLSDiagnostics, PutsErrorsBetweenRecordsBehindThoseOfReading) {
+TEST(VELHLSDiagnostics, GivesErrorsBetweenRecordsAfterThoseOfReading) {
     EXPECT_EQ(found(lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"a\"", "a", "stray"})),
               "4:1+5 uri-without-tag 2:38+1 group-missing");
 }

@@ -13,6 +13,7 @@
 #include <streambuf>
 #include <string>
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -233,6 +234,41 @@ class Edit {
     std::string text_;
     std::string edited_;
 };
+
+/// Two versions that differ in their numbers.
+class Compare {
+  public:
+    explicit Compare(const std::string& text) : text_(text), next_(text) {
+        std::replace(next_.begin(), next_.end(), '1', '2');
+    }
+
+    void run() {
+        auto comparison = VELHLSComparison::compare(VELHLSDocument(text_), VELHLSDocument(next_), {9.0});
+        changes_ = std::move(comparison.value().changes);
+        findings_ = std::move(comparison.value().findings);
+    }
+
+    [[nodiscard]] std::string outcome() const {
+        std::string text;
+        for (const VELHLSChange& change : changes_)
+            text += change.path + change.what + change.oldText + change.newText;
+        for (const VELHLSFinding& finding : findings_)
+            text += finding.message;
+        return text;
+    }
+    [[nodiscard]] std::string changed() const { return changes_.empty() ? "" : "the result"; }
+
+  private:
+    std::string text_;
+    std::string next_;
+    std::vector<VELHLSChange> changes_;
+    std::vector<VELHLSFinding> findings_;
+};
+
+TEST(MemoryRunsOut, ComparingTwoVersions) {
+    runOutOfMemory<Compare>(whole::master);
+    runOutOfMemory<Compare>(whole::media);
+}
 
 /// A parse of a document, and the lines of its records.
 class FindLines {

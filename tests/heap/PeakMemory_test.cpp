@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -28,6 +29,8 @@ constexpr double mostOfCheck = 32.0;
 constexpr double mostOfRecordLines = 32.0;
 /// Beside the text itself, which it owns.
 constexpr double mostOfDocument = 24.0;
+/// Of two documents, beside these.
+constexpr double mostOfComparison = 128.0;
 
 struct Memory {
     std::size_t held = 0;
@@ -49,6 +52,13 @@ double multiple(const Memory& memory, std::size_t whole) {
     return static_cast<double>(memory.most) / static_cast<double>(whole);
 }
 
+/// Another version of the text, in which as much as can be has changed.
+std::string nextVersion(std::string text) {
+    std::replace(text.begin(), text.end(), '1', '2');
+    std::replace(text.begin(), text.end(), 's', 't');
+    return text;
+}
+
 template <typename Parse>
 void expectBoundedMemory(const hostile::Input& input, Parse parse) {
     const std::string text = input.text(input.size);
@@ -64,6 +74,11 @@ void expectBoundedMemory(const hostile::Input& input, Parse parse) {
         structure = std::make_unique<VELHLSStructure>(*document);
     });
     EXPECT_LE(multiple(understood, text.size()), 1.0 + mostOfDocument);
+
+    const VELHLSDocument next(nextVersion(text));
+    std::optional<VELHLSComparison> comparison;
+    const Memory compared = memoryOf([&] { comparison = VELHLSComparison::compare(*document, next, {9.0}); });
+    EXPECT_LE(multiple(compared, 2 * text.size()), mostOfComparison);
 
     VELHLSRecordLines lines;
     const Memory placed = memoryOf([&] {

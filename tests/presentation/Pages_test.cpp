@@ -1,4 +1,4 @@
-// Each rule of presentations has a page in docs/standard, which says what its table says, and whose presentations are true.
+// Each rule of presentations has a page in docs/rules, which says what its table says, and whose presentations are true.
 #include <algorithm>
 #include <deque>
 #include <set>
@@ -18,7 +18,7 @@ using Profile = VELHLSStandard::Profile;
 using Texts = std::vector<std::pair<std::string, std::string>>;
 
 std::string pageOf(const VELHLSRule& rule) {
-    return playlist::contentOf(VELHLS_SOURCE "/docs/standard/" + std::string(rule.id) + ".md");
+    return playlist::contentOf(VELHLS_SOURCE "/docs/rules/" + std::string(rule.id) + ".md");
 }
 
 /// What the master playlist names and the page does not show is not there.

@@ -63,7 +63,8 @@ TEST(RenderCommand, WritesConformantTextWhenAskedTo) {
 TEST(RenderCommand, TellsOnlyOfWhatConformantTextDoesNotHold) {
     const std::string text = lines(
         {"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXT-X-CUE-OUT:6", "#EXTINF:6,", "# a comment", "advert.ts"});
-    const std::string lost = "<stdin>:5: lost: A comment is not written back. [comment-not-written]\n";
+    const std::string lost =
+        "<stdin>:5: lost: \"# a comment\": A comment is not written back. [comment-not-written]\n";
     EXPECT_EQ(velhls({"render", "--conformant"}, text).errors, lost);
     EXPECT_THAT(velhls({"render"}, text).errors, HasSubstr("[cue-not-written]"));
     const std::string withSessionKey =
@@ -73,6 +74,37 @@ TEST(RenderCommand, TellsOnlyOfWhatConformantTextDoesNotHold) {
     EXPECT_THAT(
         velhls({"render"}, withSessionKey).errors,
         testing::AllOf(HasSubstr("[session-key-not-written]"), HasSubstr("[start-zero-not-written]")));
+}
+
+TEST(RenderCommand, NamesTheTagAndTheAttributeThatAreLost) {
+    const std::string text = lines(
+        {"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"n\",CHANNELS=\"2\",AUDIO-TRACK-TYPE=\"x\"",
+         "#EXT-X-STREAM-INF:BANDWIDTH=1", "a.m3u8", "#ext-x-\033"});
+    EXPECT_EQ(
+        velhls({"render"}, text).errors,
+        lines({"<stdin>:2: lost: EXT-X-MEDIA: CHANNELS: An attribute that the model has no field for is "
+               "dropped. "
+               "[attribute-ignored]",
+               "<stdin>:2: lost: EXT-X-MEDIA: AUDIO-TRACK-TYPE is read and never written. "
+               "[rendition-audio-track-type-not-written]",
+               "<stdin>:5: lost: \"#ext-x-\\x1B\": A comment is not written back. [comment-not-written]"}));
+}
+
+TEST(RenderCommand, TellsOfDatesAndMapsThatMeanSomethingElse) {
+    const auto media = [](const std::string& key, const std::string& date) {
+        return lines({"#EXTM3U", "#EXT-X-MAP:URI=\"init.mp4\"", "#EXT-X-KEY:METHOD=" + key + ",URI=\"k\"",
+                      "#EXT-X-PROGRAM-DATE-TIME:2026-01-01T10:00:00" + date, "#EXTINF:6,", "segment0.m4s"});
+    };
+    const std::string lostMap =
+        "<stdin>:3: lost: EXT-X-KEY: An EXT-X-MAP before an EXT-X-KEY is written after it, which declares it "
+        "encrypted otherwise. [map-before-key]\n";
+    EXPECT_THAT(velhls({"render"}, media("AES-128", "+02:00")).errors,
+                HasSubstr("[date-time-offset-not-applied]"));
+    EXPECT_EQ(velhls({"render"}, media("AES-128", "Z")).errors, lostMap);
+    EXPECT_EQ(velhls({"render", "--conformant"}, media("AES-128", "Z")).errors, "");
+    EXPECT_EQ(velhls({"render", "--conformant"}, media("SAMPLE-AES", "Z")).errors, lostMap);
+    EXPECT_THAT(velhls({"render", "--conformant"}, media("AES-128", "+02:00")).errors,
+                HasSubstr("[date-time-offset-not-applied]"));
 }
 
 TEST(RenderCommand, TellsWhyConformantTextIsRefusedAndLeavesTheOutputFile) {

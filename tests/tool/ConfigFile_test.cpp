@@ -52,6 +52,17 @@ TEST_F(ConfigFile, OfTheWorkingDirectoryGivesOptions) {
     EXPECT_THAT(check({"a.m3u8"}).output, HasSubstr("[tag-of-master-playlist]\n"));
 }
 
+TEST_F(ConfigFile, GivesProfiles) {
+    configure("[check]\nprofile = [\"library\", \"apple\"]\nformat = \"jsonl\"\nseverity = \"note\"\n");
+    const std::string both = check({"a.m3u8"}).output;
+    EXPECT_THAT(both, HasSubstr("\"profile\":\"library\""));
+    EXPECT_THAT(both, HasSubstr("\"profile\":\"apple\""));
+    EXPECT_EQ(both.find("\"profile\":\"rfc8216\""), std::string::npos);
+    const std::string standard = check({"--profile=rfc8216", "a.m3u8"}).output;
+    EXPECT_THAT(standard, HasSubstr("\"profile\":\"rfc8216\""));
+    EXPECT_EQ(standard.find("\"profile\":\"library\""), std::string::npos);
+}
+
 TEST_F(ConfigFile, MayHaveOptionsOfAllCommandsBeforeItsSections) {
     configure("disable = [\"attribute-wrong-type\"]\n");
     EXPECT_EQ(check({"a.m3u8"}).exitStatus, 0);

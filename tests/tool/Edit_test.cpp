@@ -294,6 +294,14 @@ TEST(EditCommand, ReplacesAFileInPlaceOnlyWhenSomethingChanges) {
     EXPECT_EQ(edit({folder.file("missing"), "--apply"}).exitStatus, 2);
 }
 
+TEST(EditCommand, TakesSizesAsTheOtherCommandsDo) {
+    EXPECT_EQ(edited({"--max-bytes", "1k"}, media), media);
+    EXPECT_EQ(edit({"--max-bytes", "10"}, media).exitStatus, 2);
+    const Outcome wrong = edit({"--max-bytes", "many"}, media);
+    EXPECT_EQ(wrong.exitStatus, 2);
+    EXPECT_THAT(wrong.errors, HasSubstr("expected a number of bytes, as 10k, seen \"many\""));
+}
+
 TEST(EditCommand, WritesToAnotherFile) {
     const TemporaryFolder folder;
     const std::string path = folder.with("media.m3u8", media);

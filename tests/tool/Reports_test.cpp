@@ -1,5 +1,6 @@
 // The formats of the command's findings, byte by byte.
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -136,6 +137,21 @@ TEST(GithubReport, MakesAnnotations) {
     // What stands on standard error, too, a workflow would look through.
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.exitStatus, 2);
+}
+
+TEST(GithubReport, TakesTimeInProportionToALongLine) {
+    // A hundred findings of each rule, all in one line of four megabytes.
+    std::string text = "#EXTM3U\n#EXT-X-MEDIA:";
+    for (int count = 0; count < 400; ++count)
+        text += "lower=\xFF\xFF" + std::string(10000, 'x') + ",";
+    text += "\n#EXT-X-STREAM-INF:BANDWIDTH=1\na.m3u8\n";
+    for (const std::string format : {"github", "sarif"}) {
+        const auto start = std::chrono::steady_clock::now();
+        const Outcome outcome = velhls({"check", "--severity=note", "--format", format}, text);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << format;
+        EXPECT_GT(outcome.output.size(), 10000U);
+        EXPECT_LT(outcome.output.size(), 2000000U);
+    }
 }
 
 TEST(GithubReport, CountsCharacters) {

@@ -1,3 +1,5 @@
+#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,18 +20,74 @@ Outcome velhls(std::vector<std::string> arguments) {
     return command::run(arguments);
 }
 
+/// The lines of a table, each as its cells, which two spaces at least keep apart.
+std::vector<std::vector<std::string>> rowsOf(const std::string& table) {
+    static const std::regex cell("\\S+( \\S+)*");
+    std::vector<std::vector<std::string>> rows;
+    std::istringstream text(table);
+    for (std::string line; std::getline(text, line);) {
+        rows.emplace_back();
+        for (std::sregex_iterator match(line.begin(), line.end(), cell); match != std::sregex_iterator();
+             ++match)
+            rows.back().push_back(match->str());
+    }
+    return rows;
+}
+
+std::vector<std::string> rowOf(const std::string& rule, const std::vector<std::string>& options = {}) {
+    std::vector<std::string> arguments = {"rules"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    for (const std::vector<std::string>& row : rowsOf(velhls(arguments).output)) {
+        if (row[0] == rule) return row;
+    }
+    return {};
+}
+
+TEST(RulesCommand, ListsTheRulesOfAllProfilesWithTheirClauses) {
+    const auto rows = rowsOf(velhls({"rules"}).output);
+    EXPECT_EQ(rows[0], (std::vector<std::string>{"RULE", "PROFILE", "CLAUSE", "LEVEL", "SEVERITY", "WHAT"}));
+    EXPECT_GT(rows.size(), 300U);
+    EXPECT_EQ(rowOf("header-missing"),
+              (std::vector<std::string>{"header-missing", "rfc8216,rfc8216bis", "4.3.1.1", "MUST", "error",
+                                        "The playlist has no #EXTM3U line."}));
+    EXPECT_EQ(rowOf("segment-uri-too-short")[1], "library");
+}
+
+TEST(RulesCommand, ListsTheRulesOfTheProfilesThatAreAskedFor) {
+    EXPECT_EQ(rowOf("header-missing", {"--profile=rfc8216bis"})[1], "rfc8216bis");
+    EXPECT_EQ(rowOf("header-missing", {"--profile=apple"}).size(), 0U);
+    EXPECT_EQ(rowOf("header-missing", {"--profile=apple", "--profile", "rfc8216"})[1], "rfc8216");
+    EXPECT_EQ(rowOf("segment-uri-too-short", {"--profile=rfc8216,apple"}).size(), 0U);
+    EXPECT_EQ(velhls({"rules", "--profile=rfc9999"}).exitStatus, 2);
+}
+
+TEST(RulesCommand, ListsEveryRuleThatCheckNamesInItsReports) {
+    const std::string rules = velhls({"rules", "--format=json"}).output;
+    EXPECT_THAT(rules,
+                testing::StartsWith("{\n  \"version\": 1,\n  \"rules\": [\n    {\n      \"rule\": \""));
+    const std::string lines =
+        command::run({VELHLS_COMMAND, "check", "--format=jsonl", "--severity=note", "--profile=rfc8216bis",
+                      "--profile=apple", "--profile=library", VELHLS_EXAMPLE_FINDINGS})
+            .output;
+    const std::regex id("\"rule\":\"([a-z0-9-]+)\"");
+    std::size_t count = 0;
+    for (std::sregex_iterator match(lines.begin(), lines.end(), id); match != std::sregex_iterator();
+         ++match, ++count)
+        EXPECT_NE(rules.find("\"rule\": \"" + (*match)[1].str() + "\""), std::string::npos) << (*match)[1];
+    EXPECT_GT(count, 300U);
+}
+
 TEST(ExplainCommand, ShowsThePageOfARule) {
     const Outcome outcome = velhls({"explain", "variant-bandwidth-zero"});
     EXPECT_EQ(outcome.exitStatus, 0);
     EXPECT_EQ(outcome.output, contentOf(VELHLS_SOURCE "/docs/rules/variant-bandwidth-zero.md"));
 }
 
-TEST(ExplainCommand, ShowsThePagesOfBothVoices) {
+TEST(ExplainCommand, ShowsThePagesOfAllProfiles) {
     EXPECT_EQ(velhls({"explain", "rendition-report-absolute"}).output,
-              contentOf(VELHLS_SOURCE "/docs/standard/rendition-report-absolute.md"));
-    EXPECT_EQ(velhls({"explain", "version-too-low"}).output,
-              contentOf(VELHLS_SOURCE "/docs/standard/version-too-low.md") + "\n" +
-                  contentOf(VELHLS_SOURCE "/docs/rules/version-too-low.md"));
+              contentOf(VELHLS_SOURCE "/docs/rules/rendition-report-absolute.md"));
+    EXPECT_EQ(velhls({"explain", "authoring-target-duration"}).output,
+              contentOf(VELHLS_SOURCE "/docs/rules/authoring-target-duration.md"));
 }
 
 TEST(ExplainCommand, OffersRulesWithNearNames) {

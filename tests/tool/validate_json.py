@@ -19,6 +19,7 @@ except ImportError:
 
 command, source = sys.argv[1:3]
 findings = sorted(glob.glob(os.path.join(source, "examples/findings/*.m3u8")))
+all_profiles = [f"--profile={profile}" for profile in ("rfc8216", "rfc8216bis", "apple", "library")]
 playlists = sorted(glob.glob(os.path.join(source, "examples/playlists/*.m3u8")))
 
 
@@ -35,7 +36,7 @@ def validator(name):
 
 
 def check_findings():
-    status, report = output("check", "--profile=library", "--format=json", "--severity=note", *findings, "no such file")
+    status, report = output("check", *all_profiles, "--format=json", "--severity=note", *findings, "no such file")
     assert status == 2, status
     validator("check-2.schema.json").validate(report)
     assert len(report["files"]) == len(findings) + 1
@@ -107,7 +108,7 @@ def check_large_numbers():
 
 
 def check_sarif():
-    status, log = output("check", "--profile=library", "--format=sarif", "--severity=note", *findings, "no such file")
+    status, log = output("check", *all_profiles, "--format=sarif", "--severity=note", *findings, "no such file")
     assert log["version"] == "2.1.0"
     assert log["$schema"].endswith("sarif-schema-2.1.0.json")
     (run,) = log["runs"]

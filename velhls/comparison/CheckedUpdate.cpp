@@ -1,6 +1,7 @@
 #include "velhls/comparison/CheckedUpdate.h"
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/comparison/Values.h"
 #include "velhls/document/FormatTables.h"
 
@@ -70,7 +71,7 @@ void CheckedUpdate::countSegments() {
 }
 
 bool CheckedUpdate::lacksNumber() const {
-    return removedAtStart > 0 && !now.playlist().has(tagIndex(tag::mediaSequence));
+    return removedAtStart > 0 && !now.playlist().has(tagIndexOf<tag::mediaSequence>);
 }
 
 bool CheckedUpdate::wentBack() const {
@@ -110,7 +111,7 @@ std::string saidBefore(const Difference& difference) {
     const VELHLSChange& change = difference.change;
     if (change.kind == VELHLSChange::Added) return "nothing before";
     const std::string& named = change.what.empty() ? change.path : change.what;
-    return change.oldText.empty() ? named + " before" : named + " " + inQuotes(change.oldText) + " before";
+    return change.oldText.empty() ? named + " before" : named + " " + quoted(change.oldText) + " before";
 }
 
 }  // namespace velhls

@@ -8,7 +8,7 @@ namespace velhls {
 namespace {
 
 std::string pathOf(const DateRange& range) {
-    return "date range " + std::string(range.id);
+    return "date range " + shortened(range.id);
 }
 
 Spot spotOf(const DateRanges& ranges, const DateRange& range) {
@@ -59,12 +59,12 @@ void compareRange(const DateRange& before, const DateRange& now, Differences& di
                                                    : Aspect::foreignTag;
         const Spot missing = {before.firstLine, {}};
         const Spot missingNow = {now.firstLine, {}};
-        if (order < 0) differences.add(aspect, pathOf(now), name, {old[0].line, old[0].value}, missingNow);
-        if (order > 0) differences.add(aspect, pathOf(now), name, missing, {fresh[0].line, fresh[0].value});
-        if (order == 0) {
-            if (const DateRangeValue* const other = findOther(old, fresh))
-                differences.add(aspect, pathOf(now), name, {old[0].line, old[0].value},
-                                {other->line, other->value});
+        const DateRangeValue* const other = order == 0 ? findOther(old, fresh) : nullptr;
+        if (order != 0 || other != nullptr) {
+            const Spot spot = order > 0 ? missing : Spot{old[0].line, old[0].value};
+            const DateRangeValue* const value = order == 0 ? other : fresh.begin();
+            const Spot newSpot = order < 0 ? missingNow : Spot{value->line, value->value};
+            differences.add(aspect, pathOf(now), name, spot, newSpot).id = now.id;
         }
         first += order <= 0 ? old.size() : 0;
         second += order >= 0 ? fresh.size() : 0;

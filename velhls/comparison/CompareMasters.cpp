@@ -131,9 +131,10 @@ class MasterComparer {
             if (places[place] == common[place].before) continue;
             const Item& old = before[places[place]];
             const Item& fresh = now[common[place].now];
-            return differences_.add(Aspect::masterPart, "variants", "order", spotOf(old.tag, old.tag.name),
-                                    spotOf(fresh.tag, fresh.tag.name), old.valueOf(attribute::uri),
-                                    fresh.valueOf(attribute::uri));
+            differences_.add(Aspect::masterPart, "variants", "order", spotOf(old.tag, old.tag.name),
+                             spotOf(fresh.tag, fresh.tag.name), old.valueOf(attribute::uri),
+                             fresh.valueOf(attribute::uri));
+            return;
         }
     }
 
@@ -142,7 +143,7 @@ class MasterComparer {
         std::string path(listing.word);
         for (const std::string_view name : listing.path) {
             const std::string value = item.valueOf(name);
-            if (!value.empty()) path.append(" ").append(value);
+            if (!value.empty()) path.append(" ").append(shortened(value));
         }
         return path;
     }

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -52,47 +54,94 @@ struct Side {
     [[nodiscard]] bool hasOwn(std::size_t tag) const { return version.countOf(tag, index) > 0; }
 };
 
-/// "METHOD=AES-128,URI="key"" for each key or map in force.
-std::string joinedText(const std::vector<VELHLSLine>& lines) {
-    std::string text;
-    for (const VELHLSLine& line : lines)
-        text.append(text.empty() ? "" : " and ").append(line.value);
-    return text.empty() ? "none" : text;
-}
+/// Numbers the keys, or the maps, of both versions, so that those that say the same have the same number.
+class InForceNumbers {
+  public:
+    InForceNumbers(std::size_t tag, const MediaVersion& before, const MediaVersion& now) {
+        std::vector<Entry> entries;
+        append(before, before.playlist().lines(tag), false, entries);
+        append(now, now.playlist().lines(tag), true, entries);
+        std::sort(entries.begin(), entries.end(),
+                  [](const Entry& left, const Entry& right) { return left.list < right.list; });
+        before_.lines = before.playlist().lines(tag);
+        before_.numbers.resize(before_.lines.size());
+        now_.lines = now.playlist().lines(tag);
+        now_.numbers.resize(now_.lines.size());
+        std::size_t number = 0;
+        for (std::size_t place = 0; place < entries.size(); ++place) {
+            if (place > 0 && entries[place].list != entries[place - 1].list) ++number;
+            (entries[place].isNow ? now_ : before_).numbers[entries[place].index] = number;
+        }
+    }
 
-/// What tags that hold for the segments after them say at a segment.
-struct InForce {
-    std::vector<VELHLSLine> lines;
+    [[nodiscard]] std::size_t numberBefore(std::size_t line) const { return before_.numberOf(line); }
+    [[nodiscard]] std::size_t numberNow(std::size_t line) const { return now_.numberOf(line); }
+
+  private:
+    struct Entry {
+        std::string list;
+        std::size_t index;
+        bool isNow;
+    };
+
+    struct Numbers {
+        std::vector<std::uint32_t> lines;
+        std::vector<std::size_t> numbers;
+
+        [[nodiscard]] std::size_t numberOf(std::size_t line) const {
+            return numbers[static_cast<std::size_t>(std::lower_bound(lines.begin(), lines.end(), line) -
+                                                    lines.begin())];
+        }
+    };
+
+    static void append(const MediaVersion& version, const std::vector<std::uint32_t>& lines, bool isNow,
+                       std::vector<Entry>& entries) {
+        for (std::size_t index = 0; index < lines.size(); ++index)
+            entries.push_back({canonicalList(version.document().line(lines[index]).value), index, isNow});
+    }
+
+    Numbers before_;
+    Numbers now_;
 };
 
-InForce keysOf(const Side& side) {
-    InForce keys;
-    for (const std::uint32_t number : side.segment.inForce.keyLines)
-        keys.lines.push_back(side.line(number));
-    return keys;
+/// A key or a map in force.
+struct InForce {
+    std::size_t line;
+    std::size_t number;
+};
+
+using InForceList = std::vector<InForce>;
+
+bool holds(const InForceList& list, std::size_t number) {
+    return std::any_of(list.begin(), list.end(),
+                       [&](const InForce& other) { return other.number == number; });
 }
 
-InForce mapOf(const Side& side) {
-    InForce map;
-    if (side.segment.inForce.mapLine != 0) map.lines.push_back(side.line(side.segment.inForce.mapLine));
-    return map;
+/// Those that are not in the other list.
+InForceList without(const InForceList& list, const InForceList& other) {
+    InForceList left;
+    std::copy_if(list.begin(), list.end(), std::back_inserter(left),
+                 [&](const InForce& one) { return !holds(other, one.number); });
+    return left;
 }
 
-bool holds(const std::vector<VELHLSLine>& lines, const VELHLSLine& wanted) {
-    return std::any_of(lines.begin(), lines.end(),
-                       [&](const VELHLSLine& line) { return isSameList(line.value, wanted.value); });
+std::vector<std::size_t> keyLines(const VELHLSStructure::InForce& inForce) {
+    return {inForce.keyLines.begin(), inForce.keyLines.end()};
 }
 
-bool holdsAll(const std::vector<VELHLSLine>& lines, const std::vector<VELHLSLine>& wanted) {
-    return std::all_of(wanted.begin(), wanted.end(),
-                       [&](const VELHLSLine& line) { return holds(lines, line); });
+std::vector<std::size_t> mapLines(const VELHLSStructure::InForce& inForce) {
+    if (inForce.mapLine == 0) return {};
+    return {inForce.mapLine};
 }
 
 /// Follows the keys, or the maps, of both versions from pair to pair.
 class Follower {
   public:
-    Follower(Aspect aspect, std::string_view what, std::size_t tag, InForce (*inForce)(const Side&))
-        : aspect_(aspect), what_(what), tag_(tag), inForce_(inForce) {}
+    using LinesInForce = std::vector<std::size_t> (*)(const VELHLSStructure::InForce& inForce);
+
+    Follower(Aspect aspect, std::string_view what, std::size_t tag, LinesInForce lines,
+             const MediaVersion& before, const MediaVersion& now)
+        : aspect_(aspect), what_(what), tag_(tag), lines_(lines), numbers_(tag, before, now) {}
 
     /// A pair follows when both its segments come right after those of the pair before.
     void follow(const Side& before, const Side& now, bool follows, Differences& differences) {
@@ -100,43 +149,65 @@ class Follower {
         const bool hasNewOwn = now.hasOwn(tag_);
         // Where neither has a tag of its own, both go on as they were.
         if (follows && !hasOwn && !hasNewOwn) return;
-        const InForce old = inForce_(before);
-        const InForce fresh = inForce_(now);
-        const bool isKept = holdsAll(fresh.lines, old.lines);
-        if (isKept && holdsAll(old.lines, fresh.lines)) {
-            isTold_ = false;
-            return;
-        }
-        const std::string oldText = joinedText(old.lines);
-        const std::string newText = joinedText(fresh.lines);
-        if (follows && isTold_ && oldText == oldText_ && newText == newText_) return;
-        isTold_ = true;
-        oldText_ = oldText;
-        newText_ = newText;
+        const InForceList old = listOf(before, false);
+        const InForceList fresh = listOf(now, true);
+        const InForceList gone = without(old, fresh);
+        const InForceList added = without(fresh, old);
+        const std::vector<std::size_t> told = numbersOf(gone, added);
+        const bool isTold = follows && told == told_;
+        told_ = told;
+        if ((gone.empty() && added.empty()) || isTold) return;
         // What is no longer there is the fault when the new version has no tag of its own that says otherwise.
-        const bool isRemoved = follows ? hasOwn && !hasNewOwn : !isKept && fresh.lines.empty();
-        const bool isAdded = follows ? !hasOwn : old.lines.empty();
-        Spot spot = spotOf(before, old);
-        Spot newSpot = spotOf(now, fresh);
+        const bool isRemoved = follows ? hasOwn && !hasNewOwn : !gone.empty() && fresh.empty();
+        const bool isAdded = follows ? !hasOwn : old.empty();
+        Spot spot = spotOf(before, gone);
+        Spot newSpot = spotOf(now, added);
         if (isRemoved) newSpot = now.nothing();
         if (isAdded && !isRemoved) spot = before.nothing();
-        differences.add(aspect_, now.version.pathOf(now.index), what_, spot, newSpot, oldText, newText);
+        differences.add(aspect_, now.version.pathOf(now.index), what_, spot, newSpot, textOf(before, gone),
+                        textOf(now, added));
     }
 
   private:
-    /// The last line in force, or the segment's URI where none is.
-    static Spot spotOf(const Side& side, const InForce& inForce) {
-        if (inForce.lines.empty()) return velhls::spotOf(side.uri(), side.uri().value);
-        return velhls::spotOf(inForce.lines.back(), inForce.lines.back().value);
+    [[nodiscard]] InForceList listOf(const Side& side, bool isNow) const {
+        InForceList list;
+        for (const std::size_t line : lines_(side.segment.inForce))
+            list.push_back({line, isNow ? numbers_.numberNow(line) : numbers_.numberBefore(line)});
+        return list;
+    }
+
+    static std::vector<std::size_t> numbersOf(const InForceList& gone, const InForceList& added) {
+        std::vector<std::size_t> numbers;
+        for (const InForce& one : gone)
+            numbers.push_back(one.number);
+        numbers.push_back(SIZE_MAX);
+        for (const InForce& one : added)
+            numbers.push_back(one.number);
+        return numbers;
+    }
+
+    /// The last line of the list, or the segment's URI where it is empty.
+    static Spot spotOf(const Side& side, const InForceList& list) {
+        if (list.empty()) return velhls::spotOf(side.uri(), side.uri().value);
+        const VELHLSLine line = side.line(list.back().line);
+        return velhls::spotOf(line, line.value);
+    }
+
+    /// "METHOD=AES-128,URI="key"" for each that only one version has.
+    static std::string textOf(const Side& side, const InForceList& list) {
+        std::string text;
+        for (const InForce& one : list)
+            text.append(text.empty() ? "" : " and ").append(shortened(side.line(one.line).value));
+        return text.empty() ? "none" : text;
     }
 
     Aspect aspect_;
     std::string_view what_;
     std::size_t tag_;
-    InForce (*inForce_)(const Side&);
-    bool isTold_ = false;
-    std::string oldText_;
-    std::string newText_;
+    LinesInForce lines_;
+    InForceNumbers numbers_;
+    /// What was different at the pair before.
+    std::vector<std::size_t> told_;
 };
 
 /// Compares dates: a shift of all dates is told once.
@@ -231,7 +302,9 @@ class SegmentComparer {
         : before_(before),
           now_(now),
           differences_(differences),
-          isPartly_(before.skipsSegments() || now.skipsSegments()) {}
+          isPartly_(before.skipsSegments() || now.skipsSegments()),
+          keys_(Aspect::key, "key", tagIndex(tag::key), keyLines, before, now),
+          maps_(Aspect::map, "map", tagIndex(tag::map), mapLines, before, now) {}
 
     void compare(const SegmentPair& pair) {
         const Side before(before_, pair.before);
@@ -291,7 +364,7 @@ class SegmentComparer {
     }
 
     void compareDiscontinuities(const Side& before, const Side& now) {
-        constexpr std::size_t tag = tagIndex(tag::discontinuity);
+        constexpr std::size_t tag = tagIndexOf<tag::discontinuity>;
         const std::size_t count = before_.countOf(tag, before.index);
         const std::size_t newCount = now_.countOf(tag, now.index);
         if (count == newCount) return;
@@ -327,8 +400,8 @@ class SegmentComparer {
     /// EXT-X-SKIP stands for the lines that would tell what is in force.
     bool isPartly_;
     std::optional<SegmentPair> last_;
-    Follower keys_{Aspect::key, "key", tagIndex(tag::key), keysOf};
-    Follower maps_{Aspect::map, "map", tagIndex(tag::map), mapOf};
+    Follower keys_;
+    Follower maps_;
     DateFollower dates_;
 };
 

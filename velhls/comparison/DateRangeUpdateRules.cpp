@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/comparison/CheckedUpdate.h"
 #include "velhls/comparison/Values.h"
 #include "velhls/document/FormatTables.h"
@@ -157,14 +158,14 @@ void findRemovedEarly(const CheckedUpdate& update, const Tell& tell) {
         if (!segment) continue;
         update.tell(
             tell, CheckedUpdate::spotOfSegment(update.now, *segment), spotOf(update.rangesBefore, range), {},
-            "none for " + inQuotes(range.id) + " at " + update.now.pathOf(*segment), "the tag that is gone");
+            "none for " + quoted(range.id) + " at " + update.now.pathOf(*segment), "the tag that is gone");
     }
 }
 
 void findReused(const CheckedUpdate& update, const Tell& tell) {
     forEachOf(update, Aspect::dateRangeReused, [&](const Difference& difference) {
         update.tell(tell, difference.now, difference.before, {},
-                    inQuotes(difference.change.newText) + " for " + difference.change.path,
+                    quoted(difference.change.newText) + " for " + difference.change.path,
                     saidBefore(difference));
     });
 }
@@ -172,15 +173,13 @@ void findReused(const CheckedUpdate& update, const Tell& tell) {
 void findOtherValue(const CheckedUpdate& update, const Tell& tell) {
     forEachOf(update, Aspect::dateRangeValue, [&](const Difference& difference) {
         if (difference.change.kind == VELHLSChange::Added) return;
-        constexpr std::string_view prefix = "date range ";
-        const std::string_view id = std::string_view(difference.change.path).substr(prefix.size());
-        const DateRange* const before = update.rangesBefore.find(id);
-        const DateRange* const now = update.rangesNow.find(id);
+        const DateRange* const before = update.rangesBefore.find(difference.id);
+        const DateRange* const now = update.rangesNow.find(difference.id);
         const bool isGone = difference.change.kind == VELHLSChange::Removed;
         // A whole tag that went is another matter.
         if (isGone && (isPartly(update) || now->tagCount < before->tagCount)) return;
         const std::string seen =
-            (isGone ? "no " : inQuotes(difference.change.newText) + " for ") + difference.change.what;
+            (isGone ? "no " : quoted(difference.change.newText) + " for ") + difference.change.what;
         update.tell(tell, difference.now, difference.before, {}, seen, saidBefore(difference));
     });
 }
@@ -208,7 +207,7 @@ void findPutBetween(const CheckedUpdate& update, const Tell& tell) {
         if (!first->endsOnNext) continue;
         const VELHLSLine line = update.before.document().line(next->line);
         update.tell(tell, spotOf(update.rangesNow, range), {line.number, line.value}, {},
-                    inQuotes(range.id) + " between the two", "the Following Range");
+                    quoted(range.id) + " between the two", "the Following Range");
     }
 }
 
@@ -221,7 +220,7 @@ void findEndUntold(const CheckedUpdate& update, const Tell& tell) {
         if (!range.has("PLANNED-DURATION") || hasEnd || update.rangesNow.find(range.id) != nullptr) continue;
         if (removals.segmentIn(range)) continue;
         update.tell(tell, {}, spotOf(update.rangesBefore, range), {},
-                    "no end of " + inQuotes(range.id) + ", which is gone", "what it was planned to be");
+                    "no end of " + quoted(range.id) + ", which is gone", "what it was planned to be");
     }
 }
 

@@ -51,18 +51,21 @@ struct Difference {
     VELHLSChange change;
     Spot before;
     Spot now;
+    /// Of a date range its whole ID.
+    std::string_view id = {};
 };
 
 /// The changes as they are found.
 class Differences {
   public:
-    void add(Aspect aspect, std::string path, std::string_view what, Spot before, Spot now) {
-        add(aspect, std::move(path), what, before, now, std::string(before.text), std::string(now.text));
+    Difference& add(Aspect aspect, std::string path, std::string_view what, Spot before, Spot now) {
+        return add(aspect, std::move(path), what, before, now, std::string(before.text),
+                   std::string(now.text));
     }
 
     /// With other texts than those of the places.
-    void add(Aspect aspect, std::string path, std::string_view what, Spot before, Spot now,
-             std::string oldText, std::string newText) {
+    Difference& add(Aspect aspect, std::string path, std::string_view what, Spot before, Spot now,
+                    std::string oldText, std::string newText) {
         const auto kind = !before.isThere() ? VELHLSChange::Added
                           : !now.isThere()  ? VELHLSChange::Removed
                                             : VELHLSChange::Changed;
@@ -71,6 +74,7 @@ class Differences {
                          before.line, now.line},
                         before,
                         now});
+        return all_.back();
     }
 
     [[nodiscard]] const std::vector<Difference>& all() const { return all_; }

@@ -40,8 +40,9 @@ MediaVersion::MediaVersion(const VELHLSDocument& document)
         const auto count = valueOf(playlist_.firstLine(skip), "SKIPPED-SEGMENTS");
         skipped_ = VELHLSSyntax::readDecimalInteger(count.value_or("")).value_or(0);
     }
-    firstNumber_ = segmentCount() > 0 ? structure_.segment(0).mediaSequence
-                                      : playlist_.number(tagIndex(tag::mediaSequence)).value_or(0) + skipped_;
+    firstNumber_ = segmentCount() > 0
+                       ? structure_.segment(0).mediaSequence
+                       : playlist_.number(tagIndexOf<tag::mediaSequence>).value_or(0) + skipped_;
     if (segmentCount() > 0) firstLine_ = startOfFirstSegment();
 }
 
@@ -81,15 +82,15 @@ bool MediaVersion::skipsSegments() const {
 }
 
 std::uint64_t MediaVersion::discontinuitySequence() const {
-    return playlist_.number(tagIndex(tag::discontinuitySequence)).value_or(0);
+    return playlist_.number(tagIndexOf<tag::discontinuitySequence>).value_or(0);
 }
 
 bool MediaVersion::isEnded() const {
-    return playlist_.has(tagIndex(tag::endList));
+    return playlist_.has(tagIndexOf<tag::endList>);
 }
 
 bool MediaVersion::isOfType(std::string_view type) const {
-    constexpr std::size_t playlistType = tagIndex(tag::playlistType);
+    constexpr std::size_t playlistType = tagIndexOf<tag::playlistType>;
     return playlist_.has(playlistType) && trimmed(playlist_.firstLine(playlistType).value) == type;
 }
 

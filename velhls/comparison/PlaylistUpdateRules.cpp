@@ -4,6 +4,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/comparison/CheckedUpdate.h"
 #include "velhls/comparison/Values.h"
 #include "velhls/document/FormatTables.h"
@@ -11,11 +12,11 @@
 namespace velhls {
 namespace {
 
-constexpr std::size_t playlistType = tagIndex(tag::playlistType);
+constexpr std::size_t playlistType = tagIndexOf<tag::playlistType>;
 
 std::string newTextOf(const Difference& difference) {
     if (difference.change.kind == VELHLSChange::Removed) return "none";
-    return difference.change.newText.empty() ? "one" : inQuotes(difference.change.newText);
+    return difference.change.newText.empty() ? "one" : quoted(difference.change.newText);
 }
 
 void tellOf(const CheckedUpdate& update, const Difference& difference, const Tell& tell) {
@@ -97,11 +98,11 @@ void findLate(const CheckedUpdate& update, const Tell& tell) {
     if (!update.elapsedSeconds || !update.isLive() || update.wentBack()) return;
     const double versions = std::floor(targetDurations(update) / latest + 1e-9);
     if (static_cast<double>(update.addedAtEnd) >= versions) return;
-    const Spot place = CheckedUpdate::spotOf(update.now, tagIndex(tag::targetDuration));
+    const Spot place = CheckedUpdate::spotOf(update.now, tagIndexOf<tag::targetDuration>);
     const std::string seen = std::to_string(update.addedAtEnd) +
                              (update.addedAtEnd == 1 ? " new segment in " : " new segments in ") +
                              secondsText(*update.elapsedSeconds) + " seconds";
-    update.tell(tell, place, CheckedUpdate::spotOf(update.before, tagIndex(tag::targetDuration)), {}, seen,
+    update.tell(tell, place, CheckedUpdate::spotOf(update.before, tagIndexOf<tag::targetDuration>), {}, seen,
                 "the version before");
 }
 
@@ -111,8 +112,8 @@ void findEarly(const CheckedUpdate& update, const Tell& tell) {
         return;
     const bool isKnown = update.now.playlist().targetDuration().value_or(0) > 0;
     if (!isKnown || targetDurations(update) >= earliest) return;
-    const Spot place = CheckedUpdate::spotOf(update.now, tagIndex(tag::targetDuration));
-    update.tell(tell, place, CheckedUpdate::spotOf(update.before, tagIndex(tag::targetDuration)), {},
+    const Spot place = CheckedUpdate::spotOf(update.now, tagIndexOf<tag::targetDuration>);
+    update.tell(tell, place, CheckedUpdate::spotOf(update.before, tagIndexOf<tag::targetDuration>), {},
                 "a new segment after " + secondsText(*update.elapsedSeconds) + " seconds",
                 "the version before");
 }
@@ -131,7 +132,7 @@ constexpr UpdateEntry rules[] = {
        "no EXT-X-PLAYLIST-TYPE where segments are removed", "RFC 8216, section 6.2.2", false}, "MUST NOT"}, findRemovalFromTyped},
     {{{"new-segment-missing", error, "A playlist without EXT-X-ENDLIST has changed, and has no new segment.",
        "a new segment in a new version", "RFC 8216, section 6.2.1", false}, "MUST"}, findNoNewSegment},
-    {{{"new-version-late", warning, "A live playlist has fewer new segments than target durations have passed, by half as much again.",
+    {{{"new-version-late", warning, "A live playlist lacks new segments for the time that has passed.",
        "a new version no later than 1.5 target durations after the last", "RFC 8216, section 6.2.1", false}, "MUST"}, findLate},
     {{{"new-version-early", note, "A live playlist has a new segment after less than half a target duration, if the version before was new.",
        "a new version no earlier than half a target duration after the last", "RFC 8216, section 6.2.1", false}, "MUST"}, findEarly},

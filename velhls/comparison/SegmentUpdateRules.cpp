@@ -4,6 +4,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/comparison/CheckedUpdate.h"
 #include "velhls/comparison/Values.h"
 #include "velhls/document/FormatTables.h"
@@ -24,7 +25,7 @@ void findOtherDuration(const CheckedUpdate& update, const Tell& tell) {
 std::string newTagText(const VELHLSChange& change) {
     if (change.kind == Kind::Removed) return "no " + change.what;
     const std::string text = (change.kind == Kind::Added ? "a new " : "another ") + change.what;
-    return change.what == "discontinuity" ? text : text + ", " + inQuotes(change.newText);
+    return change.what == "discontinuity" ? text : text + ", " + quoted(change.newText);
 }
 
 /// Where the new version has a tag that says something else, or that was not there.
@@ -46,7 +47,7 @@ void findRemovedTag(const CheckedUpdate& update, const Tell& tell) {
     forEachOf(update, aspect, [&](const Difference& difference) {
         if (difference.change.kind != Kind::Removed) return;
         update.tell(tell, difference.now, difference.before, {},
-                    inQuotes(difference.change.newText) + " for " + difference.change.path,
+                    quoted(difference.change.newText) + " for " + difference.change.path,
                     saidBefore(difference));
     });
 }
@@ -54,9 +55,9 @@ void findRemovedTag(const CheckedUpdate& update, const Tell& tell) {
 void findOtherDate(const CheckedUpdate& update, const Tell& tell) {
     forEachOf(update, Aspect::date, [&](const Difference& difference) {
         const std::string expected =
-            "the date that " + difference.change.path + " had, " + inQuotes(difference.change.oldText);
+            "the date that " + difference.change.path + " had, " + quoted(difference.change.oldText);
         const std::string seen =
-            difference.change.newText.empty() ? "none" : inQuotes(difference.change.newText);
+            difference.change.newText.empty() ? "none" : quoted(difference.change.newText);
         update.tell(tell, difference.now, difference.before, expected, seen, saidBefore(difference));
     });
 }
@@ -125,7 +126,7 @@ void findTooShort(const CheckedUpdate& update, const Tell& tell) {
     const std::string seen =
         secondsText(update.now.playlist().duration()) + " seconds against " + secondsText(least);
     const std::size_t old = update.removedAtStart > 0 ? 0 : update.removedElsewhere.front();
-    update.tell(tell, CheckedUpdate::spotOf(update.now, tagIndex(tag::targetDuration)),
+    update.tell(tell, CheckedUpdate::spotOf(update.now, tagIndexOf<tag::targetDuration>),
                 CheckedUpdate::spotOfSegment(update.before, old), {}, seen, "a segment that is gone");
 }
 

@@ -8,9 +8,9 @@
 namespace velhls {
 namespace {
 
-constexpr std::size_t mediaSequence = tagIndex(tag::mediaSequence);
-constexpr std::size_t discontinuity = tagIndex(tag::discontinuity);
-constexpr std::size_t discontinuitySequence = tagIndex(tag::discontinuitySequence);
+constexpr std::size_t mediaSequence = tagIndexOf<tag::mediaSequence>;
+constexpr std::size_t discontinuity = tagIndexOf<tag::discontinuity>;
+constexpr std::size_t discontinuitySequence = tagIndexOf<tag::discontinuitySequence>;
 
 void findNumberMissing(const CheckedUpdate& update, const Tell& tell) {
     if (!update.lacksNumber()) return;

@@ -2,33 +2,39 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
+#include <vector>
 
 #include "velhls/common/CivilTime.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/ReasonText.h"
+#include "velhls/common/Utf8.h"
+#include "velhls/document/VELHLSAttribute.h"
 #include "velhls/document/VELHLSSyntax.h"
 
 namespace velhls {
 namespace {
 
-bool isDefault(const VELHLSAttribute& attribute) {
-    return (attribute.name == attribute::keyFormat && attribute.value == "identity") ||
-           (attribute.name == attribute::keyFormatVersions && attribute.value == "1");
+struct NamedValue {
+    std::string_view name;
+    std::string_view value;
+};
+
+/// In the order of their names, those with one name in their order.
+std::vector<NamedValue> sortedValues(std::string_view list) {
+    std::vector<NamedValue> values;
+    for (const VELHLSAttribute& attribute : VELHLSAttributes(list))
+        values.push_back({attribute.name, attribute.value});
+    std::sort(values.begin(), values.end(), [](const NamedValue& left, const NamedValue& right) {
+        const int order = left.name.compare(right.name);
+        return order != 0 ? order < 0 : std::less<>()(left.value.data(), right.value.data());
+    });
+    return values;
 }
 
-void sortByName(std::vector<VELHLSAttribute>& attributes) {
-    std::stable_sort(
-        attributes.begin(), attributes.end(),
-        [](const VELHLSAttribute& left, const VELHLSAttribute& right) { return left.name < right.name; });
-}
-
-std::vector<VELHLSAttribute> saidAttributes(std::string_view list) {
-    std::vector<VELHLSAttribute> attributes;
-    for (const VELHLSAttribute& attribute : VELHLSAttributes(list)) {
-        if (!isDefault(attribute)) attributes.push_back(attribute);
-    }
-    sortByName(attributes);
-    return attributes;
+bool isDefault(const NamedValue& value) {
+    return (value.name == attribute::keyFormat && value.value == "identity") ||
+           (value.name == attribute::keyFormatVersions && value.value == "1");
 }
 
 std::string padded(std::int64_t number, std::size_t width) {
@@ -51,29 +57,19 @@ bool isSameValue(std::string_view left, std::string_view right) {
     return date && other && date->microseconds == other->microseconds && date->hasZone == other->hasZone;
 }
 
-std::vector<VELHLSAttribute> sortedAttributes(const VELHLSLine& line) {
-    std::vector<VELHLSAttribute> attributes;
-    for (const VELHLSAttribute& attribute : line.attributes())
-        attributes.push_back(attribute);
-    sortByName(attributes);
-    return attributes;
-}
-
-bool isSameList(std::string_view left, std::string_view right) {
-    if (left == right) return true;
-    const std::vector<VELHLSAttribute> first = saidAttributes(left);
-    const std::vector<VELHLSAttribute> second = saidAttributes(right);
-    return std::equal(first.begin(), first.end(), second.begin(), second.end(),
-                      [](const VELHLSAttribute& one, const VELHLSAttribute& other) {
-                          return one.name == other.name && one.value == other.value;
-                      });
+std::string canonicalList(std::string_view list) {
+    std::string text;
+    for (const NamedValue& value : sortedValues(list)) {
+        if (!isDefault(value)) text.append(value.name).append("=").append(value.value).append("\n");
+    }
+    return text;
 }
 
 void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect aspect,
                        const std::string& path, Differences& differences) {
     if (before.value == now.value) return;
-    const std::vector<VELHLSAttribute> left = sortedAttributes(before);
-    const std::vector<VELHLSAttribute> right = sortedAttributes(now);
+    const std::vector<NamedValue> left = sortedValues(before.value);
+    const std::vector<NamedValue> right = sortedValues(now.value);
     const Spot missingBefore = {before.number, {}};
     const Spot missingNow = {now.number, {}};
     for (std::size_t first = 0, second = 0; first < left.size() || second < right.size();) {
@@ -89,8 +85,10 @@ void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect a
     }
 }
 
-std::string inQuotes(std::string_view text) {
-    return quoted(text);
+std::string shortened(std::string_view text) {
+    constexpr std::size_t longest = 256;
+    if (text.size() <= longest) return std::string(text);
+    return std::string(text.substr(0, utf8::lengthOfWholeCharacters(text, longest))) + "...";
 }
 
 std::string dateText(std::int64_t microseconds) {

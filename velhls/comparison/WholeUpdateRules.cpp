@@ -3,6 +3,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/comparison/CheckedUpdate.h"
 #include "velhls/comparison/Values.h"
 #include "velhls/document/FormatTables.h"
@@ -10,7 +11,7 @@
 namespace velhls {
 namespace {
 
-constexpr std::size_t mediaSequence = tagIndex(tag::mediaSequence);
+constexpr std::size_t mediaSequence = tagIndexOf<tag::mediaSequence>;
 
 bool isAnew(const CheckedUpdate& update) {
     return update.match.relation == SegmentMatch::anew;
@@ -19,7 +20,7 @@ bool isAnew(const CheckedUpdate& update) {
 /// A packager that begins anew says so: by a discontinuity before its first segment, or by dates that go on.
 bool isRestart(const CheckedUpdate& update) {
     if (!isAnew(update)) return false;
-    constexpr std::size_t discontinuity = tagIndex(tag::discontinuity);
+    constexpr std::size_t discontinuity = tagIndexOf<tag::discontinuity>;
     if (update.now.countOf(discontinuity, 0) > 0 && update.before.countOf(discontinuity, 0) == 0) return true;
     const auto date = update.now.segment(0).date;
     const auto last = update.before.segment(update.before.segmentCount() - 1).date;
@@ -57,7 +58,7 @@ void findOtherUri(const CheckedUpdate& update, const Tell& tell) {
     if (isAnew(update)) return findOtherUris(update, tell);
     forEachOf(update, Aspect::segmentUri, [&](const Difference& difference) {
         const std::string expected =
-            "the URI that " + difference.change.path + " had, " + inQuotes(difference.change.oldText);
+            "the URI that " + difference.change.path + " had, " + quoted(difference.change.oldText);
         update.tell(tell, difference.now, difference.before, expected, {}, saidBefore(difference));
     });
 }
@@ -73,7 +74,7 @@ void findOtherVod(const CheckedUpdate& update, const Tell& tell) {
 
 void findChangeAfterEnd(const CheckedUpdate& update, const Tell& tell) {
     if (!update.before.isEnded()) return;
-    const Spot end = CheckedUpdate::spotOf(update.before, tagIndex(tag::endList));
+    const Spot end = CheckedUpdate::spotOf(update.before, tagIndexOf<tag::endList>);
     const bool isAdded = !isAnew(update) && update.addedAtEnd > 0 && update.now.segmentCount() > 0;
     if (update.now.isEnded() && !isAdded) return;
     const std::string_view seen = isAdded ? "a new segment" : "no EXT-X-ENDLIST any more";

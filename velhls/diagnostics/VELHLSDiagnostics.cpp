@@ -19,7 +19,6 @@
 #include "velhls/common/TextScan.h"
 #include "velhls/common/WholeText.h"
 #include "velhls/diagnostics/KindDetection.h"
-#include "velhls/diagnostics/StandardRules.h"
 #include "velhls/document/FindingList.h"
 #include "velhls/document/TextLines.h"
 #include "velhls/losses/LossFinder.h"
@@ -75,12 +74,8 @@ VELHLSRule ruleOf(Rule reason) {
 /// One reading of a text, and what is to be said of it.
 class CheckedText {
   public:
-    CheckedText(std::string_view text, VELHLSDiagnostics::PlaylistKind kind)
-        : text_(text),
-          lines_(text),
-          findings_(lines_),
-          standardRules_(kind, lines_, findings_),
-          reading_(text, Reading::Extent::toEnd) {}
+    explicit CheckedText(std::string_view text)
+        : text_(text), lines_(text), findings_(lines_), reading_(text, Reading::Extent::toEnd) {}
 
     std::vector<VELHLSFinding> checkMaster() {
         const auto manifest = velhls::readMaster(text_, reading_);
@@ -89,11 +84,11 @@ class CheckedText {
         if (!variantsAreKnown()) pairs = std::nullopt;
         ReadLines lines(lines_, reading_, ReadLines::Kind::master, pairs);
         for (velhls::LossLine line; lines.next(line);) {
-            standardRules_.lineRead(line);
             velhls::findLossesOfMasterLine(line, findings_);
         }
         addRejectionsBetweenRecords();
-        standardRules_.masterRead(*manifest, reading_);
+        velhls::findLossesOfPlaylist({lines.playlist(), lines_, reading_, manifest.get(), nullptr},
+                                     findings_);
         return findings_.takeAll();
     }
 
@@ -102,12 +97,11 @@ class CheckedText {
         addRejectionsOfLines();
         ReadLines lines(lines_, reading_, ReadLines::Kind::media, std::nullopt);
         for (velhls::LossLine line; lines.next(line);) {
-            standardRules_.lineRead(line);
             velhls::findLossesOfMediaLine(line, findings_);
         }
         velhls::findLossesOfSegments(*stream, reading_, lines_, lines, findings_);
         findings_.readingEnded();
-        standardRules_.mediaRead(*stream, reading_);
+        velhls::findLossesOfPlaylist({lines.playlist(), lines_, reading_, nullptr, stream.get()}, findings_);
         return findings_.takeAll();
     }
 
@@ -156,7 +150,6 @@ class CheckedText {
     std::string_view text_;
     velhls::TextLines lines_;
     velhls::FindingList findings_;
-    velhls::StandardRules standardRules_;
     Reading reading_;
 };
 
@@ -236,7 +229,7 @@ class ProfileRun {
                 return {};
             return {noPlaylist(text_, Profile::library)};
         }
-        CheckedText checked(text_, report_.kind);
+        CheckedText checked(text_);
         return report_.kind == VELHLSDiagnostics::Master ? checked.checkMaster() : checked.checkMedia();
     }
 
@@ -322,8 +315,6 @@ std::vector<VELHLSRule> VELHLSDiagnostics::rules(Profile profile) {
     for (std::size_t index = 0; index < velhls::ruleCount; ++index)
         all.push_back(ruleOf(static_cast<Rule>(index)));
     for (const VELHLSRule& rule : velhls::rulesOfLosses())
-        all.push_back(rule);
-    for (const VELHLSRule& rule : velhls::StandardRules::rules())
         all.push_back(rule);
     for (VELHLSRule& rule : all)
         rule.profile = nameOf(profile);

@@ -86,7 +86,7 @@ constexpr VELHLSAttributeDefinition attributeRow(std::string_view name,
 }
 
 /// A quoted-string.
-constexpr VELHLSAttributeDefinition quoted(
+constexpr VELHLSAttributeDefinition quotedString(
     std::string_view name, VELHLSAttributeDefinition::Content content = VELHLSAttributeDefinition::Text) {
     VELHLSAttributeDefinition row = attributeRow(name, VELHLSAttributeDefinition::QuotedString);
     row.content = content;
@@ -107,10 +107,10 @@ inline constexpr std::array keyAttributes = [] {
     using Attribute = VELHLSAttributeDefinition;
     return std::array{
         required(later("SAMPLE-AES-CTR", oneOf("NONE,AES-128,SAMPLE-AES", attribute::method))),
-        quoted(attribute::uri, Attribute::Uri),
+        quotedString(attribute::uri, Attribute::Uri),
         since(2, attributeRow(attribute::iv, Attribute::HexadecimalSequence)),
-        since(5, quoted(attribute::keyFormat)),
-        since(5, quoted(attribute::keyFormatVersions)),
+        since(5, quotedString(attribute::keyFormat)),
+        since(5, quotedString(attribute::keyFormatVersions)),
     };
 }();
 
@@ -125,32 +125,32 @@ inline constexpr std::array sessionKeyAttributes = [] {
 inline constexpr std::array mapAttributes = [] {
     using Attribute = VELHLSAttributeDefinition;
     return std::array{
-        required(quoted(attribute::uri, Attribute::Uri)),
-        quoted(attribute::byteRange, Attribute::ByteRange),
+        required(quotedString(attribute::uri, Attribute::Uri)),
+        quotedString(attribute::byteRange, Attribute::ByteRange),
     };
 }();
 
 inline constexpr std::array dateRangeAttributes = [] {
     using Attribute = VELHLSAttributeDefinition;
     return std::array{
-        required(quoted("ID")),
-        quoted("CLASS"),
-        required(quoted("START-DATE", Attribute::DateTime)),
-        quoted("END-DATE", Attribute::DateTime),
+        required(quotedString("ID")),
+        quotedString("CLASS"),
+        required(quotedString("START-DATE", Attribute::DateTime)),
+        quotedString("END-DATE", Attribute::DateTime),
         attributeRow("DURATION", Attribute::DecimalFloatingPoint),
         attributeRow("PLANNED-DURATION", Attribute::DecimalFloatingPoint),
         attributeRow("SCTE35-CMD", Attribute::HexadecimalSequence),
         attributeRow("SCTE35-OUT", Attribute::HexadecimalSequence),
         attributeRow("SCTE35-IN", Attribute::HexadecimalSequence),
         oneOf("YES", "END-ON-NEXT"),
-        bis(quoted("CUE", Attribute::List)),
+        bis(quotedString("CUE", Attribute::List)),
         // Interstitials: what plays in between.
-        bis(quoted("X-ASSET-URI", Attribute::Uri)),
-        bis(quoted("X-ASSET-LIST", Attribute::Uri)),
+        bis(quotedString("X-ASSET-URI", Attribute::Uri)),
+        bis(quotedString("X-ASSET-LIST", Attribute::Uri)),
         bis(attributeRow("X-RESUME-OFFSET", Attribute::SignedDecimalFloatingPoint)),
         bis(attributeRow("X-PLAYOUT-LIMIT", Attribute::DecimalFloatingPoint)),
-        bis(quoted("X-SNAP", Attribute::List)),
-        bis(quoted("X-RESTRICT", Attribute::List)),
+        bis(quotedString("X-SNAP", Attribute::List)),
+        bis(quotedString("X-RESTRICT", Attribute::List)),
         attributeRow("X-*", Attribute::ClientValue),
     };
 }();
@@ -158,10 +158,10 @@ inline constexpr std::array dateRangeAttributes = [] {
 inline constexpr std::array partAttributes = [] {
     using Attribute = VELHLSAttributeDefinition;
     return std::array{
-        bis(required(quoted(attribute::uri, Attribute::Uri))),
+        bis(required(quotedString(attribute::uri, Attribute::Uri))),
         bis(required(attributeRow("DURATION", Attribute::DecimalFloatingPoint))),
         bis(oneOf("YES", "INDEPENDENT")),
-        bis(quoted(attribute::byteRange, Attribute::ByteRange)),
+        bis(quotedString(attribute::byteRange, Attribute::ByteRange)),
         bis(oneOf("YES", "GAP")),
     };
 }();
@@ -184,14 +184,14 @@ inline constexpr std::array serverControlAttributes = [] {
 inline constexpr std::array skipAttributes = {
     bis(required(attributeRow("SKIPPED-SEGMENTS", VELHLSAttributeDefinition::DecimalInteger))),
     // A list whose separator is a tab.
-    since(10, bis(quoted("RECENTLY-REMOVED-DATERANGES"))),
+    since(10, bis(quotedString("RECENTLY-REMOVED-DATERANGES"))),
 };
 
 inline constexpr std::array preloadHintAttributes = [] {
     using Attribute = VELHLSAttributeDefinition;
     return std::array{
         bis(required(oneOf("PART,MAP", attribute::type))),
-        bis(required(quoted(attribute::uri, Attribute::Uri))),
+        bis(required(quotedString(attribute::uri, Attribute::Uri))),
         bis(attributeRow("BYTERANGE-START", Attribute::DecimalInteger)),
         bis(attributeRow("BYTERANGE-LENGTH", Attribute::DecimalInteger)),
     };
@@ -200,7 +200,7 @@ inline constexpr std::array preloadHintAttributes = [] {
 inline constexpr std::array renditionReportAttributes = [] {
     using Attribute = VELHLSAttributeDefinition;
     return std::array{
-        bis(required(quoted(attribute::uri, Attribute::Uri))),
+        bis(required(quotedString(attribute::uri, Attribute::Uri))),
         bis(attributeRow("LAST-MSN", Attribute::DecimalInteger)),
         bis(attributeRow("LAST-PART", Attribute::DecimalInteger)),
     };
@@ -210,21 +210,21 @@ inline constexpr std::array mediaAttributes = [] {
     using Attribute = VELHLSAttributeDefinition;
     return std::array{
         required(oneOf("AUDIO,VIDEO,SUBTITLES,CLOSED-CAPTIONS", attribute::type)),
-        required(quoted(attribute::groupId)),
-        required(quoted(attribute::name)),
-        quoted(attribute::language, Attribute::Language),
+        required(quotedString(attribute::groupId)),
+        required(quotedString(attribute::name)),
+        quotedString(attribute::language, Attribute::Language),
         oneOf("YES,NO", attribute::autoSelect),
         oneOf("YES,NO", attribute::defaultFlag),
-        quoted(attribute::uri, Attribute::Uri),
-        quoted("CHANNELS"),
-        quoted(attribute::assocLanguage, Attribute::Language),
+        quotedString(attribute::uri, Attribute::Uri),
+        quotedString("CHANNELS"),
+        quotedString(attribute::assocLanguage, Attribute::Language),
         oneOf("YES,NO", attribute::forced),
-        quoted(attribute::instreamId),
-        quoted(attribute::characteristics, Attribute::List),
-        bis(quoted("STABLE-RENDITION-ID")),
+        quotedString(attribute::instreamId),
+        quotedString(attribute::characteristics, Attribute::List),
+        bis(quotedString("STABLE-RENDITION-ID")),
         bis(attributeRow("BIT-DEPTH", Attribute::DecimalInteger)),
         bis(attributeRow("SAMPLE-RATE", Attribute::DecimalInteger)),
-        vendor(quoted(attribute::audioTrackType)),
+        vendor(quotedString(attribute::audioTrackType)),
     };
 }();
 
@@ -234,20 +234,20 @@ inline constexpr std::array variantAttributes = [] {
     return std::array{
         required(attributeRow(attribute::bandwidth, Attribute::DecimalInteger)),
         attributeRow(attribute::averageBandwidth, Attribute::DecimalInteger),
-        quoted(attribute::codecs, Attribute::List),
+        quotedString(attribute::codecs, Attribute::List),
         attributeRow(attribute::resolution, Attribute::DecimalResolution),
         later("TYPE-1", oneOf("TYPE-0,NONE", "HDCP-LEVEL")),
-        quoted(attribute::video),
+        quotedString(attribute::video),
         bis(oneOf("SDR,HLG,PQ", "VIDEO-RANGE")),
         bis(attributeRow("SCORE", Attribute::DecimalFloatingPoint)),
-        bis(quoted("SUPPLEMENTAL-CODECS", Attribute::List)),
-        bis(quoted("ALLOWED-CPC", Attribute::List)),
-        bis(quoted("STABLE-VARIANT-ID")),
-        bis(quoted("PATHWAY-ID")),
-        since(12, bis(quoted("REQ-VIDEO-LAYOUT", Attribute::List))),
-        since(12, bis(quoted("REQ-*"))),
+        bis(quotedString("SUPPLEMENTAL-CODECS", Attribute::List)),
+        bis(quotedString("ALLOWED-CPC", Attribute::List)),
+        bis(quotedString("STABLE-VARIANT-ID")),
+        bis(quotedString("PATHWAY-ID")),
+        since(12, bis(quotedString("REQ-VIDEO-LAYOUT", Attribute::List))),
+        since(12, bis(quotedString("REQ-*"))),
         removedIn(6, attributeRow(attribute::programId, Attribute::DecimalInteger)),
-        vendor(quoted(attribute::name)),
+        vendor(quotedString(attribute::name)),
     };
 }();
 
@@ -268,27 +268,29 @@ inline constexpr auto streamInfAttributes = [] {
     return joined(variantAttributes,
                   std::array{
                       attributeRow("FRAME-RATE", Attribute::DecimalFloatingPoint),
-                      quoted(attribute::audio),
-                      quoted(attribute::subtitles),
+                      quotedString(attribute::audio),
+                      quotedString(attribute::subtitles),
                       values("NONE", attributeRow(attribute::closedCaptions, Attribute::QuotedOrEnumerated)),
                   });
 }();
 
-inline constexpr auto iFrameStreamInfAttributes =
-    joined(variantAttributes, std::array{required(quoted(attribute::uri, VELHLSAttributeDefinition::Uri))});
+inline constexpr auto iFrameStreamInfAttributes = joined(
+    variantAttributes, std::array{required(quotedString(attribute::uri, VELHLSAttributeDefinition::Uri))});
 
 inline constexpr std::array sessionDataAttributes = [] {
     using Attribute = VELHLSAttributeDefinition;
     return std::array{
-        required(quoted(attribute::dataId)),    quoted(attribute::value),
-        quoted(attribute::uri, Attribute::Uri), quoted(attribute::language, Attribute::Language),
+        required(quotedString(attribute::dataId)),
+        quotedString(attribute::value),
+        quotedString(attribute::uri, Attribute::Uri),
+        quotedString(attribute::language, Attribute::Language),
         bis(oneOf("JSON,RAW", "FORMAT")),
     };
 }();
 
 inline constexpr std::array contentSteeringAttributes = {
-    bis(required(quoted("SERVER-URI", VELHLSAttributeDefinition::Uri))),
-    bis(quoted("PATHWAY-ID")),
+    bis(required(quotedString("SERVER-URI", VELHLSAttributeDefinition::Uri))),
+    bis(quotedString("PATHWAY-ID")),
 };
 
 inline constexpr std::array startAttributes = {
@@ -297,10 +299,10 @@ inline constexpr std::array startAttributes = {
 };
 
 inline constexpr std::array defineAttributes = {
-    bis(quoted(attribute::name)),
-    bis(quoted(attribute::value)),
-    bis(quoted("IMPORT")),
-    since(11, bis(quoted("QUERYPARAM"))),
+    bis(quotedString(attribute::name)),
+    bis(quotedString(attribute::value)),
+    bis(quotedString("IMPORT")),
+    since(11, bis(quotedString("QUERYPARAM"))),
 };
 
 /// The names are written with underscores, unlike the standard's.
@@ -380,5 +382,9 @@ constexpr std::size_t tagIndex(std::string_view name) {
         ++index;
     return index;
 }
+
+/// The same of a name of Names.h: a constant wherever it stands.
+template <const std::string_view& name>
+inline constexpr std::size_t tagIndexOf = tagIndex(name);
 
 }  // namespace velhls

@@ -42,6 +42,16 @@ std::string_view firstOfSet(std::string_view text, const velhls::CharacterSet& s
 }
 
 constexpr velhls::CharacterSet quotes("\"");
+constexpr velhls::CharacterSet quotesAndBlanks("\" \t\n\r");
+
+/// Where the comma stands that ends the first pair of the list, or the list ends. The equals sign of the pair, or that comma, is
+/// where its name ends.
+std::size_t endOfPair(std::string_view list, std::size_t nameEnd) {
+    if (nameEnd == list.size() || list[nameEnd] == ',') return nameEnd;
+    std::size_t place = nameEnd + 1 + leadingBlanks(list.substr(nameEnd + 1));
+    if (place < list.size() && list[place] == '"') place = std::min(list.find('"', place + 1), list.size());
+    return std::min(list.find(',', place), list.size());
+}
 
 }  // namespace
 
@@ -134,6 +144,8 @@ void VELHLSAttributes::Iterator::scanBare() {
     rest_.remove_prefix(written.size());
     attribute_.value = velhls::withoutTrailing(written, velhls::blanks);
     attribute_.writtenValue = attribute_.value;
+    // Of most values there is nothing more to say.
+    if (!written.empty() && velhls::holdsNone(written, quotesAndBlanks)) return;
     if (attribute_.value.empty()) {
         fail(VELHLSAttribute::ValueMissing, attribute_.value);
     } else if (!velhls::holdsNone(attribute_.value, quotes)) {
@@ -144,8 +156,15 @@ void VELHLSAttributes::Iterator::scanBare() {
 }
 
 std::optional<VELHLSAttribute> VELHLSAttributes::find(std::string_view name) const {
-    for (const VELHLSAttribute& attribute : *this) {
-        if (attribute.name == name) return attribute;
+    // Only what has the name is scanned: of the others it is enough to know where they end, which is as scan() has it.
+    for (std::string_view rest = list_;;) {
+        std::size_t nameEnd = 0;
+        while (nameEnd < rest.size() && rest[nameEnd] != '=' && rest[nameEnd] != ',')
+            ++nameEnd;
+        if (nameEnd >= name.size() && !rest.empty() && trimmed(rest.substr(0, nameEnd)) == name)
+            return *Iterator(rest);
+        const std::size_t end = endOfPair(rest, nameEnd);
+        if (end == rest.size()) return std::nullopt;
+        rest.remove_prefix(end + 1);
     }
-    return std::nullopt;
 }

@@ -21,7 +21,7 @@ struct VELHLSRule {
     /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
     std::string_view source;
 
-    /// Whether what the library writes does no longer hold what the rule finds.
+    /// True when `render` leaves out what the rule finds.
     bool isLostWhenWritten;
 
     /// Of a rule of the standard the key word of its clause: "MUST", "MUST NOT", "REQUIRED", "SHALL NOT", "SHOULD",

@@ -1,6 +1,8 @@
 // Internal to the library, not installed: what the models drop, change or read otherwise than it seems to be meant.
 #pragma once
 
+#include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -11,6 +13,8 @@
 #include <vector>
 
 #include "velhls/common/AttributeList.h"
+#include "velhls/common/Names.h"
+#include "velhls/common/Reading.h"
 #include "velhls/common/TagLine.h"
 #include "velhls/document/FindingList.h"
 #include "velhls/document/TextLines.h"
@@ -36,6 +40,20 @@ struct WrittenAttributes {
     std::vector<bool> areRepeated;
 };
 
+/// Tags that a model has one field for.
+inline constexpr std::array tagsWrittenOnce = {
+    tag::version,        tag::independentSegments, tag::start,
+    tag::targetDuration, tag::mediaSequence,       tag::discontinuitySequence,
+    tag::endList,        tag::playlistType,        tag::iFramesOnly};
+
+/// The place of the tag with this name among them, or their number.
+[[nodiscard]] constexpr std::size_t indexOfTagWrittenOnce(std::string_view name) {
+    std::size_t index = 0;
+    while (index < tagsWrittenOnce.size() && tagsWrittenOnce[index] != name)
+        ++index;
+    return index;
+}
+
 /// What is known of the playlist when one of its lines is looked at.
 struct LossPlaylist {
     bool isMaster = false;
@@ -44,7 +62,11 @@ struct LossPlaylist {
 
     // What the lines before said.
     bool hasHeader = false;
+    bool hasStart = false;
+    bool hasTargetDuration = false;
     bool startIsPrecise = false;
+    /// Of tagsWrittenOnce those that came before.
+    std::bitset<tagsWrittenOnce.size()> seenTags;
     /// Ordered, so that no choice of names makes looking one up slow.
     std::set<std::string, std::less<>> variables;
 };
@@ -117,6 +139,15 @@ struct LossPattern {
     [[nodiscard]] const LossLine& start() const { return lines[startLine]; }
 };
 
+/// A playlist that was read to its end, and where its records stand. Of the two models one is null.
+struct LossRecords {
+    const LossPlaylist& playlist;
+    const TextLines& lines;
+    const Reading& reading;
+    const VELHLSParsedManifest* manifest;
+    const VELHLSMediaStream* stream;
+};
+
 /// A rule, and beside it the one function that finds it.
 template <typename Subject>
 struct Loss {
@@ -134,6 +165,7 @@ using LineLoss = Loss<LossLine>;
 using SegmentLoss = Loss<LossSegment>;
 using PatternLoss = Loss<LossPattern>;
 using RestLoss = Loss<LossRest>;
+using PlaylistLoss = Loss<LossRecords>;
 
 template <typename Entry>
 struct LossTable {
@@ -145,12 +177,15 @@ struct LossTable {
 };
 
 // The tables. Each stands beside its functions, in the file of its name.
+[[nodiscard]] LossTable<LineLoss> textLosses();
+[[nodiscard]] LossTable<LineLoss> tagLosses();
 [[nodiscard]] LossTable<LineLoss> lineLosses();
 [[nodiscard]] LossTable<LineLoss> masterLosses();
 [[nodiscard]] LossTable<LineLoss> mediaLosses();
 [[nodiscard]] LossTable<SegmentLoss> segmentLosses();
 [[nodiscard]] LossTable<PatternLoss> patternLosses();
 [[nodiscard]] LossTable<RestLoss> restLosses();
+[[nodiscard]] LossTable<PlaylistLoss> playlistLosses();
 
 inline constexpr std::string_view libraryBehaviour = "library behaviour";
 inline constexpr std::string_view vendorExtension = "vendor extension";

@@ -57,25 +57,36 @@ std::size_t startOfPattern(const std::vector<LossLine>& lines) {
 
 std::vector<VELHLSRule> rulesOfLosses() {
     std::vector<VELHLSRule> rules;
+    appendRules(rules, textLosses());
+    appendRules(rules, tagLosses());
     appendRules(rules, lineLosses());
     appendRules(rules, masterLosses());
     appendRules(rules, mediaLosses());
     appendRules(rules, segmentLosses());
     appendRules(rules, patternLosses());
     appendRules(rules, restLosses());
+    appendRules(rules, playlistLosses());
     return rules;
 }
 
 void findLossesOfMasterLine(const LossLine& line, FindingList& findings) {
+    findAll(textLosses(), line, findings);
     if (!isLookedAt(line)) return;
+    findAll(tagLosses(), line, findings);
     findAll(lineLosses(), line, findings);
     findAll(masterLosses(), line, findings);
 }
 
 void findLossesOfMediaLine(const LossLine& line, FindingList& findings) {
+    findAll(textLosses(), line, findings);
     if (!isLookedAt(line)) return;
+    findAll(tagLosses(), line, findings);
     findAll(lineLosses(), line, findings);
     findAll(mediaLosses(), line, findings);
+}
+
+void findLossesOfPlaylist(const LossRecords& records, FindingList& findings) {
+    findAll(playlistLosses(), records, findings);
 }
 
 void findLossesOfSegments(const VELHLSMediaStream& stream, const Reading& reading, const TextLines& textLines,

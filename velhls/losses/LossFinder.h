@@ -18,6 +18,9 @@ namespace velhls {
 void findLossesOfMasterLine(const LossLine& line, FindingList& findings);
 void findLossesOfMediaLine(const LossLine& line, FindingList& findings);
 
+/// What is lost of a playlist as a whole.
+void findLossesOfPlaylist(const LossRecords& records, FindingList& findings);
+
 /// What is lost of the segments and patterns of a media playlist, and of what stands after its end.
 void findLossesOfSegments(const VELHLSMediaStream& stream, const Reading& reading, const TextLines& textLines,
                           const ReadLines& lines, FindingList& findings);

@@ -35,7 +35,13 @@ void findUriAttribute(const LossLine& line, const TellLoss& tell) {
 }
 
 void findCaptionsNoneAdded(const LossLine& line, const TellLoss& tell) {
-    const bool isVariant = isVariantTag(line) && line.role == LineRole::record;
+    const bool isVariant = isRecord(line, tag::streamInf);
+    if (isVariant && line.find(attribute::closedCaptions) == nullptr) tell(line, line.tag.name, "none");
+}
+
+/// RFC 8216, section 4.3.4.3, has no such attribute there.
+void findCaptionsAddedToIFrames(const LossLine& line, const TellLoss& tell) {
+    const bool isVariant = isRecord(line, tag::iFrameStreamInf);
     if (isVariant && line.find(attribute::closedCaptions) == nullptr) tell(line, line.tag.name, "none");
 }
 
@@ -120,22 +126,25 @@ constexpr LineLoss losses[] = {
       "one #EXTM3U", libraryBehaviour, lost},
      findHeaderThatEnds},
     {{"variant-uri-is-tag", VELHLSFinding::Warning, "The line after EXT-X-STREAM-INF is a tag or a comment, and is taken as the URI.",
-      "a URI in the line after EXT-X-STREAM-INF", "RFC 8216, section 4.3.4.2", kept},
+      "a URI in the line after EXT-X-STREAM-INF", libraryBehaviour, kept},
      findTagAsUri},
     {{"variant-uri-attribute-ignored", VELHLSFinding::Warning, "EXT-X-STREAM-INF has a URI attribute, which is ignored.",
-      "the URI in the line after the tag alone", "RFC 8216, section 4.3.4.2", lost},
+      "the URI in the line after the tag alone", libraryBehaviour, lost},
      findUriAttribute},
     {{"variant-captions-none-added", VELHLSFinding::Note, "A variant without CLOSED-CAPTIONS is written with CLOSED-CAPTIONS=NONE.",
       "CLOSED-CAPTIONS", libraryBehaviour, kept},
      findCaptionsNoneAdded},
+    {{"i-frame-variant-captions-added", VELHLSFinding::Warning, "An I-frame variant is written with CLOSED-CAPTIONS=NONE, which it cannot have.",
+      "CLOSED-CAPTIONS, which is written all the same", libraryBehaviour, kept},
+     findCaptionsAddedToIFrames},
     {{"variant-captions-quoted-none", VELHLSFinding::Warning, "CLOSED-CAPTIONS=\"NONE\" in quotes is read as NONE without quotes.",
-      "CLOSED-CAPTIONS=NONE without quotes, or the name of a group", "RFC 8216, section 4.3.4.2", kept},
+      "CLOSED-CAPTIONS=NONE without quotes, or the name of a group", libraryBehaviour, kept},
      findQuotedNone},
     {{"rendition-autoselect-implied", VELHLSFinding::Note, "DEFAULT=YES sets AUTOSELECT, which is then written as YES.",
       "AUTOSELECT=YES beside DEFAULT=YES", libraryBehaviour, kept},
      findImpliedAutoSelect},
     {{"rendition-autoselect-overruled", VELHLSFinding::Warning, "AUTOSELECT=NO beside DEFAULT=YES is read and written as YES.",
-      "AUTOSELECT=YES beside DEFAULT=YES", "RFC 8216, section 4.3.4.1", kept},
+      "AUTOSELECT=YES beside DEFAULT=YES", libraryBehaviour, kept},
      findOverruledAutoSelect},
     {{"rendition-audio-track-type-not-written", VELHLSFinding::Warning, "AUDIO-TRACK-TYPE is read and never written.",
       "an attribute that is written back", vendorExtension, lost},
@@ -144,7 +153,7 @@ constexpr LineLoss losses[] = {
       "CHARACTERISTICS in ascending order, each once", libraryBehaviour, kept},
      findChangedCharacteristics},
     {{"rendition-repeated", VELHLSFinding::Warning, "A group has two renditions with one NAME: the second is dropped.",
-      "a NAME that the group does not have yet", "RFC 8216, section 4.3.4.1.1", lost},
+      "a NAME that the group does not have yet", libraryBehaviour, lost},
      findRepeatedRendition},
     {{"session-data-attribute-lost", VELHLSFinding::Warning, "The first attribute of EXT-X-SESSION-DATA is lost.",
       "an attribute that may be lost as the first one", libraryBehaviour, lost},

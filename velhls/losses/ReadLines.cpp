@@ -111,6 +111,10 @@ void ReadLines::readAttributes(LossLine& line) {
 void ReadLines::note(const LossLine& line) {
     if (!line.isTag || line.role == LineRole::rejected) return;
     if (line.tag.name == tag::extM3U && !line.tag.hasColon) playlist_.hasHeader = true;
+    if (line.tag.name == tag::start) playlist_.hasStart = true;
+    if (line.tag.name == tag::targetDuration) playlist_.hasTargetDuration = true;
+    const std::size_t index = indexOfTagWrittenOnce(line.tag.name);
+    if (index < tagsWrittenOnce.size()) playlist_.seenTags.set(index);
     if (line.attributes == nullptr) return;
     const Attribute* const precise = line.isTagNamed(tag::start) ? line.find(attribute::precise) : nullptr;
     if (precise != nullptr && precise->value == fixed::yes) playlist_.startIsPrecise = true;

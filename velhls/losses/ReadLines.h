@@ -26,6 +26,9 @@ class ReadLines {
     /// A line without its attributes. Its text is a view into the text, or into `memory`.
     [[nodiscard]] LossLine lineAt(std::size_t number, std::string& memory) const;
 
+    /// What the lines that were gone through said.
+    [[nodiscard]] const LossPlaylist& playlist() const { return playlist_; }
+
     [[nodiscard]] LineRole roleOf(std::size_t number) const { return roles_[number]; }
 
   private:

@@ -19,8 +19,8 @@ namespace velhls {
 
 inline constexpr std::size_t mostRangeBytes = 2 * mostDecimalBytes + 1;
 
-/// Writes the text of a range of no negative length to where there is room for `mostRangeBytes`, and returns
-/// the place after it. See VELHLSByteRange::render.
+/// Writes a range whose length is not negative to where there is room for `mostRangeBytes`, and returns the place after
+/// it. See VELHLSByteRange::render.
 [[nodiscard]] char* writeRange(char* to, const VELHLSByteRange& range);
 
 /// False for most URIs: then there is no byte range in this one, and readRangeInUri need not be asked. Every range

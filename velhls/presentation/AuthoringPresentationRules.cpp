@@ -154,12 +154,12 @@ void compareLengths(const Presentation& presentation, const TellPresentation& te
         const double uncertain = main->targetDuration() / 2.0 + main->roundingAt(main->segments().size()) +
                                  playlist->roundingAt(playlist->segments().size());
         if (std::fabs(longer) > uncertain && isBroken(longer))
-            broken.add(playlist->uriOf(playlist->segments().back()), secondsText(playlist->duration()));
+            broken.add(playlist->uriOf(playlist->segments().back()), durationText(playlist->duration()));
     }
     PresentationWords words;
-    words.expected = "the duration of the video, " + secondsText(main->duration());
+    words.expected = "the duration of the video, " + durationText(main->duration());
     words.related = main->uriOf(main->segments().back());
-    words.relatedSeen = secondsText(main->duration());
+    words.relatedSeen = durationText(main->duration());
     tell(broken, words);
 }
 
@@ -288,7 +288,7 @@ void findOtherIFrameInterval(const Presentation& presentation, const TellPresent
         const double interval = playlist->duration() / static_cast<double>(playlist->segments().size());
         if (interval < shortest || interval > longest)
             broken.add(playlist->uriOf(playlist->segments().front()),
-                       "one in " + secondsText(interval) + " on average");
+                       "one in " + durationText(interval) + " on average");
     }
     tell(broken);
 }
@@ -317,7 +317,7 @@ void findOtherDiscontinuities(const Presentation& presentation, const TellPresen
         const TimedSegment& segment = playlist->segments()[pair->right];
         if (broken.places.empty()) words.related = first.uriOf(first.segments()[pair->left]);
         broken.add(playlist->uriOf(segment), std::to_string(segment.discontinuity) +
-                                                 " discontinuities up to " + secondsText(segment.start));
+                                                 " discontinuities up to " + durationText(segment.start));
     }
     tell(broken, words);
 }
@@ -352,9 +352,9 @@ void findOtherBoundaries(const Presentation& presentation, const TellPresentatio
         if (broken.places.empty()) {
             const TimedSegment& nearest = first.segments()[pair->left];
             words.related = first.uriOf(nearest);
-            words.relatedSeen = "a segment at " + secondsText(nearest.start);
+            words.relatedSeen = "a segment at " + durationText(nearest.start);
         }
-        broken.add(playlist->uriOf(segment), "a segment at " + secondsText(segment.start));
+        broken.add(playlist->uriOf(segment), "a segment at " + durationText(segment.start));
     }
     tell(broken, words);
 }

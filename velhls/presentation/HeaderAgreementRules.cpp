@@ -90,7 +90,7 @@ void findUnfitStart(const Presentation& presentation, const TellPresentation& te
         if (++count > 1) continue;
         words.expected = expected;
         words.related = playlist.uriOf(playlist.segments().back());
-        words.relatedSeen = "the last segment, up to " + secondsText(playlist.duration());
+        words.relatedSeen = "the last segment, up to " + durationText(playlist.duration());
     }
     if (count == 0) return;
     const std::string seen = std::string(*text) + ", which does not fit " + std::to_string(count) + " of " +
@@ -105,7 +105,7 @@ bool isBeyond(const PresentationPlaylist& playlist, double offset) {
 void findStartBeyond(const Presentation& presentation, const TellPresentation& tell) {
     findUnfitStart(presentation, tell, [](const PresentationPlaylist& playlist, double offset, bool) {
         if (!isBeyond(playlist, offset)) return std::string();
-        return "no more than the duration of the media playlist, " + secondsText(playlist.duration());
+        return "no more than the duration of the media playlist, " + durationText(playlist.duration());
     });
 }
 
@@ -116,7 +116,7 @@ void findStartNearEnd(const Presentation& presentation, const TellPresentation& 
                        const double distance = isFromEnd ? -offset : playlist.duration() - offset;
                        if (playlist.hasEnded() || isBeyond(playlist, offset) || distance >= least)
                            return std::string();
-                       return "a start at least " + secondsText(least) +
+                       return "a start at least " + durationText(least) +
                               ", three target durations, before the end of a playlist without EXT-X-ENDLIST";
                    });
 }

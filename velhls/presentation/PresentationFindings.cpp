@@ -89,11 +89,7 @@ std::vector<VELHLSFinding> PresentationFindings::takeAll() {
     return findings;
 }
 
-std::string inQuotes(std::string_view text) {
-    return quoted(text);
-}
-
-std::string secondsText(double seconds) {
+std::string durationText(double seconds) {
     const long long milliseconds = std::llround(std::min(std::fabs(seconds), 1e12) * 1000.0);
     std::string fraction = std::to_string(1000 + milliseconds % 1000).substr(1);
     fraction.erase(fraction.find_last_not_of('0') + 1);

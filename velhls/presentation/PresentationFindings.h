@@ -99,11 +99,8 @@ class TellPresentation {
     StandardProfile profile_;
 };
 
-/// The text in double quotes; of a long one its start.
-[[nodiscard]] std::string inQuotes(std::string_view text);
-
 /// "5.005 seconds", to the millisecond.
-[[nodiscard]] std::string secondsText(double seconds);
+[[nodiscard]] std::string durationText(double seconds);
 
 /// "2560000 bit/s".
 [[nodiscard]] std::string rateText(double rate);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/presentation/JsonSyntax.h"
 #include "velhls/presentation/Presentation.h"
@@ -31,21 +32,21 @@ void forEachUnread(const Presentation& presentation, Visit visit) {
 void findUnread(const Presentation& presentation, const TellPresentation& tell) {
     forEachUnread(presentation, [&](const MasterUse& use) {
         const std::string& why = use.resource->whyNotRead;
-        if (!why.empty()) tell(use.uri, inQuotes(use.uri.piece) + ": " + why);
+        if (!why.empty()) tell(use.uri, quoted(use.uri.piece) + ": " + why);
     });
 }
 
 void findMissingPlaylist(const Presentation& presentation, const TellPresentation& tell) {
     forEachUnread(presentation, [&](const MasterUse& use) {
         if (use.resource->whyNotRead.empty() && use.kind != Kind::sessionData)
-            tell(use.uri, inQuotes(use.uri.piece) + ", and nothing there");
+            tell(use.uri, quoted(use.uri.piece) + ", and nothing there");
     });
 }
 
 void findMissingData(const Presentation& presentation, const TellPresentation& tell) {
     forEachUnread(presentation, [&](const MasterUse& use) {
         if (use.resource->whyNotRead.empty() && use.kind == Kind::sessionData)
-            tell(use.uri, inQuotes(use.uri.piece) + ", and nothing there");
+            tell(use.uri, quoted(use.uri.piece) + ", and nothing there");
     });
 }
 
@@ -61,7 +62,7 @@ void findMasterNamed(const Presentation& presentation, const TellPresentation& t
         ++broken.total;
         if (use.text == nullptr || use.text->document.kind() != VELHLSDocument::Master) continue;
         if (named == nullptr) named = use.text;
-        broken.add(use.uri, inQuotes(use.uri.piece) + ", a master playlist");
+        broken.add(use.uri, quoted(use.uri.piece) + ", a master playlist");
     }
     PresentationWords words;
     if (named != nullptr) {
@@ -97,7 +98,7 @@ void findIFramesMissing(const Presentation& presentation, const TellPresentation
             words.related = use.uri;
             words.relatedSeen = "the I-frame variant that names it";
         }
-        if (isMaster) broken.add(use.uri, inQuotes(use.uri.piece) + ", a master playlist");
+        if (isMaster) broken.add(use.uri, quoted(use.uri.piece) + ", a master playlist");
         if (!isMaster) broken.add(use.playlist->top(), "none");
     }
     tell(broken, words);
@@ -122,7 +123,7 @@ void findOtherThanJson(const Presentation& presentation, const TellPresentation&
             words.related = placeAt(*use.text, *fault);
             words.relatedSeen = "what is no JSON";
         }
-        tell(use.uri, inQuotes(use.uri.piece) + ", which is no JSON", words);
+        tell(use.uri, quoted(use.uri.piece) + ", which is no JSON", words);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/presentation/Presentation.h"
 
@@ -126,7 +127,7 @@ void tellOfLack(const Playlists& playlists, std::string_view what, const TellPre
         for (const std::size_t place : lacking)
             broken.add(playlists[place]->top(), "none");
         PresentationWords words;
-        words.expected = "the date range " + inQuotes(lack.first.piece);
+        words.expected = "the date range " + quoted(lack.first.piece);
         if (lack.count > 1) words.expected += " and " + std::to_string(lack.count - 1) + " more";
         words.related = lack.first;
         tell(broken, words);
@@ -215,7 +216,7 @@ void findOtherValue(const Playlists& playlists, const std::vector<Range>& ranges
                     const Attribute* end, const TellPresentation& tell) {
     BrokenPlaces broken;
     PresentationWords words;
-    words.expected = std::string(first->name) + " of " + inQuotes(first->id) + " as in another variant";
+    words.expected = std::string(first->name) + " of " + quoted(first->id) + " as in another variant";
     words.related = valueAt(*playlists[first->playlist], *first);
     for (const Attribute* attribute = first; attribute != end; ++attribute) {
         const bool isOther =

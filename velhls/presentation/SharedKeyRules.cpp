@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/presentation/Presentation.h"
 #include "velhls/presentation/ResolvedUri.h"
 
@@ -157,7 +158,7 @@ void findSessionKeyMissing(const Presentation& presentation, const TellPresentat
     if (count == 0) return;
     BrokenPlaces broken;
     broken.add(presentation.topOfMaster(),
-               "none for " + inQuotes(words.related.piece) +
+               "none for " + quoted(words.related.piece) +
                    (count > 1 ? " and " + std::to_string(count - 1) + " more keys" : ""));
     broken.add(second);
     tell(broken, words);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
 #include "velhls/presentation/Agreement.h"
 #include "velhls/presentation/Presentation.h"
 #include "velhls/presentation/Timelines.h"
@@ -58,7 +59,7 @@ void findDiscontinuities(const Presentation& presentation, const TellPresentatio
         [](const PresentationPlaylist& playlist, std::size_t place) {
             const TimedSegment& segment = playlist.segments()[place];
             return BrokenPlace{playlist.uriOf(segment),
-                               std::to_string(segment.discontinuity) + " at " + secondsText(segment.start)};
+                               std::to_string(segment.discontinuity) + " at " + durationText(segment.start)};
         });
 }
 
@@ -74,7 +75,7 @@ std::optional<SegmentPair> findOtherLength(const PresentationPlaylist& left,
 }
 
 BrokenPlace endOf(const PresentationPlaylist& playlist, std::size_t lastSegment) {
-    return {playlist.uriOf(playlist.segments()[lastSegment]), secondsText(playlist.duration())};
+    return {playlist.uriOf(playlist.segments()[lastSegment]), durationText(playlist.duration())};
 }
 
 void findOtherLengths(const Presentation& presentation, const TellPresentation& tell) {
@@ -102,7 +103,7 @@ void findOtherLengthsBeside(const Presentation& presentation, const TellPresenta
         const BrokenPlace end = endOf(*playlist, pair->right);
         broken.add(end.place, end.seen);
         words.related = endOf(*main, pair->left).place;
-        words.relatedSeen = secondsText(main->duration());
+        words.relatedSeen = durationText(main->duration());
     }
     tell(broken, words);
 }
@@ -115,8 +116,8 @@ void findOtherDates(const Presentation& presentation, const TellPresentation& te
         },
         [](const PresentationPlaylist& playlist, std::size_t place) {
             const PresentationPlace date = playlist.dateOf(place);
-            return BrokenPlace{date, inQuotes(date.piece) + " up to the segment at " +
-                                         secondsText(playlist.segments()[place].start)};
+            return BrokenPlace{date, quoted(date.piece) + " up to the segment at " +
+                                         durationText(playlist.segments()[place].start)};
         });
 }
 

@@ -30,9 +30,9 @@ class VELHLSProtectionData;
 /// A record is a variant, a rendition, an entry of session data, a session key or a segment. VELHLSStructure tells of lines
 /// too, by RFC 8216 and of any text; here it is what the parse took for a record.
 ///
-/// It tells of the records of its last parse, as long as they are there: of records that came from elsewhere there are no
-/// lines, and of one that was made where a record of the parse had gone it knows no better. It holds 16 bytes for each record,
-/// and neither the document nor the model. It may be asked by several threads at once.
+/// It tells of the records that its last parse made, as long as they live. Of any other record there are no lines, unless that
+/// was made in the memory of one that has gone. It holds 16 bytes for each record, and neither the document nor the model. It
+/// may be asked by several threads at once.
 class VELHLS_CHECK_API VELHLSRecordLines {
   public:
     /// The lines of one record, all that lie between them included. Counted from 1, as those of the document.

@@ -27,9 +27,9 @@ std::string ownSource(const CheckedLine& checked) {
 /// Goes through the attributes that the profile knows, with their rows.
 template <typename Visit>
 void forEachKnown(const CheckedLine& checked, Visit visit) {
-    for (const VELHLSAttribute& attribute : checked.attributes) {
-        const VELHLSAttributeDefinition* const row = tagOf(checked).findAttribute(attribute.name);
-        if (row != nullptr && checked.playlist.knows(*row)) visit(attribute, *row);
+    for (std::size_t place = 0; place < checked.attributes.size(); ++place) {
+        const VELHLSAttributeDefinition* const row = checked.rows[place];
+        if (row != nullptr) visit(checked.attributes[place], *row);
     }
 }
 
@@ -72,7 +72,21 @@ void findMalformed(const CheckedLine& checked, const Tell& tell) {
         findFault(checked, tell, fault, expected);
 }
 
+/// Whether an attribute has the name of an earlier one, as far as that is found without sorting them.
+bool mayRepeat(const std::vector<VELHLSAttribute>& attributes) {
+    constexpr std::size_t few = 24;
+    if (attributes.size() > few) return true;
+    for (std::size_t place = 1; place < attributes.size(); ++place) {
+        const std::string_view name = attributes[place].name;
+        for (std::size_t before = 0; before < place; ++before) {
+            if (attributes[before].name == name && !name.empty()) return true;
+        }
+    }
+    return false;
+}
+
 void findRepeated(const CheckedLine& checked, const Tell& tell) {
+    if (!mayRepeat(checked.attributes)) return;
     std::vector<const VELHLSAttribute*> named;
     for (const VELHLSAttribute& attribute : checked.attributes) {
         if (!attribute.name.empty()) named.push_back(&attribute);
@@ -131,7 +145,7 @@ void findUnknownValue(const CheckedLine& checked, const Tell& tell) {
     forEachKnown(checked, [&](const VELHLSAttribute& attribute, const VELHLSAttributeDefinition& row) {
         const bool isWord = row.type == VELHLSAttributeDefinition::EnumeratedString;
         if (!isWord || attribute.quoted || !row.hasType(attribute) || row.allows(attribute.value)) return;
-        const bool isNone = checked.is(tagIndex(tag::sessionKey)) && attribute.value == fixed::none;
+        const bool isNone = checked.is(tagIndexOf<tag::sessionKey>) && attribute.value == fixed::none;
         if (isNone) return;
         const std::string source = ownSource(checked);
         const std::string expected = "one of " + std::string(row.values);

@@ -20,20 +20,20 @@ constexpr std::string_view describesSound = "public.accessibility.describes-musi
 constexpr std::string_view fairPlay = "com.apple.streamingkeydelivery";
 
 bool isStreamInf(const CheckedLine& checked) {
-    return checked.is(tagIndex(tag::streamInf));
+    return checked.is(tagIndexOf<tag::streamInf>);
 }
 
 bool isVariant(const CheckedLine& checked) {
-    return isStreamInf(checked) || checked.is(tagIndex(tag::iFrameStreamInf));
+    return isStreamInf(checked) || checked.is(tagIndexOf<tag::iFrameStreamInf>);
 }
 
 bool isRendition(const CheckedLine& checked, std::string_view type) {
     const VELHLSAttribute* const attribute = checked.find(attribute::type);
-    return checked.is(tagIndex(tag::media)) && attribute != nullptr && attribute->value == type;
+    return checked.is(tagIndexOf<tag::media>) && attribute != nullptr && attribute->value == type;
 }
 
 bool isKey(const CheckedLine& checked) {
-    return checked.is(tagIndex(tag::key)) || checked.is(tagIndex(tag::sessionKey));
+    return checked.is(tagIndexOf<tag::key>) || checked.is(tagIndexOf<tag::sessionKey>);
 }
 
 std::string_view valueIn(const CheckedLine& checked, std::string_view name) {
@@ -166,7 +166,7 @@ void findHalfCharacteristics(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findLanguageMissing(const CheckedLine& checked, const Tell& tell) {
-    const bool isAsked = checked.is(tagIndex(tag::media)) && !isRendition(checked, attribute::video);
+    const bool isAsked = checked.is(tagIndexOf<tag::media>) && !isRendition(checked, attribute::video);
     if (!isAsked || checked.find(attribute::language) != nullptr) return;
     const std::string_view source =
         isDescribedVideo(checked)                         ? "Apple's authoring rules, 2.27"

@@ -19,8 +19,8 @@
 namespace velhls {
 namespace {
 
-constexpr std::size_t streamInf = tagIndex(tag::streamInf);
-constexpr std::size_t iFrameStreamInf = tagIndex(tag::iFrameStreamInf);
+constexpr std::size_t streamInf = tagIndexOf<tag::streamInf>;
+constexpr std::size_t iFrameStreamInf = tagIndexOf<tag::iFrameStreamInf>;
 
 /// What a variant says.
 struct Variant {
@@ -134,7 +134,7 @@ void findOtherAspect(const CheckedPlaylist& playlist, const Tell& tell) {
 /// The groups of audio that have a rendition in stereo, as far as CHANNELS tells.
 std::map<std::string_view, bool> stereoGroups(const CheckedPlaylist& playlist) {
     std::map<std::string_view, bool> groups;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::media))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::media>)) {
         const VELHLSLine line = playlist.document().line(number);
         if (valueOf(line, attribute::type) != attribute::audio) continue;
         const std::string_view channels = valueOf(line, "CHANNELS").value_or("2");
@@ -171,7 +171,7 @@ void findNoAc3(const CheckedPlaylist& playlist, const Tell& tell) {
 void findNoText(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = videoOf(playlist);
     if (variants.empty()) return;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::media))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::media>)) {
         const std::string_view type = valueOf(playlist.document().line(number), attribute::type).value_or("");
         if (type == attribute::subtitles || type == attribute::closedCaptions) return;
     }
@@ -226,7 +226,7 @@ void findOneHighest(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findDependentSegments(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto variants = videoOf(playlist);
-    if (!variants.empty() && !playlist.has(tagIndex(tag::independentSegments))) tellOfAll(variants, tell);
+    if (!variants.empty() && !playlist.has(tagIndexOf<tag::independentSegments>)) tellOfAll(variants, tell);
 }
 
 void findRangeMissing(const CheckedPlaylist& playlist, const Tell& tell) {
@@ -247,7 +247,7 @@ void findSpecificFirst(const CheckedPlaylist& playlist, const Tell& tell) {
     using Key = std::pair<std::string_view, std::string_view>;
     std::map<Key, std::map<std::string_view, std::uint32_t>> specific;
     if (!playlist.isMaster()) return;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::media))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::media>)) {
         const VELHLSLine line = playlist.document().line(number);
         const auto language = line.attributes().find(attribute::language);
         if (!language) continue;

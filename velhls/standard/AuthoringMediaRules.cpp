@@ -15,7 +15,7 @@ namespace velhls {
 namespace {
 
 bool isIFrames(const CheckedPlaylist& playlist) {
-    return playlist.has(tagIndex(tag::iFramesOnly));
+    return playlist.has(tagIndexOf<tag::iFramesOnly>);
 }
 
 void findLongSegment(const CheckedSegment& checked, const Tell& tell) {
@@ -41,7 +41,7 @@ void findOtherTargetDuration(const CheckedPlaylist& playlist, const Tell& tell) 
     if (!playlist.isMedia() || isIFrames(playlist) ||
         playlist.targetDuration().value_or(recommended) == recommended)
         return;
-    const VELHLSLine line = playlist.firstLine(tagIndex(tag::targetDuration));
+    const VELHLSLine line = playlist.firstLine(tagIndexOf<tag::targetDuration>);
     tell(line, line.value);
 }
 
@@ -60,14 +60,14 @@ void findOtherDurations(const CheckedPlaylist& playlist, const Tell& tell) {
 }
 
 void findDateMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    const bool hasDate = playlist.has(tagIndex(tag::programDateTime));
+    const bool hasDate = playlist.has(tagIndexOf<tag::programDateTime>);
     if (playlist.isLive() && playlist.segmentCount() > 0 && !hasDate)
         tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, "none", {}});
 }
 
 void findTypeMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (!playlist.isMedia() || !playlist.has(tagIndex(tag::endList)) ||
-        playlist.has(tagIndex(tag::playlistType)))
+    if (!playlist.isMedia() || !playlist.has(tagIndexOf<tag::endList>) ||
+        playlist.has(tagIndexOf<tag::playlistType>))
         return;
     tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, "none", {}});
 }
@@ -92,9 +92,9 @@ void findShortLive(const CheckedPlaylist& playlist, const Tell& tell) {
 }
 
 void findDiscontinuitySequenceMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    constexpr std::size_t discontinuity = tagIndex(tag::discontinuity);
+    constexpr std::size_t discontinuity = tagIndexOf<tag::discontinuity>;
     if (!playlist.isLive() || !playlist.has(discontinuity) ||
-        playlist.has(tagIndex(tag::discontinuitySequence)))
+        playlist.has(tagIndexOf<tag::discontinuitySequence>))
         return;
     const VELHLSLine line = playlist.firstLine(discontinuity);
     tell(line, line.name, {{}, "none", {}});

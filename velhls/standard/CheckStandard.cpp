@@ -35,13 +35,13 @@ class LineRun {
     void check(const VELHLSLine& line) {
         playlist_.add(line);
         attributes_.clear();
+        rows_.clear();
         const bool isTag = line.definition != nullptr && playlist_.knows(*line.definition);
         if (isTag && line.definition->form == VELHLSTagDefinition::AttributeList) {
-            for (const VELHLSAttribute& attribute : line.attributes())
-                attributes_.push_back(attribute);
+            readAttributes(line);
         }
-        const CheckedLine checked = {playlist_, line, trimmed(line.value), isTag ? noteTag(line) : 0,
-                                     attributes_};
+        const CheckedLine checked = {playlist_,   line, trimmed(line.value), isTag ? noteTag(line) : 0,
+                                     attributes_, rows_};
         if (playlist_.profile() == StandardProfile::apple) {
             if (!attributes_.empty()) findAll(authoringLineRules(), checked, findings_);
         } else {
@@ -52,6 +52,15 @@ class LineRun {
             if (isTag) checkTag(checked);
         }
         if (line.kind == VELHLSLine::Uri) ++segment_;
+    }
+
+    void readAttributes(const VELHLSLine& line) {
+        for (const VELHLSAttribute& attribute : line.attributes()) {
+            const VELHLSAttributeDefinition* const row = line.definition->findAttribute(attribute.name);
+            attributes_.push_back(attribute);
+            rows_.push_back(row != nullptr && playlist_.knows(*row) ? row : nullptr);
+        }
+        playlist_.keep(attributes_);
     }
 
     void checkTag(const CheckedLine& checked) {
@@ -95,6 +104,7 @@ class LineRun {
     CheckedPlaylist& playlist_;
     StandardFindings& findings_;
     std::vector<VELHLSAttribute> attributes_;
+    std::vector<const VELHLSAttributeDefinition*> rows_;
     std::array<Seen, tagTable.size()> seen_ = {};
     std::size_t segment_ = 0;
 };
@@ -105,7 +115,7 @@ void checkSegments(const CheckedPlaylist& playlist, StandardFindings& findings) 
     std::optional<VELHLSStructure::Segment> previous;
     std::string_view previousUri;
     SegmentFormat previousFormat = SegmentFormat::unknown;
-    std::uint64_t discontinuities = playlist.number(tagIndex(tag::discontinuitySequence)).value_or(0);
+    std::uint64_t discontinuities = playlist.number(tagIndexOf<tag::discontinuitySequence>).value_or(0);
     for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
         if (segment.uriLine == 0) break;
         const VELHLSLine uri = playlist.document().line(segment.uriLine);

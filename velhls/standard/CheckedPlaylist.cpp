@@ -16,15 +16,37 @@ CheckedPlaylist::CheckedPlaylist(const VELHLSStructure& structure, VELHLSDocumen
 }
 
 void CheckedPlaylist::add(const VELHLSLine& line) {
+    if (isMaster()) firstKept_.push_back(static_cast<std::uint32_t>(keptAttributes_.size()));
     if (line.definition == nullptr) return;
     const auto tag = static_cast<std::size_t>(line.definition - tagTable.data());
-    if (tag == tagIndex(tag::extInf)) return;
+    if (tag == tagIndexOf<tag::extInf>) return;
     lines_[tag].push_back(static_cast<std::uint32_t>(line.number));
-    if (tag == tagIndex(tag::targetDuration)) targetDuration_ = number(tag);
+    if (tag == tagIndexOf<tag::targetDuration>) targetDuration_ = number(tag);
+}
+
+void CheckedPlaylist::keep(const std::vector<VELHLSAttribute>& attributes) {
+    // More than any tag has: a line of nothing but commas would take far more than its text.
+    constexpr std::size_t most = 64;
+    if (!isMaster() || attributes.size() > most) return;
+    for (const VELHLSAttribute& attribute : attributes)
+        keptAttributes_.push_back({attribute.name, attribute.value});
+}
+
+std::optional<std::string_view> CheckedPlaylist::valueOf(const VELHLSLine& line,
+                                                         std::string_view name) const {
+    if (line.number > firstKept_.size()) return velhls::valueOf(line, name);
+    const std::size_t first = firstKept_[line.number - 1];
+    const std::size_t last =
+        line.number < firstKept_.size() ? firstKept_[line.number] : keptAttributes_.size();
+    if (first == last) return velhls::valueOf(line, name);
+    for (std::size_t place = first; place < last; ++place) {
+        if (keptAttributes_[place].name == name) return keptAttributes_[place].value;
+    }
+    return std::nullopt;
 }
 
 std::optional<std::uint64_t> CheckedPlaylist::version() const {
-    return has(tagIndex(tag::version)) ? number(tagIndex(tag::version)) : 1;
+    return has(tagIndexOf<tag::version>) ? number(tagIndexOf<tag::version>) : 1;
 }
 
 std::optional<std::uint64_t> CheckedPlaylist::number(std::size_t tag) const {
@@ -33,11 +55,11 @@ std::optional<std::uint64_t> CheckedPlaylist::number(std::size_t tag) const {
 }
 
 bool CheckedPlaylist::isLive() const {
-    return isMedia() && !has(tagIndex(tag::endList)) && !has(tagIndex(tag::playlistType));
+    return isMedia() && !has(tagIndexOf<tag::endList>) && !has(tagIndexOf<tag::playlistType>);
 }
 
 bool CheckedPlaylist::isSlidingWindow() const {
-    return isLive() && number(tagIndex(tag::mediaSequence)).value_or(0) > 0;
+    return isLive() && number(tagIndexOf<tag::mediaSequence>).value_or(0) > 0;
 }
 
 const VELHLSAttribute* CheckedLine::find(std::string_view name) const {

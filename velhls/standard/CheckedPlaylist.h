@@ -27,6 +27,8 @@ class CheckedPlaylist {
     /// Remembers which tag the line has. All lines must be added in their order before rules of segments or of the playlist are
     /// asked, and each before rules of lines are.
     void add(const VELHLSLine& line);
+    /// Remembers the attributes of the line that was added last.
+    void keep(const std::vector<VELHLSAttribute>& attributes);
 
     [[nodiscard]] const VELHLSDocument& document() const { return document_; }
     [[nodiscard]] const VELHLSStructure& structure() const { return structure_; }
@@ -40,6 +42,11 @@ class CheckedPlaylist {
         if (row.profile == VELHLSProfile::vendor) return false;
         return row.profile == VELHLSProfile::rfc8216 || profile_ != StandardProfile::rfc8216;
     }
+
+    /// The value of the line's first attribute with this name; nothing without one. In a master playlist, where many rules
+    /// ask, the attributes of the lines that were added are kept.
+    [[nodiscard]] std::optional<std::string_view> valueOf(const VELHLSLine& line,
+                                                          std::string_view name) const;
 
     /// The numbers of the lines with a tag, given by its tagIndex. Not those of EXTINF: every segment has one.
     [[nodiscard]] const std::vector<std::uint32_t>& lines(std::size_t tag) const { return lines_[tag]; }
@@ -70,6 +77,14 @@ class CheckedPlaylist {
     VELHLSDocument::Kind kind_;
     StandardProfile profile_;
     std::array<std::vector<std::uint32_t>, tagTable.size()> lines_;
+    struct KeptAttribute {
+        std::string_view name;
+        std::string_view value;
+    };
+
+    std::vector<KeptAttribute> keptAttributes_;
+    /// Of each line added where its kept attributes begin. Empty unless it is a master playlist.
+    std::vector<std::uint32_t> firstKept_;
     std::optional<std::uint64_t> targetDuration_;
     double duration_ = 0.0;
     std::size_t segmentCount_ = 0;
@@ -86,6 +101,8 @@ struct CheckedLine {
     std::size_t earlierLine = 0;
     /// The attributes of a tag that has a list.
     const std::vector<VELHLSAttribute>& attributes;
+    /// Of each attribute its row in the table; null for one that the profile does not know.
+    const std::vector<const VELHLSAttributeDefinition*>& rows;
 
     [[nodiscard]] bool is(std::size_t tag) const { return line.definition == &tagTable[tag]; }
     /// The first attribute with this name; null for none.

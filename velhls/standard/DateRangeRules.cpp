@@ -107,7 +107,7 @@ void findOtherSplice(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findDateMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (!playlist.isMedia() || !playlist.has(dateRange) || playlist.has(tagIndex(tag::programDateTime)))
+    if (!playlist.isMedia() || !playlist.has(dateRange) || playlist.has(tagIndexOf<tag::programDateTime>))
         return;
     const VELHLSLine line = playlist.firstLine(dateRange);
     tell(line, line.name, {{}, "none", {}});

@@ -7,12 +7,19 @@
 namespace velhls {
 namespace {
 
-/// Goes through the dates that can be read.
+/// "2010-02-19T14:54:23.031Z": milliseconds and a zone, which is all that these rules ask for.
+bool isUsual(std::string_view value) {
+    constexpr std::string_view usual = "2010-02-19T14:54:23.031Z";
+    return value.size() == usual.size() && value.back() == 'Z' && value[usual.find('.')] == '.';
+}
+
+/// Goes through the dates that can be read, but for those that lack nothing.
 template <typename Visit>
 void forEachDate(const CheckedPlaylist& playlist, Visit visit) {
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::programDateTime))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::programDateTime>)) {
         const VELHLSLine line = playlist.document().line(number);
         const std::string_view value = trimmed(line.value);
+        if (isUsual(value)) continue;
         const auto date = VELHLSSyntax::readDateTime(value);
         if (date && date->hasTime) visit(line, value, *date);
     }

@@ -25,13 +25,13 @@ struct Rendition {
 std::vector<Rendition> renditionsOf(const CheckedPlaylist& playlist) {
     std::vector<Rendition> renditions;
     if (!playlist.isMaster()) return renditions;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::media))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::media>)) {
         const VELHLSLine line = playlist.document().line(number);
-        const auto name = valueOf(line, attribute::name);
+        const auto name = playlist.valueOf(line, attribute::name);
         // Without them it belongs nowhere, which is another rule's.
-        if (!name || !valueOf(line, attribute::groupId)) continue;
-        renditions.push_back(
-            {valueOf(line, attribute::type).value_or(""), *valueOf(line, attribute::groupId), *name, number});
+        if (!name || !playlist.valueOf(line, attribute::groupId)) continue;
+        renditions.push_back({playlist.valueOf(line, attribute::type).value_or(""),
+                              *playlist.valueOf(line, attribute::groupId), *name, number});
     }
     return renditions;
 }
@@ -60,8 +60,8 @@ void findRepeatedName(const CheckedPlaylist& playlist, const Tell& tell) {
 
 void findRepeatedDefault(const CheckedPlaylist& playlist, const Tell& tell) {
     using Key = std::pair<std::string_view, std::string_view>;
-    findRepeated<Key>(playlist, tell, [](const Rendition& rendition, const VELHLSLine& line) {
-        if (valueOf(line, attribute::defaultFlag) != fixed::yes) return std::optional<Key>();
+    findRepeated<Key>(playlist, tell, [&playlist](const Rendition& rendition, const VELHLSLine& line) {
+        if (playlist.valueOf(line, attribute::defaultFlag) != fixed::yes) return std::optional<Key>();
         return std::optional<Key>(Key(rendition.type, rendition.group));
     });
 }
@@ -69,13 +69,13 @@ void findRepeatedDefault(const CheckedPlaylist& playlist, const Tell& tell) {
 void findIndistinct(const CheckedPlaylist& playlist, const Tell& tell) {
     using Key = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view,
                            std::string_view, std::string_view>;
-    findRepeated<Key>(playlist, tell, [](const Rendition& rendition, const VELHLSLine& line) {
-        if (valueOf(line, attribute::autoSelect) != fixed::yes) return std::optional<Key>();
+    findRepeated<Key>(playlist, tell, [&playlist](const Rendition& rendition, const VELHLSLine& line) {
+        if (playlist.valueOf(line, attribute::autoSelect) != fixed::yes) return std::optional<Key>();
         return std::optional<Key>(Key(rendition.type, rendition.group,
-                                      valueOf(line, attribute::language).value_or(""),
-                                      valueOf(line, attribute::assocLanguage).value_or(""),
-                                      valueOf(line, attribute::forced).value_or(fixed::no),
-                                      valueOf(line, attribute::characteristics).value_or("")));
+                                      playlist.valueOf(line, attribute::language).value_or(""),
+                                      playlist.valueOf(line, attribute::assocLanguage).value_or(""),
+                                      playlist.valueOf(line, attribute::forced).value_or(fixed::no),
+                                      playlist.valueOf(line, attribute::characteristics).value_or("")));
     });
 }
 
@@ -152,7 +152,7 @@ void findOtherAttributes(const CheckedPlaylist& playlist, const Tell& tell) {
         std::vector<std::string_view> values;
         const VELHLSLine line = playlist.document().line(number);
         for (const Compared& each : compared)
-            values.push_back(valueOf(line, each.name).value_or(each.whenMissing));
+            values.push_back(playlist.valueOf(line, each.name).value_or(each.whenMissing));
         return values;
     };
     forEachGroup(playlist, [&](std::string_view, const Members& first, std::string_view,
@@ -183,7 +183,8 @@ void findChannelsNotTold(const CheckedPlaylist& playlist, const Tell& tell) {
     std::vector<std::uint32_t> lacking;
     for (const Rendition& rendition : renditionsOf(playlist)) {
         if (rendition.type != attribute::audio) continue;
-        const bool hasChannels = valueOf(playlist.document().line(rendition.line), "CHANNELS").has_value();
+        const bool hasChannels =
+            playlist.valueOf(playlist.document().line(rendition.line), "CHANNELS").has_value();
         if (hasChannels)
             told = rendition.line;
         else

@@ -12,7 +12,7 @@ namespace velhls {
 namespace {
 
 bool isKey(const CheckedLine& checked) {
-    return checked.is(tagIndex(tag::key));
+    return checked.is(tagIndexOf<tag::key>);
 }
 
 bool hasMethod(const CheckedLine& checked, std::string_view name) {
@@ -71,7 +71,7 @@ void findOddVersions(const CheckedLine& checked, const Tell& tell) {
 /// The key's line is at fault: once, however many maps it applies to, and each key is looked at once.
 void findIvMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     std::set<std::uint32_t> seenKeys;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::map))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::map>)) {
         for (const std::uint32_t key : playlist.structure().inForceAt(number).keyLines) {
             if (!seenKeys.insert(key).second) continue;
             const VELHLSLine line = playlist.document().line(key);
@@ -103,7 +103,7 @@ void findDisagreement(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.isMedia()) return;
     std::size_t before = 0;
     Encryption encryptionBefore;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::key))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::key>)) {
         const VELHLSLine line = playlist.document().line(number);
         const Encryption encryption = encryptionOf(line);
         const auto keys = playlist.structure().inForceAt(number).keyLines;

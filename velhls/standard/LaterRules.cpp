@@ -20,7 +20,7 @@ constexpr std::size_t partInf = tagIndex("EXT-X-PART-INF");
 constexpr std::size_t serverControl = tagIndex("EXT-X-SERVER-CONTROL");
 constexpr std::size_t preloadHint = tagIndex("EXT-X-PRELOAD-HINT");
 constexpr std::size_t renditionReport = tagIndex("EXT-X-RENDITION-REPORT");
-constexpr std::size_t define = tagIndex(tag::define);
+constexpr std::size_t define = tagIndexOf<tag::define>;
 
 std::optional<double> secondsOf(std::optional<std::string_view> text) {
     return text ? VELHLSSyntax::readDecimalFloatingPoint(*text) : std::nullopt;

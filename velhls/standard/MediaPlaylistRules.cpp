@@ -9,7 +9,7 @@ namespace velhls {
 namespace {
 
 void findTargetDurationMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (playlist.isMedia() && !playlist.has(tagIndex(tag::targetDuration)))
+    if (playlist.isMedia() && !playlist.has(tagIndexOf<tag::targetDuration>))
         tell(playlist.top(), playlist.top().text.substr(0, 0), {{}, "none", {}});
 }
 
@@ -30,7 +30,7 @@ std::string secondsText(double seconds) {
 void findSequenceAfterSegment(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.isMedia() || playlist.segmentCount() == 0) return;
     const std::size_t firstUri = playlist.structure().segment(0).uriLine;
-    constexpr std::size_t tags[] = {tagIndex(tag::mediaSequence), tagIndex(tag::discontinuitySequence)};
+    constexpr std::size_t tags[] = {tagIndexOf<tag::mediaSequence>, tagIndexOf<tag::discontinuitySequence>};
     for (const std::size_t tag : tags) {
         if (!playlist.has(tag)) continue;
         const VELHLSLine line = playlist.firstLine(tag);
@@ -41,8 +41,8 @@ void findSequenceAfterSegment(const CheckedPlaylist& playlist, const Tell& tell)
 }
 
 void findSequenceAfterDiscontinuity(const CheckedPlaylist& playlist, const Tell& tell) {
-    constexpr std::size_t sequence = tagIndex(tag::discontinuitySequence);
-    constexpr std::size_t discontinuity = tagIndex(tag::discontinuity);
+    constexpr std::size_t sequence = tagIndexOf<tag::discontinuitySequence>;
+    constexpr std::size_t discontinuity = tagIndexOf<tag::discontinuity>;
     if (!playlist.isMedia() || !playlist.has(sequence) || !playlist.has(discontinuity)) return;
     const VELHLSLine line = playlist.firstLine(sequence);
     const std::size_t first = playlist.lines(discontinuity).front();
@@ -67,10 +67,10 @@ struct Start {
 };
 
 std::optional<Start> startOf(const CheckedPlaylist& playlist) {
-    if (!playlist.isMedia() || playlist.segmentCount() == 0 || !playlist.has(tagIndex(tag::start)))
+    if (!playlist.isMedia() || playlist.segmentCount() == 0 || !playlist.has(tagIndexOf<tag::start>))
         return std::nullopt;
     Start start;
-    start.line = playlist.firstLine(tagIndex(tag::start));
+    start.line = playlist.firstLine(tagIndexOf<tag::start>);
     start.text = valueOf(start.line, attribute::timeOffset).value_or("");
     const auto offset = VELHLSSyntax::readSignedDecimalFloatingPoint(start.text);
     if (!offset || !isDurationKnown(playlist)) return std::nullopt;
@@ -92,7 +92,7 @@ void findStartBeyond(const CheckedPlaylist& playlist, const Tell& tell) {
 void findStartNearEnd(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto start = startOf(playlist);
     const auto least = threeTargetDurations(playlist);
-    if (!start || !least || playlist.has(tagIndex(tag::endList)) || isBeyond(playlist, *start)) return;
+    if (!start || !least || playlist.has(tagIndexOf<tag::endList>) || isBeyond(playlist, *start)) return;
     const bool isNegative = !start->text.empty() && start->text.front() == '-';
     const double fromEnd = isNegative ? -start->offset : playlist.duration() - start->offset;
     if (fromEnd >= *least) return;
@@ -102,8 +102,8 @@ void findStartNearEnd(const CheckedPlaylist& playlist, const Tell& tell) {
 }
 
 void findVodWithoutEnd(const CheckedPlaylist& playlist, const Tell& tell) {
-    constexpr std::size_t type = tagIndex(tag::playlistType);
-    if (!playlist.isMedia() || !playlist.has(type) || playlist.has(tagIndex(tag::endList))) return;
+    constexpr std::size_t type = tagIndexOf<tag::playlistType>;
+    if (!playlist.isMedia() || !playlist.has(type) || playlist.has(tagIndexOf<tag::endList>)) return;
     const VELHLSLine line = playlist.firstLine(type);
     if (trimmed(line.value) == fixed::vod) tell(line, line.value, {{}, "none", {}});
 }
@@ -112,7 +112,7 @@ void findShortWindow(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto least = threeTargetDurations(playlist);
     if (!playlist.isSlidingWindow() || !least || playlist.segmentCount() == 0) return;
     if (playlist.duration() >= *least || !isDurationKnown(playlist)) return;
-    const VELHLSLine line = playlist.firstLine(tagIndex(tag::targetDuration));
+    const VELHLSLine line = playlist.firstLine(tagIndexOf<tag::targetDuration>);
     const std::string expected =
         "at least " + secondsText(*least) + ", three target durations, in a live playlist";
     const std::string seen = secondsText(playlist.duration());
@@ -121,22 +121,22 @@ void findShortWindow(const CheckedPlaylist& playlist, const Tell& tell) {
 
 /// That of a segment which has not come is not counted.
 bool hasDiscontinuityOfSegment(const CheckedPlaylist& playlist) {
-    const auto& lines = playlist.lines(tagIndex(tag::discontinuity));
+    const auto& lines = playlist.lines(tagIndexOf<tag::discontinuity>);
     if (lines.empty() || playlist.segmentCount() == 0) return false;
     return lines.front() < playlist.structure().segment(playlist.segmentCount() - 1).uriLine;
 }
 
 void findDiscontinuitySequenceMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    const bool hasSequence = playlist.has(tagIndex(tag::discontinuitySequence));
+    const bool hasSequence = playlist.has(tagIndexOf<tag::discontinuitySequence>);
     if (!playlist.isSlidingWindow() || hasSequence || !hasDiscontinuityOfSegment(playlist)) return;
-    const VELHLSLine line = playlist.firstLine(tagIndex(tag::discontinuity));
+    const VELHLSLine line = playlist.firstLine(tagIndexOf<tag::discontinuity>);
     tell(line, line.name, {{}, "none", {}});
 }
 
 void findTypeOfLive(const CheckedPlaylist& playlist, const Tell& tell) {
-    constexpr std::size_t type = tagIndex(tag::playlistType);
-    const bool hasMoved = playlist.number(tagIndex(tag::mediaSequence)).value_or(0) > 0;
-    if (!playlist.isMedia() || !playlist.has(type) || !hasMoved || playlist.has(tagIndex(tag::endList)))
+    constexpr std::size_t type = tagIndexOf<tag::playlistType>;
+    const bool hasMoved = playlist.number(tagIndexOf<tag::mediaSequence>).value_or(0) > 0;
+    if (!playlist.isMedia() || !playlist.has(type) || !hasMoved || playlist.has(tagIndexOf<tag::endList>))
         return;
     const VELHLSLine line = playlist.firstLine(type);
     tell(line, line.name);

@@ -51,8 +51,8 @@ void findOffsetMissing(const CheckedSegment& checked, const Tell& tell) {
 
 void findMapMissing(const CheckedSegment& checked, const Tell& tell) {
     const bool isFragment = checked.format == SegmentFormat::fragmentedMp4;
-    const bool mayBeSkipped = checked.playlist.has(tagIndex("EXT-X-SKIP"));
-    if (isFragment && checked.segment.inForce.mapLine == 0 && !mayBeSkipped)
+    constexpr std::size_t skip = tagIndex("EXT-X-SKIP");
+    if (isFragment && checked.segment.inForce.mapLine == 0 && !checked.playlist.has(skip))
         tell(checked.uri, checked.uri.value, {{}, "none", {}});
 }
 
@@ -74,14 +74,14 @@ void findMapChange(const CheckedSegment& checked, const Tell& tell) {
 }
 
 void findInitializationInRange(const CheckedSegment& checked, const Tell& tell) {
-    const bool isIFrame = checked.playlist.has(tagIndex(tag::iFramesOnly));
+    const bool isIFrame = checked.playlist.has(tagIndexOf<tag::iFramesOnly>);
     if (!isIFrame || checked.segment.inForce.mapLine != 0 || checked.segment.rangeOffset != 0) return;
     const VELHLSLine line = rangeLine(checked);
     tell(line, trimmed(line.value));
 }
 
 void findDateMissing(const CheckedSegment& checked, const Tell& tell) {
-    const bool hasDates = checked.playlist.has(tagIndex(tag::programDateTime));
+    const bool hasDates = checked.playlist.has(tagIndexOf<tag::programDateTime>);
     if (hasDates && checked.followsDiscontinuity && checked.segment.dateLine == 0)
         tell(checked.uri, checked.uri.value, {{}, "none", {}});
 }

@@ -12,7 +12,7 @@ namespace velhls {
 namespace {
 
 bool isData(const CheckedLine& checked) {
-    return checked.is(tagIndex(tag::sessionData)) && !checked.value.empty();
+    return checked.is(tagIndexOf<tag::sessionData>) && !checked.value.empty();
 }
 
 void findNothingSaid(const CheckedLine& checked, const Tell& tell) {
@@ -35,14 +35,14 @@ void findPlainId(const CheckedLine& checked, const Tell& tell) {
 
 void findKeyOfNone(const CheckedLine& checked, const Tell& tell) {
     const VELHLSAttribute* const method = checked.find(attribute::method);
-    if (checked.is(tagIndex(tag::sessionKey)) && method != nullptr && method->value == fixed::none)
+    if (checked.is(tagIndexOf<tag::sessionKey>) && method != nullptr && method->value == fixed::none)
         tell(checked.line, method->value);
 }
 
 void findRepeatedData(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.isMaster()) return;
     std::map<std::pair<std::string_view, std::string_view>, std::uint32_t> first;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::sessionData))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::sessionData>)) {
         const VELHLSLine line = playlist.document().line(number);
         const auto id = line.attributes().find(attribute::dataId);
         if (!id) continue;
@@ -66,7 +66,7 @@ Key keyOf(const VELHLSLine& line, std::string_view format, std::string_view vers
 void findRepeatedKey(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.isMaster()) return;
     std::map<Key, std::uint32_t> first;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::sessionKey))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::sessionKey>)) {
         const VELHLSLine line = playlist.document().line(number);
         const auto [place, isFirst] = first.emplace(keyOf(line, "", ""), number);
         const std::string seen = "the same as in line " + std::to_string(place->second);
@@ -79,7 +79,7 @@ void findKeyRepeatedByDefault(const CheckedPlaylist& playlist, const Tell& tell)
     if (!playlist.isMaster()) return;
     std::set<Key> asWritten;
     std::map<Key, std::uint32_t> first;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::sessionKey))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::sessionKey>)) {
         const VELHLSLine line = playlist.document().line(number);
         const bool isNew = asWritten.insert(keyOf(line, "", "")).second;
         const auto [place, isFirst] = first.emplace(keyOf(line, "identity", "1"), number);

@@ -34,12 +34,12 @@ void findKindUnknown(const CheckedPlaylist& playlist, const Tell& tell) {
 }
 
 void findHeaderMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (!playlist.has(tagIndex(tag::extM3U))) tell(playlist.top(), playlist.top().text);
+    if (!playlist.has(tagIndexOf<tag::extM3U>)) tell(playlist.top(), playlist.top().text);
 }
 
 void findHeaderNotFirst(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (!playlist.has(tagIndex(tag::extM3U))) return;
-    const VELHLSLine header = playlist.firstLine(tagIndex(tag::extM3U));
+    if (!playlist.has(tagIndexOf<tag::extM3U>)) return;
+    const VELHLSLine header = playlist.firstLine(tagIndexOf<tag::extM3U>);
     if (header.number == 1) return;
     const std::string seen = "it in line " + std::to_string(header.number);
     tell(header, header.text, {{}, seen, {}});
@@ -60,7 +60,7 @@ void findRepeatedTagOfSegment(const CheckedLine& checked, const Tell& tell) {
     if (checked.earlierLine == 0 || tag->reach != VELHLSTagDefinition::Segment) return;
     const std::string seen = "another one in line " + std::to_string(checked.earlierLine);
     const std::string source =
-        checked.is(tagIndex(tag::programDateTime)) ? "RFC 8216, section 6.2.1" : sourceOf(*tag);
+        checked.is(tagIndexOf<tag::programDateTime>) ? "RFC 8216, section 6.2.1" : sourceOf(*tag);
     tell(checked.line, checked.line.name, {{}, seen, source});
 }
 
@@ -87,7 +87,7 @@ void findUriWithoutTag(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findOddUri(const CheckedLine& checked, const Tell& tell) {
-    const bool hasVariables = checked.playlist.has(tagIndex(tag::define));
+    const bool hasVariables = checked.playlist.has(tagIndexOf<tag::define>);
     const auto tellOfOddPart = [&](std::string_view uri) {
         const std::string_view odd = oddPartOfUri(uri, hasVariables);
         if (!odd.empty()) tell(checked.line, odd);
@@ -97,10 +97,10 @@ void findOddUri(const CheckedLine& checked, const Tell& tell) {
         if (checked.value.find_first_of(" \t") == std::string_view::npos) tellOfOddPart(checked.value);
         return;
     }
-    for (const VELHLSAttribute& attribute : checked.attributes) {
-        const VELHLSAttributeDefinition* const row = checked.line.definition->findAttribute(attribute.name);
-        if (row != nullptr && row->isUri() && attribute.quoted && checked.playlist.knows(*row))
-            tellOfOddPart(attribute.value);
+    for (std::size_t place = 0; place < checked.attributes.size(); ++place) {
+        const VELHLSAttribute& attribute = checked.attributes[place];
+        const VELHLSAttributeDefinition* const row = checked.rows[place];
+        if (row != nullptr && row->isUri() && attribute.quoted) tellOfOddPart(attribute.value);
     }
 }
 
@@ -185,7 +185,7 @@ void findMissingComma(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findVersionUnknown(const CheckedLine& checked, const Tell& tell) {
-    if (checked.is(tagIndex(tag::version)) && VELHLSSyntax::readDecimalInteger(checked.value) == 0)
+    if (checked.is(tagIndexOf<tag::version>) && VELHLSSyntax::readDecimalInteger(checked.value) == 0)
         tell(checked.line, checked.value);
 }
 

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <iterator>
 
 #include "velhls/common/Names.h"
@@ -174,19 +176,37 @@ std::string_view afterAddress(std::string_view uri) {
 
 }  // namespace
 
+namespace {
+
+/// Whether each byte is at least this one, which is ' ' or '!', and below 0x7F. Eight at a time.
+bool holdsOnlyPrintable(std::string_view text, unsigned char least) {
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    constexpr std::uint64_t highBits = 0x8080808080808080;
+    const std::uint64_t below = ones * least;
+    std::uint64_t odd = 0;
+    while (text.size() >= sizeof(std::uint64_t)) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, text.data(), sizeof bytes);
+        // A byte below the least one borrows; one of 0x7F and above has, or gets, its high bit.
+        odd |= ((bytes - below) & ~bytes) | bytes | (bytes + ones);
+        text.remove_prefix(sizeof bytes);
+    }
+    if ((odd & highBits) != 0) return false;
+    return std::all_of(text.begin(), text.end(), [least](char character) {
+        const auto byte = static_cast<unsigned char>(character);
+        return byte >= least && byte < 0x7F;
+    });
+}
+
+}  // namespace
+
 bool isPlain(std::string_view line) {
     if (line.empty()) return true;
     // Inside of a tag's line a blank is no matter for these rules, unless it follows a colon.
     const bool isTag = line.front() == '#';
     const unsigned char least = isTag ? ' ' : ' ' + 1;
-    bool isPlain = line.back() != ' ';
-    char before = '\0';
-    for (const char character : line) {
-        const auto byte = static_cast<unsigned char>(character);
-        isPlain = isPlain && byte >= least && byte < 0x7F && !(before == ':' && character == ' ');
-        before = character;
-    }
-    return isPlain;
+    if (line.back() == ' ' || !holdsOnlyPrintable(line, least)) return false;
+    return !isTag || line.find(": ") == std::string_view::npos;
 }
 
 bool isUtf16(std::string_view text) {

@@ -15,7 +15,7 @@ namespace velhls {
 namespace {
 
 bool isStreamInf(const CheckedLine& checked) {
-    return checked.is(tagIndex(tag::streamInf));
+    return checked.is(tagIndexOf<tag::streamInf>);
 }
 
 std::string_view valueIn(const CheckedLine& checked, std::string_view name) {
@@ -115,10 +115,10 @@ void findAttributeOfVariants(const CheckedLine& checked, const Tell& tell) {
 /// The groups that there are, by TYPE and GROUP-ID.
 std::set<std::pair<std::string_view, std::string_view>> groupsOf(const CheckedPlaylist& playlist) {
     std::set<std::pair<std::string_view, std::string_view>> groups;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::media))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::media>)) {
         const VELHLSLine line = playlist.document().line(number);
-        groups.emplace(valueOf(line, attribute::type).value_or(""),
-                       valueOf(line, attribute::groupId).value_or(""));
+        groups.emplace(playlist.valueOf(line, attribute::type).value_or(""),
+                       playlist.valueOf(line, attribute::groupId).value_or(""));
     }
     return groups;
 }
@@ -126,7 +126,7 @@ std::set<std::pair<std::string_view, std::string_view>> groupsOf(const CheckedPl
 /// Goes through the tags of variants and of I-frame variants.
 template <typename Visit>
 void forEachVariant(const CheckedPlaylist& playlist, Visit visit) {
-    for (const std::size_t tag : {tagIndex(tag::streamInf), tagIndex(tag::iFrameStreamInf)}) {
+    for (const std::size_t tag : {tagIndexOf<tag::streamInf>, tagIndexOf<tag::iFrameStreamInf>}) {
         for (const std::uint32_t number : playlist.lines(tag))
             visit(playlist.document().line(number));
     }
@@ -138,6 +138,11 @@ void findGroupMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr std::array types = {attribute::audio, attribute::video, attribute::subtitles,
                                   attribute::closedCaptions};
     forEachVariant(playlist, [&](const VELHLSLine& line) {
+        const bool namesOther = std::any_of(types.begin(), types.end(), [&](std::string_view type) {
+            const auto name = playlist.valueOf(line, type);
+            return name && groups.count({type, *name}) == 0;
+        });
+        if (!namesOther) return;
         for (const VELHLSAttribute& attribute : line.attributes()) {
             const bool isNone = attribute.name == attribute::closedCaptions && !attribute.quoted;
             if (isNone || std::find(types.begin(), types.end(), attribute.name) == types.end()) continue;
@@ -149,7 +154,8 @@ void findGroupMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     });
 }
 
-bool hasNoCaptions(const VELHLSLine& line) {
+bool hasNoCaptions(const CheckedPlaylist& playlist, const VELHLSLine& line) {
+    if (playlist.valueOf(line, attribute::closedCaptions) != fixed::none) return false;
     const auto captions = line.attributes().find(attribute::closedCaptions);
     return captions && !captions->quoted && captions->value == fixed::none;
 }
@@ -157,14 +163,14 @@ bool hasNoCaptions(const VELHLSLine& line) {
 void findCaptionsElsewhere(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.isMaster()) return;
     std::size_t first = 0;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::streamInf))) {
-        if (first == 0 && hasNoCaptions(playlist.document().line(number))) first = number;
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::streamInf>)) {
+        if (first == 0 && hasNoCaptions(playlist, playlist.document().line(number))) first = number;
     }
     if (first == 0) return;
     const std::string expected = "CLOSED-CAPTIONS=NONE, as line " + std::to_string(first) + " has it";
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::streamInf))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::streamInf>)) {
         const VELHLSLine line = playlist.document().line(number);
-        if (hasNoCaptions(line)) continue;
+        if (hasNoCaptions(playlist, line)) continue;
         const auto captions = line.attributes().find(attribute::closedCaptions);
         tell(line, captions ? captions->text : line.name, {expected, captions ? "" : "none", {}});
     }
@@ -172,26 +178,26 @@ void findCaptionsElsewhere(const CheckedPlaylist& playlist, const Tell& tell) {
 
 /// What an I-frame variant offers of the renditions of video.
 void findIFrameRenditionMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    if (!playlist.isMaster() || !playlist.has(tagIndex(tag::iFrameStreamInf)) ||
-        !playlist.has(tagIndex(tag::media)))
+    if (!playlist.isMaster() || !playlist.has(tagIndexOf<tag::iFrameStreamInf>) ||
+        !playlist.has(tagIndexOf<tag::media>))
         return;
     std::set<std::string_view> ofVariants;
     std::set<std::string_view> ofIFrames;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::streamInf)))
-        ofVariants.insert(valueOf(playlist.document().line(number), attribute::video).value_or(""));
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::iFrameStreamInf)))
-        ofIFrames.insert(valueOf(playlist.document().line(number), attribute::video).value_or(""));
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::streamInf>))
+        ofVariants.insert(playlist.valueOf(playlist.document().line(number), attribute::video).value_or(""));
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::iFrameStreamInf>))
+        ofIFrames.insert(playlist.valueOf(playlist.document().line(number), attribute::video).value_or(""));
     using Name = std::pair<std::string_view, std::string_view>;
     std::set<Name> names;
-    const auto nameOf = [](const VELHLSLine& line) {
-        return Name(valueOf(line, attribute::name).value_or(""),
-                    valueOf(line, attribute::language).value_or(""));
+    const auto nameOf = [&playlist](const VELHLSLine& line) {
+        return Name(playlist.valueOf(line, attribute::name).value_or(""),
+                    playlist.valueOf(line, attribute::language).value_or(""));
     };
     std::vector<VELHLSLine> regular;
-    for (const std::uint32_t number : playlist.lines(tagIndex(tag::media))) {
+    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::media>)) {
         const VELHLSLine line = playlist.document().line(number);
-        if (valueOf(line, attribute::type) != "VIDEO") continue;
-        const std::string_view group = valueOf(line, attribute::groupId).value_or("");
+        if (playlist.valueOf(line, attribute::type) != "VIDEO") continue;
+        const std::string_view group = playlist.valueOf(line, attribute::groupId).value_or("");
         if (ofIFrames.count(group) != 0)
             names.insert(nameOf(line));
         else if (ofVariants.count(group) != 0)

@@ -49,7 +49,7 @@ class FeatureFinder {
 
     void addTag(const VELHLSTagDefinition& tag) {
         const VELHLSLine line = playlist_.firstLine(indexOf(tag));
-        const bool isMapOfAll = tag.name == tag::map && !playlist_.has(tagIndex(tag::iFramesOnly));
+        const bool isMapOfAll = tag.name == tag::map && !playlist_.has(tagIndexOf<tag::iFramesOnly>);
         features_.push_back({line, line.name, isMapOfAll ? 6U : tag.firstVersion});
     }
 
@@ -62,8 +62,8 @@ class FeatureFinder {
     void addAttribute(const VELHLSTagDefinition& tag, const VELHLSAttributeDefinition& row) {
         for (const std::uint32_t number : playlist_.lines(indexOf(tag))) {
             const VELHLSLine line = playlist_.document().line(number);
+            if (!playlist_.valueOf(line, row.name)) continue;
             const auto attribute = line.attributes().find(row.name);
-            if (!attribute) continue;
             features_.push_back({line, attribute->name, row.firstVersion});
             return;
         }
@@ -73,7 +73,7 @@ class FeatureFinder {
     void addChannels() {
         bool hasService = false;
         bool isOfOthers = playlist_.profile() != StandardProfile::rfc8216bis;
-        for (const std::uint32_t number : playlist_.lines(tagIndex(tag::media))) {
+        for (const std::uint32_t number : playlist_.lines(tagIndexOf<tag::media>)) {
             const VELHLSLine line = playlist_.document().line(number);
             const auto channel = line.attributes().find(attribute::instreamId);
             if (!channel) continue;
@@ -81,7 +81,7 @@ class FeatureFinder {
                 features_.push_back({line, channel->value, 7});
                 hasService = true;
             }
-            if (!isOfOthers && valueOf(line, attribute::type) != "CLOSED-CAPTIONS") {
+            if (!isOfOthers && playlist_.valueOf(line, attribute::type) != "CLOSED-CAPTIONS") {
                 features_.push_back({line, channel->name, 13});
                 isOfOthers = true;
             }
@@ -118,7 +118,7 @@ void findTooLow(const CheckedPlaylist& playlist, const Tell& tell) {
         const std::string expected =
             "EXT-X-VERSION:" + std::to_string(feature.version) + " or higher for this";
         const std::string seen =
-            playlist.has(tagIndex(tag::version)) ? std::to_string(*playlist.version()) : "none";
+            playlist.has(tagIndexOf<tag::version>) ? std::to_string(*playlist.version()) : "none";
         tell(feature.line, feature.piece, {expected, seen, {}});
     }
 }
@@ -128,10 +128,10 @@ void findTooLow(const CheckedPlaylist& playlist, const Tell& tell) {
 void findTooHigh(const CheckedPlaylist& playlist, const Tell& tell) {
     const std::uint64_t version = playlist.version().value_or(1);
     if (version <= 1 || version > lastOfRfc8216) return;
-    const bool mayBe4 = playlist.isMaster() && playlist.has(tagIndex(tag::media));
+    const bool mayBe4 = playlist.isMaster() && playlist.has(tagIndexOf<tag::media>);
     const std::uint64_t needed = std::max<std::uint64_t>(neededVersion(playlist), mayBe4 ? 4 : 1);
     if (version <= needed) return;
-    const VELHLSLine line = playlist.firstLine(tagIndex(tag::version));
+    const VELHLSLine line = playlist.firstLine(tagIndexOf<tag::version>);
     const std::string expected =
         needed == 1 ? "no EXT-X-VERSION above 1, since nothing needs more"
                     : "no more than " + std::to_string(needed) + ", which all tags and attributes need";
@@ -150,12 +150,13 @@ void findRemoved(const CheckedPlaylist& playlist, const Tell& tell) {
             tell(line, line.name, {expected(tagTable[allowCache].removedVersion), {}, {}});
         }
     }
-    for (const std::size_t tag : {tagIndex(tag::streamInf), tagIndex(tag::iFrameStreamInf)}) {
+    constexpr std::uint8_t removed = 6;
+    if (version < removed) return;
+    for (const std::size_t tag : {tagIndexOf<tag::streamInf>, tagIndexOf<tag::iFrameStreamInf>}) {
         for (const std::uint32_t number : playlist.lines(tag)) {
             const VELHLSLine line = playlist.document().line(number);
-            const auto program = line.attributes().find(attribute::programId);
-            constexpr std::uint8_t removed = 6;
-            if (program && version >= removed) tell(line, program->name, {expected(removed), {}, {}});
+            if (playlist.valueOf(line, attribute::programId))
+                tell(line, line.attributes().find(attribute::programId)->name, {expected(removed), {}, {}});
         }
     }
 }
