@@ -124,7 +124,7 @@ std::vector<Breach> breachesOfRfc8216() {
         {"I-frames beyond the video", onDemand, iFrames,
          "#EXTINF:1.001,\n#EXT-X-BYTERANGE:10000@260376\nvideo.ts\n",
          "#EXTINF:12.001,\n#EXT-X-BYTERANGE:10000@260376\nvideo.ts\n", "content-of-subtitles-or-i-frames",
-         iFrames, 82, low, 17},
+         iFrames, 81, low, 17},
         {"dates of two seconds apart", onDemand, mid, "DATE-TIME:2026-11-21T10:00:00",
          "DATE-TIME:2026-11-21T10:00:02", "date-times-differ", mid, 5, low, 6},
         {"no type in one", onDemand, mid, type, "", "playlist-type-not-everywhere", mid, 1, low, 4},
