@@ -113,21 +113,13 @@ void addRulesCommand(CLI::App& app) {
     });
 }
 
-/// Both voices may have a rule of one name.
-std::string pagesOf(const std::string& id) {
-    std::string text(pageOfStandard(id));
-    const std::string_view ofLibrary = pageOfLibrary(id);
-    if (!text.empty() && !ofLibrary.empty()) text += "\n";
-    return text + std::string(ofLibrary);
-}
-
 void addExplainCommand(CLI::App& app) {
     CLI::App* const command = app.add_subcommand("explain", "Show the page of a rule");
     const auto rule = std::make_shared<std::string>();
     command->add_option("RULE", *rule, "The rule, as check names it in brackets")
         ->required()
         ->check(CLI::Validator(whyNoRule, "RULE"));
-    command->callback([rule] { writeToStandardOutput(pagesOf(*rule)); });
+    command->callback([rule] { writeToStandardOutput(std::string(pageOf(*rule))); });
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ std::string helpUriOf(const VELHLSRule& rule) {
 
 /// The SARIF levels have the names of our severities.
 Json describeRule(const VELHLSRule& rule) {
-    const std::string page(pageOf(rule));
+    const std::string page(pageOf(rule.id));
     Json description = {{"id", rule.id},
                         {"shortDescription", {{"text", rule.summary}}},
                         {"help", {{"text", page}, {"markdown", page}}},

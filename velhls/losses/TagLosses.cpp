@@ -6,7 +6,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
-#include "velhls/common/Numbers.h"
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"

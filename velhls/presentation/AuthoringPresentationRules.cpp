@@ -215,7 +215,7 @@ void compareTargets(const Presentation& presentation, const TellPresentation& te
                     IsCompared isCompared) {
     const PresentationPlaylist* const main = mainPlaylist(presentation);
     if (main == nullptr || !main->tags().targetDuration()) return;
-    constexpr std::size_t targetDuration = tagIndex(tag::targetDuration);
+    constexpr std::size_t targetDuration = tagIndexOf<tag::targetDuration>;
     BrokenPlaces broken;
     broken.what = what;
     for (const PresentationPlaylist* const playlist : presentation.playlistsThat(isCompared)) {
@@ -360,7 +360,7 @@ void findOtherBoundaries(const Presentation& presentation, const TellPresentatio
 }
 
 void findDependentSegments(const Presentation& presentation, const TellPresentation& tell) {
-    constexpr std::size_t independent = tagIndex(tag::independentSegments);
+    constexpr std::size_t independent = tagIndexOf<tag::independentSegments>;
     if (presentation.master().has(independent)) return;
     BrokenPlaces broken;
     broken.what = "video playlists";
@@ -375,7 +375,7 @@ void findDependentSegments(const Presentation& presentation, const TellPresentat
 }
 
 bool isEncrypted(const PresentationPlaylist& playlist) {
-    const std::vector<std::uint32_t>& keys = playlist.tags().lines(tagIndex(tag::key));
+    const std::vector<std::uint32_t>& keys = playlist.tags().lines(tagIndexOf<tag::key>);
     return std::any_of(keys.begin(), keys.end(), [&playlist](std::uint32_t number) {
         return valueOf(playlist.text().document.line(number), attribute::method).value_or(fixed::none) !=
                fixed::none;
@@ -408,7 +408,7 @@ void findLevelMissing(const Presentation& presentation, const TellPresentation& 
         if (!known->second) continue;
         if (broken.places.empty()) {
             words.expected = "HDCP-LEVEL=" + std::string(wanted);
-            words.related = use.playlist->nameOfTag(tagIndex(tag::key));
+            words.related = use.playlist->nameOfTag(tagIndexOf<tag::key>);
             words.relatedSeen = "the key of the media playlist";
         }
         broken.add(presentation.inMaster(use.line, level.value_or(use.line.name)), level ? "" : "none");

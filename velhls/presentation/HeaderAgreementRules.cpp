@@ -21,7 +21,7 @@ Playlists allOf(const Presentation& presentation) {
 }
 
 void findTagTwice(const Presentation& presentation, const TellPresentation& tell) {
-    for (const std::size_t tag : {tagIndex(tag::independentSegments), tagIndex(tag::start)}) {
+    for (const std::size_t tag : {tagIndexOf<tag::independentSegments>, tagIndexOf<tag::start>}) {
         if (!presentation.master().has(tag)) continue;
         BrokenPlaces broken;
         broken.what = mediaPlaylists;
@@ -50,7 +50,7 @@ Start startOf(const VELHLSLine& line) {
             valueOf(line, attribute::precise).value_or(fixed::no)};
 }
 
-constexpr std::size_t start = tagIndex(tag::start);
+constexpr std::size_t start = tagIndexOf<tag::start>;
 
 void findOtherStart(const Presentation& presentation, const TellPresentation& tell) {
     if (!presentation.master().has(start)) return;
@@ -129,7 +129,7 @@ bool mayDiffer(const PresentationPlaylist& playlist) {
 }
 
 void findOtherTargetDuration(const Presentation& presentation, const TellPresentation& tell) {
-    constexpr std::size_t targetDuration = tagIndex(tag::targetDuration);
+    constexpr std::size_t targetDuration = tagIndexOf<tag::targetDuration>;
     const Playlists playlists = presentation.playlistsThat([](const PresentationPlaylist& playlist) {
         return playlist.tags().targetDuration().has_value() && !mayDiffer(playlist);
     });
@@ -165,7 +165,7 @@ void findTagMissing(const Playlists& playlists, std::size_t tag, const TellPrese
     tell(broken, words);
 }
 
-constexpr std::size_t playlistType = tagIndex(tag::playlistType);
+constexpr std::size_t playlistType = tagIndexOf<tag::playlistType>;
 
 void findTypeMissing(const Presentation& presentation, const TellPresentation& tell) {
     findTagMissing(allOf(presentation), playlistType, tell);
@@ -190,12 +190,12 @@ void findOtherType(const Presentation& presentation, const TellPresentation& tel
 void findDatesMissing(const Presentation& presentation, const TellPresentation& tell) {
     const Playlists playlists = presentation.playlistsThat(
         [](const PresentationPlaylist& playlist) { return playlist.tags().segmentCount() > 0; });
-    findTagMissing(playlists, tagIndex(tag::programDateTime), tell);
+    findTagMissing(playlists, tagIndexOf<tag::programDateTime>, tell);
 }
 
 /// Tells of those that are fewer; of as many, of those that go on.
 void findOthersEnded(const Presentation& presentation, const TellPresentation& tell) {
-    constexpr std::size_t endList = tagIndex(tag::endList);
+    constexpr std::size_t endList = tagIndexOf<tag::endList>;
     const Playlists ended =
         presentation.playlistsThat([](const PresentationPlaylist& playlist) { return playlist.hasEnded(); });
     const Playlists goingOn =

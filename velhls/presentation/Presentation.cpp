@@ -60,12 +60,12 @@ void Presentation::findUses() {
             if (kind && uri) addUse({*kind, line, inMaster(line, *uri)});
         }
     };
-    addAttributes(tagIndex(tag::media), [](const VELHLSLine& line) {
+    addAttributes(tagIndexOf<tag::media>, [](const VELHLSLine& line) {
         return kindOfRendition(valueOf(line, attribute::type).value_or(""));
     });
-    addAttributes(tagIndex(tag::iFrameStreamInf),
+    addAttributes(tagIndexOf<tag::iFrameStreamInf>,
                   [](const VELHLSLine&) { return std::optional(MasterUse::Kind::iFrames); });
-    addAttributes(tagIndex(tag::sessionData),
+    addAttributes(tagIndexOf<tag::sessionData>,
                   [](const VELHLSLine&) { return std::optional(MasterUse::Kind::sessionData); });
 }
 

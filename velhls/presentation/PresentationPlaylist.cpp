@@ -52,20 +52,20 @@ PresentationPlaylist::PresentationPlaylist(const PresentationText& text)
 }
 
 bool PresentationPlaylist::hasEnded() const {
-    return has(tagIndex(tag::endList));
+    return has(tagIndexOf<tag::endList>);
 }
 
 bool PresentationPlaylist::isIFrames() const {
-    return has(tagIndex(tag::iFramesOnly));
+    return has(tagIndexOf<tag::iFramesOnly>);
 }
 
 std::string_view PresentationPlaylist::type() const {
-    constexpr std::size_t playlistType = tagIndex(tag::playlistType);
+    constexpr std::size_t playlistType = tagIndexOf<tag::playlistType>;
     return has(playlistType) ? trimmed(tags_.firstLine(playlistType).value) : std::string_view();
 }
 
 bool PresentationPlaylist::holdsItsStart() const {
-    return !type().empty() || tags_.number(tagIndex(tag::mediaSequence)).value_or(0) == 0;
+    return !type().empty() || tags_.number(tagIndexOf<tag::mediaSequence>).value_or(0) == 0;
 }
 
 /// They are sorted by the numbers, which never fall.
@@ -99,7 +99,7 @@ void PresentationPlaylist::findSegments() {
 void PresentationPlaylist::findRates() {
     constexpr double bitsOfByte = 8.0;
     if (segments_.empty() || duration() <= 0.0 || has(tagIndex("EXT-X-GAP"))) return;
-    if (!has(tagIndex(tag::byteRange)) && !has(bitRate)) return;
+    if (!has(tagIndexOf<tag::byteRange>) && !has(bitRate)) return;
     SegmentRates rates;
     BitRates bitRates(tags_);
     std::vector<SizedSegment> sizes;

@@ -60,11 +60,11 @@ std::vector<Key> keysOf(const PresentationText& text, const std::vector<std::uin
 std::vector<Key> keysOf(const Presentation& presentation, const PresentationPlaylist& playlist) {
     const std::string uri = resolvedUri(presentation.masterText().uri, playlist.text().uri);
     const PresentationText text = {uri, playlist.text().document};
-    return keysOf(text, playlist.tags().lines(tagIndex(tag::key)));
+    return keysOf(text, playlist.tags().lines(tagIndexOf<tag::key>));
 }
 
 std::vector<Key> sessionKeysOf(const Presentation& presentation) {
-    return keysOf(presentation.masterText(), presentation.master().lines(tagIndex(tag::sessionKey)));
+    return keysOf(presentation.masterText(), presentation.master().lines(tagIndexOf<tag::sessionKey>));
 }
 
 /// The session keys with the URI of a key, as it is written or as what it names.

@@ -13,7 +13,7 @@ double secondsBetween(std::int64_t from, std::int64_t to) {
 }
 
 std::uint64_t firstSequence(const PresentationPlaylist& playlist) {
-    return playlist.tags().number(tagIndex(tag::mediaSequence)).value_or(0);
+    return playlist.tags().number(tagIndexOf<tag::mediaSequence>).value_or(0);
 }
 
 /// The segments of both that have the same media sequence numbers: the place of the first one in each, and how many.
