@@ -42,7 +42,7 @@ void addFollowing(CLI::App& command, FollowRequest& follow) {
 ExitStatus run(CLI::App& command, CheckOptions& options) {
     readConfig(command, options.config);
     CheckRequest& request = options.request;
-    if (request.inputs.paths.empty() && request.inputs.list.empty())
+    if (request.inputs.paths.empty() && !request.inputs.list)
         request.inputs.paths.emplace_back(standardInput);
     return check(request);
 }

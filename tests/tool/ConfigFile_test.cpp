@@ -123,6 +123,8 @@ TEST_F(ConfigFile, ThatCannotBeReadIsToldOf) {
     EXPECT_EQ(missing.exitStatus, 2);
     EXPECT_EQ(missing.output, "");
     EXPECT_EQ(missing.errors, "missing: error: cannot be read: No such file or directory\n");
+    EXPECT_EQ(check({"--config", "", "a.m3u8"}).errors,
+              ": error: cannot be read: No such file or directory\n");
     EXPECT_EQ(check({"--config=.", "a.m3u8"}).errors, ".: error: cannot be read: Is a directory\n");
     EXPECT_THAT(check({"--config=/dev/zero", "a.m3u8"}).errors,
                 testing::StartsWith("/dev/zero: error: cannot be read: larger than 1048576 bytes"));
