@@ -36,7 +36,8 @@ void addFollowing(CLI::App& command, FollowRequest& follow) {
         .add_option(
             "--root", follow.root,
             "The folder below which --follow may read, that of the master playlist unless told otherwise")
-        ->needs(asked);
+        ->needs(asked)
+        ->configurable(false);
 }
 
 ExitStatus run(CLI::App& command, CheckOptions& options) {
