@@ -214,14 +214,15 @@ std::optional<SegmentPair> findOtherDate(const PresentationPlaylist& left, const
         return areApart ? std::optional(SegmentPair{0, 0}) : std::nullopt;
     }
     if (alignment != Alignment::byStart) return std::nullopt;
-    const double target = longerTarget(left, right);
+    // Playlists on demand start at one media timestamp; others may have up to a target duration of their own before that.
+    const bool areOnDemand = left.type() == fixed::vod && right.type() == fixed::vod;
+    const double uncertain = areOnDemand ? 1.0 : longerTarget(left, right);
     const auto differs = [&](std::size_t ofLeft, std::size_t ofRight) {
         const TimedSegment& leftSegment = left.segments()[ofLeft];
         const TimedSegment& rightSegment = right.segments()[ofRight];
         const double expected = rightSegment.start - leftSegment.start;
         const double seen = secondsBetween(*leftSegment.date, *rightSegment.date);
-        return std::fabs(seen - expected) >
-               target / 2.0 + left.roundingAt(ofLeft) + right.roundingAt(ofRight);
+        return std::fabs(seen - expected) > uncertain + left.roundingAt(ofLeft) + right.roundingAt(ofRight);
     };
     for (std::size_t place = 0; place < right.segments().size(); ++place) {
         const TimedSegment& segment = right.segments()[place];
