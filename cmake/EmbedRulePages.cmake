@@ -1,5 +1,5 @@
-# Writes OUTPUT, a C++ source with the pages of the folder PAGES as texts: what `velhls explain` prints.
-file(GLOB pages ${PAGES}/*.md)
+# Writes OUTPUT, a C++ source with the pages of the folders PAGES and COMPARISON as texts: what `velhls explain` prints.
+file(GLOB pages ${PAGES}/*.md ${COMPARISON}/*.md)
 list(SORT pages)
 set(rows "")
 foreach(page IN LISTS pages)

@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "tool/ReadingOptions.h"
+
 namespace tool {
 
 void addCompareCommand(CLI::App& app, CompareRequest& request, ExitStatus& status) {
@@ -32,10 +34,7 @@ void addCompareCommand(CLI::App& app, CompareRequest& request, ExitStatus& statu
         ->capture_default_str();
     command->add_flag("--quiet", request.quiet,
                       "Leave the changes out of the text, and write the findings alone");
-    command->add_option("--max-bytes", request.mostBytes, "Read no version that has more bytes")
-        ->type_name("BYTES")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
-        ->capture_default_str();
+    addMaxBytesOption(*command, request.mostBytes);
     command->callback([&request, &status] { status = compare(request); });
 }
 

@@ -1,6 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tool/CompareReport.h"
+#include "tool/FindingJson.h"
 #include "tool/JsonText.h"
 
 namespace tool {
@@ -22,29 +23,6 @@ Json changeAsJson(const VELHLSChange& change) {
             {"newLine", lineAsJson(change.newLine)}};
 }
 
-Json findingAsJson(const ComparedPair& pair, const VELHLSFinding& finding) {
-    Json json = {{"rule", finding.ruleId},
-                 {"profile", finding.profile},
-                 {"clause", finding.clause},
-                 {"level", finding.level},
-                 {"severity", VELHLSFinding::textOf(finding.severity)},
-                 {"line", finding.line},
-                 {"column", finding.column},
-                 {"length", finding.length},
-                 {"message", finding.message},
-                 {"source", finding.source},
-                 {"suppressed", finding.suppressed},
-                 {"related", Json::array()}};
-    for (const VELHLSRelatedPlace& place : finding.related) {
-        json["related"].push_back({{"path", pair.oldPath},
-                                   {"line", place.line},
-                                   {"column", place.column},
-                                   {"length", place.length},
-                                   {"message", place.message}});
-    }
-    return json;
-}
-
 void addPair(const ComparedPair& pair, Json& json) {
     json["old"] = pair.oldPath;
     json["new"] = pair.newPath;
@@ -58,7 +36,7 @@ void addPair(const ComparedPair& pair, Json& json) {
         json["changes"].push_back(changeAsJson(change));
     json["findings"] = Json::array();
     for (const VELHLSFinding& finding : pair.comparison.findings)
-        json["findings"].push_back(findingAsJson(pair, finding));
+        json["findings"].push_back(findingAsJson(pair.oldPath, finding));
 }
 
 Json summaryAsJson(const SeriesSummary& summary) {

@@ -1,5 +1,6 @@
 #include "tool/ConfigFile.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <sstream>
@@ -30,6 +31,43 @@ std::string nearestConfig() {
     return {};
 }
 
+/// The line with spaces in place of what stands in quotes.
+std::string withBlankTexts(std::string line) {
+    char quote = '\0';
+    for (char& character : line) {
+        const bool isQuote = character == '"' || character == '\'';
+        if (quote == '\0' && isQuote) {
+            quote = character;
+        } else if (character == quote) {
+            quote = '\0';
+        } else if (quote != '\0') {
+            character = ' ';
+        }
+    }
+    return line;
+}
+
+/// How many more arrays begin in the text than end.
+std::ptrdiff_t openArraysIn(const std::string& text) {
+    return std::count(text.begin(), text.end(), '[') - std::count(text.begin(), text.end(), ']');
+}
+
+/// The file in the lines that CLI11 reads: it knows neither an array that goes on after its bracket in the next line, nor a
+/// comment in an array or after a section's name.
+std::string linesForParser(const std::string& content) {
+    std::istringstream input(content);
+    std::string lines;
+    std::ptrdiff_t depth = 0;
+    for (std::string line; std::getline(input, line);) {
+        std::string bare = withBlankTexts(line);
+        bare.erase(std::min(bare.find('#'), bare.size()));
+        lines += (depth > 0 ? " " : "\n") + line.substr(0, bare.size());
+        const std::size_t sign = bare.find('=');
+        if (depth > 0 || sign != std::string::npos) depth += openArraysIn(bare.substr(depth > 0 ? 0 : sign));
+    }
+    return lines;
+}
+
 /// The option that a file may set; null when the command has none.
 CLI::Option* optionNamed(CLI::App& command, const std::string& name) {
     CLI::Option* const option = command.get_option_no_throw("--" + name);
@@ -37,7 +75,7 @@ CLI::Option* optionNamed(CLI::App& command, const std::string& name) {
 }
 
 /// Whether any command that reads such files has the option, or, for the name of a section, is the command.
-bool isForAnotherCommand(CLI::App& command, const CLI::ConfigItem& item) {
+bool isKnown(CLI::App& command, const CLI::ConfigItem& item) {
     for (CLI::App* const other : command.get_parent()->get_subcommands({})) {
         if (other->get_option_no_throw(configOption) == nullptr) continue;
         if (item.parents.empty() && optionNamed(*other, item.name) != nullptr) return true;
@@ -52,7 +90,7 @@ bool isBracket(const CLI::ConfigItem& item) {
 }
 
 void give(CLI::Option& option, const CLI::ConfigItem& item) {
-    if (!option.empty()) return;
+    if (!option.empty() || item.inputs.empty()) return;
     option.add_result(item.inputs);
     option.run_callback();
 }
@@ -68,7 +106,7 @@ void readSection(CLI::App& command, const std::vector<CLI::ConfigItem>& items,
         CLI::Option* const option = optionNamed(command, item.name);
         if (option != nullptr) {
             give(*option, item);
-        } else if (!section.empty() || !isForAnotherCommand(command, item)) {
+        } else if (!section.empty() || !isKnown(command, item)) {
             refuse("there is no option " + quotedExcerpt(item.name));
         }
     }
@@ -76,7 +114,7 @@ void readSection(CLI::App& command, const std::vector<CLI::ConfigItem>& items,
 
 void refuseUnknownSections(CLI::App& command, const std::vector<CLI::ConfigItem>& items) {
     for (const CLI::ConfigItem& item : items) {
-        if (!item.parents.empty() && (item.parents.size() > 1 || !isForAnotherCommand(command, item)))
+        if (!item.parents.empty() && (item.parents.size() > 1 || !isKnown(command, item)))
             refuse("there is no section " + quotedExcerpt(item.parents.front()));
     }
 }
@@ -94,7 +132,7 @@ void addConfigOption(CLI::App& command, std::string& path) {
 void readConfig(CLI::App& command, const std::string& path) {
     const std::string file = path.empty() ? nearestConfig() : path;
     if (file.empty()) return;
-    std::istringstream text(contentOf(file, largestConfig));
+    std::istringstream text(linesForParser(contentOf(file, largestConfig)));
     try {
         const std::vector<CLI::ConfigItem> items = CLI::ConfigTOML().from_config(text);
         refuseUnknownSections(command, items);

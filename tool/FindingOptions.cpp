@@ -1,5 +1,6 @@
 #include "tool/FindingOptions.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -39,8 +40,11 @@ void addProfileOption(CLI::App& command, std::vector<VELHLSDiagnostics::Profile>
             "--profile",
             [&profiles](const std::vector<std::string>& asked) {
                 profiles.clear();
-                for (const std::string& name : asked)
-                    profiles.push_back(*VELHLSDiagnostics::profileNamed(name));
+                for (const std::string& name : asked) {
+                    const VELHLSDiagnostics::Profile profile = *VELHLSDiagnostics::profileNamed(name);
+                    if (std::count(profiles.begin(), profiles.end(), profile) == 0)
+                        profiles.push_back(profile);
+                }
             },
             what + "; may be repeated")
         ->check(CLI::IsMember(names))

@@ -113,13 +113,18 @@ void addRulesCommand(CLI::App& app) {
     });
 }
 
+/// Those of compare have pages too.
+std::string whyNoPage(const std::string& id) {
+    return pageOf(id).empty() ? whyNoRule(id) : std::string();
+}
+
 void addExplainCommand(CLI::App& app) {
     CLI::App* const command = app.add_subcommand("explain", "Show the page of a rule");
     const auto rule = std::make_shared<std::string>();
-    command->add_option("RULE", *rule, "The rule, as check names it in brackets")
+    command->add_option("RULE", *rule, "The rule, as check and compare name it in brackets")
         ->required()
-        ->check(CLI::Validator(whyNoRule, "RULE"));
-    command->callback([rule] { writeToStandardOutput(std::string(pageOf(*rule))); });
+        ->check(CLI::Validator(whyNoPage, "RULE"));
+    command->callback([rule] { writeToStandardOutput(pageOf(*rule)); });
 }
 
 }  // namespace

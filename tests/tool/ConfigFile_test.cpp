@@ -52,6 +52,18 @@ TEST_F(ConfigFile, OfTheWorkingDirectoryGivesOptions) {
     EXPECT_THAT(check({"a.m3u8"}).output, HasSubstr("[tag-of-master-playlist]\n"));
 }
 
+TEST_F(ConfigFile, MayHaveArraysInManyLinesAndComments) {
+    for (const std::string text :
+         {"[check]\ndisable = [\n  \"tag-ignored\",\n  \"attribute-wrong-type\",\n]\nfail-on = \"error\"\n",
+          "[check] # a comment\ndisable = [ # another\n'tag-ignored', # [\n'attribute-wrong-type' ]\n",
+          "[check]\r\ndisable = [\r\n\"attribute-wrong-type\"]\r\n",
+          "[check]\nprofile = []\ndisable = \"attribute-wrong-type\" # a comment"}) {
+        configure(text);
+        const Outcome outcome = check({"a.m3u8"});
+        EXPECT_EQ(outcome.exitStatus, 0) << text << outcome.errors;
+    }
+}
+
 TEST_F(ConfigFile, GivesProfiles) {
     configure("[check]\nprofile = [\"library\", \"apple\"]\nformat = \"jsonl\"\nseverity = \"note\"\n");
     const std::string both = check({"a.m3u8"}).output;
@@ -131,6 +143,8 @@ TEST_F(ConfigFile, IsRefusedWhole) {
         {"[check]\nseverity = \"fatal\"\n", "fatal"},
         {"[check]\nseverity = [\"note\", \"error\"]\n", "severity"},
         {"[check]\ndisable = [\"no-such-rule\"]\n", "there is no rule \"no-such-rule\""},
+        {"[check]\ndisable = [\n\"tag-ignored\"\nseverity = \"note\"\n", "there is no rule"},
+        {"[check\n", "there is no option \"[check\""},
         {"[check]\nmax-bytes = -1\n", "expected a number of bytes"},
         {"[check]\nthis is no TOML\n", "there is no option \"this is no TOML\""},
         {"[check]\n\x1B[2J = 1\n", "there is no option \"\\x1B[2J\""},

@@ -57,6 +57,7 @@ TEST(RulesCommand, ListsTheRulesOfTheProfilesThatAreAskedFor) {
     EXPECT_EQ(rowOf("header-missing", {"--profile=rfc8216bis"})[1], "rfc8216bis");
     EXPECT_EQ(rowOf("header-missing", {"--profile=apple"}).size(), 0U);
     EXPECT_EQ(rowOf("header-missing", {"--profile=apple", "--profile", "rfc8216"})[1], "rfc8216");
+    EXPECT_EQ(rowOf("header-missing", {"--profile=rfc8216,rfc8216"})[1], "rfc8216");
     EXPECT_EQ(rowOf("segment-uri-too-short", {"--profile=rfc8216,apple"}).size(), 0U);
     EXPECT_EQ(velhls({"rules", "--profile=rfc9999"}).exitStatus, 2);
 }

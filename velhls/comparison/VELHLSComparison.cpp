@@ -69,6 +69,8 @@ std::vector<VELHLSRule> VELHLSComparison::rules() {
         for (const auto& entry : table) {
             VELHLSRule& rule = rules.emplace_back(entry.rule.rule);
             rule.level = entry.rule.level;
+            rule.clause = velhls::clauseOf(entry.rule.rule.source);
+            rule.profile = VELHLSStandard::nameOf(velhls::StandardProfile::rfc8216);
         }
     }
     return rules;

@@ -23,7 +23,7 @@ void requireName(const VELHLSLine& line, const std::string& name) {
     }
 }
 
-std::string quoted(const std::string& name, const std::string& value) {
+std::string inQuotes(const std::string& name, const std::string& value) {
     if (!VELHLSSyntax::isQuotable(value)) refuse(name, "a quoted string holds no quote and no line end");
     return '"' + value + '"';
 }
@@ -37,7 +37,7 @@ std::string withoutQuotes(const std::string& name, const std::string& value) {
 
 std::string asGiven(const std::string& name, const std::string& value) {
     if (value.size() < 2 || value.front() != '"' || value.back() != '"') return withoutQuotes(name, value);
-    return quoted(name, value.substr(1, value.size() - 2));
+    return inQuotes(name, value.substr(1, value.size() - 2));
 }
 
 /// The last change of this name; null when there is none.
@@ -111,9 +111,9 @@ std::string AttributeListEdit::written(const VELHLSAttributeChange& change) cons
         line_.definition == nullptr ? nullptr : line_.definition->findAttribute(change.name);
     if (definition == nullptr || definition->type == Definition::ClientValue)
         return asGiven(change.name, value);
-    if (definition->type == Definition::QuotedString) return quoted(change.name, value);
+    if (definition->type == Definition::QuotedString) return inQuotes(change.name, value);
     const bool isWord = definition->type != Definition::QuotedOrEnumerated || definition->allows(value);
-    return isWord ? withoutQuotes(change.name, value) : quoted(change.name, value);
+    return isWord ? withoutQuotes(change.name, value) : inQuotes(change.name, value);
 }
 
 void AttributeListEdit::change(const std::vector<VELHLSAttributeChange>& changes) {

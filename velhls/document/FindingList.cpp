@@ -51,8 +51,6 @@ std::vector<VELHLSFinding> FindingList::takeAll() {
     findings.reserve(entries_.size());
     for (Entry& entry : entries_)
         findings.push_back(std::move(entry.finding));
-    entries_.clear();
-    counts_.clear();
     return findings;
 }
 

@@ -36,7 +36,7 @@ class FindingList {
     /// far.
     void readingEnded() { readingEnded_ = true; }
 
-    /// All findings in their order. The list is empty afterwards.
+    /// All findings in their order. Called once, at the end.
     [[nodiscard]] std::vector<VELHLSFinding> takeAll();
 
   private:
