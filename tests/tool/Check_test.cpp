@@ -270,15 +270,19 @@ TEST(CheckCommand, FindsInEachExampleWhatIsExpected) {
     }
 }
 
-TEST(RenderCommand, SaysOncePerRuleWhatTheCleanTextNoLongerHolds) {
+TEST(RenderCommand, SaysOncePerRuleWhatTheCleanTextNoLongerHoldsAndWhatItAdds) {
     const std::string playlist =
         lines({"#EXTM3U", "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"a\"",
                "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"b\"", "#EXT-X-STREAM-INF:BANDWIDTH=1", "a.m3u8"});
     const Outcome outcome = velhls({"render"}, playlist);
     EXPECT_EQ(outcome.exitStatus, 0);
     EXPECT_EQ(outcome.errors,
+              "<stdin>:1: added: A master playlist without EXT-X-START is written with TIME-OFFSET=-1. "
+              "[start-added]\n"
               "<stdin>:2: lost: EXT-X-SESSION-KEY is read and not written. And 1 more. "
-              "[session-key-not-written]\n");
+              "[session-key-not-written]\n"
+              "<stdin>:4: added: A variant without CLOSED-CAPTIONS is written with CLOSED-CAPTIONS=NONE. "
+              "[variant-captions-none-added]\n");
     const Outcome quiet = velhls({"render", "--quiet"}, playlist);
     EXPECT_EQ(quiet.errors, "");
     EXPECT_EQ(quiet.output, outcome.output);
