@@ -83,15 +83,17 @@ std::string contentOf(InputFile& file, const std::string& path, std::size_t most
     constexpr std::size_t blockSize = std::size_t{64} << 10;
     const std::size_t expected = file.size();
     if (expected > mostBytes) failAsTooLarge(path, mostBytes);
-    std::string content;
-    content.reserve(expected + blockSize);
+    // One byte more than is expected, so that the end shows without another block.
+    std::string content(expected == 0 ? blockSize : expected + 1, '\0');
+    std::size_t filled = 0;
     while (true) {
-        const std::size_t size = content.size();
-        content.resize(size + blockSize);
-        const std::size_t count = file.read(&content[size], blockSize);
-        content.resize(size + count);
-        if (count == 0) return content;
-        if (content.size() > mostBytes) failAsTooLarge(path, mostBytes);
+        if (filled == content.size()) content.resize(filled + blockSize);
+        const std::size_t count = file.read(&content[filled], content.size() - filled);
+        filled += count;
+        if (filled > mostBytes) failAsTooLarge(path, mostBytes);
+        if (count != 0) continue;
+        content.resize(filled);
+        return content;
     }
 }
 
