@@ -36,10 +36,18 @@ const std::string cleanMedia =
 
 TEST(RenderCommand, WritesTheCleanTextOfAMasterPlaylistFromAFile) {
     const TemporaryFolder folder;
-    const Outcome outcome = velhls({"render", folder.with("master.m3u8", master)});
+    const std::string path = folder.with("master.m3u8", master);
+    const Outcome outcome = velhls({"render", path});
     EXPECT_EQ(outcome.exitStatus, 0);
     EXPECT_EQ(outcome.output, cleanMaster);
-    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(
+        outcome.errors,
+        path +
+            ":1: added: A master playlist without EXT-X-START is written with TIME-OFFSET=-1. "
+            "[start-added]\n" +
+            path +
+            ":2: added: A variant without CLOSED-CAPTIONS is written with CLOSED-CAPTIONS=NONE. And 1 more. "
+            "[variant-captions-none-added]\n");
 }
 
 TEST(RenderCommand, ReadsStandardInputForADashAndWithoutAFile) {
@@ -79,7 +87,8 @@ TEST(RenderCommand, TellsOnlyOfWhatConformantTextDoesNotHold) {
 TEST(RenderCommand, NamesTheTagAndTheAttributeThatAreLost) {
     const std::string text = lines(
         {"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"n\",CHANNELS=\"2\",AUDIO-TRACK-TYPE=\"x\"",
-         "#EXT-X-STREAM-INF:BANDWIDTH=1", "a.m3u8", "#ext-x-\033"});
+         "#EXT-X-STREAM-INF:BANDWIDTH=1,CLOSED-CAPTIONS=NONE", "a.m3u8", "#ext-x-\033",
+         "#EXT-X-START:TIME-OFFSET=2"});
     EXPECT_EQ(
         velhls({"render"}, text).errors,
         lines({"<stdin>:2: lost: EXT-X-MEDIA: CHANNELS: An attribute that the model has no field for is "
@@ -93,7 +102,8 @@ TEST(RenderCommand, NamesTheTagAndTheAttributeThatAreLost) {
 TEST(RenderCommand, TellsOfDatesAndMapsThatMeanSomethingElse) {
     const auto media = [](const std::string& key, const std::string& date) {
         return lines({"#EXTM3U", "#EXT-X-MAP:URI=\"init.mp4\"", "#EXT-X-KEY:METHOD=" + key + ",URI=\"k\"",
-                      "#EXT-X-PROGRAM-DATE-TIME:2026-01-01T10:00:00" + date, "#EXTINF:6,", "segment0.m4s"});
+                      "#EXT-X-PROGRAM-DATE-TIME:2026-01-01T10:00:00" + date, "#EXTINF:6,", "segment0.m4s",
+                      "#EXT-X-TARGETDURATION:6"});
     };
     const std::string lostMap =
         "<stdin>:3: lost: EXT-X-KEY: An EXT-X-MAP before an EXT-X-KEY is written after it, which declares it "
