@@ -32,10 +32,9 @@ Outcome checkByLibrary(std::vector<std::string> options, const std::string& inpu
 
 const std::string clean = lines({"#EXTM3U", "#EXT-X-START:TIME-OFFSET=2.5",
                                  "#EXT-X-STREAM-INF:BANDWIDTH=1,CLOSED-CAPTIONS=NONE", "a.m3u8"});
-const std::string start = "#EXT-X-START:TIME-OFFSET=2.5";
 const std::string warned =
-    lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=1,FRAME-RATE=25", "a.m3u8", "# a comment", start});
-const std::string rejected = lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=0", "a.m3u8", start});
+    lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=1,FRAME-RATE=25", "a.m3u8", "# a comment"});
+const std::string rejected = lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=0", "a.m3u8"});
 const std::string warning =
     "<stdin>:2:31: warning: EXT-X-STREAM-INF: expected an attribute that the library keeps, seen "
     "\"FRAME-RATE\" [attribute-ignored]\n";
@@ -271,13 +270,15 @@ TEST(CheckCommand, FindsInEachExampleWhatIsExpected) {
     }
 }
 
-TEST(RenderCommand, SaysOncePerRuleWhatTheCleanTextNoLongerHolds) {
-    const std::string playlist = lines({"#EXTM3U", "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"a\"",
-                                        "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"b\"",
-                                        "#EXT-X-STREAM-INF:BANDWIDTH=1", "a.m3u8", start});
+TEST(RenderCommand, SaysOncePerRuleWhatTheCleanTextNoLongerHoldsAndWhatItAdds) {
+    const std::string playlist =
+        lines({"#EXTM3U", "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"a\"",
+               "#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"b\"", "#EXT-X-STREAM-INF:BANDWIDTH=1", "a.m3u8"});
     const Outcome outcome = velhls({"render"}, playlist);
     EXPECT_EQ(outcome.exitStatus, 0);
     EXPECT_EQ(outcome.errors,
+              "<stdin>:1: added: A master playlist without EXT-X-START is written with TIME-OFFSET=-1. "
+              "[start-added]\n"
               "<stdin>:2: lost: EXT-X-SESSION-KEY is read and not written. And 1 more. "
               "[session-key-not-written]\n"
               "<stdin>:4: added: A variant without CLOSED-CAPTIONS is written with CLOSED-CAPTIONS=NONE. "

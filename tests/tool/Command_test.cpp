@@ -101,12 +101,12 @@ TEST(RenderCommand, NamesTheTagAndTheAttributeThatAreLost) {
 
 TEST(RenderCommand, TellsOfDatesAndMapsThatMeanSomethingElse) {
     const auto media = [](const std::string& key, const std::string& date) {
-        return lines({"#EXTM3U", "#EXT-X-MAP:URI=\"init.mp4\"", "#EXT-X-KEY:METHOD=" + key + ",URI=\"k\"",
-                      "#EXT-X-PROGRAM-DATE-TIME:2026-01-01T10:00:00" + date, "#EXTINF:6,", "segment0.m4s",
-                      "#EXT-X-TARGETDURATION:6"});
+        return lines({"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXT-X-MAP:URI=\"init.mp4\"",
+                      "#EXT-X-KEY:METHOD=" + key + ",URI=\"k\"",
+                      "#EXT-X-PROGRAM-DATE-TIME:2026-01-01T10:00:00" + date, "#EXTINF:6,", "segment0.m4s"});
     };
     const std::string lostMap =
-        "<stdin>:3: lost: EXT-X-KEY: An EXT-X-MAP before an EXT-X-KEY is written after it, which declares it "
+        "<stdin>:4: lost: EXT-X-KEY: An EXT-X-MAP before an EXT-X-KEY is written after it, which declares it "
         "encrypted otherwise. [map-before-key]\n";
     EXPECT_THAT(velhls({"render"}, media("AES-128", "+02:00")).errors,
                 HasSubstr("[date-time-offset-not-applied]"));

@@ -79,7 +79,8 @@ TEST(RulesCommand, ListsEveryRuleThatCheckNamesInItsReports) {
 }
 
 TEST(ExplainCommand, ShowsThePageOfARule) {
-    for (const std::string rule : {"variant-bandwidth-zero", "version-too-low", "rendition-report-absolute"}) {
+    for (const std::string rule :
+         {"variant-bandwidth-zero", "version-too-low", "rendition-report-absolute"}) {
         const Outcome outcome = velhls({"explain", rule});
         EXPECT_EQ(outcome.exitStatus, 0);
         EXPECT_EQ(outcome.output, contentOf(VELHLS_SOURCE "/docs/rules/" + rule + ".md"));
