@@ -55,7 +55,7 @@ void expectPlace(const std::vector<Resource>& resources, const std::string& uri,
 
 VELHLS_FUZZ_TARGET(presentation) {
     using Profile = VELHLSStandard::Profile;
-    constexpr fuzz::Cost cost = {512, std::size_t{1} << 20};
+    constexpr fuzz::Cost cost = {128, std::size_t{1} << 20};
     const std::deque<VELHLSDocument> documents = documentsOf(text);
     const std::vector<Resource> resources = resourcesOf(documents);
     for (const Profile profile : {Profile::rfc8216, Profile::apple}) {

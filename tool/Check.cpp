@@ -106,23 +106,48 @@ class CheckRun {
         InputWalk walk(request_.inputs);
         while (const std::optional<Input> input = walk.next())
             check(*input);
+        for (const Input& input : others_)
+            checkByItself(input);
         summary_.linksLeftOut = walk.linksLeftOut();
         report_->end(summary_);
         return summary_.status;
     }
 
   private:
+    /// With --follow other files wait until all master playlists were followed, which may name them.
     void check(const Input& input) {
-        std::string realPath;
-        if (request_.follow.isAsked && input.path != standardInput) realPath = realPathOf(input.path);
-        if (!realPath.empty() && !checked_.insert(realPath).second) return;
+        if (!request_.follow.isAsked || !input.failure.empty()) return checkByItself(input);
         CheckedFile file;
         read(file, input, request_.mostBytes);
         if (!file.failure.empty()) return tell(file);
+        const bool canWait = input.path != standardInput;
+        if (canWait && !isMaster(file.text)) {
+            others_.push_back(input);
+            return;
+        }
+        const std::string realPath = canWait ? realPathOf(input.path) : std::string();
+        if (!realPath.empty() && !checked_.insert(realPath).second) return;
         std::vector<VELHLSFinding> findings = checkText(file, request_.options);
-        const bool isFollowed = request_.follow.isAsked && file.kind == PlaylistKind::Master;
-        if (isFollowed) return follow(std::move(file), std::move(findings));
+        if (file.kind == PlaylistKind::Master) return follow(std::move(file), std::move(findings));
         choose(file, std::move(findings), request_.choice);
+        tell(file);
+    }
+
+    [[nodiscard]] bool isMaster(const std::string& text) const {
+        if (request_.options.kind != PlaylistKind::Detect)
+            return request_.options.kind == PlaylistKind::Master;
+        const auto detected = VELHLSDiagnostics::detectKind(text);
+        return detected && detected->kind == PlaylistKind::Master;
+    }
+
+    void checkByItself(const Input& input) {
+        if (request_.follow.isAsked && checked_.count(realPathOf(input.path)) != 0) return;
+        CheckedFile file;
+        read(file, input, request_.mostBytes);
+        if (file.failure.empty()) {
+            std::vector<VELHLSFinding> findings = checkText(file, request_.options);
+            choose(file, std::move(findings), request_.choice);
+        }
         tell(file);
     }
 
@@ -151,7 +176,7 @@ class CheckRun {
         options.kind = VELHLSDiagnostics::Detect;
         std::vector<VELHLSFinding> findings = checkText(file, options);
         std::vector<VELHLSFinding> own = takeOf(followed.path, ofPresentation);
-        // Another input was it, or another presentation's playlist.
+        // Another presentation has it too.
         const bool isNew = checked_.insert(followed.realPath).second;
         if (!isNew && own.empty()) return;
         if (!isNew) findings.clear();
@@ -168,8 +193,10 @@ class CheckRun {
     const CheckRequest& request_;
     std::unique_ptr<Report> report_;
     CheckSummary summary_;
-    /// The real paths of what was told.
+    /// The real paths of what was checked with a master playlist.
     std::set<std::string> checked_;
+    /// What is still to be checked.
+    std::vector<Input> others_;
 };
 
 }  // namespace

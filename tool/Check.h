@@ -27,8 +27,7 @@ struct CheckRequest {
 /// Checks all files and writes what was found to standard output; files that cannot be read are told of on
 /// standard error. The exit status is the worst of all files. One file at a time is held in memory, or one presentation.
 ///
-/// A master playlist that is followed comes before its playlists. What was checked in one presentation is not checked again by
-/// itself.
+/// Master playlists that are followed come first, each before its playlists; after them what none of them named.
 [[nodiscard]] ExitStatus check(const CheckRequest& request);
 
 }  // namespace tool

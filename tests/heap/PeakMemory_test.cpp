@@ -31,6 +31,9 @@ constexpr double mostOfRecordLines = 32.0;
 constexpr double mostOfDocument = 24.0;
 /// Of two documents, beside these.
 constexpr double mostOfComparison = 128.0;
+/// Of the texts of a presentation, beside their documents, and so many bytes for each text.
+constexpr double mostOfPresentation = 48.0;
+constexpr double mostOfPresentationText = 8192.0;
 
 struct Memory {
     std::size_t held = 0;
@@ -112,6 +115,27 @@ TEST(PeakMemory, IsAMultipleOfTheTextAndOfWhatComesOutOfIt) {
             expectBoundedMemory(input, playlist::parseMaster);
         } else {
             expectBoundedMemory(input, playlist::parseMedia);
+        }
+    }
+}
+
+/// Each hostile text as the master playlist, and as one of two media playlists.
+TEST(PeakMemory, OfAPresentationIsAMultipleOfItsTexts) {
+    const VELHLSDocument twoVariants("#EXTM3U\n#EXT-X-STREAM-INF:\na\n#EXT-X-STREAM-INF:\nb\n");
+    const VELHLSDocument small("#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\na.ts\n");
+    for (const hostile::Input& input : hostile::inputs()) {
+        SCOPED_TRACE(input.name);
+        const VELHLSDocument document(input.text(input.size));
+        for (const VELHLSDocument* const master : {&twoVariants, &document}) {
+            const VELHLSDocument* const other = master == &document ? &small : &document;
+            const Memory memory = memoryOf([&] {
+                static_cast<void>(VELHLSPresentation::check(
+                    {"\n", master, {}}, {{"a", other, {}}, {"b", &small, {}}},
+                    {VELHLSStandard::Profile::rfc8216, VELHLSStandard::Profile::apple}));
+            });
+            const double texts = static_cast<double>(document.text().size());
+            EXPECT_LE(static_cast<double>(memory.most),
+                      mostOfPresentation * texts + 3.0 * mostOfPresentationText);
         }
     }
 }

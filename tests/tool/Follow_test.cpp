@@ -134,7 +134,8 @@ TEST_F(Follow, TellsOfAPlaylistThatIsNotThere) {
 
 TEST_F(Follow, ReadsSessionDataAndLooksForNoSegmentsAndKeys) {
     make("master.m3u8",
-         "#EXTM3U\n#EXT-X-SESSION-DATA:LANGUAGE=\"en\",URI=\"a.json\",DATA-ID=\"com.example.a\"\n#EXT-X-SESSION-KEY:METHOD="
+         "#EXTM3U\n#EXT-X-SESSION-DATA:LANGUAGE=\"en\",URI=\"a.json\",DATA-ID=\"com.example.a\"\n#EXT-X-"
+         "SESSION-KEY:METHOD="
          "AES-128,"
          "URI=\"key\"\n" +
              masterOf({"low.m3u8"}).substr(8));
@@ -167,12 +168,17 @@ TEST_F(Follow, ChecksAPlaylistOnceWhereItIsAlsoNamed) {
               "in/b.m3u8:4:9: error: EXTINF: expected no more than the target duration, rounded: 3 seconds, "
               "seen \"5.005\" "
               "[target-duration-too-small]\n2 files checked: 1 error\n");
-    // Named before, it is not told again what was told.
-    make("in/a-master.m3u8", masterOf({"b.m3u8", "c.m3u8"}));
+    // Whatever comes first, and what no master playlist names comes last.
+    make("in/z-master.m3u8", masterOf({"b.m3u8", "c.m3u8"}));
     make("in/c.m3u8", mediaOf("6"));
-    const std::string output = velhls({"in/b.m3u8", "in/c.m3u8", "in"}).output;
-    EXPECT_EQ(output.find("target-duration-too-small"), output.rfind("target-duration-too-small")) << output;
+    make("in/alone.m3u8", mediaOf("4"));
+    const std::string output = velhls({"in/b.m3u8", "in"}).output;
+    EXPECT_EQ(output.find("in/b.m3u8:4:9: error"), output.rfind("in/b.m3u8:4:9: error")) << output;
     EXPECT_THAT(output, HasSubstr("[target-durations-differ]"));
+    EXPECT_THAT(output, testing::EndsWith(
+                            "in/alone.m3u8:4:9: error: EXTINF: expected no more than the target duration, "
+                            "rounded: 4 seconds, seen \"5.005\" [target-duration-too-small]\n"
+                            "5 files checked: 3 errors\n"));
 }
 
 // What is hostile.

@@ -267,6 +267,14 @@ class ProfileRun {
     VELHLSDiagnostics::Report report_;
 };
 
+/// Of the rules that presentations have by a standard those of one profile: what was not read is no matter of a standard.
+void appendOfPresentations(VELHLSStandard::Profile standard, std::string_view profile,
+                           std::vector<VELHLSRule>& rules) {
+    for (const VELHLSRule& rule : VELHLSPresentation::rules(standard)) {
+        if (rule.profile == profile) rules.push_back(rule);
+    }
+}
+
 }  // namespace
 
 std::string_view VELHLSDiagnostics::nameOf(Profile profile) noexcept {
@@ -308,14 +316,14 @@ std::vector<VELHLSRule> VELHLSDiagnostics::rules(Profile profile) {
     if (isStandard(profile)) {
         for (const VELHLSRule& rule : VELHLSStandard::rules(standardOf(profile)))
             all.push_back(rule);
-        for (const VELHLSRule& rule : VELHLSPresentation::rules(standardOf(profile)))
-            all.push_back(rule);
+        appendOfPresentations(standardOf(profile), nameOf(profile), all);
         return all;
     }
     for (std::size_t index = 0; index < velhls::ruleCount; ++index)
         all.push_back(ruleOf(static_cast<Rule>(index)));
     for (const VELHLSRule& rule : velhls::rulesOfLosses())
         all.push_back(rule);
+    appendOfPresentations(VELHLSStandard::Profile::rfc8216, nameOf(profile), all);
     for (VELHLSRule& rule : all)
         rule.profile = nameOf(profile);
     return all;
