@@ -36,13 +36,14 @@ void addFollowing(CLI::App& command, FollowRequest& follow) {
         .add_option(
             "--root", follow.root,
             "The folder below which --follow may read, that of the master playlist unless told otherwise")
-        ->needs(asked);
+        ->needs(asked)
+        ->configurable(false);
 }
 
 ExitStatus run(CLI::App& command, CheckOptions& options) {
     readConfig(command, options.config);
     CheckRequest& request = options.request;
-    if (request.inputs.paths.empty() && request.inputs.list.empty())
+    if (request.inputs.paths.empty() && !request.inputs.list)
         request.inputs.paths.emplace_back(standardInput);
     return check(request);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "tool/Check.h"
@@ -13,8 +14,8 @@ namespace tool {
 /// What the command line of `velhls check` fills.
 struct CheckOptions {
     CheckRequest request;
-    /// The file with options; empty for the nearest.
-    std::string config;
+    /// The file with options; nothing for the nearest.
+    std::optional<std::string> config;
 };
 
 /// Adds the subcommand `check`, which fills the options, runs, and leaves its exit status.

@@ -121,7 +121,7 @@ void refuseUnknownSections(CLI::App& command, const std::vector<CLI::ConfigItem>
 
 }  // namespace
 
-void addConfigOption(CLI::App& command, std::string& path) {
+void addConfigOption(CLI::App& command, std::optional<std::string>& path) {
     command
         .add_option(configOption, path,
                     std::string("Take options from this file, and not from the nearest ") + configName +
@@ -129,9 +129,9 @@ void addConfigOption(CLI::App& command, std::string& path) {
         ->configurable(false);
 }
 
-void readConfig(CLI::App& command, const std::string& path) {
-    const std::string file = path.empty() ? nearestConfig() : path;
-    if (file.empty()) return;
+void readConfig(CLI::App& command, const std::optional<std::string>& path) {
+    const std::string file = path ? *path : nearestConfig();
+    if (file.empty() && !path) return;
     std::istringstream text(linesForParser(contentOf(file, largestConfig)));
     try {
         const std::vector<CLI::ConfigItem> items = CLI::ConfigTOML().from_config(text);

@@ -66,7 +66,7 @@ bool isFolder(const std::string& path) {
 class InputWalk::NameList {
   public:
     explicit NameList(const InputNames& names)
-        : file_(names.list), name_(nameInMessages(names.list)), end_(names.isNulSeparated ? '\0' : '\n') {}
+        : file_(*names.list), name_(nameInMessages(*names.list)), end_(names.isNulSeparated ? '\0' : '\n') {}
 
     /// The next name that is not empty; an empty one at the end. Throws a Failure when the list cannot be read.
     [[nodiscard]] std::string next() {
@@ -125,7 +125,7 @@ bool InputWalk::takeNextName() {
 }
 
 bool InputWalk::takeNextNameOfList() {
-    if (names_.list.empty() || isListRead_) return false;
+    if (!names_.list || isListRead_) return false;
     try {
         if (list_ == nullptr) list_ = std::make_unique<NameList>(names_);
         const std::string name = list_->next();
@@ -133,7 +133,7 @@ bool InputWalk::takeNextNameOfList() {
         if (!isListRead_) takeName(name);
     } catch (const Failure& failure) {
         isListRead_ = true;
-        takeFailure(names_.list, failure.what());
+        takeFailure(*names_.list, failure.what());
     }
     return !pending_.empty();
 }

@@ -14,8 +14,8 @@ namespace tool {
 struct InputNames {
     /// Files, folders, and "-" for standard input.
     std::vector<std::string> paths;
-    /// A file that holds more such names, or "-" for standard input; empty for none.
-    std::string list;
+    /// A file that holds more such names, or "-" for standard input; nothing for none.
+    std::optional<std::string> list;
     /// Whether the names of the list end in NUL bytes, and not in line feeds.
     bool isNulSeparated = false;
 };

@@ -45,13 +45,19 @@ bool tellsOf(const std::vector<VELHLSFinding>& findings, std::string_view ruleId
                        [ruleId](const VELHLSFinding& finding) { return finding.ruleId == ruleId; });
 }
 
+/// Whether the rule tells of what is written and was not read: those have such names.
+bool isAddition(std::string_view ruleId) {
+    constexpr std::string_view ending = "-added";
+    return ruleId.size() > ending.size() && ruleId.substr(ruleId.size() - ending.size()) == ending;
+}
+
 /// Whether what the models do not render is written all the same as RFC 8216 wants it.
 bool isKeptByWriter(std::string_view ruleId, PlaylistKind kind) {
     constexpr std::array<std::string_view, 4> kept = {"byte-range-empty-not-written", "cue-not-written",
                                                       "rendition-audio-track-type-not-written",
                                                       "session-key-not-written"};
     const bool isStartOfMaster = ruleId == "start-zero-not-written" && kind == PlaylistKind::Master;
-    return isStartOfMaster || std::find(kept.begin(), kept.end(), ruleId) != kept.end();
+    return isStartOfMaster || isAddition(ruleId) || std::find(kept.begin(), kept.end(), ruleId) != kept.end();
 }
 
 std::map<std::string_view, VELHLSRule> rulesOfLibrary() {
@@ -134,7 +140,7 @@ std::string describeLosses(const Playlist& playlist, Writing writing) {
         writing == Writing::Conformant && tellsOf(findings, mapBeforeKey) &&
         tellsOf(findingsOfLibrary(cleanText(playlist, writing), playlist.kind), mapBeforeKey);
     for (const VELHLSFinding& finding : findings) {
-        if (!rules.at(finding.ruleId).isLostWhenWritten) continue;
+        if (!rules.at(finding.ruleId).isLostWhenWritten && !isAddition(finding.ruleId)) continue;
         if (writing == Writing::Conformant && isKeptByWriter(finding.ruleId, playlist.kind)) continue;
         if (keepsMaps && finding.ruleId == mapBeforeKey) continue;
         const auto [index, isNew] = indices.emplace(finding.ruleId, losses.size());
@@ -147,7 +153,9 @@ std::string describeLosses(const Playlist& playlist, Writing writing) {
     for (const Loss& loss : losses) {
         const std::string_view summary = rules.at(loss.first.ruleId).summary;
         text += playlist.name + ":" + std::to_string(loss.first.line) +
-                ": lost: " + subjectOf(document.line(loss.first.line), loss.first, summary) +
+                (isAddition(loss.first.ruleId)
+                     ? ": added: "
+                     : ": lost: " + subjectOf(document.line(loss.first.line), loss.first, summary)) +
                 std::string(summary);
         if (loss.more != 0) text += " And " + std::to_string(loss.more) + " more.";
         text += " [" + loss.first.ruleId + "]\n";

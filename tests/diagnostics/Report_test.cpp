@@ -109,8 +109,7 @@ TEST(Report, ReadsAsTheKindThatWasAskedFor) {
     const std::string text = lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"a\"", "low.m3u8"});
     const Report report = VELHLSDiagnostics::check(text, {VELHLSDiagnostics::Media, {Profile::rfc8216}});
     EXPECT_EQ(report.kind, VELHLSDiagnostics::Media);
-    EXPECT_EQ(found(report),
-              "rfc8216 target-duration-missing, rfc8216 tag-of-master-playlist");
+    EXPECT_EQ(found(report), "rfc8216 target-duration-missing, rfc8216 tag-of-master-playlist");
 }
 
 TEST(Report, OfAStreamIsThatOfItsText) {
@@ -132,9 +131,10 @@ TEST(Profiles, HaveNames) {
 TEST(Profiles, GiveEachRuleAClauseButThoseOfTheLibrary) {
     for (const Profile profile : VELHLSDiagnostics::profiles()) {
         for (const VELHLSRule& rule : VELHLSDiagnostics::rules(profile)) {
-            EXPECT_EQ(rule.profile, VELHLSDiagnostics::nameOf(profile)) << rule.id;
-            EXPECT_EQ(rule.clause.empty(), profile == Profile::library) << rule.id;
-            EXPECT_EQ(rule.level.empty(), profile == Profile::library) << rule.id;
+            const bool isLibrarys = rule.profile == VELHLSDiagnostics::nameOf(Profile::library);
+            EXPECT_TRUE(isLibrarys || rule.profile == VELHLSDiagnostics::nameOf(profile)) << rule.id;
+            EXPECT_EQ(rule.clause.empty(), isLibrarys) << rule.id;
+            EXPECT_EQ(rule.level.empty(), isLibrarys) << rule.id;
         }
     }
 }

@@ -83,6 +83,18 @@ TEST_F(ConfigFile, MayHaveOptionsOfAllCommandsBeforeItsSections) {
     EXPECT_THAT(check({"a.m3u8"}).output, testing::StartsWith("{\"path\":\"a.m3u8\""));
 }
 
+TEST_F(ConfigFile, SetsFlags) {
+    static_cast<void>(folder.with("master.m3u8", "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\na.m3u8\n"));
+    configure("[check]\nformat = \"jsonl\"\n");
+    EXPECT_EQ(check({"master.m3u8"}).output.find("\"path\":\"a.m3u8\""), std::string::npos);
+    for (const std::string value : {" = true", " = \"yes\"", ""}) {
+        configure("[check]\nformat = \"jsonl\"\nfollow" + value + "\n");
+        EXPECT_THAT(check({"master.m3u8"}).output, HasSubstr("\"path\":\"a.m3u8\"")) << value;
+    }
+    configure("[check]\nformat = \"jsonl\"\nfollow = false\n");
+    EXPECT_EQ(check({"master.m3u8"}).output.find("\"path\":\"a.m3u8\""), std::string::npos);
+}
+
 TEST_F(ConfigFile, GivesWayToTheCommandLine) {
     configure("[check]\ndisable = [\"attribute-wrong-type\"]\nformat = \"jsonl\"\n");
     EXPECT_EQ(check({"--disable=tag-ignored", "a.m3u8"}).exitStatus, 1);
@@ -123,6 +135,8 @@ TEST_F(ConfigFile, ThatCannotBeReadIsToldOf) {
     EXPECT_EQ(missing.exitStatus, 2);
     EXPECT_EQ(missing.output, "");
     EXPECT_EQ(missing.errors, "missing: error: cannot be read: No such file or directory\n");
+    EXPECT_EQ(check({"--config", "", "a.m3u8"}).errors,
+              ": error: cannot be read: No such file or directory\n");
     EXPECT_EQ(check({"--config=.", "a.m3u8"}).errors, ".: error: cannot be read: Is a directory\n");
     EXPECT_THAT(check({"--config=/dev/zero", "a.m3u8"}).errors,
                 testing::StartsWith("/dev/zero: error: cannot be read: larger than 1048576 bytes"));
@@ -136,6 +150,7 @@ TEST_F(ConfigFile, IsRefusedWhole) {
         {"[check]\nconfig = \"other\"\n", "there is no option \"config\""},
         {"[check]\nFILE = \"/etc/passwd\"\n", "there is no option \"FILE\""},
         {"[check]\nhelp = true\n", "there is no option \"help\""},
+        {"[check]\nroot = \"/\"\n", "there is no option \"root\""},
         {"[check]\nnull = true\n", "there is no option \"null\""},
         {"[polish]\nseverity = \"note\"\n", "there is no section \"polish\""},
         {"[render]\nquiet = true\n", "there is no section \"render\""},

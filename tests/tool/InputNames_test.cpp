@@ -218,7 +218,7 @@ TEST_F(InputNames, OfStandardInputCannotNameStandardInput) {
 
 TEST_F(InputNames, OfAListThatCannotBeReadAreToldOfAfterTheOthers) {
     make("a.m3u8");
-    for (const std::string list : {"missing", "."}) {
+    for (const std::string list : {"missing", ".", ""}) {
         const Outcome outcome = velhls({"check", "--format=jsonl", "a.m3u8", "--files-from", list}, inside());
         EXPECT_EQ(outcome.exitStatus, 2);
         EXPECT_THAT(outcome.errors, testing::StartsWith(list + ": error: cannot be read: "));

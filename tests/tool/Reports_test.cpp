@@ -25,9 +25,9 @@ Outcome velhls(std::vector<std::string> arguments, const std::string& input = ""
     return command::run(arguments, input);
 }
 
-/// Checks by what the library makes of a playlist.
+/// Checks by what the library makes of a playlist, but for the EXT-X-START that it adds to most.
 Outcome checkByLibrary(std::vector<std::string> options, const std::string& input = "") {
-    options.insert(options.begin(), {"check", "--profile=library"});
+    options.insert(options.begin(), {"check", "--profile=library", "--disable=start-added"});
     return velhls(options, input);
 }
 

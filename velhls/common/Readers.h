@@ -21,10 +21,6 @@ namespace velhls {
 /// std::bad_alloc alone: a number that cannot be converted is a rejection.
 [[nodiscard]] VELHLS_PRIVATE_API std::shared_ptr<VELHLSParsedManifest> readMaster(std::string_view text,
                                                                                   Reading& reading);
-
-/// Why the parse of a media playlist rejects the text, as VELHLSMediaStream::parseMediaStream tells it; nothing when it
-/// accepts it. No more than two segments are held at once, but for those of a pattern. Throws std::bad_alloc alone.
-[[nodiscard]] VELHLS_PRIVATE_API std::optional<VELHLSReason> whyMediaIsRejected(std::string_view text);
 [[nodiscard]] VELHLS_PRIVATE_API std::shared_ptr<VELHLSMediaStream> readMedia(std::string_view text,
                                                                               Reading& reading);
 

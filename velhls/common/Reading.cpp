@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "velhls/common/AttributeList.h"
@@ -131,6 +132,11 @@ void Reading::rejected(Reason& reason) {
     const Rule rule = isMarked ? Rule::byteOrderMark : reason.rule;
     if (isFull(rule)) return;
     if (isMarked) return add({rule, {1, 1, byteOrderMark.size()}, "one"});
+    const bool isInSegment = rule == Rule::segmentTagUnknown || rule == Rule::segmentBareTagUnknown;
+    if (isInSegment && !isExpanding()) {
+        reason.seen = quoted(reason.where) + " in the segment that line " +
+                      std::to_string(recordStart_.number) + " opened";
+    }
     const bool hasPlace = reason.where.data() != nullptr;
     add({rule, hasPlace ? find(reason.where) : placeOfRecord(reason.tag), std::move(reason.seen)});
 }

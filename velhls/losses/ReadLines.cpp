@@ -109,10 +109,11 @@ void ReadLines::readAttributes(LossLine& line) {
 
 /// What the lines after it are to know of a line.
 void ReadLines::note(const LossLine& line) {
+    // That one was rejected is said already, and not that it is missing.
+    if (line.isTagNamed(tag::start)) playlist_.hasStart = true;
+    if (line.isTagNamed(tag::targetDuration)) playlist_.hasTargetDuration = true;
     if (!line.isTag || line.role == LineRole::rejected) return;
     if (line.tag.name == tag::extM3U && !line.tag.hasColon) playlist_.hasHeader = true;
-    if (line.tag.name == tag::start) playlist_.hasStart = true;
-    if (line.tag.name == tag::targetDuration) playlist_.hasTargetDuration = true;
     const std::size_t index = indexOfTagWrittenOnce(line.tag.name);
     if (index < tagsWrittenOnce.size()) playlist_.seenTags.set(index);
     if (line.attributes == nullptr) return;

@@ -105,7 +105,7 @@ bool isDefaultValue(std::string_view name, std::string_view value) {
 }
 
 void findDefault(const LossLine& line, const TellLoss& tell) {
-    if (!line.isTag || line.role == LineRole::rejected) return;
+    if (!line.isTag) return;
     if (line.tag.hasColon && holdsDefault(line)) tell(line, line.tag.value);
     line.forEachAttribute([&](const Attribute& attribute) {
         if (isDefaultValue(attribute.name, attribute.value))

@@ -98,8 +98,8 @@ bool MediaStreamReader::readSegment(bool afterDiscontinuity) {
     if (segmentReader_.pattern() != nullptr) return appendPattern();
     if (segment == nullptr) return false;
     if (reading_ != nullptr) reading_->recordMade(segment.get());
-    if (letsSegmentsGo_) stream_->segments.clear();
     stream_->segments.push_back(std::move(segment));
+    if (letsSegmentsGo_) letGoAllButLast();
     if (afterDiscontinuity) stream_->discontinuitySeen = true;
     return true;
 }
