@@ -102,6 +102,8 @@ constexpr Example examples[] = {
      "velhls render --conformant --output live.m3u8 live.m3u8"},
     {"A token for every URI, and every other byte as it was:",
      "velhls edit --append-query token=1 --apply master.m3u8"},
+    {"What changed in a live playlist within six seconds, and what of it is forbidden:",
+     "velhls compare --elapsed 6 old.m3u8 new.m3u8"},
     {"What a server delivers:", "curl -s https://example.com/master.m3u8 | velhls inspect"},
     {"The URIs of all segments:", "velhls inspect --json vod.m3u8 | jq -r '.playlist.segments[].uri'"},
 };

@@ -112,6 +112,14 @@ TEST(VELHLSStructure, CountsSequenceNumbers) {
     EXPECT_EQ(skipped.structure.segment(0).mediaSequence, 130U);
 }
 
+TEST(VELHLSStructure, CountsFromNothingWhereASequenceNumberCannotBeRead) {
+    const Read read(lines({"#EXT-X-MEDIA-SEQUENCE:x", "#EXT-X-DISCONTINUITY-SEQUENCE:-7",
+                           "#EXT-X-SKIP:SKIPPED-SEGMENTS=many", "#EXTINF:6,", "a", "b"}));
+    EXPECT_EQ(read.structure.segment(0).mediaSequence, 0U);
+    EXPECT_EQ(read.structure.segment(0).discontinuitySequence, 0U);
+    EXPECT_EQ(read.structure.segment(1).mediaSequence, 1U);
+}
+
 TEST(VELHLSStructure, KnowsWhereRangesBegin) {
     const Read read(lines({"#EXT-X-BYTERANGE:10@5", "a", "#EXT-X-BYTERANGE:20", "a", "#EXT-X-BYTERANGE:1",
                            "a", "#EXT-X-BYTERANGE:1", "b", "#EXT-X-BYTERANGE:1@0", "b", "b",

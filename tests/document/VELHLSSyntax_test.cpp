@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -141,6 +142,31 @@ TEST(VELHLSSyntax, ReadsDates) {
         EXPECT_EQ(date->hasTime, row.hasTime) << row.text;
         EXPECT_EQ(date->hasZone, row.hasZone) << row.text;
         EXPECT_EQ(date->fractionDigits, row.fractionDigits) << row.text;
+    }
+}
+
+std::string twoDigits(int number) {
+    return {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
+}
+
+/// Each day is the one after the day before it, and no month has one more.
+TEST(VELHLSSyntax, ReadsEveryDayOfAYear) {
+    constexpr std::int64_t day = 86400000000;
+    for (const auto& [year, days] : std::vector<std::pair<std::string, std::int64_t>>{
+             {"1900", 365}, {"1970", 365}, {"2000", 366}, {"2001", 365}, {"2024", 366}}) {
+        const auto first = VELHLSSyntax::readDateTime(year + "-01-01");
+        ASSERT_TRUE(first);
+        std::int64_t seen = 0;
+        for (int month = 0; month <= 13; ++month) {
+            for (int ofMonth = 0; ofMonth <= 33; ++ofMonth) {
+                const std::string text = year + "-" + twoDigits(month) + "-" + twoDigits(ofMonth);
+                const auto date = VELHLSSyntax::readDateTime(text);
+                if (!date) continue;
+                EXPECT_EQ(date->microseconds, first->microseconds + day * seen) << text;
+                ++seen;
+            }
+        }
+        EXPECT_EQ(seen, days) << year;
     }
 }
 

@@ -222,6 +222,22 @@ TEST(VELHLSPresentation, LetsRoundedDurationsDrift) {
               "");
 }
 
+TEST(VELHLSPresentation, FindsALateDiscontinuityWhereWholeDurationsAreAlike) {
+    const auto playlist = [](const std::string& beforeLast) {
+        std::string text = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n";
+        for (int segment = 0; segment < 20; ++segment)
+            text += (segment == 19 ? beforeLast : "") + "#EXTINF:6,\n" + std::to_string(segment) + ".ts\n";
+        return text + "#EXT-X-ENDLIST\n";
+    };
+    const std::string master =
+        "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\nlow.m3u8\n#EXT-X-STREAM-INF:BANDWIDTH=2\nhigh.m3u8\n";
+    EXPECT_EQ(rulesIn(findingsIn({{"master.m3u8", master},
+                                  {"low.m3u8", playlist("")},
+                                  {"high.m3u8", playlist("#EXT-X-DISCONTINUITY\n")}}),
+                      VELHLSFinding::Note),
+              "discontinuities-differ");
+}
+
 TEST(VELHLSPresentation, DoesNotAddAnAudioVariantToItsOwnGroup) {
     const std::string audio =
         "#EXTM3U\n#EXT-X-VERSION:4\n#EXT-X-TARGETDURATION:6\n#EXTINF:6.000,\n#EXT-X-BYTERANGE:75000@0\na."

@@ -31,7 +31,8 @@ Outcome checkByLibrary(std::vector<std::string> options, const std::string& inpu
     return velhls(options, input);
 }
 
-const std::string rejected = lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=0", "a.m3u8"});
+const std::string rejected =
+    lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=0", "a.m3u8", "#EXT-X-START:TIME-OFFSET=2"});
 const std::string clean = lines({"#EXTM3U", "#EXT-X-START:TIME-OFFSET=2.5",
                                  "#EXT-X-STREAM-INF:BANDWIDTH=1,CLOSED-CAPTIONS=NONE", "a.m3u8"});
 

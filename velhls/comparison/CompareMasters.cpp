@@ -124,6 +124,7 @@ class MasterComparer {
     /// The first variant is the one that a player begins with, so that their order means something.
     void compareOrder(const std::vector<KeyedPair>& common, const Items& before, const Items& now) {
         std::vector<std::size_t> places;
+        places.reserve(common.size());
         for (const KeyedPair& pair : common)
             places.push_back(pair.before);
         std::sort(places.begin(), places.end());

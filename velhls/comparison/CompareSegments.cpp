@@ -291,6 +291,7 @@ std::vector<VELHLSLine> foreignTags(const Side& side) {
 
 std::vector<std::string> namesOf(const std::vector<VELHLSLine>& lines) {
     std::vector<std::string> names;
+    names.reserve(lines.size());
     for (const VELHLSLine& line : lines)
         names.emplace_back(line.name);
     return names;

@@ -78,6 +78,29 @@ Clocks clocksOf(const PresentationPlaylist& left, const PresentationPlaylist& ri
     return {Clock(left, alignment, origin), Clock(right, alignment, origin)};
 }
 
+/// How far segments of two playlists may be apart since durations are rounded: not at all where all are written alike.
+class Rounding {
+  public:
+    Rounding(const PresentationPlaylist& left, const PresentationPlaylist& right)
+        : left_(left), right_(right), areAlike_(areDurationsAlike(left, right)) {}
+
+    [[nodiscard]] double at(std::size_t leftSegment, std::size_t rightSegment) const {
+        return areAlike_ ? 0.0 : left_.roundingAt(leftSegment) + right_.roundingAt(rightSegment);
+    }
+
+  private:
+    static bool areDurationsAlike(const PresentationPlaylist& left, const PresentationPlaylist& right) {
+        return std::equal(left.segments().begin(), left.segments().end(), right.segments().begin(),
+                          right.segments().end(), [](const TimedSegment& first, const TimedSegment& second) {
+                              return first.duration == second.duration;
+                          });
+    }
+
+    const PresentationPlaylist& left_;
+    const PresentationPlaylist& right_;
+    bool areAlike_;
+};
+
 double longerTarget(const PresentationPlaylist& left, const PresentationPlaylist& right) {
     return std::max(left.targetDuration(), right.targetDuration());
 }
@@ -150,6 +173,7 @@ std::optional<SegmentPair> findOtherDiscontinuity(const PresentationPlaylist& le
     RunWalk ofLeft(left, clocks.left);
     RunWalk ofRight(right, clocks.right);
     const double target = std::min(left.targetDuration(), right.targetDuration());
+    const Rounding rounding(left, right);
     double differing = 0.0;
     SegmentPair first;
     // So that many short playlists beside a long one take no more time than their length explains. What differs is found in
@@ -165,10 +189,9 @@ std::optional<SegmentPair> findOtherDiscontinuity(const PresentationPlaylist& le
             const double inside = start + std::min(1.0, (end - start) / 2.0);
             if (differing == 0.0) first = {ofLeft.segmentAt(inside), ofRight.segmentAt(inside)};
             differing += end - start;
-            const double rounding = alignment == Alignment::byDate
-                                        ? 0.0
-                                        : left.roundingAt(first.left) + right.roundingAt(first.right);
-            if (differing > target / 2.0 + rounding) return first;
+            const double uncertain =
+                alignment == Alignment::byDate ? 0.0 : rounding.at(first.left, first.right);
+            if (differing > target / 2.0 + uncertain) return first;
         }
         (ofLeft.end() < ofRight.end() ? ofLeft : ofRight).next();
     }
@@ -217,12 +240,13 @@ std::optional<SegmentPair> findOtherDate(const PresentationPlaylist& left, const
     // Playlists on demand start at one media timestamp; others may have up to a target duration of their own before that.
     const bool areOnDemand = left.type() == fixed::vod && right.type() == fixed::vod;
     const double uncertain = areOnDemand ? 1.0 : longerTarget(left, right);
+    const Rounding rounding(left, right);
     const auto differs = [&](std::size_t ofLeft, std::size_t ofRight) {
         const TimedSegment& leftSegment = left.segments()[ofLeft];
         const TimedSegment& rightSegment = right.segments()[ofRight];
         const double expected = rightSegment.start - leftSegment.start;
         const double seen = secondsBetween(*leftSegment.date, *rightSegment.date);
-        return std::fabs(seen - expected) > uncertain + left.roundingAt(ofLeft) + right.roundingAt(ofRight);
+        return std::fabs(seen - expected) > uncertain + rounding.at(ofLeft, ofRight);
     };
     for (std::size_t place = 0; place < right.segments().size(); ++place) {
         const TimedSegment& segment = right.segments()[place];
