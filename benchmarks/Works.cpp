@@ -390,6 +390,58 @@ Measurement documentOf(std::string name, const std::string& text) {
             std::make_unique<ReadingFloor>(text, false)};
 }
 
+/// Checks a text by RFC 8216, the default, and finds whether the models reject it.
+class Check : public Work {
+  public:
+    explicit Check(std::string text) : text_(std::move(text)) {}
+
+    void prepare() override {}
+    void run() override { report_ = VELHLSDiagnostics::check(text_); }
+    void drop() override {
+        require(!report_.rejected, "the playlist is rejected");
+        report_ = {};
+    }
+
+  private:
+    std::string text_;
+    VELHLSDiagnostics::Report report_;
+};
+
+/// The models' parse of a text in memory.
+class ParseText : public Work {
+  public:
+    ParseText(std::string text, bool isMaster) : text_(std::move(text)), isMaster_(isMaster) {}
+
+    void prepare() override {}
+    void run() override {
+        if (isMaster_)
+            manifest_ = VELHLSParsedManifest::parseManifest(std::string_view(text_));
+        else
+            stream_ = VELHLSMediaStream::parseMediaStream(std::string_view(text_));
+    }
+    void drop() override {
+        require(manifest_ != nullptr || stream_ != nullptr, "the playlist is rejected");
+        manifest_ = nullptr;
+        stream_ = nullptr;
+    }
+
+  private:
+    std::string text_;
+    bool isMaster_;
+    Manifest manifest_;
+    Stream stream_;
+};
+
+Measurement checkOf(std::string name, const std::string& text, std::size_t items, bool isMaster) {
+    return {std::move(name),
+            items,
+            text.size(),
+            1,
+            std::make_unique<Check>(text),
+            "P",
+            std::make_unique<ParseText>(text, isMaster)};
+}
+
 using Maker = std::function<Measurement(const std::string&)>;
 
 const std::vector<std::pair<std::string, Maker>>& makers() {
@@ -428,6 +480,11 @@ const std::vector<std::pair<std::string, Maker>>& makers() {
          [](Name name) { return documentOf<WholeDocument>(name, inputs::rich(million)); }},
         {"document/master-large/10000",
          [](Name name) { return documentOf<WholeDocument>(name, inputs::largeMaster(10000)); }},
+        {"check/vod/100000", [](Name name) { return checkOf(name, inputs::vod(many), many, false); }},
+        {"check/rich/100000", [](Name name) { return checkOf(name, inputs::rich(many), many, false); }},
+        {"check/master-small", [](Name name) { return checkOf(name, inputs::smallMaster(), 16, true); }},
+        {"check/master-large/10000",
+         [](Name name) { return checkOf(name, inputs::largeMaster(10000), 10000, true); }},
     };
     return all;
 }

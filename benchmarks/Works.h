@@ -4,7 +4,8 @@
 // - R, reading: std::getline over the same stream into one string, nothing else;
 // - O, objects: R, and for each record one plain std::make_shared with its URI copied in, pushed to a vector;
 // - W, writing: the rendered text appended to a string from ready pieces and std::to_chars for each duration,
-//   then put to the stream once.
+//   then put to the stream once;
+// - P, parsing: of a check, the models' parse of the same text in memory.
 #pragma once
 
 #include <cstddef>

@@ -29,6 +29,10 @@ AIMS = {
     "lines/rich/1000000": 1.5,
     "document/vod/1000000": 3.0,
     "document/rich/1000000": 3.0,
+    "check/vod/100000": 4.0,
+    "check/rich/100000": 4.0,
+    "check/master-small": 4.0,
+    "check/master-large/10000": 4.0,
 }
 
 

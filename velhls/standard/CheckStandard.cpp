@@ -70,6 +70,8 @@ class LineRun {
         } else {
             findAll(valueRules(), checked, findings_);
         }
+        if (checked.line.definition->form == VELHLSTagDefinition::DateTime)
+            findAll(dateRules(), checked, findings_);
         if (checked.line.definition->form == VELHLSTagDefinition::AttributeList) checkList(checked);
     }
 
@@ -136,9 +138,9 @@ void checkPlaylist(const CheckedPlaylist& playlist, StandardFindings& findings) 
     if (playlist.profile() == StandardProfile::apple)
         return findAll(playlist.isMaster() ? authoringMasterRules() : authoringMediaRules(), playlist,
                        findings);
-    for (const auto& table : {headerRules(), versionRules(), lastSegmentRules(), keyRelationRules(),
-                              dateRules(), dateRangeRelationRules(), mediaPlaylistRules(),
-                              variantRelationRules(), groupRules(), sessionRelationRules()})
+    for (const auto& table :
+         {headerRules(), versionRules(), lastSegmentRules(), keyRelationRules(), dateRangeRelationRules(),
+          mediaPlaylistRules(), variantRelationRules(), groupRules(), sessionRelationRules()})
         findAll(table, playlist, findings);
     if (playlist.profile() == StandardProfile::rfc8216bis) findAll(laterPlaylistRules(), playlist, findings);
 }

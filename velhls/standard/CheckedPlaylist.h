@@ -154,7 +154,7 @@ using PlaylistEntry = StandardEntry<CheckedPlaylist>;
 [[nodiscard]] StandardTable<CheckedPlaylist> headerRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> versionRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> keyRelationRules();
-[[nodiscard]] StandardTable<CheckedPlaylist> dateRules();
+[[nodiscard]] StandardTable<CheckedLine> dateRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> dateRangeRelationRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> mediaPlaylistRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> variantRelationRules();

@@ -1,4 +1,5 @@
 #include <iterator>
+#include <optional>
 
 #include "velhls/common/Names.h"
 #include "velhls/document/VELHLSSyntax.h"
@@ -13,35 +14,26 @@ bool isUsual(std::string_view value) {
     return value.size() == usual.size() && value.back() == 'Z' && value[usual.find('.')] == '.';
 }
 
-/// Goes through the dates that can be read, but for those that lack nothing.
-template <typename Visit>
-void forEachDate(const CheckedPlaylist& playlist, Visit visit) {
-    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::programDateTime>)) {
-        const VELHLSLine line = playlist.document().line(number);
-        const std::string_view value = trimmed(line.value);
-        if (isUsual(value)) continue;
-        const auto date = VELHLSSyntax::readDateTime(value);
-        if (date && date->hasTime) visit(line, value, *date);
-    }
+/// The date of an EXT-X-PROGRAM-DATE-TIME that can be read, and may lack something.
+std::optional<VELHLSSyntax::DateTime> unusualDate(const CheckedLine& checked) {
+    if (!checked.is(tagIndexOf<tag::programDateTime>) || isUsual(checked.value)) return std::nullopt;
+    const auto date = VELHLSSyntax::readDateTime(checked.value);
+    return date && date->hasTime ? date : std::nullopt;
 }
 
-void findZoneMissing(const CheckedPlaylist& playlist, const Tell& tell) {
-    forEachDate(playlist,
-                [&tell](const VELHLSLine& line, std::string_view value, const VELHLSSyntax::DateTime& date) {
-                    if (!date.hasZone) tell(line, value);
-                });
+void findZoneMissing(const CheckedLine& checked, const Tell& tell) {
+    const auto date = unusualDate(checked);
+    if (date && !date->hasZone) tell(checked.line, checked.value);
 }
 
-void findMillisecondsMissing(const CheckedPlaylist& playlist, const Tell& tell) {
+void findMillisecondsMissing(const CheckedLine& checked, const Tell& tell) {
     constexpr std::size_t ofMilliseconds = 3;
-    forEachDate(playlist,
-                [&tell](const VELHLSLine& line, std::string_view value, const VELHLSSyntax::DateTime& date) {
-                    if (date.fractionDigits < ofMilliseconds) tell(line, value);
-                });
+    const auto date = unusualDate(checked);
+    if (date && date->fractionDigits < ofMilliseconds) tell(checked.line, checked.value);
 }
 
 // clang-format off
-constexpr PlaylistEntry rules[] = {
+constexpr LineEntry rules[] = {
     {{{"date-time-without-zone", warning, "EXT-X-PROGRAM-DATE-TIME has no time zone.",
        "Z or an offset after the time", "RFC 8216, section 4.3.2.6", false}, "SHOULD"}, findZoneMissing},
     {{{"date-time-without-milliseconds", warning, "EXT-X-PROGRAM-DATE-TIME has no milliseconds.",
@@ -51,7 +43,7 @@ constexpr PlaylistEntry rules[] = {
 
 }  // namespace
 
-StandardTable<CheckedPlaylist> dateRules() {
+StandardTable<CheckedLine> dateRules() {
     return {rules, std::size(rules)};
 }
 
