@@ -67,7 +67,7 @@ std::string_view LineReader::nextOfInput() {
 std::string_view LineReader::nextOfText() {
     if (reading_ != nullptr && reading_->hasEnded()) good_ = false;
     // What comes after the last line is empty, and stands at its end.
-    if (!good_) return std::string_view(position_, 0);
+    if (!good_) textEnd_ = position_;
     const char* const lineEnd = find(position_, textEnd_, lineFeed_);
     good_ = lineEnd != nullptr;
     const char* const end = good_ ? lineEnd : textEnd_;

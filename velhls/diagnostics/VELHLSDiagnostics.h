@@ -98,6 +98,7 @@ class VELHLS_CHECK_API VELHLSDiagnostics {
     /// The same for what is left of the stream, which is read to its end. An empty text when it is not good. A stream
     /// that breaks off is read as one that ends there and becomes bad, and throws if it was told to.
     [[nodiscard]] static Report check(std::istream& input);
+    /// The same with options.
     [[nodiscard]] static Report check(std::istream& input, const Options& options);
 
     /// What a text was taken for, and why.

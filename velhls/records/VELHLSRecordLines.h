@@ -54,9 +54,11 @@ class VELHLS_CHECK_API VELHLSRecordLines {
 
     /// The lines that the record was made of; nothing when the last parse did not make it.
     [[nodiscard]] std::optional<Lines> of(const VELHLSMediaVariant& variant) const { return find(&variant); }
+    /// Of a rendition.
     [[nodiscard]] std::optional<Lines> of(const VELHLSMediaStreamRendition& rendition) const {
         return find(&rendition);
     }
+    /// Of an entry of session data.
     [[nodiscard]] std::optional<Lines> of(const VELHLSManifestSessionData& entry) const {
         return find(&entry);
     }
