@@ -60,7 +60,10 @@ void findWhiteSpace(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findMalformed(const CheckedLine& checked, const Tell& tell) {
-    if (checked.value.empty()) return;
+    const bool hasFault = std::any_of(
+        checked.attributes.begin(), checked.attributes.end(),
+        [](const VELHLSAttribute& attribute) { return attribute.fault != VELHLSAttribute::None; });
+    if (checked.value.empty() || !hasFault) return;
     constexpr std::array<std::pair<VELHLSAttribute::Fault, std::string_view>, 6> faults = {
         {{VELHLSAttribute::NameMissing, "a name, and no comma at either end of the list"},
          {VELHLSAttribute::EqualsMissing, "an equals sign after the name"},

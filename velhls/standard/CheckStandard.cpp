@@ -64,7 +64,10 @@ class LineRun {
     }
 
     void checkTag(const CheckedLine& checked) {
-        findAll(placeRules(), checked, findings_);
+        const auto ownKind = playlist_.isMaster() ? VELHLSTagDefinition::Master : VELHLSTagDefinition::Media;
+        const bool isStray = checked.line.definition->playlist != VELHLSTagDefinition::Either &&
+                             checked.line.definition->playlist != ownKind;
+        if (isStray || checked.earlierLine != 0) findAll(placeRules(), checked, findings_);
         if (checked.line.definition->form == VELHLSTagDefinition::Duration) {
             findAll(durationRules(), checked, findings_);
         } else {

@@ -36,8 +36,10 @@ constexpr CharacterSet ofTokens(
 
 CodecKind kindOfCodec(std::string_view codec) {
     const std::string_view name = codec.substr(0, codec.find('.'));
-    const auto row =
-        std::find_if(rows.begin(), rows.end(), [name](const Row& each) { return each.name == name; });
+    if (name.empty()) return CodecKind::unknown;
+    const auto* const row = std::find_if(rows.begin(), rows.end(), [name](const Row& each) {
+        return each.name.front() == name.front() && each.name == name;
+    });
     return row == rows.end() ? CodecKind::unknown : row->kind;
 }
 

@@ -63,6 +63,8 @@ bool hasMalformedSubtag(std::string_view tag) {
 }  // namespace
 
 bool isLanguageTag(std::string_view text) {
+    // Most are nothing else.
+    if (text.size() == 2 && holdsOnly(text, letters)) return true;
     if (hasMalformedSubtag(text)) return false;
     SubtagScanner scanner(text);
     const bool isOld = text.size() > 2 && (startsWith(text, "i-") || startsWith(text, "I-"));

@@ -37,8 +37,9 @@ void findTooLong(const CheckedSegment& checked, const Tell& tell) {
 void findOffsetMissing(const CheckedSegment& checked, const Tell& tell) {
     if (checked.segment.rangeLine == 0) return;
     const VELHLSLine line = rangeLine(checked);
-    const auto range = VELHLSSyntax::readByteRange(trimmed(line.value));
-    if (!range || range->offset) return;
+    // Most have an offset, or what should be one.
+    if (line.value.find('@') != std::string_view::npos) return;
+    if (!VELHLSSyntax::readByteRange(trimmed(line.value))) return;
     const bool followsRange = checked.previous != nullptr && checked.previous->rangeLine != 0 &&
                               checked.previousUri == checked.uri.value;
     if (followsRange || (checked.previous == nullptr && !isFirstKnown(checked))) return;

@@ -1,6 +1,7 @@
 #include "velhls/standard/StandardFindings.h"
 
 #include <algorithm>
+#include <numeric>
 #include <tuple>
 #include <utility>
 
@@ -37,12 +38,20 @@ void StandardFindings::add(const StandardRule& rule, const VELHLSLine& line, std
 }
 
 std::vector<VELHLSFinding> StandardFindings::takeAll() {
-    std::stable_sort(findings_.begin(), findings_.end(),
-                     [](const VELHLSFinding& left, const VELHLSFinding& right) {
-                         return std::tie(left.line, left.column) < std::tie(right.line, right.column);
-                     });
+    // By their places in the list, since a finding is large.
+    std::vector<std::size_t> order(findings_.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(), [this](std::size_t left, std::size_t right) {
+        return std::make_tuple(findings_[left].line, findings_[left].column, left) <
+               std::make_tuple(findings_[right].line, findings_[right].column, right);
+    });
+    std::vector<VELHLSFinding> sorted;
+    sorted.reserve(findings_.size());
+    for (const std::size_t place : order)
+        sorted.push_back(std::move(findings_[place]));
+    findings_.clear();
     counts_.clear();
-    return std::exchange(findings_, {});
+    return sorted;
 }
 
 }  // namespace velhls

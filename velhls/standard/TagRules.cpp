@@ -90,13 +90,12 @@ void findOddUri(const CheckedLine& checked, const Tell& tell) {
     const bool hasVariables = checked.playlist.has(tagIndexOf<tag::define>);
     const auto tellOfOddPart = [&](std::string_view uri) {
         const std::string_view odd = oddPartOfUri(uri, hasVariables);
-        if (!odd.empty()) tell(checked.line, odd);
+        // White space inside of a line is told as that.
+        const bool isToldElsewhere =
+            checked.line.kind == VELHLSLine::Uri && !odd.empty() && !holdsNone(uri, CharacterSet(" \t"));
+        if (!odd.empty() && !isToldElsewhere) tell(checked.line, odd);
     };
-    if (checked.line.kind == VELHLSLine::Uri) {
-        // White space inside is told as that.
-        if (checked.value.find_first_of(" \t") == std::string_view::npos) tellOfOddPart(checked.value);
-        return;
-    }
+    if (checked.line.kind == VELHLSLine::Uri) return tellOfOddPart(checked.value);
     for (std::size_t place = 0; place < checked.attributes.size(); ++place) {
         const VELHLSAttribute& attribute = checked.attributes[place];
         const VELHLSAttributeDefinition* const row = checked.rows[place];

@@ -26,6 +26,13 @@ constexpr std::array rows = {
 }  // namespace
 
 std::string_view suffixOf(std::string_view uri) {
+    if (uri.find('?') == std::string_view::npos && uri.find('#') == std::string_view::npos) {
+        // Nothing follows the path, so its end is where to look.
+        std::size_t start = uri.size();
+        while (start > 0 && uri[start - 1] != '.' && uri[start - 1] != '/')
+            --start;
+        return start == 0 || uri[start - 1] == '/' ? std::string_view() : uri.substr(start);
+    }
     std::size_t start = 0;
     for (std::size_t place = 0; place < uri.size(); ++place) {
         const char character = uri[place];
