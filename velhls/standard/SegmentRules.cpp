@@ -35,11 +35,11 @@ void findTooLong(const CheckedSegment& checked, const Tell& tell) {
 
 /// Only the one that begins with the offset of nothing is told: those after it follow it.
 void findOffsetMissing(const CheckedSegment& checked, const Tell& tell) {
-    if (checked.segment.rangeLine == 0) return;
+    // Most have an offset, or go on after the range before.
+    if (checked.segment.rangeLine == 0 || checked.segment.rangeOffset) return;
     const VELHLSLine line = rangeLine(checked);
-    // Most have an offset, or what should be one.
-    if (line.value.find('@') != std::string_view::npos) return;
-    if (!VELHLSSyntax::readByteRange(trimmed(line.value))) return;
+    const auto range = VELHLSSyntax::readByteRange(trimmed(line.value));
+    if (!range || range->offset) return;
     const bool followsRange = checked.previous != nullptr && checked.previous->rangeLine != 0 &&
                               checked.previousUri == checked.uri.value;
     if (followsRange || (checked.previous == nullptr && !isFirstKnown(checked))) return;

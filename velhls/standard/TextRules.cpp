@@ -183,15 +183,20 @@ bool holdsOnlyPrintable(std::string_view text, unsigned char least) {
     constexpr std::uint64_t ones = 0x0101010101010101;
     constexpr std::uint64_t highBits = 0x8080808080808080;
     const std::uint64_t below = ones * least;
-    std::uint64_t odd = 0;
-    while (text.size() >= sizeof(std::uint64_t)) {
+    const auto isOdd = [&](std::string_view eight) {
         std::uint64_t bytes = 0;
-        std::memcpy(&bytes, text.data(), sizeof bytes);
+        std::memcpy(&bytes, eight.data(), sizeof bytes);
         // A byte below the least one borrows; one of 0x7F and above has, or gets, its high bit.
-        odd |= ((bytes - below) & ~bytes) | bytes | (bytes + ones);
-        text.remove_prefix(sizeof bytes);
+        return ((((bytes - below) & ~bytes) | bytes | (bytes + ones)) & highBits) != 0;
+    };
+    constexpr std::size_t width = sizeof(std::uint64_t);
+    if (text.size() >= width) {
+        for (std::size_t place = 0; place + width <= text.size(); place += width) {
+            if (isOdd(text.substr(place, width))) return false;
+        }
+        // The last ones, some of which were looked at already.
+        return !isOdd(text.substr(text.size() - width));
     }
-    if ((odd & highBits) != 0) return false;
     return std::all_of(text.begin(), text.end(), [least](char character) {
         const auto byte = static_cast<unsigned char>(character);
         return byte >= least && byte < 0x7F;
@@ -201,12 +206,12 @@ bool holdsOnlyPrintable(std::string_view text, unsigned char least) {
 }  // namespace
 
 bool isPlain(std::string_view line) {
-    if (line.empty()) return true;
+    // Most lines have no blank.
+    if (holdsOnlyPrintable(line, ' ' + 1)) return true;
     // Inside of a tag's line a blank is no matter for these rules, unless it follows a colon.
     const bool isTag = line.front() == '#';
-    const unsigned char least = isTag ? ' ' : ' ' + 1;
-    if (line.back() == ' ' || !holdsOnlyPrintable(line, least)) return false;
-    return !isTag || line.find(": ") == std::string_view::npos;
+    return isTag && line.back() != ' ' && holdsOnlyPrintable(line, ' ') &&
+           line.find(": ") == std::string_view::npos;
 }
 
 bool isUtf16(std::string_view text) {
