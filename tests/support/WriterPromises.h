@@ -17,7 +17,6 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
-#include "tests/support/LibraryFindings.h"
 #include "tests/support/MediaDescription.h"
 
 /// What VELHLSPlaylistWriter promises of every model, for the tests and the fuzz target.
@@ -157,14 +156,16 @@ inline std::string reasonNotToBeRead(const VELHLSParsedManifest& manifest) {
                : "";
 }
 
-/// The rules of RFC 8216 that the text breaks, in the name of the standard and not of the library. Bytes that may not
-/// stand in a playlist are the model's own, and of a line only the first is told.
+/// The rules of RFC 8216 that the text breaks. Bytes, URIs and dates that may not stand in a playlist are the model's own
+/// values, and of a line only the first fault is told.
 inline std::set<std::string> faultsOf(const std::string& text, VELHLSDiagnostics::PlaylistKind kind) {
     std::set<std::string> ids;
-    for (const VELHLSFinding& finding : library::findingsIn(text, kind)) {
-        if (finding.ruleId == "control-character" || finding.ruleId == "not-utf-8") continue;
-        const bool isStandard = finding.source.compare(0, 3, "RFC") == 0;
-        if (isStandard && finding.severity != VELHLSFinding::Note) ids.insert(finding.ruleId);
+    const VELHLSDiagnostics::Options options = {kind, {VELHLSDiagnostics::Profile::rfc8216}};
+    for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, options).findings) {
+        static const std::set<std::string> ofValues = {"control-character", "not-utf-8", "uri-malformed",
+                                                       "date-time-ambiguous"};
+        if (ofValues.count(finding.ruleId) != 0) continue;
+        if (finding.severity == VELHLSFinding::Error) ids.insert(finding.ruleId);
     }
     return ids;
 }
