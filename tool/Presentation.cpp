@@ -163,9 +163,8 @@ class PresentationFiles::Reader {
                 return nullptr;
             }
             bytesLeft_ -= text.size();
-            return &files_.files_
-                        .emplace_back(PresentationFile{path, realPath, use, VELHLSDocument(std::move(text))})
-                        .document;
+            files_.files_.push_back(PresentationFile{path, realPath, use, VELHLSDocument(std::move(text))});
+            return &files_.files_.back().document;
         } catch (const Failure& failure) {
             whyNot = reasonOf(failure);
             return nullptr;

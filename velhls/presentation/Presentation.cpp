@@ -93,8 +93,10 @@ void Presentation::giveTexts(const std::vector<VELHLSPresentation::Resource>& re
         const VELHLSDocument* const document = use->resource->document;
         if (document == nullptr) continue;
         const PresentationText*& text = byDocument[document];
-        if (text == nullptr)
-            text = &texts_.emplace_back(PresentationText{use->resource->uri, *document, texts_.size() + 1});
+        if (text == nullptr) {
+            texts_.push_back(PresentationText{use->resource->uri, *document, texts_.size() + 1});
+            text = &texts_.back();
+        }
         use->text = text;
     }
 }
