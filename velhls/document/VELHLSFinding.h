@@ -29,15 +29,18 @@ struct VELHLSRelatedPlace {
 ///     #EXTM3U
 ///     #EXT-X-STREAM-INF:BANDWIDTH=0      line 2, column 29, length 1: the "0"
 ///     low.m3u8                           ruleId     variant-bandwidth-zero
+///                                        profile    library
 ///                                        severity   Error: the library rejects the playlist for it
-///                                        message    EXT-X-STREAM-INF: expected a BANDWIDTH above 0, seen "0"
-///                                        source     RFC 8216, section 4.3.4.2
+///                                        message    EXT-X-STREAM-INF: BANDWIDTH: expected a BANDWIDTH above 0, seen "0"
+///                                        source     library behaviour
 struct VELHLSFinding {
     /// How much a finding weighs. A larger number weighs more.
     enum Severity : std::int32_t {
-        Note = 0,     ///< what the library writes differs from what it read, and nothing is lost by it
-        Warning = 1,  ///< against RFC 8216; or dropped, changed or read otherwise than it seems to say
-        Error = 2,    ///< a reason why the library rejects the playlist
+        Note =
+            0,  ///< of a standard what it only recommends; of the library what is written otherwise, and no worse
+        Warning =
+            1,  ///< what should be otherwise, or seems to be wrong; what the library drops, changes or adds
+        Error = 2,  ///< what must be otherwise; of the library a reason why it rejects the playlist
     };
 
     /// "note", "warning" or "error". Empty for a value that is none of them.
@@ -70,7 +73,7 @@ struct VELHLSFinding {
     /// characters among them.
     std::string message;
 
-    /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
+    /// Where the rule comes from: a section of a standard; of the library "vendor extension" or "library behaviour".
     std::string source;
 
     /// By whose rules the playlist was checked: "rfc8216", "rfc8216bis" or "apple"; "library" for what the models do.

@@ -18,7 +18,7 @@ struct VELHLSRule {
     /// What its findings say was expected.
     std::string_view expected;
 
-    /// Where the rule comes from: a section of RFC 8216, "vendor extension" or "library behaviour".
+    /// Where the rule comes from: a section of a standard; of the library "vendor extension" or "library behaviour".
     std::string_view source;
 
     /// True when `render` leaves out what the rule finds.
