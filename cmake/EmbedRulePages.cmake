@@ -15,8 +15,8 @@ namespace tool {
 namespace {
 
 struct Page {
-    std::string_view id;
-    std::string_view text;
+    const char* id;
+    const char* text;
 };
 
 constexpr Page pages[] = {

@@ -182,7 +182,7 @@ std::size_t bytesOf(const VELHLSComparison& comparison) {
 
 TEST(HostileVersions, GiveNoMoreThanAMultipleOfTheTexts) {
     for (const Hostile& hostile : hostiles) {
-        for (const std::size_t size : {500, 2000}) {
+        for (const std::size_t size : {500U, 2000U}) {
             const Versions versions = hostile.make(size);
             const VELHLSComparison comparison = compared(versions);
             EXPECT_LE(bytesOf(comparison), 100 * (versions.before.size() + versions.now.size()))

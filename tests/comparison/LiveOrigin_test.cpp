@@ -18,7 +18,7 @@ using live_origin::versionAt;
 
 std::vector<Style> styles() {
     std::vector<Style> all;
-    for (const std::size_t window : {5, 12}) {
+    for (const std::size_t window : {5U, 12U}) {
         for (const bool first : {false, true}) {
             for (const bool second : {false, true})
                 all.push_back({window, first, second, first != second, second});
@@ -44,7 +44,7 @@ TEST(LiveOrigin, IsNotFoundToDoWrongOverHundredsOfVersions) {
 
 TEST(LiveOrigin, IsNotFoundToDoWrongWhenVersionsAreMissed) {
     const Style style;
-    for (const std::size_t step : {2, 3, 5, 7, 8, 9, 30}) {
+    for (const std::size_t step : {2U, 3U, 5U, 7U, 8U, 9U, 30U}) {
         for (std::size_t number = 10; number < 100; ++number) {
             const std::string before = versionAt(number, style).text();
             const std::string now = versionAt(number + step, style).text();

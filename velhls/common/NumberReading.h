@@ -16,7 +16,7 @@
 namespace velhls {
 
 /// std::stoi in base 10.
-[[nodiscard]] std::int32_t toInt32(std::string_view text);
+[[nodiscard]] VELHLS_PRIVATE_API std::int32_t toInt32(std::string_view text);
 
 /// std::stoll in base 10.
 [[nodiscard]] VELHLS_PRIVATE_API std::int64_t toInt64(std::string_view text);
