@@ -27,13 +27,17 @@ std::vector<std::string> recorded(int runs, const std::string& seconds, const st
         " live.m3u8\n"
         "done; touch stop) &\n"
         "number=1000\n"
-        "while [ ! -e stop ]; do\n"
+        "record() {\n"
         "  if [ -e live.m3u8 ] && ! cmp -s live.m3u8 last; then\n"
         "    cp live.m3u8 last && cp last versions/$number && number=$((number + 1))\n"
         "  fi\n"
+        "}\n"
+        "while [ ! -e stop ]; do\n"
+        "  record\n"
         "  sleep 0.03\n"
         "done\n"
-        "wait\n";
+        "wait\n"
+        "record\n";
     const command::Outcome outcome = command::run({"/bin/sh", "-c", script});
     EXPECT_EQ(outcome.errors, "");
     std::vector<std::string> paths;
