@@ -179,5 +179,19 @@ TEST(HostilePresentations, HaveBoundedFindingsThatStandInTheirLines) {
     }
 }
 
+/// What is missing in a text without lines is told in its first line.
+TEST(HostilePresentations, MayBeOfTextsWithoutLines) {
+    const Texts texts = {{"master.m3u8", ""}, {"a.m3u8", ""}};
+    for (const Profile profile : {Profile::rfc8216, Profile::rfc8216bis, Profile::apple}) {
+        EXPECT_EQ(shown(findingsIn({texts.front()}, profile)), "") << VELHLSStandard::nameOf(profile);
+        EXPECT_EQ(shown(findingsIn(texts, profile)), "") << VELHLSStandard::nameOf(profile);
+        const Texts named = {
+            {"master.m3u8", "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"avc1\"\na.m3u8\n"},
+            texts.back()};
+        for (const VELHLSFinding& finding : findingsIn(named, profile))
+            EXPECT_GE(finding.line, 1U) << finding.ruleId;
+    }
+}
+
 }  // namespace
 }  // namespace presentation_test

@@ -156,14 +156,15 @@ inline std::string reasonNotToBeRead(const VELHLSParsedManifest& manifest) {
                : "";
 }
 
-/// The rules of RFC 8216 that the text breaks. Bytes, URIs and dates that may not stand in a playlist are the model's own
-/// values, and of a line only the first fault is told.
+/// The rules of RFC 8216 that the text breaks. Bytes, URIs, dates and characteristics that may not stand in a playlist are the
+/// model's own values, and of a line only the first fault is told.
 inline std::set<std::string> faultsOf(const std::string& text, VELHLSDiagnostics::PlaylistKind kind) {
     std::set<std::string> ids;
     const VELHLSDiagnostics::Options options = {kind, {VELHLSDiagnostics::Profile::rfc8216}};
     for (const VELHLSFinding& finding : VELHLSDiagnostics::check(text, options).findings) {
         static const std::set<std::string> ofValues = {"control-character", "not-utf-8", "uri-malformed",
-                                                       "date-time-ambiguous"};
+                                                       "date-time-ambiguous",
+                                                       "rendition-characteristics-malformed"};
         if (ofValues.count(finding.ruleId) != 0) continue;
         if (finding.severity == VELHLSFinding::Error) ids.insert(finding.ruleId);
     }

@@ -54,6 +54,13 @@ std::optional<std::uint64_t> CheckedPlaylist::number(std::size_t tag) const {
     return VELHLSSyntax::readDecimalInteger(trimmed(firstLine(tag).value));
 }
 
+VELHLSLine CheckedPlaylist::top() const {
+    if (document_.lineCount() > 0) return document_.line(1);
+    VELHLSLine line;
+    line.number = 1;
+    return line;
+}
+
 bool CheckedPlaylist::isLive() const {
     return isMedia() && !has(tagIndexOf<tag::endList>) && !has(tagIndexOf<tag::playlistType>);
 }

@@ -68,8 +68,8 @@ class CheckedPlaylist {
     [[nodiscard]] bool isLive() const;
     /// A live playlist that segments were removed from.
     [[nodiscard]] bool isSlidingWindow() const;
-    /// Where a finding of the whole playlist stands: its first line.
-    [[nodiscard]] VELHLSLine top() const { return document_.line(1); }
+    /// Where a finding of the whole playlist stands: its first line; an empty one for a text without lines.
+    [[nodiscard]] VELHLSLine top() const;
 
   private:
     const VELHLSDocument& document_;
