@@ -96,14 +96,15 @@ TEST(JsonReport, HoldsNoMoreThanOneFile) {
     for (int count = 0; count < 100; ++count)
         playlist += "#EXT-X-UNKNOWN:\n";
     const std::string path = folder.with("a.m3u8", playlist);
+    // The output goes elsewhere: a program counts as large as the one that started it.
     const auto peakFor = [&](const std::string& format, int files) {
         std::string list;
         for (int count = 0; count < files; ++count)
             list += path + "\n";
-        const Outcome outcome =
-            checkByLibrary({"--severity=note", "--files-from=-", "--format", format}, list);
-        EXPECT_EQ(outcome.exitStatus, 0);
-        EXPECT_GT(outcome.output.size(), static_cast<std::size_t>(files) * 10000);
+        const std::string check = VELHLS_COMMAND " check --profile=library --severity=note --files-from=" +
+                                  folder.with("list", list) + " --format=" + format;
+        const Outcome outcome = command::run({"/bin/sh", "-c", check + " | wc -c"});
+        EXPECT_GT(std::stoi(outcome.output), files * 10000);
         return outcome.peakMemory;
     };
     for (const std::string format : {"json", "jsonl", "sarif", "github", "text"})
