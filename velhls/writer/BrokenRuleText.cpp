@@ -95,7 +95,9 @@ std::string textOf(const BrokenRules& broken, const VELHLSParsedManifest& manife
     if (rule.record != nullptr && search.line().empty()) {
         return search.found() + std::string(row.summary) + id;
     }
-    const Place place = placeOfAttribute(1, search.line(), rule.attribute);
+    // A rule about the whole manifest has no record, and so no line.
+    const bool hasLine = !search.line().empty();
+    const Place place = hasLine ? placeOfAttribute(1, search.line(), rule.attribute) : Place();
     return search.found() + messageOf(search.line(), place, row.expected, rule.seen) + id;
 }
 
