@@ -23,12 +23,9 @@ TEST(Diagnostics, KeepTheirPromisesForTheExamples) {
         EXPECT_EQ(brokenPromise(text), "") << text;
 }
 
-TEST(Diagnostics, KeepTheirPromisesForEveryBeginningOfTheExamples) {
-    for (const std::string& text : corpus::texts()) {
-        for (std::size_t length = 0; length < std::min<std::size_t>(text.size(), 600); ++length) {
-            ASSERT_EQ(brokenPromise(text.substr(0, length)), "") << text.substr(0, length);
-        }
-    }
+TEST(Diagnostics, KeepTheirPromisesForBeginningsOfTheExamples) {
+    for (const std::string& text : corpus::beginnings())
+        ASSERT_EQ(brokenPromise(text), "") << text;
 }
 
 TEST(Diagnostics, KeepTheirPromisesForMutatedPlaylists) {

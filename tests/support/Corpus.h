@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -23,6 +24,20 @@ inline std::vector<std::string> texts() {
         }
     }
     std::sort(found.begin(), found.end());
+    return found;
+}
+
+/// Beginnings of the texts: of each every few bytes, from another byte on, so that all kinds of ends are among them.
+inline std::vector<std::string> beginnings() {
+    constexpr std::size_t step = 7;
+    constexpr std::size_t longest = 600;
+    std::vector<std::string> found;
+    std::size_t first = 0;
+    for (const std::string& text : texts()) {
+        for (std::size_t length = first; length < std::min(text.size(), longest); length += step)
+            found.push_back(text.substr(0, length));
+        first = (first + 1) % step;
+    }
     return found;
 }
 

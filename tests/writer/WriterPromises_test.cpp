@@ -27,12 +27,9 @@ TEST(VELHLSPlaylistWriter, KeepsItsPromisesForTheExamples) {
         EXPECT_EQ(brokenPromise(text), "") << text;
 }
 
-TEST(VELHLSPlaylistWriter, KeepsItsPromisesForEveryBeginningOfTheExamples) {
-    for (const std::string& text : corpus::texts()) {
-        for (std::size_t length = 0; length < std::min<std::size_t>(text.size(), 600); ++length) {
-            ASSERT_EQ(brokenPromise(text.substr(0, length)), "") << text.substr(0, length);
-        }
-    }
+TEST(VELHLSPlaylistWriter, KeepsItsPromisesForBeginningsOfTheExamples) {
+    for (const std::string& text : corpus::beginnings())
+        ASSERT_EQ(brokenPromise(text), "") << text;
 }
 
 TEST(VELHLSPlaylistWriter, KeepsItsPromisesForMutatedPlaylists) {
