@@ -1,7 +1,6 @@
 // Playlists are the same bytes in every country: neither the C library's locale nor the C++ one may change
 // what is read or written.
 
-#include <clocale>
 #include <locale>
 #include <sstream>
 #include <string>
@@ -10,6 +9,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/LocaleTest.h"
 #include "tests/support/PlaylistText.h"
 
 namespace {
@@ -89,34 +89,12 @@ void expectPlaylistsAreReadAndWrittenAsEver() {
     EXPECT_EQ(timestamp, "2020-01-01T10:00:5.250+00:00");
 }
 
-/// Puts both locales of the process back at the end of a test.
-class LocaleTest : public ::testing::Test {
-  protected:
-    void TearDown() override {
-        std::locale::global(cppLocale_);
-        std::setlocale(LC_ALL, cLocale_.c_str());
-    }
-
-  private:
-    std::string cLocale_ = std::setlocale(LC_ALL, nullptr);
-    std::locale cppLocale_;
-};
-
 TEST_F(LocaleTest, PlaylistsAreReadAndWrittenInTheClassicLocale) {
     expectPlaylistsAreReadAndWrittenAsEver();
 }
 
-std::string installedLocaleWithDecimalComma() {
-    for (const char* const name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "nl_NL.UTF-8",
-                                   "es_ES.UTF-8", "it_IT.UTF-8", "ru_RU.UTF-8"}) {
-        if (std::setlocale(LC_ALL, name) == nullptr) continue;
-        if (std::string(std::localeconv()->decimal_point) == ",") return name;
-    }
-    return {};
-}
-
 TEST_F(LocaleTest, PlaylistsAreTheSameInALocaleWithADecimalComma) {
-    const std::string name = installedLocaleWithDecimalComma();
+    const std::string name = setLocaleWithDecimalComma();
     if (name.empty()) GTEST_SKIP() << "no locale with a decimal comma is installed";
     expectPlaylistsAreReadAndWrittenAsEver();
 

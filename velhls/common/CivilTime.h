@@ -33,7 +33,7 @@ inline constexpr std::int64_t secondsOfDay = 86400;
 [[nodiscard]] std::int64_t limitedToCalendar(std::int64_t secondsSinceEpoch);
 
 /// The first second of the day that a second is of.
-[[nodiscard]] std::int64_t startOfDay(std::int64_t secondsSinceEpoch);
+[[nodiscard]] VELHLS_PRIVATE_API std::int64_t startOfDay(std::int64_t secondsSinceEpoch);
 
 /// The date of a second that the calendar holds, as a time at the start of that day.
 [[nodiscard]] VELHLS_PRIVATE_API CivilTime dateOf(std::int64_t secondsSinceEpoch);

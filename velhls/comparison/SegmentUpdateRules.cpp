@@ -8,6 +8,7 @@
 #include "velhls/comparison/CheckedUpdate.h"
 #include "velhls/comparison/Values.h"
 #include "velhls/document/FormatTables.h"
+#include "velhls/document/SecondsText.h"
 
 namespace velhls {
 namespace {

@@ -42,10 +42,6 @@ std::string padded(std::int64_t number, std::size_t width) {
     return digits.size() < width ? std::string(width - digits.size(), '0') + digits : digits;
 }
 
-std::int64_t startOfDayOf(std::int64_t seconds) {
-    return seconds - (seconds % secondsOfDay + secondsOfDay) % secondsOfDay;
-}
-
 }  // namespace
 
 bool isSameValue(std::string_view left, std::string_view right) {
@@ -96,17 +92,10 @@ std::string dateText(std::int64_t microseconds) {
     const std::int64_t fraction = (microseconds % second + second) % second;
     const std::int64_t seconds = (microseconds - fraction) / second;
     const CivilTime day = velhls::dateOf(seconds);
-    const std::int64_t ofDay = seconds - startOfDayOf(seconds);
+    const std::int64_t ofDay = seconds - startOfDay(seconds);
     return padded(day.year, 4) + "-" + padded(day.month, 2) + "-" + padded(day.day, 2) + "T" +
            padded(ofDay / 3600, 2) + ":" + padded(ofDay / 60 % 60, 2) + ":" + padded(ofDay % 60, 2) + "." +
            padded(fraction / 1000, 3) + "Z";
-}
-
-std::string secondsText(double seconds) {
-    std::string text = std::to_string(seconds);
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') text.pop_back();
-    return text;
 }
 
 }  // namespace velhls

@@ -27,7 +27,4 @@ void compareAttributes(const VELHLSLine& before, const VELHLSLine& now, Aspect a
 /// "2026-11-21T10:00:05.250Z" for microseconds since the epoch.
 [[nodiscard]] std::string dateText(std::int64_t microseconds);
 
-/// "6.006": at most six decimals.
-[[nodiscard]] std::string secondsText(double seconds);
-
 }  // namespace velhls

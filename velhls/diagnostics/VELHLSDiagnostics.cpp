@@ -19,9 +19,9 @@
 #include "velhls/common/TextScan.h"
 #include "velhls/common/WholeText.h"
 #include "velhls/diagnostics/KindDetection.h"
-#include "velhls/document/FindingList.h"
 #include "velhls/document/TextLines.h"
 #include "velhls/losses/LossFinder.h"
+#include "velhls/losses/LossFindings.h"
 #include "velhls/losses/ReadLines.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 #include "velhls/media/VELHLSMediaStream.h"
@@ -63,7 +63,7 @@ VELHLSRule notAPlaylist(Profile profile) {
     return rule;
 }
 
-static_assert(VELHLSDiagnostics::maximumFindingsPerRule == velhls::FindingList::mostOfOneRule &&
+static_assert(VELHLSDiagnostics::maximumFindingsPerRule == velhls::BoundedFindings::mostOfOneRule &&
               VELHLSDiagnostics::maximumFindingsPerRule == Reading::mostRejectionsOfOneRule);
 
 VELHLSRule ruleOf(Rule reason) {
@@ -149,7 +149,7 @@ class CheckedText {
 
     std::string_view text_;
     velhls::TextLines lines_;
-    velhls::FindingList findings_;
+    velhls::LossFindings findings_;
     Reading reading_;
 };
 

@@ -10,8 +10,8 @@
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/document/SecondsText.h"
 #include "velhls/losses/Loss.h"
-#include "velhls/losses/LossText.h"
 #include "velhls/losses/TagSpelling.h"
 
 namespace velhls {
@@ -143,7 +143,7 @@ bool hasForm(std::string_view number, NumberForm form) {
 /// What the models read; nothing when they read nothing.
 std::optional<std::string> textAsRead(std::string_view number, NumberForm form) {
     try {
-        if (form != NumberForm::integer) return inSeconds(toDouble(number));
+        if (form != NumberForm::integer) return secondsText(toDouble(number));
         return std::to_string(toInt64(number));
     } catch (const std::logic_error&) {
         // A number that cannot be converted is a reason to reject, and no loss.

@@ -16,9 +16,9 @@
 #include "velhls/common/Names.h"
 #include "velhls/common/Reading.h"
 #include "velhls/common/TagLine.h"
-#include "velhls/document/FindingList.h"
 #include "velhls/document/TextLines.h"
 #include "velhls/document/VELHLSRule.h"
+#include "velhls/losses/LossFindings.h"
 #include "velhls/manifest/VELHLSParsedManifest.h"
 #include "velhls/media/VELHLSMediaStream.h"
 
@@ -103,7 +103,7 @@ struct LossLine {
 /// Tells of one rule.
 class TellLoss {
   public:
-    TellLoss(FindingList& findings, const VELHLSRule& rule) : findings_(findings), rule_(rule) {}
+    TellLoss(LossFindings& findings, const VELHLSRule& rule) : findings_(findings), rule_(rule) {}
 
     /// At a piece of the line. Without `seen` that text is what was seen.
     void operator()(const LossLine& line, std::string_view piece, std::string_view seen = {}) const;
@@ -111,7 +111,7 @@ class TellLoss {
     void operator()(const Place& place, std::string_view seen = {}) const;
 
   private:
-    FindingList& findings_;
+    LossFindings& findings_;
     const VELHLSRule& rule_;
 };
 

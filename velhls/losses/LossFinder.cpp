@@ -10,7 +10,7 @@ namespace velhls {
 namespace {
 
 template <typename Entry, typename Subject>
-void findAll(const LossTable<Entry>& losses, const Subject& subject, FindingList& findings) {
+void findAll(const LossTable<Entry>& losses, const Subject& subject, LossFindings& findings) {
     for (const Entry& loss : losses)
         loss.find(subject, TellLoss(findings, loss.rule));
 }
@@ -69,7 +69,7 @@ std::vector<VELHLSRule> rulesOfLosses() {
     return rules;
 }
 
-void findLossesOfMasterLine(const LossLine& line, FindingList& findings) {
+void findLossesOfMasterLine(const LossLine& line, LossFindings& findings) {
     findAll(textLosses(), line, findings);
     if (!isLookedAt(line)) return;
     findAll(tagLosses(), line, findings);
@@ -77,7 +77,7 @@ void findLossesOfMasterLine(const LossLine& line, FindingList& findings) {
     findAll(masterLosses(), line, findings);
 }
 
-void findLossesOfMediaLine(const LossLine& line, FindingList& findings) {
+void findLossesOfMediaLine(const LossLine& line, LossFindings& findings) {
     findAll(textLosses(), line, findings);
     if (!isLookedAt(line)) return;
     findAll(tagLosses(), line, findings);
@@ -85,12 +85,12 @@ void findLossesOfMediaLine(const LossLine& line, FindingList& findings) {
     findAll(mediaLosses(), line, findings);
 }
 
-void findLossesOfPlaylist(const LossRecords& records, FindingList& findings) {
+void findLossesOfPlaylist(const LossRecords& records, LossFindings& findings) {
     findAll(playlistLosses(), records, findings);
 }
 
 void findLossesOfSegments(const VELHLSMediaStream& stream, const Reading& reading, const TextLines& textLines,
-                          const ReadLines& lines, FindingList& findings) {
+                          const ReadLines& lines, LossFindings& findings) {
     LinesOfRecord linesOfRecord(lines);
     const VELHLSMediaSegment* previous = nullptr;
     auto segment = stream.segments.begin();

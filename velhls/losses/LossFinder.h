@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "velhls/common/Reading.h"
-#include "velhls/document/FindingList.h"
 #include "velhls/document/VELHLSRule.h"
 #include "velhls/losses/Loss.h"
+#include "velhls/losses/LossFindings.h"
 #include "velhls/losses/ReadLines.h"
 
 namespace velhls {
@@ -15,14 +15,14 @@ namespace velhls {
 [[nodiscard]] std::vector<VELHLSRule> rulesOfLosses();
 
 /// What is lost of a line of a master, or of a media playlist.
-void findLossesOfMasterLine(const LossLine& line, FindingList& findings);
-void findLossesOfMediaLine(const LossLine& line, FindingList& findings);
+void findLossesOfMasterLine(const LossLine& line, LossFindings& findings);
+void findLossesOfMediaLine(const LossLine& line, LossFindings& findings);
 
 /// What is lost of a playlist as a whole.
-void findLossesOfPlaylist(const LossRecords& records, FindingList& findings);
+void findLossesOfPlaylist(const LossRecords& records, LossFindings& findings);
 
 /// What is lost of the segments and patterns of a media playlist, and of what stands after its end.
 void findLossesOfSegments(const VELHLSMediaStream& stream, const Reading& reading, const TextLines& textLines,
-                          const ReadLines& lines, FindingList& findings);
+                          const ReadLines& lines, LossFindings& findings);
 
 }  // namespace velhls

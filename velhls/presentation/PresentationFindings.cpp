@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
+#include <utility>
 
 #include "velhls/common/ReasonText.h"
+#include "velhls/document/SecondsText.h"
 
 namespace velhls {
 namespace {
@@ -37,26 +38,15 @@ std::string seenIn(const BrokenPlaces& broken) {
 
 void PresentationFindings::add(const StandardRule& rule, StandardProfile profile, const BrokenPlaces& broken,
                                const PresentationWords& words) {
-    Count& count = counts_[{&rule, profile}];
-    if (count.kept == mostOfOneRule) {
-        ++entries_[count.last].finding.suppressed;
-        return;
-    }
-    ++count.kept;
-    count.last = entries_.size();
+    const BoundedFindings::Key key = {rule.rule.id, VELHLSStandard::nameOf(profile)};
+    if (findings_.isFull(key)) return;
 
     const PresentationPlace& first = broken.places.front().place;
     const Place place = {first.line.number, columnOf(first), first.piece.size()};
-    VELHLSFinding finding;
-    finding.severity = rule.rule.severity;
-    finding.ruleId = rule.rule.id;
-    finding.uri = first.text->uri;
-    finding.line = place.line;
-    finding.column = place.column;
-    finding.length = place.length;
     const std::string_view expected = words.expected.empty() ? rule.rule.expected : words.expected;
-    finding.message = messageOf(first.line.text, place, expected, seenIn(broken));
-    finding.source = words.source.empty() ? rule.rule.source : words.source;
+    VELHLSFinding finding = findingOf(rule.rule, first.line.text, place, expected, seenIn(broken));
+    finding.uri = first.text->uri;
+    if (!words.source.empty()) finding.source = words.source;
     // What was not read is no matter of a profile.
     finding.profile = rule.level.empty() ? "library" : VELHLSStandard::nameOf(profile);
     if (!rule.level.empty()) {
@@ -70,31 +60,11 @@ void PresentationFindings::add(const StandardRule& rule, StandardProfile profile
         const BrokenPlace& each = broken.places[other];
         finding.related.push_back(relatedPlace(each.place, each.seen, first.text));
     }
-    entries_.push_back({std::move(finding), first.text->order});
-}
-
-std::vector<VELHLSFinding> PresentationFindings::takeAll() {
-    const auto orderOf = [](const Entry& entry) {
-        return std::make_tuple(entry.text, entry.finding.line, entry.finding.column);
-    };
-    std::stable_sort(entries_.begin(), entries_.end(), [orderOf](const Entry& left, const Entry& right) {
-        return orderOf(left) < orderOf(right);
-    });
-    std::vector<VELHLSFinding> findings;
-    findings.reserve(entries_.size());
-    for (Entry& entry : entries_)
-        findings.push_back(std::move(entry.finding));
-    entries_.clear();
-    counts_.clear();
-    return findings;
+    findings_.add(key, std::move(finding), first.text->order);
 }
 
 std::string durationText(double seconds) {
-    const long long milliseconds = std::llround(std::min(std::fabs(seconds), 1e12) * 1000.0);
-    std::string fraction = std::to_string(1000 + milliseconds % 1000).substr(1);
-    fraction.erase(fraction.find_last_not_of('0') + 1);
-    std::string text = (seconds < 0.0 ? "-" : "") + std::to_string(milliseconds / 1000);
-    if (!fraction.empty()) text += "." + fraction;
+    const std::string text = secondsText(std::round(seconds * 1000.0) / 1000.0);
     return text + (text == "1" ? " second" : " seconds");
 }
 

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "velhls/document/BoundedFindings.h"
 #include "velhls/document/VELHLSFinding.h"
 #include "velhls/presentation/PresentationPlace.h"
 #include "velhls/standard/StandardRule.h"
@@ -44,11 +44,9 @@ struct PresentationWords {
     std::string_view source = {};
 };
 
-/// Gathers findings. Of each rule it keeps a bounded number, and counts the others.
+/// Gathers findings.
 class PresentationFindings {
   public:
-    /// Of one rule. The last of them tells how many more there were.
-    static constexpr std::size_t mostOfOneRule = 100;
     /// Other places that one finding names.
     static constexpr std::size_t mostRelated = 10;
 
@@ -57,21 +55,10 @@ class PresentationFindings {
              const PresentationWords& words);
 
     /// All findings in the order of their texts and places. The list is empty afterwards.
-    [[nodiscard]] std::vector<VELHLSFinding> takeAll();
+    [[nodiscard]] std::vector<VELHLSFinding> takeAll() { return findings_.takeAll(); }
 
   private:
-    struct Entry {
-        VELHLSFinding finding;
-        std::size_t text;
-    };
-
-    struct Count {
-        std::size_t kept = 0;
-        std::size_t last = 0;
-    };
-
-    std::vector<Entry> entries_;
-    std::map<std::pair<const StandardRule*, StandardProfile>, Count> counts_;
+    BoundedFindings findings_;
 };
 
 /// Tells of one rule.
@@ -99,7 +86,7 @@ class TellPresentation {
     StandardProfile profile_;
 };
 
-/// "5.005 seconds", to the millisecond.
+/// "5.005 seconds": of sums that rounding has touched, to the millisecond.
 [[nodiscard]] std::string durationText(double seconds);
 
 /// "2560000 bit/s".

@@ -5,6 +5,7 @@
 
 #include "velhls/common/Names.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/document/SecondsText.h"
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/standard/CheckedPlaylist.h"
 #include "velhls/standard/UriSuffix.h"
@@ -55,7 +56,7 @@ void findOtherDurations(const CheckedPlaylist& playlist, const Tell& tell) {
     constexpr double tolerance = 1.5;
     if (std::fabs(mean - recommended) <= tolerance || (isAlone && mean < recommended)) return;
     const VELHLSLine line = playlist.document().line(playlist.structure().segment(0).firstLine);
-    const std::string seen = std::to_string(mean) + " seconds on average";
+    const std::string seen = secondsText(mean) + " seconds on average";
     tell(line, line.text, {{}, seen, {}});
 }
 

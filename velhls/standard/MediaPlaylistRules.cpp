@@ -2,6 +2,7 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/document/SecondsText.h"
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/standard/CheckedPlaylist.h"
 
@@ -18,13 +19,6 @@ std::optional<double> threeTargetDurations(const CheckedPlaylist& playlist) {
     const auto target = playlist.targetDuration();
     if (!target) return std::nullopt;
     return 3.0 * static_cast<double>(*target);
-}
-
-std::string secondsText(double seconds) {
-    std::string text = std::to_string(seconds);
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') text.pop_back();
-    return text + " seconds";
 }
 
 void findSequenceAfterSegment(const CheckedPlaylist& playlist, const Tell& tell) {
@@ -85,7 +79,8 @@ bool isBeyond(const CheckedPlaylist& playlist, const Start& start) {
 void findStartBeyond(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto start = startOf(playlist);
     if (!start || !isBeyond(playlist, *start)) return;
-    const std::string expected = "no more than the playlist's duration, " + secondsText(playlist.duration());
+    const std::string expected =
+        "no more than the playlist's duration, " + secondsText(playlist.duration()) + " seconds";
     tell(start->line, start->text, {expected, {}, {}});
 }
 
@@ -96,8 +91,8 @@ void findStartNearEnd(const CheckedPlaylist& playlist, const Tell& tell) {
     const bool isNegative = !start->text.empty() && start->text.front() == '-';
     const double fromEnd = isNegative ? -start->offset : playlist.duration() - start->offset;
     if (fromEnd >= *least) return;
-    const std::string expected =
-        "a start at least " + secondsText(*least) + " before the end of a playlist without EXT-X-ENDLIST";
+    const std::string expected = "a start at least " + secondsText(*least) +
+                                 " seconds before the end of a playlist without EXT-X-ENDLIST";
     tell(start->line, start->text, {expected, {}, {}});
 }
 
@@ -114,8 +109,8 @@ void findShortWindow(const CheckedPlaylist& playlist, const Tell& tell) {
     if (playlist.duration() >= *least || !isDurationKnown(playlist)) return;
     const VELHLSLine line = playlist.firstLine(tagIndexOf<tag::targetDuration>);
     const std::string expected =
-        "at least " + secondsText(*least) + ", three target durations, in a live playlist";
-    const std::string seen = secondsText(playlist.duration());
+        "at least " + secondsText(*least) + " seconds, three target durations, in a live playlist";
+    const std::string seen = secondsText(playlist.duration()) + " seconds";
     tell(line, line.value, {expected, seen, {}});
 }
 

@@ -1,12 +1,10 @@
 // Internal to the library, not installed: findings of the standard's rules, bounded and in order.
 #pragma once
 
-#include <cstddef>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "velhls/document/BoundedFindings.h"
 #include "velhls/document/VELHLSFinding.h"
 #include "velhls/document/VELHLSLine.h"
 #include "velhls/standard/StandardRule.h"
@@ -24,12 +22,9 @@ struct FindingWords {
     const VELHLSRelatedPlace* related = nullptr;
 };
 
-/// Gathers findings. Of each rule it keeps a bounded number, and counts the others.
+/// Gathers findings of one profile.
 class StandardFindings {
   public:
-    /// Of one rule. The last of them tells how many more there were.
-    static constexpr std::size_t mostOfOneRule = 100;
-
     explicit StandardFindings(StandardProfile profile) : profile_(VELHLSStandard::nameOf(profile)) {}
 
     /// Adds a finding at a piece of the line.
@@ -37,17 +32,11 @@ class StandardFindings {
              const FindingWords& words);
 
     /// All findings in the order of their places. The list is empty afterwards.
-    [[nodiscard]] std::vector<VELHLSFinding> takeAll();
+    [[nodiscard]] std::vector<VELHLSFinding> takeAll() { return findings_.takeAll(); }
 
   private:
-    struct Count {
-        std::size_t kept = 0;
-        std::size_t last = 0;
-    };
-
-    std::string profile_;
-    std::vector<VELHLSFinding> findings_;
-    std::unordered_map<const StandardRule*, Count> counts_;
+    std::string_view profile_;
+    BoundedFindings findings_;
 };
 
 /// Tells of one rule.

@@ -1,4 +1,4 @@
-#include "velhls/losses/LossText.h"
+#include "velhls/document/SecondsText.h"
 
 #include <array>
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace velhls {
 
-std::string inSeconds(double seconds) {
+std::string secondsText(double seconds) {
     constexpr int decimals = 6;
     std::array<char, mostFixedBytes> buffer;
     const char* const end = writeFixed(buffer.data(), seconds, decimals);
