@@ -9,21 +9,12 @@
 #include <gtest/gtest.h>
 
 #include "tests/comparison/Updates.h"
+#include "tests/support/RepeatedText.h"
 
 namespace comparison_test {
 namespace {
 
-/// The piece so many times, with a number for "%".
-std::string numbered(std::size_t count, const std::string& piece, std::size_t first = 0) {
-    std::string text;
-    for (std::size_t each = first; each < first + count; ++each) {
-        std::string one = piece;
-        for (std::size_t place = one.find('%'); place != std::string::npos; place = one.find('%', place))
-            one.replace(place, 1, std::to_string(each));
-        text += one;
-    }
-    return text;
-}
+using playlist::numbered;
 
 std::string media(const std::string& lines) {
     return "#EXTM3U\n#EXT-X-TARGETDURATION:6\n" + lines;
@@ -45,12 +36,12 @@ const Hostile hostiles[] = {
          std::string now;
          for (std::size_t each = size; each > 0; --each)
              now += "#EXTINF:6,\n" + std::to_string(each) + "\n";
-         return Versions{media(numbered(size, "#EXTINF:6,\n%\n")), media(now)};
+         return Versions{media(numbered(size, "#EXTINF:6,\n~\n")), media(now)};
      }},
     {"every second segment is gone",
      [](std::size_t size) {
-         return Versions{media(numbered(size, "#EXTINF:6,\n%\n#EXTINF:6,\n%-\n")),
-                         media(numbered(size, "#EXTINF:6,\n%\n"))};
+         return Versions{media(numbered(size, "#EXTINF:6,\n~\n#EXTINF:6,\n~-\n")),
+                         media(numbered(size, "#EXTINF:6,\n~\n"))};
      }},
     {"one URI for all segments",
      [](std::size_t size) {
@@ -60,45 +51,45 @@ const Hostile hostiles[] = {
     {"long URIs that begin alike",
      [](std::size_t size) {
          const std::string uri(200, 'a');
-         return Versions{media(numbered(size, "#EXTINF:6,\n" + uri + "%\n")),
-                         media(numbered(size, "#EXTINF:6,\n" + uri + "%\n", 7))};
+         return Versions{media(numbered(size, "#EXTINF:6,\n" + uri + "~\n")),
+                         media(numbered(size, "#EXTINF:6,\n" + uri + "~\n", 7))};
      }},
     {"a long key in force for many other keys",
      [](std::size_t size) {
          const auto text = [size](char character) {
              return media(
                  "#EXT-X-KEY:METHOD=AES-128,URI=\"" + longText(size, character) + "\"\n" +
-                 numbered(size, "#EXT-X-KEY:METHOD=AES-128,KEYFORMAT=\"%\",URI=\"a\"\n#EXTINF:6,\n%\n"));
+                 numbered(size, "#EXT-X-KEY:METHOD=AES-128,KEYFORMAT=\"~\",URI=\"a\"\n#EXTINF:6,\n~\n"));
          };
          return Versions{text('a'), text('b')};
      }},
     {"a long map that changes with many segments",
      [](std::size_t size) {
          return Versions{
-             media("#EXT-X-MAP:URI=\"" + longText(size, 'a') + "\"\n" + numbered(size, "#EXTINF:6,\n%\n")),
-             media("#EXT-X-MAP:URI=\"" + longText(size, 'b') + "\"\n" + numbered(size, "#EXTINF:6,\n%\n"))};
+             media("#EXT-X-MAP:URI=\"" + longText(size, 'a') + "\"\n" + numbered(size, "#EXTINF:6,\n~\n")),
+             media("#EXT-X-MAP:URI=\"" + longText(size, 'b') + "\"\n" + numbered(size, "#EXTINF:6,\n~\n"))};
      }},
     {"many attributes of one key",
      [](std::size_t size) {
          return Versions{
-             media("#EXT-X-KEY:" + numbered(size, "A%=1,") + "\n#EXTINF:6,\na\n#EXT-X-KEY:\n#EXTINF:6,\nb\n"),
-             media("#EXT-X-KEY:" + numbered(size, "A%=1,") + "B=1\n#EXTINF:6,\na\n#EXTINF:6,\nb\n")};
+             media("#EXT-X-KEY:" + numbered(size, "A~=1,") + "\n#EXTINF:6,\na\n#EXT-X-KEY:\n#EXTINF:6,\nb\n"),
+             media("#EXT-X-KEY:" + numbered(size, "A~=1,") + "B=1\n#EXTINF:6,\na\n#EXTINF:6,\nb\n")};
      }},
     {"a date range with a long ID and many attributes",
      [](std::size_t size) {
          const std::string range = "#EXT-X-DATERANGE:ID=\"" + longText(size, 'a') + "\",";
-         return Versions{media(range + numbered(size, "X-%=1,") + "\n#EXTINF:6,\na\n"),
-                         media(range + numbered(size, "X-%=2,") + "\n#EXTINF:6,\na\n")};
+         return Versions{media(range + numbered(size, "X-~=1,") + "\n#EXTINF:6,\na\n"),
+                         media(range + numbered(size, "X-~=2,") + "\n#EXTINF:6,\na\n")};
      }},
     {"many tags of one date range",
      [](std::size_t size) {
-         return Versions{media(numbered(size, "#EXT-X-DATERANGE:ID=\"a\",X=\"%\"\n") + "#EXTINF:6,\na\n"),
-                         media(numbered(size, "#EXT-X-DATERANGE:ID=\"a\",X=\"%\"\n", 1) + "#EXTINF:6,\na\n")};
+         return Versions{media(numbered(size, "#EXT-X-DATERANGE:ID=\"a\",X=\"~\"\n") + "#EXTINF:6,\na\n"),
+                         media(numbered(size, "#EXT-X-DATERANGE:ID=\"a\",X=\"~\"\n", 1) + "#EXTINF:6,\na\n")};
      }},
     {"date ranges of one class and one date",
      [](std::size_t size) {
          const std::string range =
-             "#EXT-X-DATERANGE:CLASS=\"a\",START-DATE=\"2026-11-21T10:00:00Z\",END-ON-NEXT=YES,ID=\"%\"\n";
+             "#EXT-X-DATERANGE:CLASS=\"a\",START-DATE=\"2026-11-21T10:00:00Z\",END-ON-NEXT=YES,ID=\"~\"\n";
          return Versions{media("#EXT-X-PROGRAM-DATE-TIME:2026-11-21T10:00:00Z\n" + numbered(size, range) +
                                "#EXTINF:6,\na\n"),
                          media("#EXT-X-PROGRAM-DATE-TIME:2026-11-21T10:00:00Z\n" +
@@ -112,44 +103,44 @@ const Hostile hostiles[] = {
                      "-11-21T10:00:00Z\n#EXTINF:99999999,\n" + std::to_string(each) + "\n";
          }
          return Versions{
-             media(numbered(size, "#EXT-X-DATERANGE:ID=\"%\",START-DATE=\"2030-11-21T10:00:00Z\"\n") + text),
+             media(numbered(size, "#EXT-X-DATERANGE:ID=\"~\",START-DATE=\"2030-11-21T10:00:00Z\"\n") + text),
              media(text)};
      }},
     {"tags that are not known before one segment",
      [](std::size_t size) {
-         return Versions{media(numbered(size, "#EXT-X-%:1\n") + "#EXTINF:6,\na\n"),
-                         media(numbered(size, "#EXT-X-%:2\n") + "#EXTINF:6,\na\n")};
+         return Versions{media(numbered(size, "#EXT-X-~:1\n") + "#EXTINF:6,\na\n"),
+                         media(numbered(size, "#EXT-X-~:2\n") + "#EXTINF:6,\na\n")};
      }},
     {"one tag of the playlist many times",
      [](std::size_t size) {
-         return Versions{media(numbered(size, "#EXT-X-VERSION:%\n#EXT-X-DEFINE:NAME=\"%\"\n")),
-                         media(numbered(size, "#EXT-X-VERSION:%\n#EXT-X-DEFINE:NAME=\"%\"\n", 5))};
+         return Versions{media(numbered(size, "#EXT-X-VERSION:~\n#EXT-X-DEFINE:NAME=\"~\"\n")),
+                         media(numbered(size, "#EXT-X-VERSION:~\n#EXT-X-DEFINE:NAME=\"~\"\n", 5))};
      }},
     {"variants with one URI",
      [](std::size_t size) {
-         const std::string variant = "#EXT-X-STREAM-INF:BANDWIDTH=%,AUDIO=\"%\"\na\n";
+         const std::string variant = "#EXT-X-STREAM-INF:BANDWIDTH=~,AUDIO=\"~\"\na\n";
          return Versions{"#EXTM3U\n" + numbered(size, variant), "#EXTM3U\n" + numbered(size, variant, size)};
      }},
     {"renditions with one name",
      [](std::size_t size) {
-         const std::string rendition = "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"b\",URI=\"%\"\n";
+         const std::string rendition = "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"b\",URI=\"~\"\n";
          return Versions{"#EXTM3U\n" + numbered(size, rendition),
                          "#EXTM3U\n" + numbered(size, rendition, size)};
      }},
     {"a rendition with a long name and many attributes",
      [](std::size_t size) {
          const std::string rendition = "#EXT-X-MEDIA:NAME=\"" + longText(size, 'a') + "\",";
-         return Versions{"#EXTM3U\n" + rendition + numbered(size, "X-%=1,") + "\n",
-                         "#EXTM3U\n" + rendition + numbered(size, "X-%=2,") + "\n"};
+         return Versions{"#EXTM3U\n" + rendition + numbered(size, "X-~=1,") + "\n",
+                         "#EXTM3U\n" + rendition + numbered(size, "X-~=2,") + "\n"};
      }},
     {"numbers at the end of what there is",
      [](std::size_t size) {
          return Versions{media("#EXT-X-MEDIA-SEQUENCE:18446744073709551615\n#EXT-X-DISCONTINUITY-SEQUENCE:"
                                "18446744073709551615\n" +
-                               numbered(size, "#EXT-X-DISCONTINUITY\n#EXTINF:6,\n%\n")),
+                               numbered(size, "#EXT-X-DISCONTINUITY\n#EXTINF:6,\n~\n")),
                          media("#EXT-X-MEDIA-SEQUENCE:18446744073709551610\n#EXT-X-SKIP:SKIPPED-SEGMENTS="
                                "18446744073709551615\n" +
-                               numbered(size, "#EXTINF:6,\n%\n"))};
+                               numbered(size, "#EXTINF:6,\n~\n"))};
      }},
 };
 

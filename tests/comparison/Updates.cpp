@@ -1,6 +1,5 @@
 #include "tests/comparison/Updates.h"
 
-#include <set>
 #include <stdexcept>
 
 namespace comparison_test {
@@ -117,17 +116,6 @@ VELHLSComparison compared(const Versions& versions) {
         VELHLSDocument(versions.before), VELHLSDocument(versions.now), {versions.elapsedSeconds});
     if (!comparison) throw std::invalid_argument("the versions cannot be compared:\n" + versions.now);
     return *comparison;
-}
-
-std::string rulesIn(const std::vector<VELHLSFinding>& findings, VELHLSFinding::Severity least) {
-    std::set<std::string> rules;
-    for (const VELHLSFinding& finding : findings) {
-        if (finding.severity >= least) rules.insert(finding.ruleId);
-    }
-    std::string joined;
-    for (const std::string& rule : rules)
-        joined += (joined.empty() ? "" : ",") + rule;
-    return joined;
 }
 
 std::string shownChanges(const std::vector<VELHLSChange>& changes) {

@@ -6,6 +6,8 @@
 
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/FindingText.h"
+
 /// What the tests of comparisons share: pairs of versions that RFC 8216 allows, and what breaks one statement of it.
 namespace comparison_test {
 
@@ -33,9 +35,7 @@ extern const Versions songs;
 /// The comparison of the two, which must be of one kind.
 [[nodiscard]] VELHLSComparison compared(const Versions& versions);
 
-/// "segment-uri-changed" for each finding of at least this severity, sorted, each once, with commas between them.
-[[nodiscard]] std::string rulesIn(const std::vector<VELHLSFinding>& findings,
-                                  VELHLSFinding::Severity least = VELHLSFinding::Note);
+using finding::rulesIn;
 
 /// One line for each change: "segment 101: duration 6.006 -> 5.005", "+ segment 106: 6.006 106.ts".
 [[nodiscard]] std::string shownChanges(const std::vector<VELHLSChange>& changes);

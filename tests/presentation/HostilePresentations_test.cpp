@@ -10,23 +10,13 @@
 #include <gtest/gtest.h>
 
 #include "tests/presentation/Presented.h"
+#include "tests/support/RepeatedText.h"
 
 namespace presentation_test {
 namespace {
 
+using playlist::numbered;
 using Profile = VELHLSStandard::Profile;
-
-/// The piece so many times, with a number for "%".
-std::string numbered(std::size_t count, const std::string& piece) {
-    std::string text;
-    for (std::size_t each = 0; each < count; ++each) {
-        std::string one = piece;
-        for (std::size_t place = one.find('%'); place != std::string::npos; place = one.find('%', place))
-            one.replace(place, 1, std::to_string(each));
-        text += one;
-    }
-    return text;
-}
 
 std::string media(const std::string& segments) {
     return "#EXTM3U\n#EXT-X-TARGETDURATION:6\n" + segments + "#EXT-X-ENDLIST\n";
@@ -34,7 +24,7 @@ std::string media(const std::string& segments) {
 
 /// A master playlist of so many variants, and the playlist of each.
 Texts many(std::size_t count, const std::string& first, const std::string& others) {
-    Texts texts = {{"master.m3u8", "#EXTM3U\n" + numbered(count, "#EXT-X-STREAM-INF:BANDWIDTH=%\n%.m3u8\n")}};
+    Texts texts = {{"master.m3u8", "#EXTM3U\n" + numbered(count, "#EXT-X-STREAM-INF:BANDWIDTH=~\n~.m3u8\n")}};
     for (std::size_t each = 0; each < count; ++each)
         texts.emplace_back(std::to_string(each) + ".m3u8", each == 0 ? first : others);
     return texts;
@@ -51,38 +41,38 @@ const Hostile hostiles[] = {
          return Texts{
              {"master.m3u8",
               "#EXTM3U\n" + numbered(size,
-                                     "#EXT-X-STREAM-INF:BANDWIDTH=%,HDCP-LEVEL=NONE,CODECS=\"hvc1\"\n"
+                                     "#EXT-X-STREAM-INF:BANDWIDTH=~,HDCP-LEVEL=NONE,CODECS=\"hvc1\"\n"
                                      "a.m3u8\n#EXT-X-STREAM-INF:HDCP-LEVEL=TYPE-0,BANDWIDTH=1\na.m3u8\n")},
              {"a.m3u8", media(numbered(size,
-                                       "#EXT-X-KEY:METHOD=AES-128,URI=\"%\"\n#EXTINF:6,\n"
-                                       "#EXT-X-BYTERANGE:%@0\n%.ts\n"))}};
+                                       "#EXT-X-KEY:METHOD=AES-128,URI=\"~\"\n#EXTINF:6,\n"
+                                       "#EXT-X-BYTERANGE:~@0\n~.ts\n"))}};
      }},
     {"variants that name one group of many",
      [](std::size_t size) {
          return Texts{
              {"master.m3u8", "#EXTM3U\n" +
                                  numbered(size,
-                                          "#EXT-X-STREAM-INF:BANDWIDTH=%,CODECS=\"a\",AUDIO=\"a\","
+                                          "#EXT-X-STREAM-INF:BANDWIDTH=~,CODECS=\"a\",AUDIO=\"a\","
                                           "SUBTITLES=\"a\"\na.m3u8\n") +
                                  numbered(size,
-                                          "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"%\",URI=\"a.m3u8\"\n"
+                                          "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"~\",URI=\"a.m3u8\"\n"
                                           "#EXT-X-MEDIA:TYPE=SUBTITLES,GROUP-ID=\"a\",URI=\"a.m3u8\"\n")},
              {"a.m3u8", media("#EXTINF:6,\n#EXT-X-BYTERANGE:9@0\na.ec3\n")}};
      }},
     {"small playlists beside a large one",
      [](std::size_t size) {
-         return many(size, media(numbered(size, "#EXT-X-DISCONTINUITY\n#EXTINF:0.001,\n%.ts\n")),
+         return many(size, media(numbered(size, "#EXT-X-DISCONTINUITY\n#EXTINF:0.001,\n~.ts\n")),
                      media("#EXTINF:99999,\na.ts\n"));
      }},
     {"small playlists beside one whose segments last for nothing",
      [](std::size_t size) {
-         return many(size, media(numbered(size, "#EXT-X-DISCONTINUITY\n#EXTINF:0,\n%.ts\n")),
+         return many(size, media(numbered(size, "#EXT-X-DISCONTINUITY\n#EXTINF:0,\n~.ts\n")),
                      media("#EXTINF:99999,\na.ts\n"));
      }},
     {"playlists of which one has many date ranges",
      [](std::size_t size) {
          return many(size,
-                     media(numbered(size, "#EXT-X-DATERANGE:ID=\"%\",X-%=\"%\"\n") + "#EXTINF:6,\na.ts\n"),
+                     media(numbered(size, "#EXT-X-DATERANGE:ID=\"~\",X-~=\"~\"\n") + "#EXTINF:6,\na.ts\n"),
                      media("#EXT-X-DATERANGE:ID=\"1\",X-1=\"2\"\n#EXTINF:6,\na.ts\n"));
      }},
     {"playlists that each have a date range of their own",
@@ -96,11 +86,11 @@ const Hostile hostiles[] = {
     {"keys",
      [](std::size_t size) {
          const std::string keys =
-             media(numbered(size, "#EXT-X-KEY:METHOD=AES-128,URI=\"../%\"\n#EXTINF:6,\n%.ts\n"));
+             media(numbered(size, "#EXT-X-KEY:METHOD=AES-128,URI=\"../~\"\n#EXTINF:6,\n~.ts\n"));
          return Texts{
              {"master.m3u8",
               "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\na.m3u8\n#EXT-X-STREAM-INF:BANDWIDTH=1\nb.m3u8\n" +
-                  numbered(size, "#EXT-X-SESSION-KEY:METHOD=%,URI=\"../1\"\n")},
+                  numbered(size, "#EXT-X-SESSION-KEY:METHOD=~,URI=\"../1\"\n")},
              {"a.m3u8", keys},
              {"b.m3u8", keys}};
      }},
@@ -109,7 +99,7 @@ const Hostile hostiles[] = {
          return Texts{
              {"master.m3u8", "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\na.m3u8\n"},
              {"a.m3u8", media(numbered(size,
-                                       "#EXTINF:0.001,\n#EXT-X-BYTERANGE:%@0\na.ts\n#EXTINF:0.0009,\n"
+                                       "#EXTINF:0.001,\n#EXT-X-BYTERANGE:~@0\na.ts\n#EXTINF:0.0009,\n"
                                        "#EXT-X-BYTERANGE:777@0\na.ts\n"))}};
      }},
     {"dots in URIs",
@@ -122,8 +112,8 @@ const Hostile hostiles[] = {
      [](std::size_t size) {
          Texts texts = {
              {"master.m3u8", "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1,AUDIO=\"a\",CODECS=\"" +
-                                 numbered(size, "%,") + "\"\nv.m3u8\n" +
-                                 numbered(size, "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",URI=\"%.m3u8\"\n")}};
+                                 numbered(size, "~,") + "\"\nv.m3u8\n" +
+                                 numbered(size, "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",URI=\"~.m3u8\"\n")}};
          for (std::size_t each = 0; each < size; ++each)
              texts.emplace_back(std::to_string(each) + ".m3u8",
                                 media(each % 2 == 0 ? "#EXTINF:6,\na.ec3\n" : "#EXTINF:6,\na.ac3\n"));

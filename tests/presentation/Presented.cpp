@@ -1,6 +1,5 @@
 #include "tests/presentation/Presented.h"
 
-#include <set>
 #include <stdexcept>
 
 namespace presentation_test {
@@ -276,17 +275,6 @@ std::vector<VELHLSFinding> findingsIn(const Texts& texts, VELHLSStandard::Profil
     const VELHLSPresentation::Resource master = resources.front();
     resources.erase(resources.begin());
     return VELHLSPresentation::check(master, resources, {profile});
-}
-
-std::string rulesIn(const std::vector<VELHLSFinding>& findings, VELHLSFinding::Severity least) {
-    std::set<std::string> rules;
-    for (const VELHLSFinding& finding : findings) {
-        if (finding.severity >= least) rules.insert(finding.ruleId);
-    }
-    std::string joined;
-    for (const std::string& rule : rules)
-        joined += (joined.empty() ? "" : ",") + rule;
-    return joined;
 }
 
 std::string shown(const std::vector<VELHLSFinding>& findings) {

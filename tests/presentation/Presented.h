@@ -9,6 +9,8 @@
 
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/FindingText.h"
+
 /// What the tests of presentations share: presentations that keep every rule, and what breaks one of them.
 namespace presentation_test {
 
@@ -59,8 +61,7 @@ std::string& textOf(Texts& texts, const std::string& uri);
 std::vector<VELHLSFinding> findingsIn(const Texts& texts,
                                       VELHLSStandard::Profile profile = VELHLSStandard::Profile::rfc8216);
 
-/// "playlist-missing" for each finding of at least this severity, sorted, each once, with commas between them.
-std::string rulesIn(const std::vector<VELHLSFinding>& findings, VELHLSFinding::Severity least);
+using finding::rulesIn;
 
 /// The findings one a line, for the message of a test that fails.
 std::string shown(const std::vector<VELHLSFinding>& findings);

@@ -1,6 +1,5 @@
 #include "tests/standard/Breach.h"
 
-#include <set>
 #include <stdexcept>
 
 namespace standard_test {
@@ -261,17 +260,6 @@ std::vector<Breach> breachesOfRfc8216() {
 
 std::vector<VELHLSFinding> findingsIn(const std::string& text, VELHLSStandard::Profile profile) {
     return VELHLSStandard::check(VELHLSDocument(text), profile);
-}
-
-std::string rulesIn(const std::vector<VELHLSFinding>& findings, VELHLSFinding::Severity least) {
-    std::set<std::string> rules;
-    for (const VELHLSFinding& finding : findings) {
-        if (finding.severity >= least) rules.insert(finding.ruleId);
-    }
-    std::string joined;
-    for (const std::string& rule : rules)
-        joined += (joined.empty() ? "" : ",") + rule;
-    return joined;
 }
 
 std::string shown(const std::vector<VELHLSFinding>& findings) {

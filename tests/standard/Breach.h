@@ -7,6 +7,8 @@
 
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/FindingText.h"
+
 /// What the tests of the standard's rules share: playlists that keep every rule, and what breaks one of them.
 namespace standard_test {
 
@@ -60,8 +62,7 @@ std::vector<Breach> breachesOfRfc8216();
 
 std::vector<VELHLSFinding> findingsIn(const std::string& text, VELHLSStandard::Profile profile);
 
-/// "version-too-low" for each finding of at least this severity, sorted, each once, with commas between them.
-std::string rulesIn(const std::vector<VELHLSFinding>& findings, VELHLSFinding::Severity least);
+using finding::rulesIn;
 
 /// The findings one a line, for the message of a test that fails.
 std::string shown(const std::vector<VELHLSFinding>& findings);

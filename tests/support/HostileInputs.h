@@ -9,6 +9,8 @@
 
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/support/RepeatedText.h"
+
 /// Playlists that are made to be costly, in any size. Twice the size is twice as much of everything in them.
 namespace hostile {
 
@@ -23,29 +25,11 @@ struct Input {
 inline constexpr std::size_t manyCharacters = 65536;
 inline constexpr std::size_t manyRecords = 1024;
 
-inline std::string times(std::size_t count, std::string_view text) {
-    if (text.size() == 1) return std::string(count, text.front());
-    std::string all;
-    for (std::size_t index = 0; index < count; ++index)
-        all += text;
-    return all;
-}
+using playlist::times;
 
-/// The text for each number below `count`, with every "~" in it replaced by the number: six digits.
+/// The text so many times, with another number of six digits for each "~".
 inline std::string counted(std::size_t count, std::string_view text) {
-    constexpr std::size_t first = 100000;
-    std::string all;
-    for (std::size_t number = first; number < first + count; ++number) {
-        std::size_t start = 0;
-        for (std::size_t place = text.find('~'); place != std::string_view::npos;
-             place = text.find('~', start)) {
-            all += text.substr(start, place - start);
-            all += std::to_string(number);
-            start = place + 1;
-        }
-        all += text.substr(start);
-    }
-    return all;
+    return playlist::numbered(count, text, 100000);
 }
 
 /// As many names that the standard library's hash puts into the fewest buckets that are allowed to them, in a map that
