@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "tool/CharacterPlace.h"
+#include "tool/Escaping.h"
 #include "tool/InputFile.h"
 #include "tool/OutputFile.h"
 #include "tool/Printable.h"
@@ -12,19 +13,8 @@ namespace {
 
 /// The characters that mean something there as "%3A", as the workflow undoes it.
 std::string escaped(std::string_view text, std::string_view special) {
-    constexpr std::string_view hexadecimal = "0123456789ABCDEF";
-    std::string result;
-    for (const char character : text) {
-        if (special.find(character) == std::string_view::npos) {
-            result += character;
-            continue;
-        }
-        const auto byte = static_cast<unsigned char>(character);
-        result += '%';
-        result += hexadecimal[byte / 16];
-        result += hexadecimal[byte % 16];
-    }
-    return result;
+    return percentEncoded(
+        text, [special](char character) { return special.find(character) == std::string_view::npos; });
 }
 
 /// The name that the file has, as far as a log can show it.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "tool/Escaping.h"
 #include "tool/Utf8.h"
 
 namespace tool {
@@ -17,12 +18,9 @@ bool steersTheTerminal(std::uint32_t character) {
 }
 
 void appendEscaped(std::string& out, std::string_view bytes) {
-    constexpr std::string_view hexadecimal = "0123456789ABCDEF";
     for (const char character : bytes) {
-        const auto byte = static_cast<unsigned char>(character);
         out += "\\x";
-        out += hexadecimal[byte / 16];
-        out += hexadecimal[byte % 16];
+        appendHexadecimal(out, character);
     }
 }
 

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tool/CharacterPlace.h"
+#include "tool/Escaping.h"
 #include "tool/InputFile.h"
 #include "tool/OutputFile.h"
 #include "tool/RulePages.h"
@@ -64,19 +65,8 @@ Json describeRules(const std::vector<VELHLSDiagnostics::Profile>& profiles,
 std::string uriOf(const std::string& path) {
     if (path == standardInput) return "stdin";
     constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
-    constexpr std::string_view hexadecimal = "0123456789ABCDEF";
-    std::string uri = path.front() == '/' ? "file://" : "";
-    for (const char character : path) {
-        if (plain.find(character) != std::string_view::npos) {
-            uri += character;
-            continue;
-        }
-        const auto byte = static_cast<unsigned char>(character);
-        uri += '%';
-        uri += hexadecimal[byte / 16];
-        uri += hexadecimal[byte % 16];
-    }
-    return uri;
+    const auto isPlain = [plain](char character) { return plain.find(character) != std::string_view::npos; };
+    return (path.front() == '/' ? "file://" : "") + percentEncoded(path, isPlain);
 }
 
 /// SARIF counts columns in characters.

@@ -9,26 +9,18 @@
 
 #include "tests/support/PlaylistText.h"
 #include "tests/support/RunCommand.h"
+#include "tests/support/VelhlsCommand.h"
 
 namespace {
 
+using command::checkByLibrary;
 using command::Outcome;
 using command::TemporaryFolder;
+using command::velhls;
 using playlist::contentOf;
 using playlist::lines;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-Outcome velhls(std::vector<std::string> arguments, const std::string& input = "") {
-    arguments.insert(arguments.begin(), VELHLS_COMMAND);
-    return command::run(arguments, input);
-}
-
-/// Checks by what the library makes of a playlist, but for the EXT-X-START that it adds to most.
-Outcome checkByLibrary(std::vector<std::string> options, const std::string& input = "") {
-    options.insert(options.begin(), {"check", "--profile=library", "--disable=start-added"});
-    return velhls(options, input);
-}
 
 const std::string clean = lines({"#EXTM3U", "#EXT-X-START:TIME-OFFSET=2.5",
                                  "#EXT-X-STREAM-INF:BANDWIDTH=1,CLOSED-CAPTIONS=NONE", "a.m3u8"});

@@ -7,23 +7,19 @@
 
 #include "tests/support/PlaylistText.h"
 #include "tests/support/RunCommand.h"
+#include "tests/support/VelhlsCommand.h"
 
 namespace {
 
 using command::Outcome;
 using command::TemporaryFolder;
+using command::velhls;
 using playlist::contentOf;
 using playlist::lines;
 using testing::HasSubstr;
 using testing::StartsWith;
 
 /// Runs the velhls command.
-Outcome velhls(std::vector<std::string> arguments, const std::string& input = "",
-               const std::string& output = "") {
-    arguments.insert(arguments.begin(), VELHLS_COMMAND);
-    return command::run(arguments, input, output);
-}
-
 const std::string master = lines({"#EXTM3U", "#EXT-X-STREAM-INF:BANDWIDTH=2000000", "high.m3u8",
                                   "#EXT-X-STREAM-INF:BANDWIDTH=1000000", "low.m3u8"});
 const std::string cleanMaster = lines(

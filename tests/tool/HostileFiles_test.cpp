@@ -16,30 +16,19 @@
 
 #include "tests/support/PlaylistText.h"
 #include "tests/support/RunCommand.h"
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define VELHLS_TESTS_ARE_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
-#define VELHLS_TESTS_ARE_SANITIZED 1
-#endif
-#endif
-#ifndef VELHLS_TESTS_ARE_SANITIZED
-#define VELHLS_TESTS_ARE_SANITIZED 0
-#endif
+#include "tests/support/Sanitizers.h"
+#include "tests/support/VelhlsCommand.h"
 
 namespace {
 
 using command::Outcome;
 using command::redirect;
 using command::TemporaryFolder;
+using command::velhls;
 using playlist::contentOf;
 using playlist::lines;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-/// Of a sanitized program nothing is told by the memory that it takes.
-constexpr bool isSanitized = VELHLS_TESTS_ARE_SANITIZED != 0;
 
 const std::string media = lines({"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXTINF:6,", "segment0.ts"});
 const std::string cleanMedia =
@@ -54,12 +43,6 @@ std::string longMedia() {
 }
 
 /// Runs the velhls command; `prepare` is called in its process before it begins.
-Outcome velhls(
-    std::vector<std::string> arguments, const std::function<void()>& prepare = [] {}) {
-    arguments.insert(arguments.begin(), VELHLS_COMMAND);
-    return command::runPrepared(arguments, prepare);
-}
-
 void readFrom(const std::string& path) {
     redirect(STDIN_FILENO, path, O_RDONLY);
 }

@@ -11,12 +11,14 @@
 
 #include "tests/support/PlaylistText.h"
 #include "tests/support/RunCommand.h"
+#include "tests/support/VelhlsCommand.h"
 
 namespace {
 
 using command::Outcome;
 using command::redirect;
 using command::TemporaryFolder;
+using command::velhls;
 using playlist::lines;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -25,12 +27,6 @@ using testing::IsEmpty;
 namespace fs = std::filesystem;
 
 const std::string media = lines({"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXTINF:6,", "segment0.ts"});
-
-Outcome velhls(
-    std::vector<std::string> arguments, const std::function<void()>& prepare = [] {}) {
-    arguments.insert(arguments.begin(), VELHLS_COMMAND);
-    return command::runPrepared(arguments, prepare);
-}
 
 /// The paths of all files that were checked, or could not be, in the order of the report; with ordinary names.
 std::vector<std::string> pathsIn(const std::string& report) {
