@@ -20,10 +20,13 @@ std::string newTextOf(const Difference& difference) {
     return difference.change.newText.empty() ? "one" : quoted(difference.change.newText);
 }
 
+/// "8", and where the message does not begin with the tag, "none for EXT-X-TARGETDURATION".
 void tellOf(const CheckedUpdate& update, const Difference& difference, const Tell& tell) {
-    const std::string what = difference.change.what.empty() ? "" : ": " + difference.change.what;
-    update.tell(tell, difference.now, difference.before, {},
-                newTextOf(difference) + " for " + difference.change.path + what, saidBefore(difference));
+    const VELHLSChange& change = difference.change;
+    const bool isNamed = change.kind != VELHLSChange::Removed && change.what.empty();
+    const std::string what = change.what.empty() ? "" : ": " + change.what;
+    const std::string seen = newTextOf(difference) + (isNamed ? "" : " for " + change.path + what);
+    update.tell(tell, difference.now, difference.before, {}, seen, saidBefore(difference));
 }
 
 void findOtherHeader(const CheckedUpdate& update, const Tell& tell) {
