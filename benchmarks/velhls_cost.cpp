@@ -14,7 +14,7 @@
 
 #include "velhls/VELHLSCheck.h"
 
-#include "tests/support/HostileInputs.h"
+#include "tests/hostile/HostileInputs.h"
 #include "tests/support/LibraryFindings.h"
 #include "tests/support/Parses.h"
 #ifdef VELHLS_COUNTS_BYTES

@@ -12,7 +12,7 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
-#include "tests/support/HostileInputs.h"
+#include "tests/hostile/HostileInputs.h"
 #include "tests/support/LibraryFindings.h"
 
 namespace {

@@ -10,8 +10,8 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/hostile/HostileInputs.h"
 #include "tests/support/DocumentOracle.h"
-#include "tests/support/HostileInputs.h"
 #include "tests/support/Mutations.h"
 #include "tests/support/PlaylistText.h"
 #include "tests/support/WholePlaylists.h"

@@ -16,7 +16,7 @@
 #include "velhls/VELHLSCheck.h"
 
 #include "tests/heap/Heap.h"
-#include "tests/support/HostileInputs.h"
+#include "tests/hostile/HostileInputs.h"
 #include "tests/support/LibraryFindings.h"
 #include "tests/support/Parses.h"
 

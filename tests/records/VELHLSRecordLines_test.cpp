@@ -7,8 +7,8 @@
 #include "velhls/VELHLS.h"
 #include "velhls/VELHLSCheck.h"
 
+#include "tests/hostile/HostileInputs.h"
 #include "tests/support/Corpus.h"
-#include "tests/support/HostileInputs.h"
 #include "tests/support/Mutations.h"
 #include "tests/support/PlaylistText.h"
 #include "tests/support/RecordLinesOracle.h"

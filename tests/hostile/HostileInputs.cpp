@@ -1,40 +1,14 @@
-#pragma once
+#include "tests/hostile/HostileInputs.h"
 
-#include <cstddef>
-#include <functional>
-#include <string>
-#include <string_view>
 #include <unordered_map>
-#include <vector>
 
-#include "velhls/VELHLSCheck.h"
-
-#include "tests/support/RepeatedText.h"
-
-/// Playlists that are made to be costly, in any size. Twice the size is twice as much of everything in them.
 namespace hostile {
 
-struct Input {
-    std::string name;
-    VELHLSDiagnostics::PlaylistKind kind;
-    /// The size of the smaller of the two texts whose cost is compared: a number of characters or of records.
-    std::size_t size;
-    std::function<std::string(std::size_t)> text;
-};
-
-inline constexpr std::size_t manyCharacters = 65536;
-inline constexpr std::size_t manyRecords = 1024;
-
-using playlist::times;
-
-/// The text so many times, with another number of six digits for each "~".
-inline std::string counted(std::size_t count, std::string_view text) {
+std::string counted(std::size_t count, std::string_view text) {
     return playlist::numbered(count, text, 100000);
 }
 
-/// As many names that the standard library's hash puts into the fewest buckets that are allowed to them, in a map that
-/// has grown to hold them: what costs most of what is accepted.
-inline std::vector<std::string> crowdedNames(std::size_t count, std::size_t inOneBucket) {
+std::vector<std::string> crowdedNames(std::size_t count, std::size_t inOneBucket) {
     std::unordered_map<std::string, std::string> grown;
     for (std::size_t index = 0; index < count; ++index)
         grown[std::to_string(index)] = "";
@@ -51,22 +25,21 @@ inline std::vector<std::string> crowdedNames(std::size_t count, std::size_t inOn
     return names;
 }
 
-inline std::string definesOf(const std::vector<std::string>& names) {
+std::string definesOf(const std::vector<std::string>& names) {
     std::string all;
     for (const std::string& name : names)
         all += "#EXT-X-DEFINE:NAME=\"" + name + "\",VALUE=\"1\"\n";
     return all;
 }
 
-inline const std::string variant = "#EXT-X-STREAM-INF:BANDWIDTH=1\nvariant.m3u8\n";
-inline const std::string segment = "#EXTINF:6,\nsegment1.ts\n";
-
-inline std::string patternOf(const std::string& body, const std::string& repeatCount) {
+std::string patternOf(const std::string& body, const std::string& repeatCount) {
     return "#ZOR-PATTERN_START:p\n" + body + "#ZOR-PATTERN_REPEAT:p," + repeatCount + "\n";
 }
 
+namespace {
+
 /// Lines of nothing but one character, as an attribute list and by themselves.
-inline void appendLines(std::vector<Input>& inputs) {
+void appendLines(std::vector<Input>& inputs) {
     const std::pair<const char*, std::string> characters[] = {
         {"commas", ","},
         {"quotes", "\""},
@@ -106,7 +79,7 @@ inline void appendLines(std::vector<Input>& inputs) {
 }
 
 /// One tag line with very many attributes.
-inline void appendAttributes(std::vector<Input>& inputs) {
+void appendAttributes(std::vector<Input>& inputs) {
     const auto append = [&inputs](const char* name, std::function<std::string(std::size_t)> attributes) {
         inputs.push_back({name, VELHLSDiagnostics::Master, manyRecords, [attributes](std::size_t n) {
                               return "#EXT-X-STREAM-INF:BANDWIDTH=1," + attributes(n) + "\nvariant.m3u8\n";
@@ -127,7 +100,7 @@ inline void appendAttributes(std::vector<Input>& inputs) {
 }
 
 /// Lines that either kind of playlist may have.
-inline void appendTags(std::vector<Input>& inputs) {
+void appendTags(std::vector<Input>& inputs) {
     const auto append = [&inputs](const char* name, const std::string& line) {
         inputs.push_back({name, VELHLSDiagnostics::Master, manyRecords,
                           [line](std::size_t n) { return "#EXTM3U\n" + counted(n, line) + variant; }});
@@ -143,7 +116,7 @@ inline void appendTags(std::vector<Input>& inputs) {
     append("EXT-X-START", "#EXT-X-START:TIME-OFFSET=~.5,PRECISE=YES\n");
 }
 
-inline void appendMasters(std::vector<Input>& inputs) {
+void appendMasters(std::vector<Input>& inputs) {
     const auto append = [&inputs](const char* name, std::function<std::string(std::size_t)> text) {
         inputs.push_back({name, VELHLSDiagnostics::Master, manyRecords, std::move(text)});
     };
@@ -186,7 +159,7 @@ inline void appendMasters(std::vector<Input>& inputs) {
     append("lines that are no tags", [](std::size_t n) { return variant + counted(n, "line~\n"); });
 }
 
-inline void appendMedia(std::vector<Input>& inputs) {
+void appendMedia(std::vector<Input>& inputs) {
     const auto append = [&inputs](const char* name, std::function<std::string(std::size_t)> text) {
         inputs.push_back({name, VELHLSDiagnostics::Media, manyRecords, std::move(text)});
     };
@@ -222,7 +195,7 @@ inline void appendMedia(std::vector<Input>& inputs) {
 }
 
 /// What is remembered of lines and of what is in force from one segment to the next.
-inline void appendInForce(std::vector<Input>& inputs) {
+void appendInForce(std::vector<Input>& inputs) {
     const auto append = [&inputs](const char* name, std::function<std::string(std::size_t)> text) {
         inputs.push_back({name, VELHLSDiagnostics::Media, manyRecords, std::move(text)});
     };
@@ -244,7 +217,7 @@ inline void appendInForce(std::vector<Input>& inputs) {
            [](std::size_t n) { return times(n, "\n") + segment + std::string(64 * n, 'a') + "\n"; });
 }
 
-inline void appendVariables(std::vector<Input>& inputs) {
+void appendVariables(std::vector<Input>& inputs) {
     const auto append = [&inputs](const char* name, std::function<std::string(std::size_t)> text) {
         inputs.push_back({name, VELHLSDiagnostics::Media, manyRecords, std::move(text)});
     };
@@ -298,7 +271,9 @@ inline void appendVariables(std::vector<Input>& inputs) {
     }
 }
 
-inline std::vector<Input> inputs() {
+}  // namespace
+
+std::vector<Input> inputs() {
     std::vector<Input> all;
     appendLines(all);
     appendAttributes(all);
