@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <random>
@@ -16,6 +17,8 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Outcome.h"
+
 namespace {
 
 double durationRead(const std::string& text) {
@@ -24,6 +27,13 @@ double durationRead(const std::string& text) {
     const auto segment = VELHLSMediaSegment::parseNextSegment(nullptr, "#EXTINF:" + text + ",", lines,
                                                               pattern, 0, 0, nullptr, nullptr);
     return segment == nullptr ? 0.0 : segment->duration;
+}
+
+/// As printf's "%a" has it.
+std::string exactly(double number) {
+    std::array<char, 64> text;
+    std::snprintf(text.data(), text.size(), "%a", number);
+    return text.data();
 }
 
 std::string durationWritten(double duration) {
@@ -70,6 +80,113 @@ TEST(Numbers, DurationsAreReadAsStrtodReadsThem) {
         EXPECT_EQ(durationRead(text), std::strtod(text.c_str(), nullptr)) << text;
 }
 
+struct Form {
+    std::string text;
+    /// As printf's "%a" has it, or the exception.
+    std::string outcome;
+};
+
+/// As the C standard has it; what is out of range, as glibc has it. A segment without a duration is none, so that of zeros the
+/// sign is not seen.
+TEST(Numbers, AllFormsOfDoublesAreRead) {
+    const std::vector<Form> forms = {
+        // Signs and white space.
+        {" \t\n\v\f\r7", "0x1.cp+2"},
+        {"-12.5", "-0x1.9p+3"},
+        {"+.5x", "0x1p-1"},
+        {"+-5", "invalid_argument"},
+        {"- 5", "invalid_argument"},
+        {" ", "invalid_argument"},
+        {".", "invalid_argument"},
+        {"-.e5", "invalid_argument"},
+        {std::string("\0"
+                     "7",
+                     2),
+         "invalid_argument"},
+        {std::string("7\0"
+                     "7",
+                     3),
+         "0x1.cp+2"},
+        // Exponents.
+        {"1.e3", "0x1.f4p+9"},
+        {"125E-3", "0x1p-3"},
+        {"5e", "0x1.4p+2"},
+        {"5e+", "0x1.4p+2"},
+        {"5e-x", "0x1.4p+2"},
+        {"0e999999999999999999999", "0x0p+0"},
+        {"-0.000e-999999999999999999999", "0x0p+0"},
+        {"1e999999999999999999999", "out_of_range"},
+        {"1e-999999999999999999999", "out_of_range"},
+        {"0." + std::string(100000, '0') + "1e100001", "0x1p+0"},
+        {"1" + std::string(100000, '0') + "e-100000", "0x1p+0"},
+        // The nearest of two doubles; of a middle the even one.
+        {"9007199254740993", "0x1p+53"},
+        {"9007199254740993.0000000000000000000000000000000000000001", "0x1.0000000000001p+53"},
+        {"9007199254740995", "0x1.0000000000002p+53"},
+        {"6.0060060060060065", "0x1.80626703d8063p+2"},
+        {"0.1000000000000000055511151231257827021181583404541015625", "0x1.999999999999ap-4"},
+        // The largest, and the middle between it and the next power of two.
+        {"1.7976931348623157e308", "0x1.fffffffffffffp+1023"},
+        {"1.7976931348623158e308", "0x1.fffffffffffffp+1023"},
+        {"1.7976931348623159e308", "out_of_range"},
+        {"-1e309", "out_of_range"},
+        // The smallest normal one, and below it what is exact.
+        {"2.2250738585072014e-308", "0x1p-1022"},
+        {"2.2250738585072011e-308", "out_of_range"},
+        {"5e-324", "out_of_range"},
+        {"0x1p-1074", "0x0.0000000000001p-1022"},
+        {"0x1.8p-1074", "out_of_range"},
+        {"0x1p-1075", "out_of_range"},
+        {"0x1.fffffffffffffp-1023", "out_of_range"},
+        {"0x1.ffffffffffffep-1023", "0x0.fffffffffffffp-1022"},
+        {"0x1.fffffffffffffcp-1023", "0x1p-1022"},
+        // Hexadecimal ones.
+        {"0x10", "0x1p+4"},
+        {"-0XaB.8P-1x", "-0x1.57p+6"},
+        {"0x.8", "0x1p-1"},
+        {"0x1.", "0x1p+0"},
+        {"0x1p", "0x1p+0"},
+        {"0x", "0x0p+0"},
+        {"-0xg", "0x0p+0"},
+        {"0x.p1", "0x0p+0"},
+        {"0x0p99999", "0x0p+0"},
+        {"0x1.00000000000008p0", "0x1p+0"},
+        {"0x1.000000000000080000000000001p0", "0x1.0000000000001p+0"},
+        {"0x1.fffffffffffff8p1023", "out_of_range"},
+        {"0x0.0000000000000000000000001p100", "0x1p+0"},
+        // What is no number, and what has no end.
+        {"inf", "inf"},
+        {"-InFinity7", "-inf"},
+        {"infinit", "inf"},
+        {"in", "invalid_argument"},
+        {"nan", "nan"},
+        {"-NaN(0x7_", "-nan"},
+        {"nan(0x8000000000001)", "nan"},
+        {"nan(0x10000000000000000)", "out_of_range"},
+        {"na", "invalid_argument"},
+    };
+    for (const Form& form : forms) {
+        const std::string seen = playlist::outcomeOf([&] { return exactly(durationRead(form.text)); });
+        EXPECT_EQ(seen, form.outcome) << form.text.substr(0, 80);
+    }
+}
+
+TEST(Numbers, TheParenthesesOfNanAreInItsBits) {
+    const auto bitsRead = [](const std::string& text) {
+        const double number = durationRead(text);
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &number, sizeof bits);
+        return bits;
+    };
+    EXPECT_EQ(bitsRead("nan"), 0x7ff8000000000000);
+    EXPECT_EQ(bitsRead("-nan(12)"), 0xfff800000000000c);
+    EXPECT_EQ(bitsRead("NAN(0X12)"), 0x7ff8000000000012);
+    EXPECT_EQ(bitsRead("nan(012)"), 0x7ff800000000000a);
+    EXPECT_EQ(bitsRead("nan(0xffffffffffffffff)"), 0x7fffffffffffffff);
+    for (const char* const none : {"nan()", "nan(12", "nan(1 2)", "nan(0x)", "nan(08)", "nan(x)"})
+        EXPECT_EQ(bitsRead(none), 0x7ff8000000000000) << none;
+}
+
 TEST(Numbers, RandomDecimalsAreReadAsStrtodReadsThem) {
     std::mt19937_64 random(11);
     for (int round = 0; round < 200000; ++round) {
@@ -103,6 +220,16 @@ TEST(Numbers, DurationsAreWrittenAsPrintfWritesThem) {
         4.9e-7,
         1.0000005,
         1.0000015,
+        0.015625,
+        0.0078125,
+        0.0000005,
+        0.4999995,
+        0.99999949999999994,
+        1.0 / 3.0,
+        std::numeric_limits<double>::max(),
+        std::numeric_limits<double>::denorm_min(),
+        std::numeric_limits<double>::infinity(),
+        -std::numeric_limits<double>::infinity(),
     };
     for (const double duration : durations)
         EXPECT_EQ(durationWritten(duration), durationPrinted(duration));

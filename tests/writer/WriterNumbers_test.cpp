@@ -65,10 +65,32 @@ TEST(WriterNumbers, AreTheShortestThatAreReadBackAsTheSame) {
 }
 
 TEST(WriterNumbers, AreTheShortestAtTheirLimits) {
-    for (const double number :
-         {1e-6, 1e-7, 4.9e-7, 5e-7, 0.9999995, 0.99999949999, 999999.9999995, 999999999.9999999, 999999999.5,
-          1e9, 1000000000.5, 9007199254740991.0, 9007199254740993.0, std::numeric_limits<double>::min(),
-          std::numeric_limits<double>::denorm_min(), 0.1 + 0.2, 1.0 / 3.0}) {
+    for (const double number : {1e-6,
+                                1e-7,
+                                4.9e-7,
+                                5e-7,
+                                0.9999995,
+                                0.99999949999,
+                                999999.9999995,
+                                999999999.9999999,
+                                999999999.5,
+                                1e9,
+                                1000000000.5,
+                                9007199254740991.0,
+                                9007199254740993.0,
+                                std::numeric_limits<double>::min(),
+                                std::numeric_limits<double>::denorm_min(),
+                                0.1 + 0.2,
+                                1.0 / 3.0,
+                                0.1,
+                                9.5,
+                                1e-5,
+                                1e-300,
+                                3e-320,
+                                5.684341886080802e-14,
+                                1.1125369292536007e-308,
+                                12345678901234.5,
+                                4503599627370497.5}) {
         for (const double near : {number, std::nextafter(number, 0.0), std::nextafter(number, 1e300)}) {
             if (near > 0.0) {
                 EXPECT_EQ(durationWritten(near), shortest(near));

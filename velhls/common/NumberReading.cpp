@@ -1,16 +1,14 @@
 #include "velhls/common/NumberReading.h"
 
+#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <limits>
-#include <locale.h>
-#include <new>
 #include <stdexcept>
-#include <stdlib.h>
 #include <string>
 #include <system_error>
 
+#include "velhls/common/DoubleReading.h"
 #include "velhls/common/TextScan.h"
 
 namespace velhls {
@@ -36,11 +34,13 @@ std::string quotedStart(std::string_view text) {
 /// What std::isspace accepts in the "C" locale.
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
+std::string_view withoutLeadingSpace(std::string_view text) {
+    return text.substr(std::min(text.find_first_not_of(whiteSpace), text.size()));
+}
+
 /// The text from its number on, in the form that std::from_chars reads: it knows no "+".
 std::string_view withoutSpaceAndPlus(std::string_view text) {
-    const std::size_t start = text.find_first_not_of(whiteSpace);
-    if (start == std::string_view::npos) return {};
-    text.remove_prefix(start);
+    text = withoutLeadingSpace(text);
     const bool plusBeforeDigit = text.size() > 1 && text[0] == '+' && isDigit(text[1]);
     if (plusBeforeDigit) text.remove_prefix(1);
     return text;
@@ -57,10 +57,10 @@ const char* readDigits(const char* position, const char* end, std::uint64_t& num
     return position;
 }
 
-/// A double holds so many digits exactly, and the power of ten that they are divided by.
-constexpr std::size_t mostExactDigits = 15;
-constexpr std::array<double, mostExactDigits + 1> powersOfTen = {
-    1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+/// Doubles hold all whole numbers up to this one, and these powers of ten.
+constexpr std::uint64_t mostExact = std::uint64_t{1} << 53;
+constexpr std::array<double, 20> powersOfTen = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                                1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
 
 template <typename Integer>
 Integer toInteger(std::string_view text) {
@@ -76,22 +76,6 @@ Integer toInteger(std::string_view text) {
     if (result.ec == std::errc::result_out_of_range) throwOutOfRange(text);
     return number;
 }
-
-/// strtod under the "C" locale, whatever locale the process or the thread is in.
-class ClassicLocale {
-  public:
-    ClassicLocale() : locale_(::newlocale(LC_ALL_MASK, "C", nullptr)) {
-        if (locale_ == nullptr) throw std::bad_alloc();
-    }
-    ~ClassicLocale() { ::freelocale(locale_); }
-    ClassicLocale(const ClassicLocale&) = delete;
-    ClassicLocale& operator=(const ClassicLocale&) = delete;
-
-    double toDouble(const char* text, char** end) const { return ::strtod_l(text, end, locale_); }
-
-  private:
-    locale_t locale_;
-};
 
 template <typename Number>
 Number convertedOrWhy(Number (*convert)(std::string_view), std::string_view text, Reason& why) {
@@ -121,7 +105,8 @@ LeadingNumber<double> leadingDecimal(std::string_view text) {
         decimals = static_cast<std::size_t>(end - decimalsBegin);
         digitCount += decimals;
     }
-    if (digitCount == 0 || digitCount > mostExactDigits) return {};
+    constexpr std::size_t mostDigits = std::numeric_limits<std::uint64_t>::digits10;
+    if (digitCount == 0 || digitCount > mostDigits || number > mostExact) return {};
     // Both are exact, so that the quotient is rounded once, as strtod rounds it.
     const double quotient = static_cast<double>(static_cast<std::int64_t>(number)) / powersOfTen[decimals];
     return {quotient, static_cast<std::size_t>(end - begin)};
@@ -151,17 +136,10 @@ std::uint64_t toInt64AsUnsigned(std::string_view text) {
 double toDouble(std::string_view text) {
     const LeadingNumber<double> plain = leadingDecimal(text);
     if (plain.isAllOf(text)) return plain.number;
-    const std::string terminated(text);
-    const ClassicLocale classic;
-    char* end = nullptr;
-    const int savedErrno = errno;
-    errno = 0;
-    const double number = classic.toDouble(terminated.c_str(), &end);
-    const bool outOfRange = errno == ERANGE;
-    errno = savedErrno;
-    if (end == terminated.c_str()) throwNoNumber(text);
-    if (outOfRange) throwOutOfRange(text);
-    return number;
+    const LeadingDouble any = leadingDouble(withoutLeadingSpace(text));
+    if (!any.isNumber) throwNoNumber(text);
+    if (!any.nearest.isInRange) throwOutOfRange(text);
+    return any.nearest.number;
 }
 
 std::int32_t toInt32(std::string_view text, Reason& why) {

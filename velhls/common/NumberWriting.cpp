@@ -1,9 +1,12 @@
 #include "velhls/common/NumberWriting.h"
 
+#include <algorithm>
 #include <array>
-#include <charconv>
+#include <cmath>
+#include <limits>
 #include <string_view>
 
+#include "velhls/common/ExactDecimal.h"
 #include "velhls/common/TextBuffer.h"
 
 namespace velhls {
@@ -20,6 +23,9 @@ constexpr std::array<char, 200> makeDigitPairs() {
 }
 
 constexpr std::array<char, 200> digitPairs = makeDigitPairs();
+
+/// From 2^53 on every double is a whole number.
+constexpr double firstWithoutDecimals = 9007199254740992.0;
 
 /// A number below 1,000.
 char* writeThreeDigits(char* to, std::uint32_t number) {
@@ -53,37 +59,146 @@ constexpr std::uint64_t power(std::uint64_t base, int exponent) {
     return exponent == 0 ? 1 : base * power(base, exponent - 1);
 }
 
-/// Prints with integers what printf prints, digit for digit, in less than half the time of std::to_chars.
+/// Prints what printf prints, digit for digit, of a number from 0 to 2^53, in less than half the time of std::to_chars.
 ///
-/// The fraction of a double from 1 on is a whole number of 2^-52. Times ten to the power of the decimals that
-/// is `bits` times five to that power, in units of 2^-(52 - decimals): it is computed in two halves, since
-/// it can take 66 bits, and rounded to the nearest whole number, a tie to the even one.
+/// Of the decimals times a power of ten a float holds the upper bits, the rest is as short: both products are exact, so that
+/// the comparison with a half is.
 template <int decimals>
 char* writeWithDecimals(char* to, double number) {
     constexpr std::uint64_t scale = power(10, decimals);
-    constexpr int halfWidth = 26;
-    constexpr std::uint64_t lowHalf = (std::uint64_t{1} << halfWidth) - 1;
-    constexpr int upperWidth = 52 - decimals - halfWidth;
 
     auto whole = static_cast<std::uint64_t>(number);
-    const auto bits = static_cast<std::uint64_t>((number - static_cast<double>(whole)) * 0x1p52);
-    const std::uint64_t low = (bits & lowHalf) * power(5, decimals);
-    const std::uint64_t upper = (bits >> halfWidth) * power(5, decimals) + (low >> halfWidth);
-    std::uint64_t fraction = upper >> upperWidth;
-    const std::uint64_t rest = upper & ((std::uint64_t{1} << upperWidth) - 1);
-    constexpr std::uint64_t half = std::uint64_t{1} << (upperWidth - 1);
-    const bool isTie = rest == half && (low & lowHalf) == 0;
-    if (isTie ? (fraction & 1) != 0 : rest >= half) ++fraction;
-    if (fraction == scale) {
-        fraction = 0;
+    const double fraction = number - static_cast<double>(whole);
+    const double upper = static_cast<double>(static_cast<float>(fraction));
+    const double lower = fraction - upper;
+    const double scaled = upper * static_cast<double>(scale);
+    auto digits = static_cast<std::uint64_t>(scaled);
+    const double lessHalf = scaled - static_cast<double>(digits) - 0.5;
+    const double restNegated = -lower * static_cast<double>(scale);
+    if (lessHalf > restNegated || (lessHalf == restNegated && (digits & 1) != 0)) ++digits;
+    if (digits == scale) {
+        digits = 0;
         ++whole;
     }
 
     to = writeWhole(to, whole);
     to = writeText(to, '.');
     static_assert(decimals == 3 || decimals == 6);
-    if (decimals == 6) to = writeThreeDigits(to, static_cast<std::uint32_t>(fraction / 1000));
-    return writeThreeDigits(to, static_cast<std::uint32_t>(fraction % 1000));
+    if (decimals == 6) to = writeThreeDigits(to, static_cast<std::uint32_t>(digits / 1000));
+    return writeThreeDigits(to, static_cast<std::uint32_t>(digits % 1000));
+}
+
+/// The digits down to the last decimal.
+char* writeDigits(char* to, const ExactDecimal& number, std::int64_t decimals) {
+    for (std::int64_t place = std::max(number.firstPlace(), std::int64_t{0}); place >= -decimals; --place) {
+        if (place == -1) to = writeText(to, '.');
+        to = writeText(to, static_cast<char>('0' + number.digitAt(place)));
+    }
+    return to;
+}
+
+/// Of a number from 0 on.
+char* writeExactly(char* to, double number, int decimals) {
+    ExactDecimal digits(number);
+    digits.roundTo(-decimals);
+    return writeDigits(to, digits, decimals);
+}
+
+/// The decimal number with the fewest digits whose nearest double is this one. The place is that of its last digit.
+struct ShortestDecimal {
+    ExactDecimal digits;
+    std::int64_t lastPlace;
+
+    explicit ShortestDecimal(double number) {
+        const ExactDecimal exact(number);
+        // With so many digits no two decimal numbers have the same nearest double, unless it is below the normal ones: the
+        // shortest one is not shorter but for zeros.
+        constexpr std::int64_t distinctDigits = std::numeric_limits<double>::digits10;
+        const bool isNormal = number >= std::numeric_limits<double>::min();
+        lastPlace = exact.firstPlace() - (isNormal ? distinctDigits - 1 : 0);
+        while (!find(exact, number))
+            --lastPlace;
+    }
+
+  private:
+    bool find(const ExactDecimal& exact, double number) {
+        digits = exact;
+        digits.roundTo(lastPlace);
+        if (ExactDecimal(digits).nearest().number == number) return true;
+        // Below a power of two doubles stand closer: where the nearest number is too far below, the next may do.
+        digits.increaseAt(lastPlace);
+        return ExactDecimal(digits).nearest().number == number;
+    }
+};
+
+/// A text with a point, without the zeros at its end.
+char* withoutFinalZeros(char* end) {
+    while (end[-1] == '0')
+        --end;
+    return end[-1] == '.' ? end - 1 : end;
+}
+
+/// Of a number from 0 on.
+char* writeShortestExactly(char* to, double number) {
+    if (number >= firstWithoutDecimals) return writeExactly(to, number, 0);
+    const ShortestDecimal shortest(number);
+    if (shortest.lastPlace >= 0) return writeDigits(to, shortest.digits, 0);
+    return withoutFinalZeros(writeDigits(to, shortest.digits, -shortest.lastPlace));
+}
+
+struct Product {
+    std::uint64_t upper;
+    std::uint64_t lower;
+};
+
+/// All bits of the product of two numbers below 2^63.
+Product product(std::uint64_t first, std::uint64_t second) {
+    constexpr std::uint64_t half = 0xffffffff;
+    const std::uint64_t lowest = (first & half) * (second & half);
+    const std::uint64_t middle = (first >> 32) * (second & half) + (lowest >> 32);
+    const std::uint64_t other = (first & half) * (second >> 32) + (middle & half);
+    return {(first >> 32) * (second >> 32) + (middle >> 32) + (other >> 32), other << 32 | (lowest & half)};
+}
+
+/// Does what writeShortestExactly does in a tenth of the time, for a number from 0.1 to 1e9 that is no power of two.
+///
+/// Numbers closer than half a unit of its last bit are read back as this one. Counted in those halves, and times the power of
+/// ten that leaves 17 digits before the point, the number is `scaled`, and a half is that power. Of the 17 digits the last
+/// two, the last one or none can be rounded away.
+char* writeShortestUsual(char* to, double number) {
+    int decimals = 17;
+    std::uint64_t scale = power(10, 17);
+    for (auto left = static_cast<std::uint64_t>(number); left != 0; left /= 10) {
+        --decimals;
+        scale /= 10;
+    }
+    int exponent = 0;
+    const auto bits = static_cast<std::uint64_t>(std::frexp(number, &exponent) * 0x1p53);
+    const int fractionBits = 54 - exponent;
+    const Product scaled = product(2 * bits, scale);
+    const std::uint64_t whole = scaled.upper << (64 - fractionBits) | scaled.lower >> fractionBits;
+    const std::uint64_t fraction = scaled.lower & ((std::uint64_t{1} << fractionBits) - 1);
+
+    std::uint64_t digits = 0;
+    for (std::uint64_t unit = 100; unit != 0; unit /= 10) {
+        const std::uint64_t below = (whole % unit << fractionBits) + fraction;
+        const std::uint64_t above = (unit << fractionBits) - below;
+        const bool isOdd = whole / unit % 2 != 0;
+        const bool isAbove = above < below || (above == below && isOdd);
+        digits = whole - whole % unit + (isAbove ? unit : 0);
+        const std::uint64_t distance = std::min(below, above);
+        if (distance < scale || (distance == scale && bits % 2 == 0)) break;
+    }
+
+    char* const point = writeWhole(to, digits / scale);
+    char* const end = point + 1 + decimals;
+    for (char* pair = end; pair > point + 1; digits /= 100) {
+        pair -= 2;
+        static_cast<void>(writeTwoDigits(pair, static_cast<std::uint32_t>(digits % 100)));
+    }
+    // Last, since half a pair may stand there.
+    *point = '.';
+    return withoutFinalZeros(end);
 }
 
 }  // namespace
@@ -109,31 +224,32 @@ char* writeDecimal(char* to, std::int64_t number) {
 }
 
 char* writeShortest(char* to, double number) {
+    if (number < 0.0) return writeShortest(writeText(to, '-'), -number);
+    if (number >= 1e9) return writeShortestExactly(to, number);
     // Of numbers with no more than 15 digits no two are read as one. So where the nearest one with six decimals is read
     // as this number, it is the shortest once the zeros at its end are gone.
     constexpr std::int64_t million = 1000000;
-    const bool isPlain = number >= 0.0 && number < 1e9;
-    const std::int64_t millionths = isPlain ? nearestWhole(number * static_cast<double>(million)) : 0;
-    if (!isPlain || static_cast<double>(millionths) / static_cast<double>(million) != number) {
-        return std::to_chars(to, to + mostShortestBytes, number, std::chars_format::fixed).ptr;
+    const std::int64_t millionths = nearestWhole(number * static_cast<double>(million));
+    if (static_cast<double>(millionths) / static_cast<double>(million) != number) {
+        return number >= 0.1 ? writeShortestUsual(to, number) : writeShortestExactly(to, number);
     }
     to = writeWhole(to, static_cast<std::uint64_t>(millionths / million));
     const auto decimals = static_cast<std::uint32_t>(millionths % million);
     if (decimals == 0) return to;
     to = writeText(to, '.');
     to = writeThreeDigits(to, decimals / 1000);
-    if (decimals % 1000 != 0) to = writeThreeDigits(to, decimals % 1000);
-    while (to[-1] == '0')
-        --to;
-    return to;
+    to = writeThreeDigits(to, decimals % 1000);
+    return withoutFinalZeros(to);
 }
 
 char* writeFixed(char* to, double number, int decimals) {
-    // Below 1 a double has more bits after the point than are counted with, and from 2^53 on none.
-    const bool isPlain = number >= 1.0 && number < 9007199254740992.0;
-    if (isPlain && decimals == 3) return writeWithDecimals<3>(to, number);
-    if (isPlain && decimals == 6) return writeWithDecimals<6>(to, number);
-    return std::to_chars(to, to + mostFixedBytes, number, std::chars_format::fixed, decimals).ptr;
+    if (std::signbit(number)) return writeFixed(writeText(to, '-'), -number, decimals);
+    const bool isUsual = number < firstWithoutDecimals;
+    if (isUsual && decimals == 3) return writeWithDecimals<3>(to, number);
+    if (isUsual && decimals == 6) return writeWithDecimals<6>(to, number);
+    if (std::isnan(number)) return writeText(to, std::string_view("nan"));
+    if (std::isinf(number)) return writeText(to, std::string_view("inf"));
+    return writeExactly(to, number, decimals);
 }
 
 }  // namespace velhls
