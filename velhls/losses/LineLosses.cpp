@@ -11,8 +11,8 @@
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/document/SecondsText.h"
+#include "velhls/document/TagSpelling.h"
 #include "velhls/losses/Loss.h"
-#include "velhls/losses/TagSpelling.h"
 
 namespace velhls {
 namespace {
