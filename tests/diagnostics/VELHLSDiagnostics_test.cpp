@@ -133,6 +133,49 @@ TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInKeysAndMaps) {
     EXPECT_EQ(seenBy("variable-not-replaced", pattern, VELHLSDiagnostics::Media), "\"{$n}.mp4\"");
 }
 
+TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInMasterPlaylists) {
+    const auto seenOf = [](const std::string& tag, const std::string& uri) {
+        return seenBy("master-variable-not-replaced",
+                      lines({"#EXTM3U", tag, "#EXT-X-STREAM-INF:BANDWIDTH=1", uri}),
+                      VELHLSDiagnostics::Master);
+    };
+    const std::string audio = "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"1\"";
+    EXPECT_EQ(seenOf(audio + ",URI=\"a/{$n}.m3u8\"", "low.m3u8"), "\"{$n}.m3u8\"");
+    EXPECT_EQ(seenOf("#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=1,URI=\"{$n}\"", "low.m3u8"), "\"{$n}\"");
+    EXPECT_EQ(seenOf("", "low/{$n}.m3u8"), "\"{$n}.m3u8\"");
+    EXPECT_EQ(seenOf(audio, "low.m3u8"), "");
+    EXPECT_EQ(seenOf("# {$n}", "low.m3u8"), "");
+    // Of what is rejected the error is told alone.
+    EXPECT_EQ(seenOf("#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"{$n}\"", "low.m3u8"), "");
+}
+
+TEST(VELHLSDiagnostics, TellsOfVariablesThatLoseTheirLeadingZeros) {
+    const auto seenOf = [](const std::string& defines, const std::string& increments) {
+        return seenBy("pattern-leading-zeros-dropped",
+                      "#EXTM3U\n" + defines + "#ZOR-PATTERN_START:p\n#EXTINF:6,\nsegment.ts\n" + increments +
+                          "#ZOR-PATTERN_REPEAT:p,1\n",
+                      VELHLSDiagnostics::Media);
+    };
+    const auto define = [](const std::string& value) {
+        return "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"" + value + "\"\n";
+    };
+    const std::string increment = "#ZOR-DEFINE_INCREMENT:n,2\n";
+    EXPECT_EQ(seenOf(define("0008"), increment), "\"0008\", counted on as 10");
+    EXPECT_EQ(seenOf(define("+8"), increment), "\"+8\", counted on as 10");
+    EXPECT_EQ(seenOf(define("-01"), increment), "\"-01\", counted on as 1");
+    for (const char* const plain : {"8", "10008", "0", "-8"})
+        EXPECT_EQ(seenOf(define(plain), increment), "") << plain;
+    // Of an increment the first, of a definition the last.
+    EXPECT_EQ(seenOf(define("08"), increment + increment), "\"08\", counted on as 10");
+    EXPECT_EQ(seenOf(define("08") + define("8"), increment), "");
+    EXPECT_EQ(seenOf(define("8") + define("08"), increment), "\"08\", counted on as 10");
+    // What is not counted on keeps them, and what is rejected is another rule's.
+    EXPECT_EQ(seenOf(define("08"), ""), "");
+    EXPECT_EQ(seenOf(define("08"), "#ZOR-DEFINE_INCREMENT:other,1\n"), "");
+    EXPECT_EQ(seenOf(define("08"), "#ZOR-DEFINE_INCREMENT:n\n"), "");
+    EXPECT_EQ(seenOf(define("08"), "#ZOR-DEFINE_INCREMENT:n,x\n"), "");
+}
+
 TEST(VELHLSDiagnostics, TellsOfAMapThatIsWrittenAfterAKeyThatItStoodBefore) {
     const std::string key = "#EXT-X-KEY:METHOD=AES-128,URI=\"k\"";
     const std::string map = "#EXT-X-MAP:URI=\"init.mp4\"";
