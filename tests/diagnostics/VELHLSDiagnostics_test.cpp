@@ -293,14 +293,46 @@ TEST(VELHLSDiagnostics, NamesTheAttributeUnlessItsNameIsEmptyOrLong) {
     EXPECT_EQ(messageFor(""), "EXT-X-STREAM-INF: ");
 }
 
-TEST(VELHLSDiagnostics, TellsOnWhichSideOfTheQuotesTextStands) {
-    const auto seenOf = [](const std::string& ruleId, const std::string& attribute) {
-        return seenBy(ruleId, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1," + attribute + "\na\n");
+TEST(VELHLSDiagnostics, TellsOfAttributesThatTheGrammarReadsOtherwise) {
+    const auto seenOf = [](const std::string& list, const std::string& tag = "#EXT-X-STREAM-INF:") {
+        return seenBy("attribute-read-otherwise",
+                      "#EXTM3U\n" + tag + list + "\n#EXT-X-STREAM-INF:BANDWIDTH=1\na\n",
+                      VELHLSDiagnostics::Master);
     };
-    EXPECT_EQ(seenOf("attribute-text-before-quote", "X=x\"y\""), "\"x\"");
-    EXPECT_EQ(seenOf("attribute-text-after-last-quote", "X=x\"y\""), "");
-    EXPECT_EQ(seenOf("attribute-text-before-quote", "X=\"y\"z"), "");
-    EXPECT_EQ(seenOf("attribute-text-after-last-quote", "X=\"y\"z"), "\"z\"");
+    const std::string first = "BANDWIDTH=1,";
+    const std::string last = ",BANDWIDTH=1";
+    const struct {
+        std::string list;
+        std::string seen;
+    } rows[] = {
+        {first + "X=x\"y\"", R"("x"y"", read as "y")"},
+        {first + "X=x\"y,z\"" + ",Y=1", R"("x"y,z"", read as "y,z")"},
+        {first + "X=\"y\"z", R"(""y"z", read as "y")"},
+        {first + "X=\"y\" ", R"(""y" ", read as "y")"},
+        {first + "X=\"y", R"(""y", read as "y")"},
+        {first + "X=\"", R"(""", read as "")"},
+        {"X= \"y\"" + last, R"(" "y"", read as "y")"},
+        {"X= y" + last, R"(" y", read with its white space)"},
+        {"X=y " + last, R"("y ", read with its white space)"},
+        {first + "X=y ", R"("y ", read with its white space)"},
+        {first + " X=y", R"(" X", read with its white space)"},
+        {"X\t=\"y\"" + last, "\"X\t\", read with its white space"},
+        // Against the grammar, and read alike.
+        {"x=y" + last, ""},
+        {"X=a b" + last, ""},
+        {"X=y,X=z" + last, ""},
+        {"X=\"\",Y=1" + last, ""},
+        {"X==" + last, ""},
+        // Rejected.
+        {"X=\"y\"z" + last, ""},
+        {",X=1" + last, ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(seenOf(row.list), row.seen) << row.list;
+    const std::string data = "#EXT-X-SESSION-DATA:";
+    EXPECT_EQ(seenOf("LANGUAGE=\"en\",DATA-ID=\"a.b\",VALUE=\"c\"", data), "");
+    EXPECT_EQ(seenOf("LANGUAGE=x\"en\",DATA-ID=\"a.b\",VALUE=\"c\"", data), R"("x"en"", read as "en")");
+    EXPECT_EQ(seenOf("= x,DATA-ID=\"a.b\",VALUE=\"c\"", data), R"(" x", read with its white space)");
 }
 
 TEST(VELHLSDiagnostics, TellsOfARepeatedAttributeAmongFewAndAmongMany) {
