@@ -1,4 +1,4 @@
-// Parses, renders and checks hostile inputs, each in a size and in twice that size, and prints what it did, one line
+// Parses, renders, writes and checks hostile inputs, each in a size and in twice that size, and prints what it did, one line
 // for each call of measuredRun: the input, the kind of playlist, the work, the bytes of the text. Callgrind counts the
 // calls: --toggle-collect=measuredRun --dump-after=measuredRun
 //
@@ -53,14 +53,18 @@ void measure(const hostile::Input& input, const std::string& work, std::size_t b
     measureAndPrint(run);
 }
 
+/// All that depends on a model. What the writer refuses it has looked at until then.
 template <typename Parse>
-void measureParseAndRender(const hostile::Input& input, const std::string& text, Parse parse) {
+void measureModel(const hostile::Input& input, const std::string& text, Parse parse) {
     std::istringstream stream(text);
     decltype(parse(stream, nullptr)) playlist;
     measure(input, "parse", text.size(), [&] { playlist = parse(stream, nullptr); });
     if (playlist == nullptr) return;
     std::ostringstream out;
     measure(input, "render", text.size(), [&] { static_cast<void>(playlist->render(out)); });
+    std::ostringstream written;
+    measure(input, "write", text.size(),
+            [&] { static_cast<void>(VELHLSPlaylistWriter::write(*playlist, written)); });
 }
 
 /// Lines, structure and all attributes.
@@ -86,9 +90,9 @@ class WholeDocument {
 void measure(const hostile::Input& input, std::size_t size) {
     const std::string text = input.text(size);
     if (input.kind == VELHLSDiagnostics::Master) {
-        measureParseAndRender(input, text, playlist::parseMaster);
+        measureModel(input, text, playlist::parseMaster);
     } else {
-        measureParseAndRender(input, text, playlist::parseMedia);
+        measureModel(input, text, playlist::parseMedia);
     }
     measure(input, "check", text.size(), [&] { static_cast<void>(library::findingsIn(text, input.kind)); });
     WholeDocument document;

@@ -1,10 +1,17 @@
 #include "tool/EditCommand.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
+#include "velhls/VELHLSCheck.h"
+
 #include "tool/Edit.h"
+#include "tool/Printable.h"
 #include "tool/ReadingOptions.h"
 
 namespace tool {
@@ -33,15 +40,50 @@ void addUriOptions(CLI::App& command, EditRequest& request) {
         ->type_name("QUERY");
 }
 
+/// Bits per second, as 2500000, 2500k or 2.5M: units are of ten here, as in the names of bit rates everywhere.
+std::optional<std::uint64_t> bitsPerSecond(std::string_view text) {
+    constexpr std::string_view units = "kmg";
+    std::size_t zeros = 0;
+    if (!text.empty()) {
+        const char unit = text.back() >= 'A' && text.back() <= 'Z'
+                              ? static_cast<char>(text.back() - 'A' + 'a')
+                              : text.back();
+        const std::size_t place = units.find(unit);
+        if (place != std::string_view::npos) {
+            zeros = 3 * (place + 1);
+            text.remove_suffix(1);
+        }
+    }
+    std::string digits(text);
+    const std::size_t point = digits.find('.');
+    if (point != std::string::npos) {
+        const std::size_t decimals = digits.size() - point - 1;
+        if (point == 0 || decimals == 0 || decimals > zeros) return std::nullopt;
+        digits.erase(point, 1);
+        zeros -= decimals;
+    }
+    if (digits.empty()) return std::nullopt;
+    return VELHLSSyntax::readDecimalInteger(digits.append(zeros, '0'));
+}
+
+void addBandwidthOption(CLI::App& command, const std::string& name, std::optional<std::uint64_t>& bandwidth,
+                        const std::string& description) {
+    const auto read = [&bandwidth, name](const std::string& text) {
+        bandwidth = bitsPerSecond(text);
+        if (!bandwidth) {
+            throw CLI::ValidationError(
+                name, "expected bits per second, as 2500000, 2500k or 2.5M, seen " + quotedExcerpt(text));
+        }
+    };
+    command.add_option_function<std::string>(name, read, description)->type_name("BITS");
+}
+
 void addVariantOptions(CLI::App& command, EditRequest& request) {
-    command
-        .add_option(
-            "--min-bandwidth", request.leastBandwidth,
-            "Drop variants with a lower BANDWIDTH, in bits per second, and renditions that no variant "
-            "names any more")
-        ->type_name("BITS");
-    command.add_option("--max-bandwidth", request.mostBandwidth, "Likewise with a higher one")
-        ->type_name("BITS");
+    addBandwidthOption(
+        command, "--min-bandwidth", request.leastBandwidth,
+        "Drop variants with a lower BANDWIDTH, in bits per second (2500k is 2500000, and M and "
+        "G are more), and renditions that no variant names any more");
+    addBandwidthOption(command, "--max-bandwidth", request.mostBandwidth, "Likewise with a higher one");
     command
         .add_option("--drop-codec", request.droppedCodecs,
                     "Likewise with a codec that begins so; may be repeated")

@@ -11,9 +11,10 @@ namespace {
 
 /// Makes bytes of a size such as "10k"; says why that cannot be done.
 std::string makeBytes(std::string& size) {
+    const std::string given = size;
     const bool isNumber = !size.empty() && size.front() >= '0' && size.front() <= '9';
-    if (!isNumber) return "expected a number of bytes, as 10k, seen " + quotedExcerpt(size);
-    return CLI::AsSizeValue(false)(size);
+    if (isNumber && CLI::AsSizeValue(false)(size).empty()) return {};
+    return "expected a number of bytes, as 10k, seen " + quotedExcerpt(given);
 }
 
 }  // namespace

@@ -133,6 +133,49 @@ TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInKeysAndMaps) {
     EXPECT_EQ(seenBy("variable-not-replaced", pattern, VELHLSDiagnostics::Media), "\"{$n}.mp4\"");
 }
 
+TEST(VELHLSDiagnostics, TellsOfVariablesThatStayInMasterPlaylists) {
+    const auto seenOf = [](const std::string& tag, const std::string& uri) {
+        return seenBy("master-variable-not-replaced",
+                      lines({"#EXTM3U", tag, "#EXT-X-STREAM-INF:BANDWIDTH=1", uri}),
+                      VELHLSDiagnostics::Master);
+    };
+    const std::string audio = "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"1\"";
+    EXPECT_EQ(seenOf(audio + ",URI=\"a/{$n}.m3u8\"", "low.m3u8"), "\"{$n}.m3u8\"");
+    EXPECT_EQ(seenOf("#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=1,URI=\"{$n}\"", "low.m3u8"), "\"{$n}\"");
+    EXPECT_EQ(seenOf("", "low/{$n}.m3u8"), "\"{$n}.m3u8\"");
+    EXPECT_EQ(seenOf(audio, "low.m3u8"), "");
+    EXPECT_EQ(seenOf("# {$n}", "low.m3u8"), "");
+    // Of what is rejected the error is told alone.
+    EXPECT_EQ(seenOf("#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"{$n}\"", "low.m3u8"), "");
+}
+
+TEST(VELHLSDiagnostics, TellsOfVariablesThatLoseTheirLeadingZeros) {
+    const auto seenOf = [](const std::string& defines, const std::string& increments) {
+        return seenBy("pattern-leading-zeros-dropped",
+                      "#EXTM3U\n" + defines + "#ZOR-PATTERN_START:p\n#EXTINF:6,\nsegment.ts\n" + increments +
+                          "#ZOR-PATTERN_REPEAT:p,1\n",
+                      VELHLSDiagnostics::Media);
+    };
+    const auto define = [](const std::string& value) {
+        return "#EXT-X-DEFINE:NAME=\"n\",VALUE=\"" + value + "\"\n";
+    };
+    const std::string increment = "#ZOR-DEFINE_INCREMENT:n,2\n";
+    EXPECT_EQ(seenOf(define("0008"), increment), "\"0008\", counted on as 10");
+    EXPECT_EQ(seenOf(define("+8"), increment), "\"+8\", counted on as 10");
+    EXPECT_EQ(seenOf(define("-01"), increment), "\"-01\", counted on as 1");
+    for (const char* const plain : {"8", "10008", "0", "-8"})
+        EXPECT_EQ(seenOf(define(plain), increment), "") << plain;
+    // Of an increment the first, of a definition the last.
+    EXPECT_EQ(seenOf(define("08"), increment + increment), "\"08\", counted on as 10");
+    EXPECT_EQ(seenOf(define("08") + define("8"), increment), "");
+    EXPECT_EQ(seenOf(define("8") + define("08"), increment), "\"08\", counted on as 10");
+    // What is not counted on keeps them, and what is rejected is another rule's.
+    EXPECT_EQ(seenOf(define("08"), ""), "");
+    EXPECT_EQ(seenOf(define("08"), "#ZOR-DEFINE_INCREMENT:other,1\n"), "");
+    EXPECT_EQ(seenOf(define("08"), "#ZOR-DEFINE_INCREMENT:n\n"), "");
+    EXPECT_EQ(seenOf(define("08"), "#ZOR-DEFINE_INCREMENT:n,x\n"), "");
+}
+
 TEST(VELHLSDiagnostics, TellsOfAMapThatIsWrittenAfterAKeyThatItStoodBefore) {
     const std::string key = "#EXT-X-KEY:METHOD=AES-128,URI=\"k\"";
     const std::string map = "#EXT-X-MAP:URI=\"init.mp4\"";
@@ -250,14 +293,46 @@ TEST(VELHLSDiagnostics, NamesTheAttributeUnlessItsNameIsEmptyOrLong) {
     EXPECT_EQ(messageFor(""), "EXT-X-STREAM-INF: ");
 }
 
-TEST(VELHLSDiagnostics, TellsOnWhichSideOfTheQuotesTextStands) {
-    const auto seenOf = [](const std::string& ruleId, const std::string& attribute) {
-        return seenBy(ruleId, "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1," + attribute + "\na\n");
+TEST(VELHLSDiagnostics, TellsOfAttributesThatTheGrammarReadsOtherwise) {
+    const auto seenOf = [](const std::string& list, const std::string& tag = "#EXT-X-STREAM-INF:") {
+        return seenBy("attribute-read-otherwise",
+                      "#EXTM3U\n" + tag + list + "\n#EXT-X-STREAM-INF:BANDWIDTH=1\na\n",
+                      VELHLSDiagnostics::Master);
     };
-    EXPECT_EQ(seenOf("attribute-text-before-quote", "X=x\"y\""), "\"x\"");
-    EXPECT_EQ(seenOf("attribute-text-after-last-quote", "X=x\"y\""), "");
-    EXPECT_EQ(seenOf("attribute-text-before-quote", "X=\"y\"z"), "");
-    EXPECT_EQ(seenOf("attribute-text-after-last-quote", "X=\"y\"z"), "\"z\"");
+    const std::string first = "BANDWIDTH=1,";
+    const std::string last = ",BANDWIDTH=1";
+    const struct {
+        std::string list;
+        std::string seen;
+    } rows[] = {
+        {first + "X=x\"y\"", R"("x"y"", read as "y")"},
+        {first + "X=x\"y,z\"" + ",Y=1", R"("x"y,z"", read as "y,z")"},
+        {first + "X=\"y\"z", R"(""y"z", read as "y")"},
+        {first + "X=\"y\" ", R"(""y" ", read as "y")"},
+        {first + "X=\"y", R"(""y", read as "y")"},
+        {first + "X=\"", R"(""", read as "")"},
+        {"X= \"y\"" + last, R"(" "y"", read as "y")"},
+        {"X= y" + last, R"(" y", read with its white space)"},
+        {"X=y " + last, R"("y ", read with its white space)"},
+        {first + "X=y ", R"("y ", read with its white space)"},
+        {first + " X=y", R"(" X", read with its white space)"},
+        {"X\t=\"y\"" + last, "\"X\t\", read with its white space"},
+        // Against the grammar, and read alike.
+        {"x=y" + last, ""},
+        {"X=a b" + last, ""},
+        {"X=y,X=z" + last, ""},
+        {"X=\"\",Y=1" + last, ""},
+        {"X==" + last, ""},
+        // Rejected.
+        {"X=\"y\"z" + last, ""},
+        {",X=1" + last, ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(seenOf(row.list), row.seen) << row.list;
+    const std::string data = "#EXT-X-SESSION-DATA:";
+    EXPECT_EQ(seenOf("LANGUAGE=\"en\",DATA-ID=\"a.b\",VALUE=\"c\"", data), "");
+    EXPECT_EQ(seenOf("LANGUAGE=x\"en\",DATA-ID=\"a.b\",VALUE=\"c\"", data), R"("x"en"", read as "en")");
+    EXPECT_EQ(seenOf("= x,DATA-ID=\"a.b\",VALUE=\"c\"", data), R"(" x", read with its white space)");
 }
 
 TEST(VELHLSDiagnostics, TellsOfARepeatedAttributeAmongFewAndAmongMany) {
@@ -376,6 +451,9 @@ TEST(VELHLSDiagnostics, SaysWhatATextIsThatIsNoPlaylist) {
         {std::string("\0#\0E\0X\0T", 8), "text in UTF-16 (iconv -f UTF-16 -t UTF-8 converts it)"},
         {std::string(4096, 'x') + '\0', "no tag"},
         {"x", "no tag"},
+        {"#extm3u\n#extinf:6,\nsegment.ts\n", "\"#extm3u\", did you mean EXTM3U?"},
+        {"\r\n#ExtInf:6,\r\nsegment.ts\n", "\"#ExtInf:6,\", did you mean EXTINF?"},
+        {"EXTM3U\n", "no tag"},
         {" \n", "no tag"},
         {"#EXTM3U", unknownKind},
         {"x\n#EXTM3U", unknownKind},

@@ -213,6 +213,10 @@ void appendInForce(std::vector<Input>& inputs) {
            [](std::size_t n) { return times(n, "#EXT-X-BYTERANGE:1\n" + segment); });
     append("a segment of many lines that are not its own",
            [](std::size_t n) { return "#EXTINF:6,\n" + counted(n, "#EXT-X-VERSION:~\n") + "segment1.ts\n"; });
+    append("keys and maps by turns", [key](std::size_t n) {
+        const std::string map = "#EXT-X-MAP:URI=\"init1.mp4\"\n";
+        return times(n / 2, key + "\"a\"\n" + map + segment + key + "\"b\"\n" + map + segment);
+    });
     append("many short lines, and a long one",
            [](std::size_t n) { return times(n, "\n") + segment + std::string(64 * n, 'a') + "\n"; });
 }
@@ -247,6 +251,8 @@ void appendVariables(std::vector<Input>& inputs) {
     append("references without an end", [x](std::size_t n) {
         return x + patternOf("#EXTINF:6,\nsegment" + times(n, "{$x") + ".ts\n", "1");
     });
+    append("references that are none in a URI",
+           [](std::size_t n) { return "#EXTINF:6,\nsegment" + times(n, "{$x.") + ".ts\n"; });
     append("patterns", [x](std::size_t n) {
         return x + times(n, patternOf("#EXTINF:6,\nsegment{$x}.ts\n#ZOR-DEFINE_INCREMENT:x,1\n", "1"));
     });

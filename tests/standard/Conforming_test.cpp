@@ -56,6 +56,8 @@ std::vector<Conforming> conforming() {
         {"an unknown tag between EXTINF and the URI", ofOne("#EXTINF:6,\n#EXT-X-NEW:1\nfirst.ts\n")},
         {"unknown bare tags", ofOne("#EXTINF:6,\n#EXT-X-NEW\nfirst.ts\n#EXT-X-NEWER\n")},
         {"an unknown bare tag in a master playlist", ofVariant("", "#EXT-X-NEW\n")},
+        {"comments that name tags",
+         ofOne("#EXTINF:6,\nfirst.ts\n# EXTINF\n##EXTINF\n#extinf and more\n#e\n#\n")},
         {"a comment between EXTINF and the URI", ofOne("#EXTINF:6,\n# by hand\nfirst.ts\n")},
         {"a comment and a blank line before a variant's URI",
          "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"mp4a.40.2\"\n# low\n\nlow.m3u8\n"},
@@ -197,6 +199,12 @@ TEST(DisputedPlaylists, HaveNoErrors) {
     EXPECT_EQ(rulesIn(findingsIn(window, StandardProfile::rfc8216), VELHLSFinding::Error), "");
     EXPECT_EQ(rulesIn(findingsIn(window, StandardProfile::rfc8216), VELHLSFinding::Warning),
               "live-window-short");
+}
+
+TEST(TagsOfTheSuccessor, AreMissedInSmallLettersByItselfAlone) {
+    const std::string text = ofOne("#EXTINF:6,\nfirst.ts\n#ext-x-gap\n");
+    EXPECT_EQ(rulesIn(findingsIn(text, StandardProfile::rfc8216), VELHLSFinding::Note), "");
+    EXPECT_EQ(rulesIn(findingsIn(text, StandardProfile::rfc8216bis), VELHLSFinding::Note), "tag-misspelled");
 }
 
 TEST(InstreamIdOfAudio, IsForbiddenByRfc8216AndAllowedByItsSuccessor) {

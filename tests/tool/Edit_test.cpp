@@ -237,6 +237,26 @@ TEST(EditCommand, DropsVariantsAndWhatOnlyTheyName) {
     EXPECT_THAT(high.output, testing::Not(HasSubstr("NOMINAL_VIDEO_BITRATE=1\n")));
 }
 
+TEST(EditCommand, TakesBitRatesWithUnits) {
+    const std::string rich = "#EXT-X-STREAM-INF:BANDWIDTH=2500000\n2.m3u8\n";
+    const std::string poor = "#EXT-X-STREAM-INF:BANDWIDTH=2499999\n1.m3u8\n";
+    for (const char* const limit : {"2500000", "2500k", "2500K", "2.5M", "2.5000m", "0.0025G", "2.500000M"}) {
+        EXPECT_EQ(edited({"--min-bandwidth", limit}, rich + poor), rich) << limit;
+    }
+    EXPECT_EQ(edited({"--max-bandwidth", "18446744073709551615"}, rich), rich);
+    for (const std::string wrong :
+         {"2Q", "-1", "k", ".5M", "2.M", "2.5", "2.5555k", "2,5M", "2.5.5M", "2Mb", " 2", "2 M", "1e6",
+          "0x10", "18446744073709551616", "99999999999999999999G"}) {
+        const Outcome outcome = edit({"--max-bandwidth=" + wrong}, rich);
+        EXPECT_EQ(outcome.exitStatus, 2) << wrong;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(
+            outcome.errors,
+            "velhls: error: --max-bandwidth: expected bits per second, as 2500000, 2500k or 2.5M, seen \"" +
+                wrong + "\"\nRun velhls with --help for more information.\n");
+    }
+}
+
 TEST(EditCommand, RefusesToDropAllVariantsAndThoseItCannotJudge) {
     const Outcome none = edit({"--min-bandwidth", "5000"}, master);
     EXPECT_EQ(none.exitStatus, 1);

@@ -649,7 +649,7 @@ TEST(VELHLSPlaylistWriterMedia, RefusesSegmentsThatWouldBreakALineOrInjectATag) 
         EXPECT_EQ(with([uri](Segment& segment) { segment.uri = uri; }),
                   "refused: segment 1: the URI begins with \"#\"");
     }
-    for (const char* const title : {",\n", ",Intro\r", "Intro\n#EXT-X-ENDLIST", "\n"}) {
+    for (const char* const title : {",\n", ",Intro\r", "Intro\n#EXT-X-ENDLIST", "\n", ",\tIntroduction\n"}) {
         EXPECT_EQ(with([title](Segment& segment) { segment.title = title; }),
                   "refused: segment 1: the title holds a line end");
     }
@@ -657,6 +657,34 @@ TEST(VELHLSPlaylistWriterMedia, RefusesSegmentsThatWouldBreakALineOrInjectATag) 
               "refused: segment 1: a cue marker holds a line end");
     EXPECT_EQ(with([](Segment& segment) { segment.cueOutCont = "\r"; }),
               "refused: segment 1: a cue marker holds a line end");
+}
+
+TEST(VELHLSPlaylistWriterMedia, RefusesReferencesToVariablesThatAreNotWritten) {
+    using Segment = VELHLSMediaSegment;
+    const std::string why = "refers to a variable, and variables are not written";
+    for (const char* const uri :
+         {"{$n}.ts", "folder/{$folder-of_2}/segment.ts", "a{$}{$b}", "{${$n}}", " {$n}", "#{$n}"}) {
+        EXPECT_EQ(segmentWith([uri](Segment& segment) { segment.uri = uri; }),
+                  "refused: segment 1: the URI " + why)
+            << uri;
+    }
+    EXPECT_EQ(segmentWith([](Segment& segment) { segment.misMap = mapOf("{$n}.mp4"); }),
+              "refused: segment 1: the initialization section's URI " + why);
+    EXPECT_EQ(segmentWith([](Segment& segment) {
+                  segment.protectionData = keyOf(VELHLSProtectionData::AES128, "https://a/{$key}");
+              }),
+              "refused: segment 1: the key " + why);
+    EXPECT_EQ(segmentWith([](Segment& segment) {
+                  segment.protectionData = keyOf(VELHLSProtectionData::AES128, "k");
+                  segment.protectionData->keyFormat = "{$format}";
+              }),
+              "refused: segment 1: the key " + why);
+    // What players put no variables into, and what is no reference.
+    for (const char* const uri : {"{n}/$n.ts", "segment{$}.ts", "segment{$n", "segment{$a.b}.ts", "{$"}) {
+        EXPECT_EQ(writer::isRefused(segmentWith([uri](Segment& segment) { segment.uri = uri; })), false)
+            << uri;
+    }
+    EXPECT_EQ(writer::isRefused(segmentWith([](Segment& segment) { segment.title = "{$n}"; })), false);
 }
 
 TEST(VELHLSPlaylistWriterMedia, RefusesNumbersThatAreNoDuration) {
@@ -978,6 +1006,20 @@ TEST(VELHLSPlaylistWriterMaster, RefusesVariantsThatWouldBreakALineOrInjectATag)
                   add(manifest, iFrame);
               }),
               "refused: I-frame variant 1: URI holds a quote");
+}
+
+TEST(VELHLSPlaylistWriterMaster, RefusesReferencesToVariablesThatAreNotWritten) {
+    using Variant = VELHLSMediaVariant;
+    const std::string why = " refers to a variable, and variables are not written";
+    EXPECT_EQ(variantWith([](Variant& variant) { variant.uri = "{$host}/low.m3u8"; }),
+              "refused: variant 1: URI" + why);
+    EXPECT_EQ(variantWith([](Variant& variant) { variant.codecs = "{$codecs}"; }),
+              "refused: variant 1: CODECS" + why);
+    EXPECT_EQ(masterWith([](VELHLSParsedManifest& manifest) {
+                  manifest.sessionData.push_back(std::make_shared<VELHLSManifestSessionData>(
+                      VELHLSManifestSessionData{"com.example.title", "{$title}", "", ""}));
+              }),
+              "refused: session data 1: VALUE" + why);
 }
 
 TEST(VELHLSPlaylistWriterMaster, RefusesOtherRecordsThatWouldBreakALine) {

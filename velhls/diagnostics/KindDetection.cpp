@@ -4,8 +4,11 @@
 #include <cstddef>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
+#include "velhls/common/TagLine.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/document/TagSpelling.h"
 #include "velhls/document/VELHLSTagDefinition.h"
 #include "velhls/standard/TextCharacters.h"
 
@@ -98,7 +101,9 @@ std::string describeNoPlaylist(std::string_view text) {
     if (text.find("#EXTM3U") != std::string_view::npos) {
         return "no tag that only a master or only a media playlist has";
     }
-    return "no tag";
+    const std::string_view firstLine = content.substr(0, content.find_first_of("\r\n"));
+    const std::string hint = isTagOrComment(firstLine) ? didYouMean(TagLine(firstLine).name) : std::string();
+    return hint.empty() ? "no tag" : quoted(firstLine) + hint;
 }
 
 }  // namespace velhls

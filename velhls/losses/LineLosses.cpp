@@ -4,6 +4,7 @@
 #include <optional>
 #include <sstream>
 #include <stdexcept>
+#include <vector>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/NumberReading.h"
@@ -11,8 +12,9 @@
 #include "velhls/common/StartTag.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/document/SecondsText.h"
+#include "velhls/document/TagSpelling.h"
+#include "velhls/document/VELHLSAttribute.h"
 #include "velhls/losses/Loss.h"
-#include "velhls/losses/TagSpelling.h"
 
 namespace velhls {
 namespace {
@@ -20,37 +22,48 @@ namespace {
 constexpr bool lost = true;
 constexpr bool kept = false;
 
-const Attribute* lastAttribute(const LossLine& line) {
-    const bool hasNone = line.attributes == nullptr || line.attributes->all.empty();
-    return hasNone ? nullptr : &line.attributes->all.back();
+/// The models read session data from the tag's colon on, which another rule tells.
+std::string_view nameWithoutColon(const Attribute& attribute) {
+    return attribute.name.substr(startsWith(attribute.name, ":") ? 1 : 0);
 }
 
-/// The text of the line from the end of a piece on.
-std::string_view textAfter(const LossLine& line, std::string_view piece) {
-    return line.text.substr(static_cast<std::size_t>(piece.data() + piece.size() - line.text.data()));
+/// Whether the grammar reads the attribute as the models do, and both take all of its text.
+bool isReadAlike(const Attribute& attribute, const VELHLSAttribute& strict) {
+    const std::string_view name = nameWithoutColon(attribute);
+    const std::size_t quotes = attribute.isQuoted ? 2 : 0;
+    return name == strict.name && attribute.value == strict.value && attribute.isQuoted == strict.quoted &&
+           name.size() + 1 + attribute.value.size() + quotes == strict.text.size();
 }
 
-/// Of a quoted value that is the last one and is not closed, with its opening quote.
-void findUnclosedQuote(const LossLine& line, const TellLoss& tell) {
-    const Attribute* const last = lastAttribute(line);
-    if (last == nullptr || !last->isQuoted || !textAfter(line, last->value).empty()) return;
-    tell(line, line.text.substr(line.text.size() - last->value.size() - 1));
+/// An attribute that the models read otherwise than the grammar of RFC 8216, section 4.2, has it, up to its `end`.
+void tellOfOtherReading(const LossLine& line, const Attribute& attribute, const char* end,
+                        const TellLoss& tell) {
+    const std::string_view name = nameWithoutColon(attribute);
+    const bool hasBlanks = !name.empty() && (blanks.holds(name.front()) || blanks.holds(name.back()));
+    if (hasBlanks) return tell(line, name, quoted(name) + ", read with its white space");
+    const char* const start = name.data() + name.size() + 1;
+    const std::string_view written(start, static_cast<std::size_t>(end - start));
+    tell(line, written,
+         quoted(written) + (written == attribute.value ? ", read with its white space"
+                                                       : ", read as " + quoted(attribute.value)));
 }
 
-void findTextAfterLastQuote(const LossLine& line, const TellLoss& tell) {
-    const Attribute* const last = lastAttribute(line);
-    if (last == nullptr || !last->isQuoted) return;
-    const std::string_view after = textAfter(line, last->value);
-    if (after.size() > 1) tell(line, after.substr(1));
-}
-
-void findTextBeforeQuote(const LossLine& line, const TellLoss& tell) {
+/// Compares the list that the models read with the one that the grammar has.
+void findOtherReading(const LossLine& line, const TellLoss& tell) {
     if (line.attributes == nullptr) return;
-    for (const Attribute& attribute : line.attributes->all) {
-        if (!attribute.isQuoted) continue;
-        const auto length = static_cast<std::size_t>(attribute.value.data() - attribute.name.data()) -
-                            attribute.name.size() - 2;
-        if (length > 0) tell(line, textAfter(line, attribute.name).substr(1, length));
+    const VELHLSAttributes list(line.tag.value);
+    VELHLSAttributes::Iterator strict = list.begin();
+    const std::vector<Attribute>& all = line.attributes->all;
+    for (std::size_t index = 0; index < all.size(); ++index) {
+        const char* const start = nameWithoutColon(all[index]).data();
+        // Of a value with a comma in its quotes the grammar may have made several.
+        while (strict != list.end() && strict->text.data() < start)
+            ++strict;
+        if (strict != list.end() && isReadAlike(all[index], *strict)) continue;
+        const bool isLast = index + 1 == all.size();
+        const char* const end =
+            isLast ? line.tag.value.data() + line.tag.value.size() : all[index + 1].name.data() - 1;
+        tellOfOtherReading(line, all[index], end, tell);
     }
 }
 
@@ -231,15 +244,9 @@ constexpr LineLoss losses[] = {
     {{"number-not-decimal", VELHLSFinding::Warning, "A number holds more than RFC 8216 allows, and is read in part or in another notation.",
       "a decimal number and nothing else", libraryBehaviour, kept},
      findOtherNotation},
-    {{"attribute-quote-unclosed-at-end", VELHLSFinding::Warning, "The last value of an attribute list has no closing quote.",
-      "a closing quote", libraryBehaviour, kept},
-     findUnclosedQuote},
-    {{"attribute-text-after-last-quote", VELHLSFinding::Warning, "Text stands after the closing quote of the last value, and is dropped.",
-      "the end of the line after the closing quote", libraryBehaviour, lost},
-     findTextAfterLastQuote},
-    {{"attribute-text-before-quote", VELHLSFinding::Warning, "Text stands between an equals sign and the opening quote, and is dropped.",
-      "the opening quote right after the equals sign", libraryBehaviour, lost},
-     findTextBeforeQuote},
+    {{"attribute-read-otherwise", VELHLSFinding::Warning, "An attribute is read otherwise than the grammar of attribute lists has it.",
+      "NAME=value or NAME=\"value\", and nothing else before the comma or the end", libraryBehaviour, lost},
+     findOtherReading},
     {{"attribute-repeated", VELHLSFinding::Warning, "An attribute stands a second time, and is dropped.",
       "the attribute once", libraryBehaviour, lost},
      findRepeatedAttribute},

@@ -1,7 +1,9 @@
 #include "velhls/losses/Loss.h"
 
 #include <algorithm>
+#include <stdexcept>
 
+#include "velhls/common/NumberReading.h"
 #include "velhls/common/Reading.h"
 
 namespace velhls {
@@ -11,6 +13,16 @@ const Attribute* LossLine::find(std::string_view name) const {
     const auto found = std::find_if(attributes->all.begin(), attributes->all.end(),
                                     [name](const Attribute& attribute) { return attribute.name == name; });
     return found == attributes->all.end() ? nullptr : &*found;
+}
+
+std::optional<std::string> countedOn(std::string_view variable, std::string_view increment) {
+    try {
+        const std::int64_t amount = toInt32(increment.substr(increment.find(',') + 1));
+        return std::to_string(toInt32(variable) + amount);
+    } catch (const std::logic_error&) {
+        // Such a pattern is rejected.
+        return std::nullopt;
+    }
 }
 
 void TellLoss::operator()(const LossLine& line, std::string_view piece, std::string_view seen) const {

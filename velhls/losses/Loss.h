@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,6 +54,9 @@ inline constexpr std::array tagsWrittenOnce = {
     return index;
 }
 
+/// What ZOR-DEFINE_INCREMENT with this value ("n,1") makes of a variable's text; nothing when it cannot.
+[[nodiscard]] std::optional<std::string> countedOn(std::string_view variable, std::string_view increment);
+
 /// What is known of the playlist when one of its lines is looked at.
 struct LossPlaylist {
     bool isMaster = false;
@@ -67,8 +70,8 @@ struct LossPlaylist {
     bool startIsPrecise = false;
     /// Of tagsWrittenOnce those that came before.
     std::bitset<tagsWrittenOnce.size()> seenTags;
-    /// Ordered, so that no choice of names makes looking one up slow.
-    std::set<std::string, std::less<>> variables;
+    /// Their texts by their names, ordered so that no choice of names makes looking one up slow.
+    std::map<std::string, std::string, std::less<>> variables;
 };
 
 /// A line as a reader read it, with what was made of it.

@@ -21,9 +21,9 @@ void appendRules(std::vector<VELHLSRule>& rules, const LossTable<Entry>& losses)
         rules.push_back(loss.rule);
 }
 
-/// A URI is looked at with its record.
+/// A segment's URI is looked at with its record.
 bool isLookedAt(const LossLine& line) {
-    return isTagOrComment(line.text);
+    return isTagOrComment(line.text) || line.role == LineRole::variantUri;
 }
 
 /// The lines of one record after the other.

@@ -29,6 +29,17 @@ void findTagAsUri(const LossLine& line, const TellLoss& tell) {
     if (isUri && isTagOrComment(line.text)) tell(line, line.text);
 }
 
+void findReference(const LossLine& line, const TellLoss& tell) {
+    constexpr std::string_view start = "{$";
+    const auto tellOf = [&](std::string_view text) {
+        const std::size_t reference = text.find(start);
+        if (reference != std::string_view::npos) tell(line, text.substr(reference));
+    };
+    if (line.role == LineRole::rejected || !line.isKept) return;
+    if (line.role == LineRole::variantUri) return tellOf(line.text);
+    line.forEachAttribute([&](const Attribute& attribute) { tellOf(attribute.value); });
+}
+
 void findUriAttribute(const LossLine& line, const TellLoss& tell) {
     const Attribute* const uri = line.isTagNamed(tag::streamInf) ? line.find(attribute::uri) : nullptr;
     if (uri != nullptr) tell(line, uri->value);
@@ -131,6 +142,9 @@ constexpr LineLoss losses[] = {
     {{"variant-uri-attribute-ignored", VELHLSFinding::Warning, "EXT-X-STREAM-INF has a URI attribute, which is ignored.",
       "the URI in the line after the tag alone", libraryBehaviour, lost},
      findUriAttribute},
+    {{"master-variable-not-replaced", VELHLSFinding::Warning, "A URI or a value of a master playlist refers to a variable, which is not replaced.",
+      "no reference to a variable", libraryBehaviour, kept},
+     findReference},
     {{"variant-captions-none-added", VELHLSFinding::Note, "A variant without CLOSED-CAPTIONS is written with CLOSED-CAPTIONS=NONE.",
       "CLOSED-CAPTIONS", libraryBehaviour, kept},
      findCaptionsNoneAdded},

@@ -213,6 +213,17 @@ void findReplacedVariable(const LossLine& line, const TellLoss& tell) {
     if (line.playlist->variables.count(name) != 0) tell(line, name);
 }
 
+/// The first pass has the text that was defined, the next ones have numbers.
+void findDroppedZeros(const LossLine& line, const TellLoss& tell) {
+    if (!line.isTagNamed(tag::zorDefineIncrement) || line.role != LineRole::pattern) return;
+    const auto variable = line.playlist->variables.find(line.tag.value.substr(0, line.tag.value.find(',')));
+    if (variable == line.playlist->variables.end()) return;
+    const std::optional<std::string> read = countedOn(variable->second, "0");
+    const std::optional<std::string> next = countedOn(variable->second, line.tag.value);
+    if (read && next && *read != variable->second)
+        tell(line, line.tag.value, quoted(variable->second) + ", counted on as " + *next);
+}
+
 /// Blank lines and comments are nothing that could be lost.
 bool isContent(std::string line) {
     line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
@@ -281,6 +292,9 @@ constexpr LineLoss losses[] = {
     {{"define-replaced", VELHLSFinding::Warning, "A variable is defined a second time.",
       "a NAME that is not defined yet", libraryBehaviour, kept},
      findReplacedVariable},
+    {{"pattern-leading-zeros-dropped", VELHLSFinding::Warning, "A variable is counted on as a plain number, without the leading zeros that it has.",
+      "a variable without leading zeros", vendorExtension, kept},
+     findDroppedZeros},
 };
 
 constexpr RestLoss lossesOfRest[] = {

@@ -116,13 +116,20 @@ void ReadLines::note(const LossLine& line) {
     if (line.tag.name == tag::extM3U && !line.tag.hasColon) playlist_.hasHeader = true;
     const std::size_t index = indexOfTagWrittenOnce(line.tag.name);
     if (index < tagsWrittenOnce.size()) playlist_.seenTags.set(index);
+    if (line.isTagNamed(tag::zorDefineIncrement)) noteIncrement(line.tag.value);
     if (line.attributes == nullptr) return;
     const Attribute* const precise = line.isTagNamed(tag::start) ? line.find(attribute::precise) : nullptr;
     if (precise != nullptr && precise->value == fixed::yes) playlist_.startIsPrecise = true;
     const Attribute* const name = line.isTagNamed(tag::define) ? line.find(attribute::name) : nullptr;
-    if (name != nullptr && line.find(attribute::value) != nullptr) {
-        playlist_.variables.emplace(name->value);
-    }
+    const Attribute* const value = name == nullptr ? nullptr : line.find(attribute::value);
+    if (value != nullptr) playlist_.variables.insert_or_assign(std::string(name->value), value->value);
+}
+
+void ReadLines::noteIncrement(std::string_view value) {
+    const auto variable = playlist_.variables.find(value.substr(0, value.find(',')));
+    if (variable == playlist_.variables.end()) return;
+    const std::optional<std::string> counted = countedOn(variable->second, value);
+    if (counted) variable->second = *counted;
 }
 
 }  // namespace velhls

@@ -35,6 +35,7 @@ class ReadLines {
     void setRoles(const RecordLines& record);
     void readAttributes(LossLine& line);
     void note(const LossLine& line);
+    void noteIncrement(std::string_view value);
 
     const TextLines& lines_;
     Kind kind_;

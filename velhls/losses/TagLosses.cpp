@@ -10,9 +10,9 @@
 #include "velhls/common/ReasonText.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/document/TagSpelling.h"
 #include "velhls/document/VELHLSTagDefinition.h"
 #include "velhls/losses/Loss.h"
-#include "velhls/losses/TagSpelling.h"
 
 namespace velhls {
 namespace {

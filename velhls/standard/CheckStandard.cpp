@@ -47,8 +47,8 @@ class LineRun {
         } else {
             if (!isPlain(line.text)) findAll(textRules(), checked, findings_);
             if (line.kind == VELHLSLine::Uri) findAll(uriRules(), checked, findings_);
-            if (line.kind == VELHLSLine::Tag && line.definition == nullptr)
-                findAll(unknownTagRules(), checked, findings_);
+            const bool mayBeTag = line.kind == VELHLSLine::Tag || line.kind == VELHLSLine::Comment;
+            if (mayBeTag && line.definition == nullptr) findAll(unknownTagRules(), checked, findings_);
             if (isTag) checkTag(checked);
         }
         if (line.kind == VELHLSLine::Uri) ++segment_;

@@ -3,7 +3,10 @@
 #include <string>
 
 #include "velhls/common/Names.h"
+#include "velhls/common/ReasonText.h"
+#include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/document/TagSpelling.h"
 #include "velhls/document/VELHLSSyntax.h"
 #include "velhls/standard/CheckedPlaylist.h"
 #include "velhls/standard/TextCharacters.h"
@@ -103,19 +106,15 @@ void findOddUri(const CheckedLine& checked, const Tell& tell) {
     }
 }
 
-char toUpper(char character) {
-    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
-}
-
-/// What is no tag because of its lower-case letters.
-void findOtherCase(const CheckedLine& checked, const Tell& tell) {
-    const VELHLSLine& line = checked.line;
-    constexpr std::size_t longest = 40;
-    if (line.definition != nullptr || line.kind != VELHLSLine::Tag || line.name.size() > longest) return;
-    std::string name(line.name);
-    std::transform(name.begin(), name.end(), name.begin(), toUpper);
-    const VELHLSTagDefinition* const meant = VELHLSTagDefinition::find(name);
-    if (meant != nullptr && checked.playlist.knows(*meant)) tell(line, line.name, {name, {}, {}});
+/// What is a comment or an unknown tag because of its spelling. A blank after "#" makes a comment on purpose.
+void findMisspelledTag(const CheckedLine& checked, const Tell& tell) {
+    const std::string_view content = trimmed(checked.line.text);
+    const bool mayBeTag = content.size() > 1 && (content[1] == 'E' || content[1] == 'e');
+    if (!mayBeTag) return;
+    const std::string_view name = withoutTrailing(TagLine(content).name, blanks);
+    const VELHLSTagDefinition* const meant = tagSpelledLike(name);
+    if (meant == nullptr || !checked.playlist.knows(*meant)) return;
+    tell(checked.line, name, {{}, quoted(name) + didYouMean(name), {}});
 }
 
 void findUnexpectedValue(const CheckedLine& checked, const Tell& tell) {
@@ -217,8 +216,8 @@ constexpr LineEntry ofUris[] = {
 };
 
 constexpr LineEntry ofUnknownTags[] = {
-    {{{"tag-in-other-case", warning, "A name would be a tag's if its letters were upper-case.",
-       "a tag in upper case", "RFC 8216, section 4.1", false}, "SYN"}, findOtherCase},
+    {{{"tag-misspelled", warning, "A name is a tag's but for its case, hyphens, underscores or blanks.",
+       "a tag as RFC 8216 spells it", "RFC 8216, section 4.1", false}, "SYN"}, findMisspelledTag},
 };
 
 constexpr LineEntry ofValues[] = {

@@ -14,6 +14,9 @@ std::string_view whyNoKey(const VELHLSProtectionData& key) {
     if (key.method == VELHLSProtectionData::None) return {};
     if (key.uri.empty()) return "has no URI";
     if (!key.validate()) return "has an IV that is not \"0x\" and 32 hexadecimal digits";
+    if (refersToVariable(key.uri) || refersToVariable(key.keyFormat)) {
+        return "refers to a variable, and variables are not written";
+    }
     if (!whyNotQuoted(key.uri).empty()) return "has a URI that holds a line end or a quote";
     if (!whyNotQuoted(key.keyFormat).empty()) return "has a KEYFORMAT that holds a line end or a quote";
     const auto& versions = key.keyFormatVersions;

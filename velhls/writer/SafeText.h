@@ -8,21 +8,25 @@
 
 namespace velhls {
 
-/// Whether the text holds one of the characters. Looks at eight bytes at once, since every URI is asked.
+/// Whether the text holds a byte below the blank, as the line ends are, or one of the characters. Looks at eight bytes at
+/// once, since every URI is asked.
 template <char... characters>
-[[nodiscard]] bool holdsAny(std::string_view text) {
+[[nodiscard]] bool holdsControlOr(std::string_view text) {
     constexpr std::uint64_t ones = 0x0101010101010101;
-    // Not 0 exactly when a byte of the word is 0.
-    const auto zeroBytes = [](std::uint64_t word) { return (word - ones) & ~word & (ones << 7); };
+    // Not 0 exactly when a byte of the word is below the number.
+    const auto bytesBelow = [](std::uint64_t word, std::uint64_t number) {
+        return (word - ones * number) & ~word & (ones << 7);
+    };
     const auto isAnyAt = [&](const char* bytes) {
         std::uint64_t word;
         std::memcpy(&word, bytes, sizeof word);
-        return (zeroBytes(word ^ (ones * characters)) | ...) != 0;
+        return (bytesBelow(word, ' ') | ... | bytesBelow(word ^ (ones * characters), 1)) != 0;
     };
     constexpr std::size_t width = sizeof(std::uint64_t);
     if (text.size() < width) {
         for (const char character : text) {
-            if (((character == characters) || ...)) return true;
+            const bool isControl = static_cast<unsigned char>(character) < ' ';
+            if ((isControl || ... || (character == characters))) return true;
         }
         return false;
     }
@@ -33,24 +37,23 @@ template <char... characters>
 }
 
 [[nodiscard]] inline bool holdsLineEnd(std::string_view text) {
-    return holdsAny<'\n', '\r'>(text);
+    return holdsControlOr<>(text) && text.find_first_of("\r\n") != std::string_view::npos;
 }
+
+/// Whether players would look for a variable: "{$name}" (draft-pantos-hls-rfc8216bis, section 4.3).
+[[nodiscard]] bool refersToVariable(std::string_view text);
+
+/// See whyNoUriLine: of a text that is not as nearly all are.
+[[nodiscard]] std::string_view whyNoOddUriLine(std::string_view text);
 
 /// Why the text cannot stand as a URI on a line of its own; empty when it can. A reader that trims its lines must not
 /// find a tag either.
 [[nodiscard]] inline std::string_view whyNoUriLine(std::string_view text) {
-    if (holdsLineEnd(text)) return "holds a line end";
-    // Nearly every URI begins beyond.
-    if (!text.empty() && text.front() > '#') return {};
-    const std::size_t start = text.find_first_not_of(" \t\v\f");
-    if (start == std::string_view::npos) return "is blank";
-    return text[start] == '#' ? "begins with \"#\"" : std::string_view();
+    const bool isUsual = !text.empty() && text.front() > '#' && !holdsControlOr<'{'>(text);
+    return isUsual ? std::string_view() : whyNoOddUriLine(text);
 }
 
 /// Why the text cannot stand in quotes; empty when it can.
-[[nodiscard]] inline std::string_view whyNotQuoted(std::string_view text) {
-    if (!holdsAny<'\n', '\r', '"'>(text)) return {};
-    return holdsLineEnd(text) ? "holds a line end" : "holds a quote";
-}
+[[nodiscard]] std::string_view whyNotQuoted(std::string_view text);
 
 }  // namespace velhls

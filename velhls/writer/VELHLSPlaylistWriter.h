@@ -31,6 +31,8 @@ class VELHLS_API VELHLSPlaylistWriter {
     /// Refused are:
     /// - a line end in a URI, a title or a cue marker, a quote in a value that stands in quotes, and a segment's URI that
     ///   is blank or begins with "#";
+    /// - a reference to a variable ("{$name}") in a URI or in a value that stands in quotes: EXT-X-DEFINE is not written, so
+    ///   that players would not find the variable;
     /// - numbers that are not finite, a duration of 0 or less or of 2^63 or more, a negative target duration, media
     ///   sequence or discontinuity sequence, a byte range of negative length, a date before 1970 or after 9999;
     /// - a key or a map that does not validate, a key's version below 0 or none at all;
@@ -68,11 +70,12 @@ class VELHLS_API VELHLSPlaylistWriter {
 
     /// Writes a master playlist; returns and refuses as for a media playlist.
     ///
-    /// Refused are: a line end in any value; a quote in a value that stands in quotes; a quote or a comma in a RESOLUTION; a
-    /// variant's URI that is blank or begins with "#"; a start offset that is not finite; records that do not validate,
-    /// session keys of method None among them; a rendition that stands under another type, GROUP-ID or NAME than its own;
-    /// and a manifest that does not validate, or whose `streamVariants` are not the stream variants of `variants`. With
-    /// VELHLSWriterOptions::nominalBitrates: nominal bit rates of some variants and not of all.
+    /// Refused are: a line end in any value; a quote in a value that stands in quotes; a reference to a variable there or
+    /// in a variant's URI; a quote or a comma in a RESOLUTION; a variant's URI that is blank or begins with "#"; a start
+    /// offset that is not finite; records that do not validate, session keys of method None among them; a rendition that
+    /// stands under another type, GROUP-ID or NAME than its own; and a manifest that does not validate, or whose
+    /// `streamVariants` are not the stream variants of `variants`. With VELHLSWriterOptions::nominalBitrates: nominal bit
+    /// rates of some variants and not of all.
     ///
     /// Of a manifest that does not validate the reason names the record and the rule, as the parse would: "variant 1:
     /// EXT-X-STREAM-INF: AUDIO: expected the GROUP-ID of an EXT-X-MEDIA tag of this type, seen "mp3" [group-missing]".

@@ -1,7 +1,6 @@
-#include "velhls/losses/TagSpelling.h"
+#include "velhls/document/TagSpelling.h"
 
 #include "velhls/common/TextScan.h"
-#include "velhls/document/VELHLSTagDefinition.h"
 
 namespace velhls {
 namespace {
@@ -28,13 +27,16 @@ bool areSpelledAlike(std::string_view left, std::string_view right) {
 
 }  // namespace
 
-std::string didYouMean(std::string_view name) {
+const VELHLSTagDefinition* tagSpelledLike(std::string_view name) {
     for (const VELHLSTagDefinition& tag : VELHLSTagDefinition::all()) {
-        if (tag.name != name && areSpelledAlike(name, tag.name)) {
-            return ", did you mean " + std::string(tag.name) + "?";
-        }
+        if (tag.name != name && areSpelledAlike(name, tag.name)) return &tag;
     }
-    return {};
+    return nullptr;
+}
+
+std::string didYouMean(std::string_view name) {
+    const VELHLSTagDefinition* const meant = tagSpelledLike(name);
+    return meant == nullptr ? std::string() : ", did you mean " + std::string(meant->name) + "?";
 }
 
 }  // namespace velhls
