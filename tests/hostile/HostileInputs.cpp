@@ -252,7 +252,7 @@ void appendVariables(std::vector<Input>& inputs) {
         return x + patternOf("#EXTINF:6,\nsegment" + times(n, "{$x") + ".ts\n", "1");
     });
     append("references that are none in a URI",
-           [](std::size_t n) { return "#EXTINF:6,\nsegment" + times(n, "{$x.") + ".ts\n"; });
+           [](std::size_t n) { return "#EXTINF:6,\nsegment" + times(16 * n, "{$x.") + ".ts\n"; });
     append("patterns", [x](std::size_t n) {
         return x + times(n, patternOf("#EXTINF:6,\nsegment{$x}.ts\n#ZOR-DEFINE_INCREMENT:x,1\n", "1"));
     });

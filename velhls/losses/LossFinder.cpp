@@ -23,7 +23,7 @@ void appendRules(std::vector<VELHLSRule>& rules, const LossTable<Entry>& losses)
 
 /// A segment's URI is looked at with its record.
 bool isLookedAt(const LossLine& line) {
-    return isTagOrComment(line.text) || line.role == LineRole::variantUri;
+    return isTagOrComment(line.text);
 }
 
 /// The lines of one record after the other.
@@ -71,10 +71,11 @@ std::vector<VELHLSRule> rulesOfLosses() {
 
 void findLossesOfMasterLine(const LossLine& line, LossFindings& findings) {
     findAll(textLosses(), line, findings);
-    if (!isLookedAt(line)) return;
-    findAll(tagLosses(), line, findings);
-    findAll(lineLosses(), line, findings);
-    findAll(masterLosses(), line, findings);
+    if (isLookedAt(line)) {
+        findAll(tagLosses(), line, findings);
+        findAll(lineLosses(), line, findings);
+    }
+    if (isLookedAt(line) || line.role == LineRole::variantUri) findAll(masterLosses(), line, findings);
 }
 
 void findLossesOfMediaLine(const LossLine& line, LossFindings& findings) {

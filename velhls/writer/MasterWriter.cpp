@@ -199,7 +199,8 @@ bool MasterWriter::append(const VELHLSMediaVariant& variant) {
         variant.isIFrame ? whyNotQuoted(variant.uri) : whyNoUriLine(variant.uri);
     if (!whyNoUri.empty()) return refuse(attribute::uri, whyNoUri);
     if (!areSound({{attribute::codecs, variant.codecs}})) return false;
-    if (variant.resolution.find_first_of("\r\n\",") != std::string::npos) {
+    const std::string& resolution = variant.resolution;
+    if (holdsControlOr<'"', ','>(resolution) && resolution.find_first_of("\r\n\",") != std::string::npos) {
         return refuse(attribute::resolution, "holds a line end, a quote or a comma");
     }
 

@@ -31,8 +31,7 @@ std::string_view whyNoOddUriLine(std::string_view text) {
     return text[start] == '#' ? "begins with \"#\"" : std::string_view();
 }
 
-std::string_view whyNotQuoted(std::string_view text) {
-    if (!holdsControlOr<'"', '{'>(text)) return {};
+std::string_view whyNotOddQuoted(std::string_view text) {
     if (holdsLineEnd(text)) return "holds a line end";
     if (text.find('"') != std::string_view::npos) return "holds a quote";
     return refersToVariable(text) ? isReference : std::string_view();

@@ -53,7 +53,12 @@ template <char... characters>
     return isUsual ? std::string_view() : whyNoOddUriLine(text);
 }
 
+/// See whyNotQuoted: of a text that is not as nearly all are.
+[[nodiscard]] std::string_view whyNotOddQuoted(std::string_view text);
+
 /// Why the text cannot stand in quotes; empty when it can.
-[[nodiscard]] std::string_view whyNotQuoted(std::string_view text);
+[[nodiscard]] inline std::string_view whyNotQuoted(std::string_view text) {
+    return holdsControlOr<'"', '{'>(text) ? whyNotOddQuoted(text) : std::string_view();
+}
 
 }  // namespace velhls
