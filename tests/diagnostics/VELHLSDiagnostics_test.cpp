@@ -91,6 +91,79 @@ TEST(VELHLSDiagnostics, TellsEachGroupOnceWhatItLacks) {
               "4:35+1 group-rendition-missing 5:35+1 group-rendition-missing");
 }
 
+TEST(VELHLSDiagnostics, NamesTheGroupThatAnotherIsComparedWith) {
+    const auto ofGroups = [](const std::string& ofB) {
+        return lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"b\"," + ofB,
+                      "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"1\"", "#EXT-X-STREAM-INF:BANDWIDTH=1",
+                      "a"});
+    };
+    EXPECT_EQ(seenBy("group-rendition-missing", ofGroups("NAME=\"2\"")),
+              "no rendition \"1\", which group \"a\" has");
+    EXPECT_EQ(seenBy("group-rendition-different", ofGroups("NAME=\"1\",LANGUAGE=\"en\"")),
+              "\"1\", which has others in group \"a\"");
+    EXPECT_EQ(seenBy("group-rendition-unmatched",
+                     ofGroups("NAME=\"1\"\n#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"b\",NAME=\"2\"")),
+              "\"2\", which group \"a\" lacks");
+}
+
+TEST(VELHLSDiagnostics, TellsOfAMissingUriOfASegmentThatAnUnknownTagRejects) {
+    const std::string segment = "#EXTM3U\n#EXTINF:6,\n#EXT-X-NEW:1\n";
+    EXPECT_EQ(found(segment), "3:2+9 segment-tag-unknown 3:13+0 segment-uri-missing");
+    EXPECT_EQ(found(segment + "# the end\n"), "3:2+9 segment-tag-unknown 4:10+0 segment-uri-missing");
+    EXPECT_EQ(found(segment + "first.ts"), "3:2+9 segment-tag-unknown 4:1+8 segment-uri-without-line-feed");
+    EXPECT_EQ(found(segment + "first.ts\n"), "3:2+9 segment-tag-unknown");
+    // Tags of later segments may stand at the end.
+    EXPECT_EQ(found("#EXTM3U\n#EXT-X-KEY:METHOD=NONE\n#EXT-X-NEW:1\n"), "3:2+9 segment-tag-unknown");
+}
+
+TEST(VELHLSDiagnostics, TellsOfIndentedLinesThatFollowEachOtherOnce) {
+    EXPECT_EQ(found("#EXTM3U\n  #EXTINF:6,\n  a.ts\n\t#EXTINF:6,\n\tb.ts\n# by hand\nc.ts\n"),
+              "2:1+12 uri-without-tag 7:1+4 uri-without-tag");
+    EXPECT_EQ(seenBy("uri-without-tag", "#EXTM3U\n\t#EXTINF:6,\n\ta.ts\n", VELHLSDiagnostics::Media),
+              "\"\t#EXTINF:6,\", a tag with white space before it");
+}
+
+TEST(VELHLSDiagnostics, SaysWhatHidesAnAttribute) {
+    const auto ofVariant = [](const std::string& list) {
+        return lines({"#EXTM3U", "#EXT-X-STREAM-INF:" + list, "a"});
+    };
+    EXPECT_EQ(seenBy("variant-bandwidth-missing", ofVariant("CODECS=\"avc1\", BANDWIDTH=1")),
+              "\" BANDWIDTH\", a name with white space");
+    EXPECT_EQ(seenBy("variant-bandwidth-missing", ofVariant("BANDWIDTH =1")),
+              "\"BANDWIDTH \", a name with white space");
+    EXPECT_EQ(seenBy("variant-bandwidth-missing", ofVariant("CODECS=\"avc1\",\r BANDWIDTH=1")),
+              "\" BANDWIDTH\", a name with white space");
+    EXPECT_EQ(seenBy("variant-bandwidth-missing", ofVariant("CODECS=\"avc1\"")), "none");
+    EXPECT_EQ(seenBy("attribute-ignored", ofVariant("BANDWIDTH=1, CODECS=\"avc1\"")),
+              "\" CODECS\", a name with white space");
+    EXPECT_EQ(seenBy("attribute-equals-missing", ofVariant("BANDWIDTH=1,")), "nothing after the last comma");
+    EXPECT_EQ(seenBy("attribute-equals-missing", ofVariant(",BANDWIDTH=1")),
+              "nothing before the first comma");
+    EXPECT_EQ(seenBy("attribute-equals-missing", ofVariant("BANDWIDTH=1,,A=1")),
+              "nothing between two commas");
+    EXPECT_EQ(seenBy("attribute-equals-missing", ofVariant("BANDWIDTH=1,A")), "\"A\"");
+}
+
+TEST(VELHLSDiagnostics, SaysWhereAnIvHasAStrayQuote) {
+    const auto ofKey = [](const std::string& iv) {
+        return seenBy("key-iv-malformed", "#EXTM3U\n#EXT-X-SESSION-KEY:METHOD=AES-128,URI=\"k\",IV=" + iv +
+                                              "\n#EXT-X-STREAM-INF:BANDWIDTH=1\na\n");
+    };
+    EXPECT_EQ(ofKey("0x00112233445566778899AABBCCDDEEFF\""), "nothing after a quote inside of the value");
+    EXPECT_EQ(ofKey("0x0011\"2233"), "\"2233\" after a quote inside of the value");
+    EXPECT_EQ(ofKey("\"0x0011\""), "\"0x0011\"");
+}
+
+TEST(VELHLSDiagnostics, NamesTheFormOfADefinitionThatTheLibraryDoesNotRead) {
+    const auto ofDefinition = [](const std::string& list) {
+        return seenBy("define-name-missing", "#EXTM3U\n#EXT-X-DEFINE:" + list + "\n#EXTINF:6,\nfirst.ts\n",
+                      VELHLSDiagnostics::Media);
+    };
+    EXPECT_EQ(ofDefinition("IMPORT=\"a\""), "IMPORT, which the library does not read");
+    EXPECT_EQ(ofDefinition("QUERYPARAM=\"a\""), "QUERYPARAM, which the library does not read");
+    EXPECT_EQ(ofDefinition("VALUE=\"a\""), "none");
+}
+
 TEST(VELHLSDiagnostics, CountsColumnsInTheTextWithItsCarriageReturns) {
     EXPECT_EQ(found("#EXTM3U\r\n#EXT-X-STREAM-INF:BAND\rWIDTH=0\r\na\r\n"), "2:30+1 variant-bandwidth-zero");
 }

@@ -19,6 +19,31 @@ TEST(VELHLSSyntax, ReadsDecimalIntegers) {
     EXPECT_EQ(VELHLSSyntax::readDecimalInteger("00000000000000000001"), 1U);
 }
 
+/// A comma for the point is allowed, and not the usual form: so the two ways of reading must agree.
+TEST(VELHLSSyntax, ReadsTheUsualFormOfADateAsAllOthers) {
+    const std::string characters = "0123456789-:TZ. /";
+    for (const std::string usual :
+         {"2010-02-19T14:54:23.031Z", "0000-01-01T00:00:00.000Z", "1969-12-28T23:59:59.999Z",
+          "2024-02-28T00:00:00.001Z", "2024-02-29T24:00:00.000Z", "9999-12-31T23:59:60.500Z"}) {
+        for (std::size_t place = 0; place < usual.size(); ++place) {
+            for (const char character : characters) {
+                std::string text = usual;
+                text[place] = character;
+                std::string other = text;
+                if (other[19] == '.') other[19] = ',';
+                const auto read = VELHLSSyntax::readDateTime(text);
+                const auto expected = VELHLSSyntax::readDateTime(other);
+                ASSERT_EQ(read.has_value(), expected.has_value()) << text;
+                if (!read) continue;
+                EXPECT_EQ(read->microseconds, expected->microseconds) << text;
+                EXPECT_EQ(read->hasTime, expected->hasTime) << text;
+                EXPECT_EQ(read->hasZone, expected->hasZone) << text;
+                EXPECT_EQ(read->fractionDigits, expected->fractionDigits) << text;
+            }
+        }
+    }
+}
+
 TEST(VELHLSSyntax, ReadsNothingElseAsDecimalInteger) {
     for (const char* text : {"", "-1", "+1", "1.0", "1 ", " 1", "1a", "0x1", "18446744073709551616",
                              "18446744073709551620", "99999999999999999999", "000000000000000000001"}) {

@@ -8,6 +8,17 @@ std::vector<Breach> dateRangeBreaches() {
          "10:00:02.000Z\",END-DATE=\"2026-11-21T10:00:01.000Z\"", "date-range-ends-before-start", 10},
         {"an end elsewhere than DURATION says", dateRanges, "10:00:03.500Z", "10:00:03.600Z",
          "date-range-end-not-start-plus-duration", 8},
+        {"an end elsewhere than DURATION of an earlier tag says", dateRanges,
+         "ID=\"song-3\",CLASS=\"songs\",START-DATE=\"2026-11-21T10:00:04.000Z\"",
+         "ID=\"talk\",START-DATE=\"2026-11-21T10:00:04.000Z\",DURATION=3\n"
+         "#EXT-X-DATERANGE:ID=\"talk\",START-DATE=\"2026-11-21T10:00:04.000Z\",END-DATE="
+         "\"2026-11-21T10:00:06.000Z\"",
+         "date-range-end-not-start-plus-duration", 12},
+        {"a duration elsewhere than END-DATE of an earlier tag says", dateRanges,
+         "ID=\"song-3\",CLASS=\"songs\",START-DATE=\"2026-11-21T10:00:04.000Z\"",
+         "ID=\"talk\",START-DATE=\"2026-11-21T10:00:04.000Z\",END-DATE=\"2026-11-21T10:00:06.000Z\"\n"
+         "#EXT-X-DATERANGE:ID=\"talk\",START-DATE=\"2026-11-21T10:00:04.000Z\",DURATION=3",
+         "date-range-end-not-start-plus-duration", 12},
         {"an instant without DURATION", dateRanges, "DURATION=1\n", "END-DATE=\"2026-11-21T10:00:02.000Z\"\n",
          "date-range-instant-without-duration", 10},
         {"END-ON-NEXT without CLASS", dateRanges, "ID=\"song-1\",CLASS=\"songs\"", "ID=\"song-1\"",
@@ -31,6 +42,10 @@ std::vector<Breach> dateRangeBreaches() {
         {"two open ranges that start together", dateRanges,
          "ID=\"song-3\",CLASS=\"songs\",START-DATE=\"2026-11-21T10:00:04.000Z\"",
          "ID=\"song-3\",CLASS=\"songs\",START-DATE=\"2026-11-21T10:00:00.000Z\",END-ON-NEXT=YES",
+         "date-ranges-overlap", 11},
+        {"an open range that starts together with one that lasts", dateRanges,
+         "ID=\"song-3\",CLASS=\"songs\",START-DATE=\"2026-11-21T10:00:04.000Z\"",
+         "ID=\"song-3\",CLASS=\"songs\",START-DATE=\"2026-11-21T10:00:00.000Z\",DURATION=1",
          "date-ranges-overlap", 11},
     };
 }

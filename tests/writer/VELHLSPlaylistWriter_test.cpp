@@ -1140,15 +1140,15 @@ TEST(VELHLSPlaylistWriterMaster, NamesTheRecordAndTheRuleOfAManifestThatDoesNotV
                   addAudio(manifest, "b", "Deutsch", false);
               }),
               "refused: rendition 3: EXT-X-MEDIA: GROUP-ID: expected a rendition of every NAME that the "
-              "first group of "
-              "the type has, seen no rendition \"English\" [group-rendition-missing]");
+              "other groups of the type have, seen no rendition \"English\", which group \"a\" has "
+              "[group-rendition-missing]");
     EXPECT_EQ(masterWith([&addAudio](VELHLSParsedManifest& manifest) {
                   addAudio(manifest, "a", "Deutsch", false);
                   addAudio(manifest, "b", "Deutsch", true);
               }),
-              "refused: rendition 2: EXT-X-MEDIA: NAME: expected the same attributes as in the first group "
-              "of the type, "
-              "seen \"Deutsch\" [group-rendition-different]");
+              "refused: rendition 2: EXT-X-MEDIA: NAME: expected the same attributes as in the other groups "
+              "of the type, seen \"Deutsch\", which has others in group \"a\" "
+              "[group-rendition-different]");
     const auto entry = std::make_shared<VELHLSManifestSessionData>("com.example.a", "v", "", "");
     EXPECT_EQ(
         masterWith([&entry](VELHLSParsedManifest& manifest) {

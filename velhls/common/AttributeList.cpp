@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <string>
 
 #include "velhls/common/TextScan.h"
 
@@ -79,7 +80,7 @@ class AttributeScanner {
         const std::size_t nameLimit = quoted ? quote_ : comma;
         const std::size_t limit = std::min(comma, text_.size());
         if (equals == none || equals > nameLimit) {
-            return why_(Rule::attributeEqualsMissing, between(position_, limit));
+            return why_(Rule::attributeEqualsMissing, between(position_, limit), seenWithoutEquals(limit));
         }
         if (equals == position_) return why_(Rule::attributeNameEmpty, between(position_, limit));
         if (!quoted && equals + 1 == limit) {
@@ -93,6 +94,13 @@ class AttributeScanner {
         ended_ = comma == none;
         position_ = comma + 1;
         return true;
+    }
+
+    /// What is said of an attribute that is not there.
+    [[nodiscard]] std::string seenWithoutEquals(std::size_t limit) const {
+        if (limit > position_ || text_.empty()) return {};
+        if (position_ == 0) return "nothing before the first comma";
+        return limit == text_.size() ? "nothing after the last comma" : "nothing between two commas";
     }
 
     void findNextQuote() {

@@ -44,13 +44,23 @@ bool setVariable(VELHLSDefineMap& defines, std::string name, std::string_view va
     return defines.bucket_count() == buckets || isSpreadOut(defines);
 }
 
+/// The forms that take a variable from elsewhere have no NAME.
+bool lacksName(const AttributeList& attributes, const TagLine& tagLine, Reason& why) {
+    for (const std::string_view other : {"IMPORT", "QUERYPARAM"}) {
+        if (attributes.find(other))
+            return why(Rule::defineNameMissing, tagLine.name,
+                       std::string(other) + ", which the library does not read");
+    }
+    return why.missing(Rule::defineNameMissing, tagLine.name);
+}
+
 }  // namespace
 
 bool readDefineTag(const TagLine& tagLine, VELHLSDefineMap& defines, Reason& why) {
     AttributeList attributes;
     if (!attributes.read(tagLine.value, why)) return false;
     const std::optional<std::string_view> name = attributes.find(attribute::name);
-    if (!name) return why.missing(Rule::defineNameMissing, tagLine.name);
+    if (!name) return lacksName(attributes, tagLine, why);
     const std::optional<std::string_view> value = attributes.find(attribute::value);
     if (!value) return why.missing(Rule::defineValueMissing, tagLine.name);
     return setVariable(defines, std::string(*name), *value) || why(Rule::defineNamesCollide, *name);

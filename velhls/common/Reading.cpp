@@ -39,6 +39,34 @@ Place wholeLine(std::size_t number, std::string_view line) {
     return {number, 1, withoutTrailing(line, lineEnds).size()};
 }
 
+std::string_view withoutBlanks(std::string_view text) {
+    text = withoutTrailing(text, blanks);
+    while (!text.empty() && blanks.holds(text.front()))
+        text.remove_prefix(1);
+    return text;
+}
+
+/// What is missing is there under a name with white space, or a value has a quote before it that opens nothing.
+void tellOfOddCharacters(Reason& reason, std::string_view lineOfText) {
+    if (reason.seen == "none") {
+        const std::string_view wanted = rowOf(reason.rule).expected;
+        if (!isTagOrComment(lineOfText)) return;
+        for (const Attribute& attribute :
+             attributesAsWritten(TagLine(lineOfText).value).value_or(std::vector<Attribute>())) {
+            const std::string_view name = withoutBlanks(attribute.name);
+            if (name.size() < attribute.name.size() && name == wanted.substr(0, wanted.find(',')))
+                reason.seen = quoted(attribute.name) + ", a name with white space";
+        }
+    } else if (reason.rule == Rule::keyIvMalformed && isPartOf(reason.where, lineOfText)) {
+        const std::string_view before =
+            lineOfText.substr(0, static_cast<std::size_t>(reason.where.data() - lineOfText.data()));
+        const bool isStray = before.size() > 1 && before.back() == '"' && before[before.size() - 2] != '=';
+        if (isStray)
+            reason.seen = (reason.where.empty() ? "nothing" : quoted(reason.where)) +
+                          " after a quote inside of the value";
+    }
+}
+
 /// Whether the line of a body makes one of the expanded text. All vendor tags with a colon are increments, or fail.
 bool isExpanded(std::string_view line) {
     return !isVendorTag(line) || !TagLine(line).hasColon;
@@ -130,6 +158,7 @@ void Reading::rejected(Reason& reason) {
     const bool isMarked =
         reason.rule == Rule::uriWithoutTag && linesRead_ == 1 && startsWith(text_, byteOrderMark);
     const Rule rule = isMarked ? Rule::byteOrderMark : reason.rule;
+    if (rule == Rule::uriWithoutTag && followsIndentation(reason)) return;
     if (isFull(rule)) return;
     if (isMarked) return add({rule, {1, 1, byteOrderMark.size()}, "one"});
     const bool isInSegment = rule == Rule::segmentTagUnknown || rule == Rule::segmentBareTagUnknown;
@@ -137,8 +166,21 @@ void Reading::rejected(Reason& reason) {
         reason.seen = quoted(reason.where) + " in the segment that line " +
                       std::to_string(recordStart_.number) + " opened";
     }
+    if (!isExpanding()) tellOfOddCharacters(reason, lineAround(reason.where));
     const bool hasPlace = reason.where.data() != nullptr;
     add({rule, hasPlace ? find(reason.where) : placeOfRecord(reason.tag), std::move(reason.seen)});
+}
+
+/// A tag with white space before it is no tag to the readers, and the lines after it are then what they are not: all of those
+/// that follow each other are told as one.
+bool Reading::followsIndentation(Reason& reason) {
+    if (isExpanding()) return false;
+    const std::string_view content = withoutBlanks(reason.where);
+    const bool isTag = !isTagOrComment(reason.where) && isTagOrComment(content);
+    const bool follows = lastIndented_ != 0 && lastIndented_ + 1 == line_.number;
+    if (isTag || follows) lastIndented_ = line_.number;
+    if (isTag && !follows) reason.seen = quoted(reason.where) + ", a tag with white space before it";
+    return follows;
 }
 
 void Reading::recordsRejected(const BrokenRule& broken) {
@@ -216,6 +258,19 @@ Place Reading::find(std::string_view piece) const {
     if (clean == cleanLines_.rend()) return findInExpandedLine(expandedLine_, piece);
     if (isExpanding()) return findInExpandedLine(clean->text, piece);
     return placeIn(clean->number, clean->line, clean->text, piece);
+}
+
+/// The line that holds the piece, as it was read; empty for one that was not kept.
+std::string_view Reading::lineAround(std::string_view piece) const {
+    if (isPartOf(piece, text_)) {
+        const auto position = static_cast<std::size_t>(piece.data() - text_.data());
+        const std::size_t feed = position == 0 ? std::string_view::npos : text_.rfind('\n', position - 1);
+        std::string_view rest = text_.substr(feed == std::string_view::npos ? 0 : feed + 1);
+        return nextLine(rest);
+    }
+    const auto clean = std::find_if(cleanLines_.rbegin(), cleanLines_.rend(),
+                                    [piece](const CleanLine& line) { return isPartOf(piece, line.text); });
+    return clean == cleanLines_.rend() ? std::string_view() : std::string_view(clean->text);
 }
 
 /// Mostly in the line that was read last.

@@ -129,12 +129,14 @@ class Reading {
 
     /// Counts one more of a rule that has as many as are kept.
     [[nodiscard]] bool isFull(Rule rule);
+    [[nodiscard]] bool followsIndentation(Reason& reason);
     void add(Rejection rejection);
 
     [[nodiscard]] bool isExpanding() const { return body_.data() != nullptr; }
     [[nodiscard]] NumberedLine currentLine() const;
     [[nodiscard]] std::vector<NumberedLine> linesOfRecord() const;
     [[nodiscard]] std::vector<NumberedLine> linesOfTextSince(const NumberedLine& start) const;
+    [[nodiscard]] std::string_view lineAround(std::string_view piece) const;
     [[nodiscard]] Place find(std::string_view piece) const;
     [[nodiscard]] Place findInText(std::string_view piece) const;
     [[nodiscard]] Place findInBody(std::string_view piece) const;
@@ -159,6 +161,9 @@ class Reading {
     std::string_view expandedLine_;
     std::size_t expandedLinesRead_ = 0;
     std::size_t expandedRecordStart_ = 0;
+
+    /// The last of the lines that are rejected since a tag before them has white space before it; 0 for none.
+    std::size_t lastIndented_ = 0;
 
     std::vector<RecordLines> records_;
     std::vector<Rejection> rejections_;

@@ -156,6 +156,32 @@ bool readZone(DateScanner& scanner, VELHLSSyntax::DateTime& read) {
     return true;
 }
 
+/// Nearly all dates are written "2010-02-19T14:54:23.031Z". Nothing of any other, and of what needs a closer look.
+std::optional<VELHLSSyntax::DateTime> readUsualDateTime(std::string_view text) {
+    constexpr std::string_view form = "0000-00-00T00:00:00.000Z";
+    if (text.size() != form.size()) return std::nullopt;
+    std::array<std::uint32_t, form.size()> digits = {};
+    for (std::size_t place = 0; place < form.size(); ++place) {
+        const auto digit = static_cast<std::uint32_t>(static_cast<unsigned char>(text[place])) - '0';
+        if (form[place] == '0' ? digit > 9 : text[place] != form[place]) return std::nullopt;
+        digits[place] = digit;
+    }
+    const auto two = [&digits](std::size_t place) { return digits[place] * 10 + digits[place + 1]; };
+    const std::uint32_t year = two(0) * 100 + two(2);
+    const std::uint32_t month = two(5);
+    const std::uint32_t day = two(8);
+    const std::uint32_t hour = two(11);
+    const std::uint32_t minute = two(14);
+    const std::uint32_t second = two(17);
+    constexpr std::uint32_t inEveryMonth = 28;
+    if (month < 1 || month > 12 || day < 1 || day > inEveryMonth) return std::nullopt;
+    if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
+    const std::int64_t seconds =
+        daysSinceEpoch(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
+    const std::uint32_t milliseconds = digits[20] * 100 + two(21);
+    return VELHLSSyntax::DateTime{seconds * secondMicroseconds + milliseconds * 1000, true, true, 3};
+}
+
 }  // namespace
 
 std::optional<std::uint64_t> VELHLSSyntax::readDecimalInteger(std::string_view text) {
@@ -164,6 +190,14 @@ std::optional<std::uint64_t> VELHLSSyntax::readDecimalInteger(std::string_view t
     constexpr unsigned mostLast = std::numeric_limits<std::uint64_t>::max() % 10;
     if (text.empty() || text.size() > mostDigits) return std::nullopt;
     std::uint64_t number = 0;
+    if (text.size() < mostDigits) {
+        for (const char character : text) {
+            const auto digit = static_cast<unsigned>(static_cast<unsigned char>(character)) - '0';
+            if (digit > 9) return std::nullopt;
+            number = number * 10 + digit;
+        }
+        return number;
+    }
     std::uint64_t before = 0;
     for (std::size_t place = 0; place < text.size(); ++place) {
         if (!velhls::isDigit(text[place])) return std::nullopt;
@@ -250,6 +284,7 @@ std::optional<VELHLSSyntax::ByteRange> VELHLSSyntax::readByteRange(std::string_v
 }
 
 std::optional<VELHLSSyntax::DateTime> VELHLSSyntax::readDateTime(std::string_view text) {
+    if (const auto usual = readUsualDateTime(text)) return usual;
     DateScanner scanner(text);
     const auto day = readDate(scanner);
     if (!day) return std::nullopt;

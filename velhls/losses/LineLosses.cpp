@@ -117,7 +117,11 @@ void findIgnoredAttribute(const LossLine& line, const TellLoss& tell) {
     line.forEachAttribute([&](const Attribute& attribute) {
         const bool isKnown =
             std::find(known->names.begin(), known->names.end(), attribute.name) != known->names.end();
-        if (!isKnown && !startsWith(attribute.name, ":")) tell(line, attribute.name);
+        if (isKnown || startsWith(attribute.name, ":")) return;
+        const bool isInWhiteSpace = !attribute.name.empty() && (blanks.holds(attribute.name.front()) ||
+                                                                blanks.holds(attribute.name.back()));
+        tell(line, attribute.name,
+             isInWhiteSpace ? quoted(attribute.name) + ", a name with white space" : "");
     });
 }
 

@@ -43,17 +43,20 @@ void referToGroups(const VELHLSParsedManifest& manifest, BrokenRules& broken) {
 }
 
 /// The first rendition of the reference group that the group has not, or has otherwise; or one that it has besides.
-void agreeWith(const Group& reference, const Group& group, BrokenRules& broken) {
+void agreeWith(const std::string& referenceId, const Group& reference, const Group& group,
+               BrokenRules& broken) {
     for (const auto& [name, wanted] : reference) {
         if (wanted == nullptr) return broken.addByCaller();
         const auto found = group.find(wanted->name);
         if (found == group.end()) {
             const void* const any = group.empty() ? nullptr : group.begin()->second.get();
-            return broken.add({Rule::groupRenditionMissing, any, attribute::groupId,
-                               "no rendition " + quoted(wanted->name)});
+            return broken.add(
+                {Rule::groupRenditionMissing, any, attribute::groupId,
+                 "no rendition " + quoted(wanted->name) + ", which group " + quoted(referenceId) + " has"});
         }
         if (!wanted->equalExceptURIAndGroupID(found->second)) {
-            return broken.add({Rule::groupRenditionDifferent, found->second.get(), attribute::name, {}});
+            return broken.add({Rule::groupRenditionDifferent, found->second.get(), attribute::name,
+                               quoted(wanted->name) + ", which has others in group " + quoted(referenceId)});
         }
     }
     if (group.size() == reference.size()) return;
@@ -61,7 +64,8 @@ void agreeWith(const Group& reference, const Group& group, BrokenRules& broken) 
         return reference.count(rendition.first) == 0;
     });
     if (unmatched == group.end()) return broken.addByCaller();
-    broken.add({Rule::groupRenditionUnmatched, unmatched->second.get(), attribute::name, {}});
+    broken.add({Rule::groupRenditionUnmatched, unmatched->second.get(), attribute::name,
+                quoted(unmatched->first) + ", which group " + quoted(referenceId) + " lacks"});
 }
 
 void haveOneDefault(const Group& group, BrokenRules& broken) {
@@ -79,10 +83,10 @@ void haveOneDefault(const Group& group, BrokenRules& broken) {
 void agreeInGroups(const VELHLSParsedManifest& manifest, BrokenRules& broken) {
     for (const auto& [type, groups] : manifest.renditions) {
         if (groups.empty()) continue;
-        const Group& reference = groups.begin()->second;
+        const auto& [referenceId, reference] = *groups.begin();
         haveOneDefault(reference, broken);
         for (auto other = std::next(groups.begin()); other != groups.end() && !broken.areEnough(); ++other)
-            agreeWith(reference, other->second, broken);
+            agreeWith(referenceId, reference, other->second, broken);
         if (broken.areEnough()) return;
     }
 }

@@ -21,6 +21,12 @@ struct ReadSegment : VELHLSMediaSegment {
     ReadSegment(std::string_view title, std::string_view uri) : VELHLSMediaSegment(title, uri) {}
 };
 
+constexpr const char* endOfPlaylist = "the end of the playlist";
+
+bool isUri(std::string_view line) {
+    return !isBlank(line) && !isTagOrComment(line);
+}
+
 }  // namespace
 
 SegmentReader::SegmentReader(LineReader& lines, SegmentSurroundings surroundings, Reason& why)
@@ -76,11 +82,24 @@ bool SegmentReader::readLines(std::string_view firstLine) {
         }
         if (!uri_.empty()) return allAccepted;
         keep(line);
+        const std::string_view before = line;
         line = lines_.next();
         if (lines_.good()) continue;
         unreadLine_ = line;
+        if (!allAccepted) tellOfMissingUri(before);
         return allAccepted;
     }
+}
+
+/// Of a segment that was rejected nobody asks whether it is complete. What is told must come after what was.
+void SegmentReader::tellOfMissingUri(std::string_view lastLine) {
+    if (tags_.duration == 0.0) return;
+    const auto step = [&] {
+        return isUri(unreadLine_)
+                   ? isIncomplete()
+                   : why_(Rule::segmentUriMissing, lastLine.substr(lastLine.size()), endOfPlaylist);
+    };
+    static_cast<void>(succeeds(step, with_.reading, why_));
 }
 
 void SegmentReader::keep(std::string_view line) {
@@ -223,9 +242,8 @@ bool SegmentReader::isComplete() {
 /// Says what a segment without a duration or a URI lacks, and returns false.
 bool SegmentReader::isIncomplete() {
     if (uri_.empty()) {
-        const bool isUri = !isBlank(unreadLine_) && !isTagOrComment(unreadLine_);
-        return isUri ? why_(Rule::segmentUriWithoutLineFeed, unreadLine_)
-                     : why_.ofRecord(Rule::segmentUriMissing, {}, "the end of the playlist");
+        return isUri(unreadLine_) ? why_(Rule::segmentUriWithoutLineFeed, unreadLine_)
+                                  : why_.ofRecord(Rule::segmentUriMissing, {}, endOfPlaylist);
     }
     constexpr std::string_view durationStart = "\n#EXTINF:";
     const bool hasDuration = ("\n" + keptText()).find(durationStart) != std::string::npos;

@@ -79,6 +79,7 @@ class SegmentReader : private LineReader::ViewKeeper {
 
     void clear();
     bool readLines(std::string_view firstLine);
+    void tellOfMissingUri(std::string_view lastLine);
     void keep(std::string_view line);
     void viewsEnd() override;
     [[nodiscard]] std::string keptText();

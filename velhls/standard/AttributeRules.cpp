@@ -33,19 +33,23 @@ void forEachKnown(const CheckedLine& checked, Visit visit) {
     }
 }
 
-void findFault(const CheckedLine& checked, const Tell& tell, VELHLSAttribute::Fault fault,
-               std::string_view expected = {}) {
-    for (const VELHLSAttribute& attribute : checked.attributes) {
-        if (attribute.fault == fault) tell(checked.line, attribute.faultText, {expected, {}, {}});
-    }
-}
-
 void findInvalidName(const CheckedLine& checked, const Tell& tell) {
     for (const VELHLSAttribute& attribute : checked.attributes) {
         if (attribute.fault != VELHLSAttribute::NameInvalid) continue;
         const bool isClients = checked.is(tagIndex("EXT-X-DATERANGE")) && startsWith(attribute.name, "X-");
-        tell(checked.line, attribute.faultText, {{}, {}, isClients ? "RFC 8216, section 4.3.2.7" : ""});
+        FindingWords words;
+        if (isClients) words = {{}, {}, "RFC 8216, section 4.3.2.7", nullptr, "MUST"};
+        tell(checked.line, attribute.faultText, words);
     }
+}
+
+std::string_view whiteSpaceOf(const VELHLSAttribute& attribute) {
+    const char* const place = attribute.faultText.data();
+    if (place == attribute.text.data()) return "white space after a comma";
+    if (place < attribute.writtenValue.data()) return "white space at an equals sign";
+    const bool isAfterValue =
+        place + attribute.faultText.size() == attribute.text.data() + attribute.text.size();
+    return isAfterValue ? "white space before a comma" : "white space inside of a value";
 }
 
 /// That at the ends of the list is found as white space of the line.
@@ -55,24 +59,54 @@ void findWhiteSpace(const CheckedLine& checked, const Tell& tell) {
         const char* const begin = attribute.faultText.data();
         const bool isInside =
             begin >= checked.value.data() && begin < checked.value.data() + checked.value.size();
-        if (isInside) tell(checked.line, attribute.faultText, {{}, "white space", {}});
+        if (isInside) tell(checked.line, attribute.faultText, {{}, whiteSpaceOf(attribute), {}});
+    }
+}
+
+/// Of an attribute without a name: the comma before it, or else the one after it, unless it has a value.
+void tellOfMissingName(const CheckedLine& checked, const Tell& tell, const VELHLSAttribute& attribute) {
+    if (!isBlank(attribute.text)) return tell(checked.line, attribute.faultText, {"a name", {}, {}});
+    const std::string_view list = checked.line.value;
+    const auto place = static_cast<std::size_t>(attribute.text.data() - list.data());
+    const bool isFirst = place == 0;
+    const bool isLast = place + attribute.text.size() == list.size();
+    const std::string_view expected = isFirst  ? "no comma at the beginning of the list"
+                                      : isLast ? "no comma at the end of the list"
+                                               : "an attribute between two commas";
+    tell(checked.line, list.substr(isFirst ? attribute.text.size() : place - 1, 1), {expected, "one", {}});
+}
+
+void tellOfFault(const CheckedLine& checked, const Tell& tell, const VELHLSAttribute& attribute) {
+    constexpr std::size_t longest = 40;
+    const std::string name(attribute.name.size() > longest ? "the attribute" : attribute.name);
+    const auto tellOf = [&](const std::string& expected, std::string_view seen, std::string_view level = {}) {
+        tell(checked.line, attribute.faultText, {expected, seen, {}, nullptr, level});
+    };
+    // Of a quoted-string the standard says that it must not hold a quote.
+    constexpr std::string_view ofQuotes = "MUST NOT";
+    switch (attribute.fault) {
+        case VELHLSAttribute::NameMissing:
+            return tellOfMissingName(checked, tell, attribute);
+        case VELHLSAttribute::EqualsMissing:
+            return tellOf("an equals sign after " + name, {});
+        case VELHLSAttribute::ValueMissing:
+            return tellOf("a value after " + name + "=", {});
+        case VELHLSAttribute::QuoteUnclosed:
+            return tellOf("a second quote, which closes " + name, {}, ofQuotes);
+        case VELHLSAttribute::TextAfterQuote:
+            return tellOf("a comma after the closing quote of " + name, {},
+                          attribute.faultText.find('"') == std::string_view::npos ? "" : ofQuotes);
+        case VELHLSAttribute::QuoteInValue:
+            return tellOf("no quote inside of " + name + ", which has none before its value", "one");
+        default:
+            return;
     }
 }
 
 void findMalformed(const CheckedLine& checked, const Tell& tell) {
-    const bool hasFault = std::any_of(
-        checked.attributes.begin(), checked.attributes.end(),
-        [](const VELHLSAttribute& attribute) { return attribute.fault != VELHLSAttribute::None; });
-    if (checked.value.empty() || !hasFault) return;
-    constexpr std::array<std::pair<VELHLSAttribute::Fault, std::string_view>, 6> faults = {
-        {{VELHLSAttribute::NameMissing, "a name, and no comma at either end of the list"},
-         {VELHLSAttribute::EqualsMissing, "an equals sign after the name"},
-         {VELHLSAttribute::ValueMissing, "a value after the equals sign"},
-         {VELHLSAttribute::QuoteUnclosed, "a closing quote"},
-         {VELHLSAttribute::TextAfterQuote, "a comma after the closing quote"},
-         {VELHLSAttribute::QuoteInValue, "no quote inside of a value"}}};
-    for (const auto& [fault, expected] : faults)
-        findFault(checked, tell, fault, expected);
+    if (checked.value.empty()) return;
+    for (const VELHLSAttribute& attribute : checked.attributes)
+        tellOfFault(checked, tell, attribute);
 }
 
 /// Whether an attribute has the name of an earlier one, as far as that is found without sorting them.
@@ -131,6 +165,17 @@ bool isFaulty(const VELHLSAttribute& attribute) {
     return attribute.fault != VELHLSAttribute::None && attribute.fault != VELHLSAttribute::WhiteSpace;
 }
 
+/// What the standard says of the types of a date range's attributes in key words.
+std::string_view levelOfType(const CheckedLine& checked, const VELHLSAttribute& attribute,
+                             const VELHLSAttributeDefinition& row) {
+    if (!checked.is(tagIndex("EXT-X-DATERANGE"))) return {};
+    if (row.type == VELHLSAttributeDefinition::DecimalFloatingPoint)
+        return startsWith(attribute.value, "-") ? "MUST NOT" : "";
+    const bool isMust = row.type == VELHLSAttributeDefinition::ClientValue ||
+                        row.type == VELHLSAttributeDefinition::HexadecimalSequence;
+    return isMust ? "MUST" : "";
+}
+
 void findWrongType(const CheckedLine& checked, const Tell& tell) {
     forEachKnown(checked, [&](const VELHLSAttribute& attribute, const VELHLSAttributeDefinition& row) {
         if (isFaulty(attribute) || row.hasType(attribute)) return;
@@ -139,7 +184,8 @@ void findWrongType(const CheckedLine& checked, const Tell& tell) {
                             row.content == VELHLSAttributeDefinition::ByteRange ||
                             row.type == VELHLSAttributeDefinition::QuotedOrEnumerated;
         const std::string source = isTags ? ownSource(checked) : std::string(sectionOfLists);
-        tell(checked.line, attribute.writtenValue, {nameOf(row.type), {}, source});
+        tell(checked.line, attribute.writtenValue,
+             {nameOf(row.type), {}, source, nullptr, levelOfType(checked, attribute, row)});
     });
 }
 
@@ -151,8 +197,8 @@ void findUnknownValue(const CheckedLine& checked, const Tell& tell) {
         const bool isNone = checked.is(tagIndexOf<tag::sessionKey>) && attribute.value == fixed::none;
         if (isNone) return;
         const std::string source = ownSource(checked);
-        const std::string expected = "one of " + std::string(row.values);
-        tell(checked.line, attribute.value, {expected, {}, source});
+        const std::string_view level = checked.is(tagIndex("EXT-X-DATERANGE")) ? "MUST" : "";
+        tell(checked.line, attribute.value, {asChoice(row.values), {}, source, nullptr, level});
     });
 }
 
@@ -164,7 +210,9 @@ void findMissing(const CheckedLine& checked, const Tell& tell) {
         const VELHLSAttribute* const method = row.isUri() ? checked.find(attribute::method) : nullptr;
         if (method != nullptr && method->value == fixed::none) continue;
         const std::string source = ownSource(checked);
-        tell(checked.line, checked.line.name, {row.name, "none", source});
+        const bool isMust =
+            tagOf(checked).name == tag::streamInf || tagOf(checked).name == tag::iFrameStreamInf;
+        tell(checked.line, checked.line.name, {row.name, "none", source, nullptr, isMust ? "MUST" : ""});
     }
 }
 

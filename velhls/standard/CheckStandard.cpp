@@ -20,6 +20,23 @@ void findAll(const StandardTable<Subject>& table, const Subject& subject, Standa
         entry.find(subject, Tell(findings, entry.rule));
 }
 
+enum class DurationForm { other, whole, decimals };
+
+/// Of "6," and what follows, and of "6.006,": of these there is nothing to find.
+DurationForm formOfDuration(std::string_view value) {
+    const auto skipDigits = [value](std::size_t place) {
+        while (place < value.size() && isDigit(value[place]))
+            ++place;
+        return place;
+    };
+    std::size_t place = skipDigits(0);
+    if (place == 0) return DurationForm::other;
+    const bool hasPoint = place < value.size() && value[place] == '.';
+    if (hasPoint) place = skipDigits(place + 1);
+    if (place == value.size() || value[place] != ',') return DurationForm::other;
+    return hasPoint ? DurationForm::decimals : DurationForm::whole;
+}
+
 /// Goes through the lines with the rules that look at one line.
 class LineRun {
   public:
@@ -60,7 +77,7 @@ class LineRun {
             attributes_.push_back(attribute);
             rows_.push_back(row != nullptr && playlist_.knows(*row) ? row : nullptr);
         }
-        playlist_.keep(attributes_);
+        playlist_.keep(line, attributes_);
     }
 
     void checkTag(const CheckedLine& checked) {
@@ -69,13 +86,21 @@ class LineRun {
                              checked.line.definition->playlist != ownKind;
         if (isStray || checked.earlierLine != 0) findAll(placeRules(), checked, findings_);
         if (checked.line.definition->form == VELHLSTagDefinition::Duration) {
-            findAll(durationRules(), checked, findings_);
+            checkDuration(checked);
         } else {
             findAll(valueRules(), checked, findings_);
         }
         if (checked.line.definition->form == VELHLSTagDefinition::DateTime)
             findAll(dateRules(), checked, findings_);
         if (checked.line.definition->form == VELHLSTagDefinition::AttributeList) checkList(checked);
+    }
+
+    void checkDuration(const CheckedLine& checked) {
+        const DurationForm form = formOfDuration(checked.line.value);
+        if (form == DurationForm::other) findAll(durationRules(), checked, findings_);
+        const bool isKnown = form == DurationForm::whole ? playlist_.firstWholeDuration() != 0
+                                                         : playlist_.firstDecimals() != 0;
+        if (!isKnown) playlist_.noteDuration(checked.line);
     }
 
     /// Remembers the tag, and returns the line that had it before.

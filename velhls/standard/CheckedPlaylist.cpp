@@ -1,10 +1,50 @@
 #include "velhls/standard/CheckedPlaylist.h"
 
+#include <algorithm>
+
 #include "velhls/common/Names.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/document/VELHLSSyntax.h"
 
 namespace velhls {
+namespace {
+
+constexpr std::size_t placeOfCompared(std::string_view attribute) {
+    std::size_t place = 0;
+    while (place < CheckedRendition::compared.size() && CheckedRendition::compared[place] != attribute)
+        ++place;
+    return place;
+}
+
+/// Nothing of one that has no group or no name. Of several attributes with one name the first counts.
+std::optional<CheckedRendition> renditionOf(const VELHLSLine& line,
+                                            const std::vector<VELHLSAttribute>& attributes) {
+    CheckedRendition rendition;
+    rendition.line = static_cast<std::uint32_t>(line.number);
+    bool hasGroup = false;
+    bool hasName = false;
+    for (auto attribute = attributes.rbegin(); attribute != attributes.rend(); ++attribute) {
+        const std::size_t place = placeOfCompared(attribute->name);
+        if (place < rendition.values.size()) rendition.values[place] = attribute->value;
+        if (attribute->name == attribute::type) rendition.type = attribute->value;
+        if (attribute->name == "CHANNELS") rendition.hasChannels = true;
+        if (attribute->name == attribute::groupId) {
+            rendition.group = attribute->value;
+            hasGroup = true;
+        }
+        if (attribute->name == attribute::name) {
+            rendition.name = attribute->value;
+            hasName = true;
+        }
+    }
+    return hasGroup && hasName ? std::optional(rendition) : std::nullopt;
+}
+
+}  // namespace
+
+std::string_view CheckedRendition::value(std::string_view attribute) const {
+    return values.at(placeOfCompared(attribute));
+}
 
 CheckedPlaylist::CheckedPlaylist(const VELHLSStructure& structure, VELHLSDocument::Kind kind,
                                  StandardProfile profile)
@@ -24,21 +64,34 @@ void CheckedPlaylist::add(const VELHLSLine& line) {
     if (tag == tagIndexOf<tag::targetDuration>) targetDuration_ = number(tag);
 }
 
-void CheckedPlaylist::keep(const std::vector<VELHLSAttribute>& attributes) {
+void CheckedPlaylist::keep(const VELHLSLine& line, const std::vector<VELHLSAttribute>& attributes) {
+    if (!isMaster()) return;
+    if (line.definition == &tagTable[tagIndexOf<tag::media>]) {
+        const std::optional<CheckedRendition> rendition = renditionOf(line, attributes);
+        if (rendition) renditions_.push_back(*rendition);
+    }
     // More than any tag has: a line of nothing but commas would take far more than its text.
     constexpr std::size_t most = 64;
-    if (!isMaster() || attributes.size() > most) return;
+    if (attributes.size() > most) return;
     for (const VELHLSAttribute& attribute : attributes)
         keptAttributes_.push_back({attribute.name, attribute.value});
 }
 
-std::optional<std::string_view> CheckedPlaylist::valueOf(const VELHLSLine& line,
-                                                         std::string_view name) const {
-    if (line.number > firstKept_.size()) return velhls::valueOf(line, name);
-    const std::size_t first = firstKept_[line.number - 1];
-    const std::size_t last =
-        line.number < firstKept_.size() ? firstKept_[line.number] : keptAttributes_.size();
-    if (first == last) return velhls::valueOf(line, name);
+void CheckedPlaylist::noteDuration(const VELHLSLine& line) {
+    const std::string_view duration = durationIn(line);
+    const auto seconds = VELHLSSyntax::readDecimalFloatingPoint(duration);
+    if (!seconds) return;
+    const bool hasPoint = duration.find('.') != std::string_view::npos;
+    if (!hasPoint && *seconds <= 0.0) return;
+    std::size_t& first = hasPoint ? firstDecimals_ : firstWholeDuration_;
+    if (first == 0) first = line.number;
+}
+
+std::optional<std::string_view> CheckedPlaylist::valueOf(std::size_t line, std::string_view name) const {
+    if (line > firstKept_.size()) return velhls::valueOf(document_.line(line), name);
+    const std::size_t first = firstKept_[line - 1];
+    const std::size_t last = line < firstKept_.size() ? firstKept_[line] : keptAttributes_.size();
+    if (first == last) return velhls::valueOf(document_.line(line), name);
     for (std::size_t place = first; place < last; ++place) {
         if (keptAttributes_[place].name == name) return keptAttributes_[place].value;
     }
@@ -86,6 +139,21 @@ std::string sourceOf(const VELHLSTagDefinition& tag) {
     const std::string_view document =
         tag.profile == VELHLSProfile::rfc8216 ? "RFC 8216" : "draft-pantos-hls-rfc8216bis";
     return std::string(document) + ", section " + std::string(tag.section);
+}
+
+std::string_view durationIn(const VELHLSLine& line) {
+    return trimmed(line.value.substr(0, line.value.find(',')));
+}
+
+std::string asChoice(std::string_view words) {
+    std::string choice;
+    while (!words.empty()) {
+        const std::string_view word = words.substr(0, words.find(','));
+        words.remove_prefix(std::min(word.size() + 1, words.size()));
+        if (!choice.empty()) choice += words.empty() ? " or " : ", ";
+        choice += word;
+    }
+    return choice;
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "velhls/common/Names.h"
 #include "velhls/document/FormatTables.h"
 #include "velhls/document/VELHLSDocument.h"
 #include "velhls/document/VELHLSStructure.h"
@@ -17,6 +18,23 @@
 #include "velhls/standard/UriSuffix.h"
 
 namespace velhls {
+
+/// An EXT-X-MEDIA with a GROUP-ID and a NAME: without them it belongs nowhere.
+struct CheckedRendition {
+    std::uint32_t line = 0;
+    std::string_view type;
+    std::string_view group;
+    std::string_view name;
+    bool hasChannels = false;
+    /// What members of two groups must have alike: of what stands for nothing else its default, where the tag has none.
+    static constexpr std::array compared = {
+        attribute::language, attribute::assocLanguage, attribute::defaultFlag,    attribute::autoSelect,
+        attribute::forced,   attribute::instreamId,    attribute::characteristics};
+    std::array<std::string_view, compared.size()> values = {"", "", fixed::no, fixed::no, fixed::no, "", ""};
+
+    /// Of the attribute, which must be one of those that are compared.
+    [[nodiscard]] std::string_view value(std::string_view attribute) const;
+};
 
 /// A playlist, and what its tags say of the whole of it.
 class CheckedPlaylist {
@@ -27,8 +45,11 @@ class CheckedPlaylist {
     /// Remembers which tag the line has. All lines must be added in their order before rules of segments or of the playlist are
     /// asked, and each before rules of lines are.
     void add(const VELHLSLine& line);
-    /// Remembers the attributes of the line that was added last.
-    void keep(const std::vector<VELHLSAttribute>& attributes);
+    /// Remembers the attributes of this line, which was added last.
+    void keep(const VELHLSLine& line, const std::vector<VELHLSAttribute>& attributes);
+
+    /// Remembers the EXTINF if it is the first one of its form.
+    void noteDuration(const VELHLSLine& line);
 
     [[nodiscard]] const VELHLSDocument& document() const { return document_; }
     [[nodiscard]] const VELHLSStructure& structure() const { return structure_; }
@@ -45,8 +66,14 @@ class CheckedPlaylist {
 
     /// The value of the line's first attribute with this name; nothing without one. In a master playlist, where many rules
     /// ask, the attributes of the lines that were added are kept.
+    [[nodiscard]] std::optional<std::string_view> valueOf(std::size_t line, std::string_view name) const;
     [[nodiscard]] std::optional<std::string_view> valueOf(const VELHLSLine& line,
-                                                          std::string_view name) const;
+                                                          std::string_view name) const {
+        return valueOf(line.number, name);
+    }
+
+    /// Of a master playlist.
+    [[nodiscard]] const std::vector<CheckedRendition>& renditions() const { return renditions_; }
 
     /// The numbers of the lines with a tag, given by its tagIndex. Not those of EXTINF: every segment has one.
     [[nodiscard]] const std::vector<std::uint32_t>& lines(std::size_t tag) const { return lines_[tag]; }
@@ -60,6 +87,11 @@ class CheckedPlaylist {
     [[nodiscard]] std::optional<std::uint64_t> version() const;
     /// EXT-X-TARGETDURATION in seconds.
     [[nodiscard]] std::optional<std::uint64_t> targetDuration() const { return targetDuration_; }
+    /// The line of the first EXTINF with a point; 0 for none.
+    [[nodiscard]] std::size_t firstDecimals() const { return firstDecimals_; }
+    /// That of the first one without, of more than 0 seconds.
+    [[nodiscard]] std::size_t firstWholeDuration() const { return firstWholeDuration_; }
+
     /// All segments' durations in seconds.
     [[nodiscard]] double duration() const { return duration_; }
     /// The segments with a URI.
@@ -85,7 +117,10 @@ class CheckedPlaylist {
     std::vector<KeptAttribute> keptAttributes_;
     /// Of each line added where its kept attributes begin. Empty unless it is a master playlist.
     std::vector<std::uint32_t> firstKept_;
+    std::vector<CheckedRendition> renditions_;
     std::optional<std::uint64_t> targetDuration_;
+    std::size_t firstDecimals_ = 0;
+    std::size_t firstWholeDuration_ = 0;
     double duration_ = 0.0;
     std::size_t segmentCount_ = 0;
 };
@@ -169,6 +204,12 @@ using PlaylistEntry = StandardEntry<CheckedPlaylist>;
 
 /// "RFC 8216, section 4.3.2.1" for a tag of RFC 8216, and the same of its successor.
 [[nodiscard]] std::string sourceOf(const VELHLSTagDefinition& tag);
+
+/// "EVENT or VOD" for "EVENT,VOD".
+[[nodiscard]] std::string asChoice(std::string_view words);
+
+/// What an EXTINF has before its comma, without white space around it.
+[[nodiscard]] std::string_view durationIn(const VELHLSLine& line);
 
 /// The text without white space around it.
 [[nodiscard]] std::string_view trimmed(std::string_view text);

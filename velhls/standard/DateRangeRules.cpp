@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -59,12 +60,28 @@ void findEndBeforeStart(const CheckedLine& checked, const Tell& tell) {
 }
 
 /// The dates are read to the microsecond; a millisecond is what they are written with.
-void findEndElsewhere(const CheckedLine& checked, const Tell& tell) {
-    const Dates dates = datesOf(checked);
-    if (!dates.start || !dates.end || !dates.duration) return;
+bool endsElsewhere(const Dates& dates) {
+    if (!dates.start || !dates.end || !dates.duration) return false;
     constexpr std::int64_t rounding = 1000;
     const std::int64_t difference = *dates.start + *dates.duration - *dates.end;
-    if (difference > rounding || difference < -rounding) tell(checked.line, checked.find("END-DATE")->value);
+    return difference > rounding || difference < -rounding;
+}
+
+/// Several tags with one ID are one range: each is looked at with what those before it said.
+void findEndElsewhere(const CheckedPlaylist& playlist, const Tell& tell) {
+    std::map<std::string_view, Dates> ranges;
+    for (const std::uint32_t number : playlist.lines(dateRange)) {
+        const VELHLSLine line = playlist.document().line(number);
+        const auto id = valueOf(line, "ID");
+        const auto end = line.attributes().find("END-DATE");
+        const auto duration = line.attributes().find("DURATION");
+        Dates dates = id ? ranges[*id] : Dates();
+        if (const auto start = dateOf(valueOf(line, "START-DATE"))) dates.start = start;
+        if (end) dates.end = dateOf(end->value);
+        if (duration) dates.duration = microsecondsOf(duration->value);
+        if (id) ranges[*id] = dates;
+        if ((end || duration) && endsElsewhere(dates)) tell(line, (end ? end : duration)->value);
+    }
 }
 
 void findInstant(const CheckedLine& checked, const Tell& tell) {
@@ -199,8 +216,10 @@ void findOverlapOfClass(const CheckedPlaylist& playlist, const Range* first, con
     const Range* longest = first;
     for (const Range* range = first + 1; range < last; ++range) {
         const bool isOther = range->id != longest->id;
+        // One that the next one ends lasts beyond its start, and so does one with an end after that.
+        const bool lasts = range->endsOnNext || range->end.value_or(range->start) > range->start;
         const bool overlaps = (longest->end && *longest->end > range->start) ||
-                              (range->endsOnNext && longest->endsOnNext && longest->start == range->start);
+                              (longest->endsOnNext && longest->start == range->start && lasts);
         if (isOther && overlaps) {
             const VELHLSLine line = playlist.document().line(range->line);
             const std::string seen = "one that overlaps that of line " + std::to_string(longest->line);
@@ -232,8 +251,6 @@ void findOverlap(const CheckedPlaylist& playlist, const Tell& tell) {
 constexpr LineEntry rules[] = {
     {{{"date-range-ends-before-start", error, "A date range ends before it starts.",
        "a date that is not before START-DATE", "RFC 8216, section 4.3.2.7", false}, "MUST"}, findEndBeforeStart},
-    {{{"date-range-end-not-start-plus-duration", error, "END-DATE is not START-DATE plus DURATION.",
-       "START-DATE plus DURATION", "RFC 8216, section 4.3.2.7", false}, "MUST"}, findEndElsewhere},
     {{{"date-range-instant-without-duration", warning, "A date range ends where it starts, and has no DURATION=0.",
        "DURATION=0 for an instant", "RFC 8216, section 4.3.2.7", false}, "SHOULD"}, findInstant},
     {{{"date-range-class-missing", error, "A date range with END-ON-NEXT=YES has no CLASS.",
@@ -249,6 +266,8 @@ constexpr LineEntry rules[] = {
 constexpr PlaylistEntry relations[] = {
     {{{"date-range-without-date-time", error, "A playlist has EXT-X-DATERANGE, and no EXT-X-PROGRAM-DATE-TIME.",
        "an EXT-X-PROGRAM-DATE-TIME in the playlist", "RFC 8216, section 4.3.2.7", false}, "MUST"}, findDateMissing},
+    {{{"date-range-end-not-start-plus-duration", error, "END-DATE is not START-DATE plus DURATION.",
+       "an END-DATE that is START-DATE plus DURATION", "RFC 8216, section 4.3.2.7", false}, "MUST"}, findEndElsewhere},
     {{{"date-range-values-differ", error, "Two date ranges with one ID have other values of one attribute.",
        "the same value for the same ID", "RFC 8216, section 4.3.2.7", false}, "MUST"}, findOtherValue},
     {{{"date-ranges-overlap", error, "Date ranges overlap, and one of their class has END-ON-NEXT=YES.",

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -14,38 +13,16 @@
 namespace velhls {
 namespace {
 
-/// An EXT-X-MEDIA.
-struct Rendition {
-    std::string_view type;
-    std::string_view group;
-    std::string_view name;
-    std::uint32_t line;
-};
-
-std::vector<Rendition> renditionsOf(const CheckedPlaylist& playlist) {
-    std::vector<Rendition> renditions;
-    if (!playlist.isMaster()) return renditions;
-    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::media>)) {
-        const VELHLSLine line = playlist.document().line(number);
-        const auto name = playlist.valueOf(line, attribute::name);
-        // Without them it belongs nowhere, which is another rule's.
-        if (!name || !playlist.valueOf(line, attribute::groupId)) continue;
-        renditions.push_back({playlist.valueOf(line, attribute::type).value_or(""),
-                              *playlist.valueOf(line, attribute::groupId), *name, number});
-    }
-    return renditions;
-}
-
 /// Tells of each after the first with one key.
 template <typename Key, typename KeyOf>
 void findRepeated(const CheckedPlaylist& playlist, const Tell& tell, KeyOf keyOf) {
     std::map<Key, std::uint32_t> first;
-    for (const Rendition& rendition : renditionsOf(playlist)) {
-        const VELHLSLine line = playlist.document().line(rendition.line);
-        const auto key = keyOf(rendition, line);
+    for (const CheckedRendition& rendition : playlist.renditions()) {
+        const auto key = keyOf(rendition);
         if (!key) continue;
         const auto [place, isFirst] = first.emplace(*key, rendition.line);
         if (isFirst) continue;
+        const VELHLSLine line = playlist.document().line(rendition.line);
         const std::string seen = "the same as in line " + std::to_string(place->second);
         tell(line, line.name, {{}, seen, {}});
     }
@@ -53,15 +30,15 @@ void findRepeated(const CheckedPlaylist& playlist, const Tell& tell, KeyOf keyOf
 
 void findRepeatedName(const CheckedPlaylist& playlist, const Tell& tell) {
     using Key = std::tuple<std::string_view, std::string_view, std::string_view>;
-    findRepeated<Key>(playlist, tell, [](const Rendition& rendition, const VELHLSLine&) {
+    findRepeated<Key>(playlist, tell, [](const CheckedRendition& rendition) {
         return std::optional<Key>(Key(rendition.type, rendition.group, rendition.name));
     });
 }
 
 void findRepeatedDefault(const CheckedPlaylist& playlist, const Tell& tell) {
     using Key = std::pair<std::string_view, std::string_view>;
-    findRepeated<Key>(playlist, tell, [&playlist](const Rendition& rendition, const VELHLSLine& line) {
-        if (playlist.valueOf(line, attribute::defaultFlag) != fixed::yes) return std::optional<Key>();
+    findRepeated<Key>(playlist, tell, [](const CheckedRendition& rendition) {
+        if (rendition.value(attribute::defaultFlag) != fixed::yes) return std::optional<Key>();
         return std::optional<Key>(Key(rendition.type, rendition.group));
     });
 }
@@ -69,44 +46,44 @@ void findRepeatedDefault(const CheckedPlaylist& playlist, const Tell& tell) {
 void findIndistinct(const CheckedPlaylist& playlist, const Tell& tell) {
     using Key = std::tuple<std::string_view, std::string_view, std::string_view, std::string_view,
                            std::string_view, std::string_view>;
-    findRepeated<Key>(playlist, tell, [&playlist](const Rendition& rendition, const VELHLSLine& line) {
-        if (playlist.valueOf(line, attribute::autoSelect) != fixed::yes) return std::optional<Key>();
-        return std::optional<Key>(Key(rendition.type, rendition.group,
-                                      playlist.valueOf(line, attribute::language).value_or(""),
-                                      playlist.valueOf(line, attribute::assocLanguage).value_or(""),
-                                      playlist.valueOf(line, attribute::forced).value_or(fixed::no),
-                                      playlist.valueOf(line, attribute::characteristics).value_or("")));
+    findRepeated<Key>(playlist, tell, [](const CheckedRendition& rendition) {
+        if (rendition.value(attribute::autoSelect) != fixed::yes) return std::optional<Key>();
+        return std::optional<Key>(Key(rendition.type, rendition.group, rendition.value(attribute::language),
+                                      rendition.value(attribute::assocLanguage),
+                                      rendition.value(attribute::forced),
+                                      rendition.value(attribute::characteristics)));
     });
 }
 
-/// The groups of one type, in the order of the file; of each its members by their names.
-struct Groups {
-    std::vector<std::string_view> names;
-    std::map<std::string_view, std::map<std::string_view, std::uint32_t>> members;
+/// A group of renditions, and its members by their names: of two with one name the first.
+struct Group {
+    std::string_view name;
+    std::uint32_t firstLine;
+    std::map<std::string_view, const CheckedRendition*> members;
 };
 
-std::map<std::string_view, Groups> groupsOf(const CheckedPlaylist& playlist) {
-    std::map<std::string_view, Groups> types;
-    for (const Rendition& rendition : renditionsOf(playlist)) {
-        Groups& groups = types[rendition.type];
-        auto& members = groups.members[rendition.group];
-        if (members.empty()) groups.names.push_back(rendition.group);
-        members.emplace(rendition.name, rendition.line);
+/// Of each type its groups, in the order of the file.
+std::map<std::string_view, std::vector<Group>> groupsOf(const CheckedPlaylist& playlist) {
+    std::map<std::string_view, std::vector<Group>> types;
+    std::map<std::pair<std::string_view, std::string_view>, std::size_t> places;
+    for (const CheckedRendition& rendition : playlist.renditions()) {
+        std::vector<Group>& groups = types[rendition.type];
+        const auto [place, isFirst] =
+            places.emplace(std::pair(rendition.type, rendition.group), groups.size());
+        if (isFirst) groups.push_back({rendition.group, rendition.line, {}});
+        groups[place->second].members.emplace(rendition.name, &rendition);
     }
     return types;
 }
 
-/// The groups, and the first one of the file, that they are compared with.
+/// Goes through the groups, each with the first one of its type in the file, which they are compared with.
 template <typename Visit>
 void forEachGroup(const CheckedPlaylist& playlist, Visit visit) {
     for (const auto& [type, groups] : groupsOf(playlist)) {
-        const auto& first = groups.members.at(groups.names.front());
-        for (std::size_t place = 1; place < groups.names.size(); ++place)
-            visit(groups.names.front(), first, groups.names[place], groups.members.at(groups.names[place]));
+        for (std::size_t place = 1; place < groups.size(); ++place)
+            visit(groups.front(), groups[place]);
     }
 }
-
-using Members = std::map<std::string_view, std::uint32_t>;
 
 std::string shortened(std::string_view text) {
     constexpr std::size_t longest = 60;
@@ -115,64 +92,45 @@ std::string shortened(std::string_view text) {
 
 /// One finding a group names the first member that is there too little, or too much.
 void findOtherMembers(const CheckedPlaylist& playlist, const Tell& tell) {
-    forEachGroup(playlist, [&](std::string_view firstName, const Members& first, std::string_view name,
-                               const Members& members) {
-        const auto missing = std::find_if(
-            first.begin(), first.end(), [&](const auto& member) { return members.count(member.first) == 0; });
-        const auto extra = std::find_if(members.begin(), members.end(),
-                                        [&](const auto& member) { return first.count(member.first) == 0; });
-        if (missing == first.end() && extra == members.end()) return;
-        const std::uint32_t number = extra != members.end() ? extra->second : members.begin()->second;
-        const VELHLSLine line = playlist.document().line(number);
-        const std::string expected = "in group " + shortened(name) + " the same members as in group " +
-                                     shortened(firstName) + " of line " +
-                                     std::to_string(first.begin()->second);
-        const std::string seen = extra != members.end() ? shortened(extra->first) + ", which is not there"
-                                                        : "none named " + shortened(missing->first);
+    forEachGroup(playlist, [&](const Group& first, const Group& group) {
+        const auto isIn = [](const Group& other) {
+            return [&other](const auto& member) { return other.members.count(member.first) != 0; };
+        };
+        const auto missing = std::find_if_not(first.members.begin(), first.members.end(), isIn(group));
+        const auto extra = std::find_if_not(group.members.begin(), group.members.end(), isIn(first));
+        if (missing == first.members.end() && extra == group.members.end()) return;
+        const bool hasExtra = extra != group.members.end();
+        const VELHLSLine line =
+            playlist.document().line(hasExtra ? extra->second->line : group.members.begin()->second->line);
+        const std::string expected = "in group " + shortened(group.name) + " the same members as in group " +
+                                     shortened(first.name) + ", which line " +
+                                     std::to_string(first.firstLine) + " begins";
+        const std::string seen = hasExtra ? shortened(extra->first) + ", which is not there"
+                                          : "none named " + shortened(missing->first);
         tell(line, line.name, {expected, seen, {}});
     });
 }
 
-/// What members of two groups must have alike; of what stands for nothing else its default.
-struct Compared {
-    std::string_view name;
-    std::string_view whenMissing;
-};
+/// What a member has otherwise than that of the first group.
+void tellOfDifferences(const CheckedPlaylist& playlist, const Tell& tell, const Group& firstGroup,
+                       const CheckedRendition& first, const CheckedRendition& member) {
+    for (std::size_t place = 0; place < member.values.size(); ++place) {
+        if (member.values[place] == first.values[place]) continue;
+        const std::string_view name = CheckedRendition::compared[place];
+        const VELHLSLine line = playlist.document().line(member.line);
+        const auto attribute = line.attributes().find(name);
+        const std::string expected = std::string(name) + " as " + shortened(member.name) +
+                                     " has it in group " + shortened(firstGroup.name) + " in line " +
+                                     std::to_string(first.line);
+        tell(line, attribute ? attribute->text : line.name, {expected, attribute ? "" : "none", {}});
+    }
+}
 
-constexpr Compared compared[] = {
-    {attribute::language, ""},        {attribute::assocLanguage, ""}, {attribute::defaultFlag, "NO"},
-    {attribute::autoSelect, "NO"},    {attribute::forced, "NO"},      {attribute::instreamId, ""},
-    {attribute::characteristics, ""},
-};
-
-/// Each group is walked over with the first one, whose lines are scanned once for each group and member.
 void findOtherAttributes(const CheckedPlaylist& playlist, const Tell& tell) {
-    std::map<std::uint32_t, std::vector<std::string_view>> ofFirst;
-    const auto valuesOf = [&playlist](std::uint32_t number) {
-        std::vector<std::string_view> values;
-        const VELHLSLine line = playlist.document().line(number);
-        for (const Compared& each : compared)
-            values.push_back(playlist.valueOf(line, each.name).value_or(each.whenMissing));
-        return values;
-    };
-    forEachGroup(playlist, [&](std::string_view, const Members& first, std::string_view,
-                               const Members& members) {
-        for (const auto& [name, number] : members) {
-            const auto member = first.find(name);
-            if (member == first.end()) continue;
-            auto known = ofFirst.find(member->second);
-            if (known == ofFirst.end())
-                known = ofFirst.emplace(member->second, valuesOf(member->second)).first;
-            const std::vector<std::string_view> values = valuesOf(number);
-            for (std::size_t place = 0; place < values.size(); ++place) {
-                if (values[place] == known->second[place]) continue;
-                const VELHLSLine line = playlist.document().line(number);
-                const auto attribute = line.attributes().find(compared[place].name);
-                const std::string expected = std::string(compared[place].name) + " as in line " +
-                                             std::to_string(member->second) +
-                                             ", the same member of another group";
-                tell(line, attribute ? attribute->text : line.name, {expected, attribute ? "" : "none", {}});
-            }
+    forEachGroup(playlist, [&](const Group& first, const Group& group) {
+        for (const auto& [name, member] : group.members) {
+            const auto same = first.members.find(name);
+            if (same != first.members.end()) tellOfDifferences(playlist, tell, first, *same->second, *member);
         }
     });
 }
@@ -181,11 +139,9 @@ void findOtherAttributes(const CheckedPlaylist& playlist, const Tell& tell) {
 void findChannelsNotTold(const CheckedPlaylist& playlist, const Tell& tell) {
     std::size_t told = 0;
     std::vector<std::uint32_t> lacking;
-    for (const Rendition& rendition : renditionsOf(playlist)) {
+    for (const CheckedRendition& rendition : playlist.renditions()) {
         if (rendition.type != attribute::audio) continue;
-        const bool hasChannels =
-            playlist.valueOf(playlist.document().line(rendition.line), "CHANNELS").has_value();
-        if (hasChannels)
+        if (rendition.hasChannels)
             told = rendition.line;
         else
             lacking.push_back(rendition.line);

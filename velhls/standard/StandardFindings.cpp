@@ -15,7 +15,7 @@ void StandardFindings::add(const StandardRule& rule, const VELHLSLine& line, std
     if (!words.source.empty()) finding.source = words.source;
     finding.profile = profile_;
     finding.clause = clauseOf(finding.source);
-    finding.level = rule.level;
+    finding.level = words.level.empty() ? rule.level : words.level;
     if (words.related != nullptr) finding.related.push_back(*words.related);
     findings_.add(key, std::move(finding));
 }

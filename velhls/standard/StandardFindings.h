@@ -20,6 +20,8 @@ struct FindingWords {
     std::string_view source = {};
     /// A second place; null for none.
     const VELHLSRelatedPlace* related = nullptr;
+    /// The key word of the clause, where the rule stands for clauses of several.
+    std::string_view level = {};
 };
 
 /// Gathers findings of one profile.

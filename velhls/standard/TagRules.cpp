@@ -62,9 +62,9 @@ void findRepeatedTagOfSegment(const CheckedLine& checked, const Tell& tell) {
     const VELHLSTagDefinition* const tag = checked.line.definition;
     if (checked.earlierLine == 0 || tag->reach != VELHLSTagDefinition::Segment) return;
     const std::string seen = "another one in line " + std::to_string(checked.earlierLine);
-    const std::string source =
-        checked.is(tagIndexOf<tag::programDateTime>) ? "RFC 8216, section 6.2.1" : sourceOf(*tag);
-    tell(checked.line, checked.line.name, {{}, seen, source});
+    const bool isDate = checked.is(tagIndexOf<tag::programDateTime>);
+    const std::string source = isDate ? "RFC 8216, section 6.2.1" : sourceOf(*tag);
+    tell(checked.line, checked.line.name, {{}, seen, source, nullptr, isDate ? "MUST NOT" : ""});
 }
 
 void findStray(const CheckedLine& checked, const Tell& tell, bool inMaster) {
@@ -127,7 +127,7 @@ void findUnexpectedValue(const CheckedLine& checked, const Tell& tell) {
 }
 
 /// What the value should be, or nothing when it is that.
-std::string_view expectedInstead(const VELHLSTagDefinition& tag, std::string_view value) {
+std::string expectedInstead(const VELHLSTagDefinition& tag, std::string_view value) {
     switch (tag.form) {
         case VELHLSTagDefinition::DecimalInteger:
             return VELHLSSyntax::readDecimalInteger(value) ? "" : "a decimal-integer";
@@ -140,7 +140,7 @@ std::string_view expectedInstead(const VELHLSTagDefinition& tag, std::string_vie
         case VELHLSTagDefinition::Word: {
             VELHLSAttributeDefinition words;
             words.values = tag.values;
-            return words.allows(value) ? "" : tag.values;
+            return words.allows(value) ? "" : asChoice(tag.values);
         }
         default:
             return "";
@@ -150,7 +150,7 @@ std::string_view expectedInstead(const VELHLSTagDefinition& tag, std::string_vie
 void findMalformedValue(const CheckedLine& checked, const Tell& tell) {
     if (!isKnown(checked)) return;
     const VELHLSTagDefinition& tag = *checked.line.definition;
-    const std::string_view expected = expectedInstead(tag, checked.value);
+    const std::string expected = expectedInstead(tag, checked.value);
     if (expected.empty()) return;
     const std::string source = sourceOf(tag);
     const std::string_view rest = trimmed(afterName(checked.line));

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <optional>
+#include <string>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/TextScan.h"
@@ -64,19 +66,26 @@ void findCarriageReturn(const CheckedLine& checked, const Tell& tell) {
     if (place != std::string_view::npos) tell(checked.line, text.substr(place, 1), {{}, "one", {}});
 }
 
-/// The letters that an accent makes one character of, in Unicode and in the oldest of its blocks: "e" and U+0301 are U+00E9.
+/// The letters that an accent makes one character of, in Unicode and in the first two of its blocks after ASCII: "e" and U+0301
+/// are U+00E9.
 bool isComposed(char letter, std::uint32_t accent) {
     struct Row {
         std::uint32_t accent;
         std::string_view letters;
     };
-    constexpr std::array<Row, 7> rows = {{{0x300, "AEIOUaeiou"},
-                                          {0x301, "AEIOUYaeiouy"},
-                                          {0x302, "AEIOUaeiou"},
-                                          {0x303, "ANOano"},
-                                          {0x308, "AEIOUaeiouy"},
-                                          {0x30A, "Aa"},
-                                          {0x327, "Cc"}}};
+    constexpr std::array<Row, 13> rows = {{{0x300, "AEIOUaeiou"},
+                                           {0x301, "ACEILNORSUYZaceilnorsuyz"},
+                                           {0x302, "ACEGHIJOSUWYaceghijosuwy"},
+                                           {0x303, "AINOUainou"},
+                                           {0x304, "AEIOUaeiou"},
+                                           {0x306, "AEGIOUaegiou"},
+                                           {0x307, "CEGIZcegz"},
+                                           {0x308, "AEIOUYaeiouy"},
+                                           {0x30A, "AUau"},
+                                           {0x30B, "OUou"},
+                                           {0x30C, "CDELNRSTZcdelnrstz"},
+                                           {0x327, "CGKLNRSTcgklnrst"},
+                                           {0x328, "AEIUaeiu"}}};
     return std::any_of(rows.begin(), rows.end(), [&](const Row& row) {
         return row.accent == accent && row.letters.find(letter) != std::string_view::npos;
     });
@@ -100,6 +109,41 @@ bool mayEndInBlank(const CheckedLine& checked) {
     return tag->form == VELHLSTagDefinition::Duration && checked.value.find(',') != std::string_view::npos;
 }
 
+bool isIndented(const VELHLSLine& line) {
+    const std::string_view text = withoutMark(line);
+    return !text.empty() && blanks.holds(text.front());
+}
+
+/// The next line in this direction that is a tag or a URI; nothing when there is none.
+std::optional<VELHLSLine> neighbour(const VELHLSDocument& document, std::size_t number, bool isAfter) {
+    while (isAfter ? number < document.lineCount() : number > 1) {
+        number = isAfter ? number + 1 : number - 1;
+        const VELHLSLine line = document.line(number);
+        if (line.kind == VELHLSLine::Uri || line.kind == VELHLSLine::Tag) return line;
+    }
+    return std::nullopt;
+}
+
+/// Whether a line with white space before it is the first of those that follow each other: they are told as one.
+bool beginsIndentation(const CheckedLine& checked) {
+    const auto before = neighbour(checked.playlist.document(), checked.line.number, false);
+    return !before || !isIndented(*before);
+}
+
+/// Of the first line with white space before it, and those that follow.
+std::string indentationSeen(const CheckedLine& checked) {
+    const VELHLSDocument& document = checked.playlist.document();
+    std::size_t last = checked.line.number;
+    for (auto next = neighbour(document, last, true); next && isIndented(*next);
+         next = neighbour(document, last, true))
+        last = next->number;
+    std::string seen = "white space before a ";
+    seen += checked.line.kind == VELHLSLine::Uri ? "URI" : "tag";
+    return last == checked.line.number
+               ? seen
+               : seen + ", and before all tags and URIs up to line " + std::to_string(last);
+}
+
 /// Before a tag or a URI, after it, after a tag's colon, or inside a URI line: of a line the first.
 void findWhiteSpace(const CheckedLine& checked, const Tell& tell) {
     const VELHLSLine& line = checked.line;
@@ -109,10 +153,9 @@ void findWhiteSpace(const CheckedLine& checked, const Tell& tell) {
         tell(line, place, {{}, seen, {}});
     };
     const std::string_view content = trimmed(text);
-    const auto before = static_cast<std::size_t>(content.data() - text.data());
-    if (before > 0) {
-        return tellOf(text.substr(0, before),
-                      line.kind == VELHLSLine::Uri ? "white space before a URI" : "white space before a tag");
+    if (isIndented(line) && beginsIndentation(checked)) {
+        const std::string seen = indentationSeen(checked);
+        return tellOf(text.substr(0, static_cast<std::size_t>(content.data() - text.data())), seen);
     }
     const bool isKnown = line.definition != nullptr && line.definition->form != VELHLSTagDefinition::Anything;
     if (isKnown && line.hasColon && !checked.value.empty() && checked.value.data() != line.value.data()) {
@@ -125,8 +168,8 @@ void findWhiteSpace(const CheckedLine& checked, const Tell& tell) {
         if (inside != std::string_view::npos)
             return tellOf(content.substr(inside, 1), "white space inside a URI");
     }
-    if (content.size() < text.size() && !mayEndInBlank(checked))
-        tellOf(text.substr(content.size()), "white space at the end");
+    if (withoutTrailing(text, blanks).size() < text.size() && !mayEndInBlank(checked))
+        tellOf(text.substr(withoutTrailing(text, blanks).size()), "white space at the end");
 }
 
 // clang-format off

@@ -31,8 +31,9 @@ void findUriMissing(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findAverageAbovePeak(const CheckedLine& checked, const Tell& tell) {
-    const auto peak = VELHLSSyntax::readDecimalInteger(valueIn(checked, attribute::bandwidth));
     const std::string_view text = valueIn(checked, attribute::averageBandwidth);
+    if (text.empty()) return;
+    const auto peak = VELHLSSyntax::readDecimalInteger(valueIn(checked, attribute::bandwidth));
     const auto average = VELHLSSyntax::readDecimalInteger(text);
     if (peak && average && *average > *peak) tell(checked.line, text);
 }
@@ -115,20 +116,18 @@ void findAttributeOfVariants(const CheckedLine& checked, const Tell& tell) {
 /// The groups that there are, by TYPE and GROUP-ID.
 std::set<std::pair<std::string_view, std::string_view>> groupsOf(const CheckedPlaylist& playlist) {
     std::set<std::pair<std::string_view, std::string_view>> groups;
-    for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::media>)) {
-        const VELHLSLine line = playlist.document().line(number);
+    for (const std::uint32_t line : playlist.lines(tagIndexOf<tag::media>))
         groups.emplace(playlist.valueOf(line, attribute::type).value_or(""),
                        playlist.valueOf(line, attribute::groupId).value_or(""));
-    }
     return groups;
 }
 
-/// Goes through the tags of variants and of I-frame variants.
+/// Goes through the lines of variants and of I-frame variants.
 template <typename Visit>
 void forEachVariant(const CheckedPlaylist& playlist, Visit visit) {
     for (const std::size_t tag : {tagIndexOf<tag::streamInf>, tagIndexOf<tag::iFrameStreamInf>}) {
         for (const std::uint32_t number : playlist.lines(tag))
-            visit(playlist.document().line(number));
+            visit(number);
     }
 }
 
@@ -137,12 +136,13 @@ void findGroupMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     const auto groups = groupsOf(playlist);
     constexpr std::array types = {attribute::audio, attribute::video, attribute::subtitles,
                                   attribute::closedCaptions};
-    forEachVariant(playlist, [&](const VELHLSLine& line) {
+    forEachVariant(playlist, [&](std::uint32_t number) {
         const bool namesOther = std::any_of(types.begin(), types.end(), [&](std::string_view type) {
-            const auto name = playlist.valueOf(line, type);
+            const auto name = playlist.valueOf(number, type);
             return name && groups.count({type, *name}) == 0;
         });
         if (!namesOther) return;
+        const VELHLSLine line = playlist.document().line(number);
         for (const VELHLSAttribute& attribute : line.attributes()) {
             const bool isNone = attribute.name == attribute::closedCaptions && !attribute.quoted;
             if (isNone || std::find(types.begin(), types.end(), attribute.name) == types.end()) continue;
@@ -154,9 +154,9 @@ void findGroupMissing(const CheckedPlaylist& playlist, const Tell& tell) {
     });
 }
 
-bool hasNoCaptions(const CheckedPlaylist& playlist, const VELHLSLine& line) {
-    if (playlist.valueOf(line, attribute::closedCaptions) != fixed::none) return false;
-    const auto captions = line.attributes().find(attribute::closedCaptions);
+bool hasNoCaptions(const CheckedPlaylist& playlist, std::uint32_t number) {
+    if (playlist.valueOf(number, attribute::closedCaptions) != fixed::none) return false;
+    const auto captions = playlist.document().line(number).attributes().find(attribute::closedCaptions);
     return captions && !captions->quoted && captions->value == fixed::none;
 }
 
@@ -164,13 +164,13 @@ void findCaptionsElsewhere(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.isMaster()) return;
     std::size_t first = 0;
     for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::streamInf>)) {
-        if (first == 0 && hasNoCaptions(playlist, playlist.document().line(number))) first = number;
+        if (first == 0 && hasNoCaptions(playlist, number)) first = number;
     }
     if (first == 0) return;
     const std::string expected = "CLOSED-CAPTIONS=NONE, as line " + std::to_string(first) + " has it";
     for (const std::uint32_t number : playlist.lines(tagIndexOf<tag::streamInf>)) {
+        if (hasNoCaptions(playlist, number)) continue;
         const VELHLSLine line = playlist.document().line(number);
-        if (hasNoCaptions(playlist, line)) continue;
         const auto captions = line.attributes().find(attribute::closedCaptions);
         tell(line, captions ? captions->text : line.name, {expected, captions ? "" : "none", {}});
     }

@@ -14,6 +14,9 @@ namespace {
 /// The successor's versions are for what only it knows, some of which a playlist need not show.
 constexpr std::uint64_t lastOfRfc8216 = 7;
 
+/// Below it durations are whole numbers (section 4.3.2.1).
+constexpr std::uint64_t firstWithDecimals = 3;
+
 /// The first place that needs a version, of each kind.
 struct Feature {
     VELHLSLine line;
@@ -61,8 +64,8 @@ class FeatureFinder {
 
     void addAttribute(const VELHLSTagDefinition& tag, const VELHLSAttributeDefinition& row) {
         for (const std::uint32_t number : playlist_.lines(indexOf(tag))) {
+            if (!playlist_.valueOf(number, row.name)) continue;
             const VELHLSLine line = playlist_.document().line(number);
-            if (!playlist_.valueOf(line, row.name)) continue;
             const auto attribute = line.attributes().find(row.name);
             features_.push_back({line, attribute->name, row.firstVersion});
             return;
@@ -89,15 +92,9 @@ class FeatureFinder {
     }
 
     void addDecimals() {
-        for (const VELHLSStructure::Segment& segment : playlist_.structure().segments()) {
-            if (segment.durationLine == 0) continue;
-            const VELHLSLine line = playlist_.document().line(segment.durationLine);
-            const std::string_view duration = trimmed(line.value.substr(0, line.value.find(',')));
-            const bool hasPoint = duration.find('.') != std::string_view::npos;
-            if (!hasPoint || !VELHLSSyntax::readDecimalFloatingPoint(duration)) continue;
-            features_.push_back({line, duration, 3});
-            return;
-        }
+        if (playlist_.firstDecimals() == 0) return;
+        const VELHLSLine line = playlist_.document().line(playlist_.firstDecimals());
+        features_.push_back({line, durationIn(line), firstWithDecimals});
     }
 
     const CheckedPlaylist& playlist_;
@@ -154,24 +151,29 @@ void findRemoved(const CheckedPlaylist& playlist, const Tell& tell) {
     if (version < removed) return;
     for (const std::size_t tag : {tagIndexOf<tag::streamInf>, tagIndexOf<tag::iFrameStreamInf>}) {
         for (const std::uint32_t number : playlist.lines(tag)) {
+            if (!playlist.valueOf(number, attribute::programId)) continue;
             const VELHLSLine line = playlist.document().line(number);
-            if (playlist.valueOf(line, attribute::programId))
-                tell(line, line.attributes().find(attribute::programId)->name, {expected(removed), {}, {}});
+            tell(line, line.attributes().find(attribute::programId)->name, {expected(removed), {}, {}});
         }
     }
 }
 
-/// Whole numbers in a playlist that says it may have others, and that needs its version for nothing else.
-void findWholeDurations(const CheckedPlaylist& playlist, const Tell& tell) {
-    constexpr std::uint64_t firstWithDecimals = 3;
+/// A whole number in a playlist that says it may have others, where its version is, or is not, needed for something else.
+void findWhole(const CheckedPlaylist& playlist, const Tell& tell, bool isVersionNeeded) {
     const std::uint64_t version = playlist.version().value_or(1);
     const bool mayHaveDecimals = version >= firstWithDecimals && version <= lastOfRfc8216;
-    if (!playlist.isMedia() || !mayHaveDecimals || neededVersion(playlist) >= firstWithDecimals) return;
-    for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
-        if (segment.durationLine == 0 || segment.duration <= 0.0) continue;
-        const VELHLSLine line = playlist.document().line(segment.durationLine);
-        return tell(line, line.value.substr(0, line.value.find(',')));
-    }
+    if (!playlist.isMedia() || !mayHaveDecimals || playlist.firstWholeDuration() == 0) return;
+    if ((neededVersion(playlist) >= firstWithDecimals) != isVersionNeeded) return;
+    const VELHLSLine line = playlist.document().line(playlist.firstWholeDuration());
+    tell(line, durationIn(line));
+}
+
+void findWholeDurations(const CheckedPlaylist& playlist, const Tell& tell) {
+    findWhole(playlist, tell, false);
+}
+
+void findWholeDuration(const CheckedPlaylist& playlist, const Tell& tell) {
+    findWhole(playlist, tell, true);
 }
 
 // clang-format off
@@ -184,6 +186,8 @@ constexpr PlaylistEntry rules[] = {
        "nothing that its version removed", "RFC 8216, section 7", false}, "SYN"}, findRemoved},
     {{{"durations-whole", warning, "All durations are whole numbers, though the version allows decimals.",
        "durations with decimals, as exact as they are known", "RFC 8216, section 4.3.2.1", false}, "SHOULD"}, findWholeDurations},
+    {{{"duration-whole", note, "A duration is a whole number, though the version allows decimals.",
+       "a duration with decimals, as exact as it is known", "RFC 8216, section 4.3.2.1", false}, "SHOULD"}, findWholeDuration},
 };
 // clang-format on
 
