@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "velhls/common/TextBuffer.h"
+
 namespace velhls {
 namespace {
 
@@ -135,6 +137,14 @@ void ExactDecimal::increaseAt(std::int64_t place) {
     begin_ = std::min(begin_, word);
     end_ = std::max(end_, at.word + 1);
     withoutOuterZeros();
+}
+
+char* ExactDecimal::write(char* to, std::int64_t decimals) const {
+    for (std::int64_t place = std::max(firstPlace(), std::int64_t{0}); place >= -decimals; --place) {
+        if (place == -1) to = writeText(to, '.');
+        to = writeText(to, static_cast<char>('0' + digitAt(place)));
+    }
+    return to;
 }
 
 std::uint64_t ExactDecimal::whole() const {

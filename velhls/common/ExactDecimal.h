@@ -20,6 +20,9 @@ struct NearestDouble {
 /// Where it is not exact the number is a little more than that.
 [[nodiscard]] NearestDouble nearestDouble(std::uint64_t significand, std::int64_t exponent, bool isExact);
 
+/// From 2^53 on every double is a whole number.
+inline constexpr double firstWithoutDecimals = 9007199254740992.0;
+
 /// A decimal number that is not negative, with room for all digits of each double and of the middle between any two.
 ///
 ///     12.5    0 ... 0 | 000000012 . 500000000 | 0 ... 0    nine digits a word
@@ -47,6 +50,9 @@ class ExactDecimal {
 
     /// Rounds to the nearest number without digits below a place; of two to the even one.
     void roundTo(std::int64_t place);
+
+    /// Writes the number down to the last of so many decimals. There must be room.
+    [[nodiscard]] char* write(char* to, std::int64_t decimals) const;
 
     /// Adds 1 at a place.
     void increaseAt(std::int64_t place);

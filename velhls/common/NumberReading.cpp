@@ -57,8 +57,8 @@ const char* readDigits(const char* position, const char* end, std::uint64_t& num
     return position;
 }
 
-/// Doubles hold all whole numbers up to this one, and these powers of ten.
-constexpr std::uint64_t mostExact = std::uint64_t{1} << 53;
+/// Doubles hold all whole numbers of so many bits, and these powers of ten.
+constexpr int exactBits = std::numeric_limits<double>::digits;
 constexpr std::array<double, 20> powersOfTen = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
                                                 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
 
@@ -106,7 +106,7 @@ LeadingNumber<double> leadingDecimal(std::string_view text) {
         digitCount += decimals;
     }
     constexpr std::size_t mostDigits = std::numeric_limits<std::uint64_t>::digits10;
-    if (digitCount == 0 || digitCount > mostDigits || number > mostExact) return {};
+    if (digitCount == 0 || digitCount > mostDigits || number >> exactBits != 0) return {};
     // Both are exact, so that the quotient is rounded once, as strtod rounds it.
     const double quotient = static_cast<double>(static_cast<std::int64_t>(number)) / powersOfTen[decimals];
     return {quotient, static_cast<std::size_t>(end - begin)};
