@@ -237,6 +237,15 @@ TEST(EditCommand, DropsVariantsAndWhatOnlyTheyName) {
     EXPECT_THAT(high.output, testing::Not(HasSubstr("NOMINAL_VIDEO_BITRATE=1\n")));
 }
 
+TEST(EditCommand, TakesNoCaptionsForNoGroup) {
+    const std::string captions =
+        "#EXT-X-MEDIA:TYPE=CLOSED-CAPTIONS,GROUP-ID=\"NONE\",NAME=\"c\",INSTREAM-ID=\"CC1\"\n";
+    const std::string low = "#EXT-X-STREAM-INF:BANDWIDTH=1000\n1.m3u8\n";
+    const std::string high = "#EXT-X-STREAM-INF:BANDWIDTH=2000,CLOSED-CAPTIONS=";
+    EXPECT_EQ(edited({"--max-bandwidth", "1000"}, captions + low + high + "NONE\n2.m3u8\n"), captions + low);
+    EXPECT_EQ(edited({"--max-bandwidth", "1000"}, captions + low + high + "\"NONE\"\n2.m3u8\n"), low);
+}
+
 TEST(EditCommand, TakesBitRatesWithUnits) {
     const std::string rich = "#EXT-X-STREAM-INF:BANDWIDTH=2500000\n2.m3u8\n";
     const std::string poor = "#EXT-X-STREAM-INF:BANDWIDTH=2499999\n1.m3u8\n";
