@@ -186,19 +186,21 @@ bool takeUsualDigits(std::string_view text, std::array<unsigned char, usualDate.
 std::optional<VELHLSSyntax::DateTime> readUsualDateTime(std::string_view text) {
     std::array<unsigned char, usualDate.size()> digits;
     if (text.size() != usualDate.size() || !takeUsualDigits(text, digits)) return std::nullopt;
-    const auto two = [&digits](std::size_t place) { return digits[place] * 10 + digits[place + 1]; };
-    const int year = two(0) * 100 + two(2);
-    const int month = two(5);
-    const int day = two(8);
-    const int hour = two(11);
-    const int minute = two(14);
-    const int second = two(17);
-    constexpr int inEveryMonth = 28;
+    const auto two = [&digits](std::size_t place) {
+        return std::int64_t{digits[place]} * 10 + digits[place + 1];
+    };
+    const std::int64_t year = two(0) * 100 + two(2);
+    const std::int64_t month = two(5);
+    const std::int64_t day = two(8);
+    const std::int64_t hour = two(11);
+    const std::int64_t minute = two(14);
+    const std::int64_t second = two(17);
+    constexpr std::int64_t inEveryMonth = 28;
     if (month < 1 || month > 12 || day < 1 || day > inEveryMonth) return std::nullopt;
     if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
     const std::int64_t seconds =
         daysSinceEpoch(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
-    const int milliseconds = digits[20] * 100 + two(21);
+    const std::int64_t milliseconds = std::int64_t{digits[20]} * 100 + two(21);
     return VELHLSSyntax::DateTime{seconds * secondMicroseconds + milliseconds * 1000, true, true, 3};
 }
 
