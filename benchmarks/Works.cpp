@@ -432,6 +432,42 @@ class ParseText : public Work {
     Stream stream_;
 };
 
+/// The same work many times in one process, on a text each, as a service does it.
+template <typename Each>
+class Many : public Work {
+  public:
+    template <typename... Arguments>
+    Many(std::size_t count, const Arguments&... arguments) {
+        for (std::size_t place = 0; place < count; ++place)
+            works_.push_back(std::make_unique<Each>(arguments...));
+    }
+
+    void prepare() override {
+        for (const auto& work : works_)
+            work->prepare();
+    }
+    void run() override {
+        for (const auto& work : works_) {
+            work->run();
+            work->drop();
+        }
+    }
+    void drop() override {}
+
+  private:
+    std::vector<std::unique_ptr<Each>> works_;
+};
+
+Measurement checkOfMany(std::string name, const std::string& text, std::size_t count) {
+    return {std::move(name),
+            count,
+            text.size() * count,
+            1,
+            std::make_unique<Many<Check>>(count, text),
+            "P",
+            std::make_unique<Many<ParseText>>(count, text, false)};
+}
+
 Measurement checkOf(std::string name, const std::string& text, std::size_t items, bool isMaster) {
     return {std::move(name),
             items,
@@ -482,6 +518,8 @@ const std::vector<std::pair<std::string, Maker>>& makers() {
          [](Name name) { return documentOf<WholeDocument>(name, inputs::largeMaster(10000)); }},
         {"check/vod/100000", [](Name name) { return checkOf(name, inputs::vod(many), many, false); }},
         {"check/rich/100000", [](Name name) { return checkOf(name, inputs::rich(many), many, false); }},
+        // 20 kB each.
+        {"check/rich-short/1000", [](Name name) { return checkOfMany(name, inputs::rich(152), 1000); }},
         {"check/master-small", [](Name name) { return checkOf(name, inputs::smallMaster(), 16, true); }},
         {"check/master-large/10000",
          [](Name name) { return checkOf(name, inputs::largeMaster(10000), 10000, true); }},

@@ -31,6 +31,7 @@ AIMS = {
     "document/rich/1000000": 3.0,
     "check/vod/100000": 4.0,
     "check/rich/100000": 4.0,
+    "check/rich-short/1000": 6.0,
     "check/master-small": 4.0,
     "check/master-large/10000": 4.0,
 }

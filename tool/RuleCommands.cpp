@@ -26,9 +26,10 @@ using Profiles = std::vector<VELHLSDiagnostics::Profile>;
 /// Changes when what is written would no longer be read as before.
 constexpr int formatVersion = 1;
 
-/// A rule, and the profiles that have it with the same clause and weight.
+/// A rule, the command that finds it, and the profiles that have it with the same clause and weight.
 struct ListedRule {
     VELHLSRule rule;
+    std::string_view command;
     std::vector<std::string> profiles;
 };
 
@@ -37,11 +38,12 @@ bool isSame(const VELHLSRule& one, const VELHLSRule& other) {
            one.level == other.level && one.severity == other.severity;
 }
 
-void add(std::vector<ListedRule>& rules, const VELHLSRule& rule) {
-    const auto same = std::find_if(rules.begin(), rules.end(),
-                                   [&rule](const ListedRule& listed) { return isSame(listed.rule, rule); });
+void add(std::vector<ListedRule>& rules, const VELHLSRule& rule, std::string_view command) {
+    const auto same = std::find_if(rules.begin(), rules.end(), [&](const ListedRule& listed) {
+        return listed.command == command && isSame(listed.rule, rule);
+    });
     if (same == rules.end()) {
-        rules.push_back({rule, {std::string(rule.profile)}});
+        rules.push_back({rule, command, {std::string(rule.profile)}});
     } else {
         same->profiles.emplace_back(rule.profile);
     }
@@ -51,7 +53,13 @@ std::vector<ListedRule> rulesOf(const Profiles& profiles) {
     std::vector<ListedRule> rules;
     for (const VELHLSDiagnostics::Profile profile : profiles) {
         for (const VELHLSRule& rule : VELHLSDiagnostics::rules(profile))
-            add(rules, rule);
+            add(rules, rule, "check");
+    }
+    for (const VELHLSRule& rule : VELHLSComparison::rules()) {
+        const bool isAskedFor = std::any_of(profiles.begin(), profiles.end(), [&rule](auto profile) {
+            return VELHLSDiagnostics::nameOf(profile) == rule.profile;
+        });
+        if (isAskedFor) add(rules, rule, "compare");
     }
     return rules;
 }
@@ -59,6 +67,7 @@ std::vector<ListedRule> rulesOf(const Profiles& profiles) {
 Json ruleAsJson(const ListedRule& listed) {
     const VELHLSRule& rule = listed.rule;
     return {{"rule", rule.id},
+            {"command", listed.command},
             {"profiles", listed.profiles},
             {"clause", rule.clause},
             {"level", rule.level},
@@ -85,10 +94,10 @@ std::string joined(const std::vector<std::string>& names) {
 
 std::string asTable(const std::vector<ListedRule>& rules) {
     using Align = Table::Align;
-    Table table({"RULE", "PROFILE", "CLAUSE", "LEVEL", "SEVERITY", "WHAT"},
-                std::vector<Align>(6, Align::left));
-    for (const auto& [rule, profiles] : rules) {
-        table.addRow({std::string(rule.id), joined(profiles), std::string(rule.clause),
+    Table table({"RULE", "COMMAND", "PROFILE", "CLAUSE", "LEVEL", "SEVERITY", "WHAT"},
+                std::vector<Align>(7, Align::left));
+    for (const auto& [rule, command, profiles] : rules) {
+        table.addRow({std::string(rule.id), std::string(command), joined(profiles), std::string(rule.clause),
                       std::string(rule.level), std::string(VELHLSFinding::textOf(rule.severity)),
                       std::string(rule.summary)});
     }
@@ -101,7 +110,7 @@ struct RulesRequest {
 };
 
 void addRulesCommand(CLI::App& app) {
-    CLI::App* const command = app.add_subcommand("rules", "List the rules that check knows");
+    CLI::App* const command = app.add_subcommand("rules", "List the rules that check and compare know");
     const auto request = std::make_shared<RulesRequest>();
     addProfileOption(*command, request->profiles, "Whose rules to list, all unless told otherwise");
     command->add_option("--format", request->format, "How to write them")

@@ -1,3 +1,5 @@
+#include <filesystem>
+#include <iterator>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -45,27 +47,42 @@ std::vector<std::string> rowOf(const std::string& rule, const std::vector<std::s
 
 TEST(RulesCommand, ListsTheRulesOfAllProfilesWithTheirClauses) {
     const auto rows = rowsOf(velhls({"rules"}).output);
-    EXPECT_EQ(rows[0], (std::vector<std::string>{"RULE", "PROFILE", "CLAUSE", "LEVEL", "SEVERITY", "WHAT"}));
+    EXPECT_EQ(rows[0], (std::vector<std::string>{"RULE", "COMMAND", "PROFILE", "CLAUSE", "LEVEL", "SEVERITY",
+                                                 "WHAT"}));
     EXPECT_GT(rows.size(), 300U);
     EXPECT_EQ(rowOf("header-missing"),
-              (std::vector<std::string>{"header-missing", "rfc8216,rfc8216bis", "4.3.1.1", "MUST", "error",
-                                        "The playlist has no #EXTM3U line."}));
-    EXPECT_EQ(rowOf("segment-uri-too-short")[1], "library");
+              (std::vector<std::string>{"header-missing", "check", "rfc8216,rfc8216bis", "4.3.1.1", "MUST",
+                                        "error", "The playlist has no #EXTM3U line."}));
+    EXPECT_EQ(rowOf("segment-uri-too-short")[2], "library");
 }
 
 TEST(RulesCommand, ListsTheRulesOfTheProfilesThatAreAskedFor) {
-    EXPECT_EQ(rowOf("header-missing", {"--profile=rfc8216bis"})[1], "rfc8216bis");
+    EXPECT_EQ(rowOf("header-missing", {"--profile=rfc8216bis"})[2], "rfc8216bis");
     EXPECT_EQ(rowOf("header-missing", {"--profile=apple"}).size(), 0U);
-    EXPECT_EQ(rowOf("header-missing", {"--profile=apple", "--profile", "rfc8216"})[1], "rfc8216");
-    EXPECT_EQ(rowOf("header-missing", {"--profile=rfc8216,rfc8216"})[1], "rfc8216");
+    EXPECT_EQ(rowOf("header-missing", {"--profile=apple", "--profile", "rfc8216"})[2], "rfc8216");
+    EXPECT_EQ(rowOf("header-missing", {"--profile=rfc8216,rfc8216"})[2], "rfc8216");
     EXPECT_EQ(rowOf("segment-uri-too-short", {"--profile=rfc8216,apple"}).size(), 0U);
     EXPECT_EQ(velhls({"rules", "--profile=rfc9999"}).exitStatus, 2);
+}
+
+TEST(RulesCommand, TellsTheRulesOfCompareFromThoseOfCheck) {
+    std::size_t compared = 0;
+    for (const std::vector<std::string>& row : rowsOf(velhls({"rules"}).output))
+        compared += row[1] == "compare" ? 1 : 0;
+    const std::filesystem::directory_iterator pages(VELHLS_SOURCE "/docs/comparison");
+    EXPECT_EQ(compared, static_cast<std::size_t>(std::distance(begin(pages), end(pages))));
+    const auto row = rowOf("media-sequence-decreased");
+    ASSERT_GT(row.size(), 2U);
+    EXPECT_EQ(row[1], "compare");
+    EXPECT_EQ(row[2], "rfc8216");
+    EXPECT_EQ(rowOf("media-sequence-decreased", {"--profile=rfc8216bis"}).size(), 0U);
 }
 
 TEST(RulesCommand, ListsEveryRuleThatCheckNamesInItsReports) {
     const std::string rules = velhls({"rules", "--format=json"}).output;
     EXPECT_THAT(rules,
                 testing::StartsWith("{\n  \"version\": 1,\n  \"rules\": [\n    {\n      \"rule\": \""));
+    EXPECT_THAT(rules, HasSubstr("\",\n      \"command\": \"compare\",\n"));
     const std::string lines =
         command::run({VELHLS_COMMAND, "check", "--format=jsonl", "--severity=note", "--profile=rfc8216bis",
                       "--profile=apple", "--profile=library", VELHLS_EXAMPLE_FINDINGS})

@@ -1,6 +1,7 @@
 #include "velhls/document/VELHLSSyntax.h"
 
 #include <array>
+#include <cstring>
 #include <limits>
 
 #include "velhls/common/TextScan.h"
@@ -156,29 +157,50 @@ bool readZone(DateScanner& scanner, VELHLSSyntax::DateTime& read) {
     return true;
 }
 
+constexpr std::string_view usualDate = "0000-00-00T00:00:00.000Z";
+
+/// Of a text of that length each byte XOR that of the form: where that has a 0, the digit. False when it has another form.
+/// Eight bytes at a time: a byte that is too large gets its high bit by what is added.
+bool takeUsualDigits(std::string_view text, std::array<unsigned char, usualDate.size()>& digits) {
+    constexpr std::size_t width = sizeof(std::uint64_t);
+    constexpr std::uint64_t highBits = 0x8080808080808080;
+    std::uint64_t odd = 0;
+    for (std::size_t place = 0; place < usualDate.size(); place += width) {
+        std::array<unsigned char, width> most = {};
+        for (std::size_t byte = 0; byte < width; ++byte)
+            most[byte] = usualDate[place + byte] == '0' ? 0x7F - 9 : 0x7F;
+        std::uint64_t bytes = 0;
+        std::uint64_t form = 0;
+        std::uint64_t added = 0;
+        std::memcpy(&bytes, text.data() + place, width);
+        std::memcpy(&form, usualDate.data() + place, width);
+        std::memcpy(&added, most.data(), width);
+        bytes ^= form;
+        odd |= bytes | ((bytes & ~highBits) + added);
+        std::memcpy(digits.data() + place, &bytes, width);
+    }
+    return (odd & highBits) == 0;
+}
+
 /// Nearly all dates are written "2010-02-19T14:54:23.031Z". Nothing of any other, and of what needs a closer look.
 std::optional<VELHLSSyntax::DateTime> readUsualDateTime(std::string_view text) {
-    constexpr std::string_view form = "0000-00-00T00:00:00.000Z";
-    if (text.size() != form.size()) return std::nullopt;
-    std::array<std::uint32_t, form.size()> digits = {};
-    for (std::size_t place = 0; place < form.size(); ++place) {
-        const auto digit = static_cast<std::uint32_t>(static_cast<unsigned char>(text[place])) - '0';
-        if (form[place] == '0' ? digit > 9 : text[place] != form[place]) return std::nullopt;
-        digits[place] = digit;
-    }
-    const auto two = [&digits](std::size_t place) { return digits[place] * 10 + digits[place + 1]; };
-    const std::uint32_t year = two(0) * 100 + two(2);
-    const std::uint32_t month = two(5);
-    const std::uint32_t day = two(8);
-    const std::uint32_t hour = two(11);
-    const std::uint32_t minute = two(14);
-    const std::uint32_t second = two(17);
-    constexpr std::uint32_t inEveryMonth = 28;
+    std::array<unsigned char, usualDate.size()> digits;
+    if (text.size() != usualDate.size() || !takeUsualDigits(text, digits)) return std::nullopt;
+    const auto two = [&digits](std::size_t place) {
+        return std::int64_t{digits[place]} * 10 + digits[place + 1];
+    };
+    const std::int64_t year = two(0) * 100 + two(2);
+    const std::int64_t month = two(5);
+    const std::int64_t day = two(8);
+    const std::int64_t hour = two(11);
+    const std::int64_t minute = two(14);
+    const std::int64_t second = two(17);
+    constexpr std::int64_t inEveryMonth = 28;
     if (month < 1 || month > 12 || day < 1 || day > inEveryMonth) return std::nullopt;
     if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
     const std::int64_t seconds =
         daysSinceEpoch(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
-    const std::uint32_t milliseconds = digits[20] * 100 + two(21);
+    const std::int64_t milliseconds = std::int64_t{digits[20]} * 100 + two(21);
     return VELHLSSyntax::DateTime{seconds * secondMicroseconds + milliseconds * 1000, true, true, 3};
 }
 

@@ -105,8 +105,9 @@ void tellOfFault(const CheckedLine& checked, const Tell& tell, const VELHLSAttri
 
 void findMalformed(const CheckedLine& checked, const Tell& tell) {
     if (checked.value.empty()) return;
-    for (const VELHLSAttribute& attribute : checked.attributes)
-        tellOfFault(checked, tell, attribute);
+    for (const VELHLSAttribute& attribute : checked.attributes) {
+        if (attribute.fault != VELHLSAttribute::None) tellOfFault(checked, tell, attribute);
+    }
 }
 
 /// Whether an attribute has the name of an earlier one, as far as that is found without sorting them.

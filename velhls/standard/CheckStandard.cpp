@@ -57,8 +57,8 @@ class LineRun {
         if (isTag && line.definition->form == VELHLSTagDefinition::AttributeList) {
             readAttributes(line);
         }
-        const CheckedLine checked = {playlist_,   line, trimmed(line.value), isTag ? noteTag(line) : 0,
-                                     attributes_, rows_};
+        const CheckedLine checked = {playlist_,   line,  trimmed(line.value), isTag ? noteTag(line) : 0,
+                                     attributes_, rows_, variantOf(line)};
         if (playlist_.profile() == StandardProfile::apple) {
             if (!attributes_.empty()) findAll(authoringLineRules(), checked, findings_);
         } else {
@@ -69,6 +69,16 @@ class LineRun {
             if (isTag) checkTag(checked);
         }
         if (line.kind == VELHLSLine::Uri) ++segment_;
+    }
+
+    /// The lines come in the order of the variants.
+    const VELHLSStructure::Variant* variantOf(const VELHLSLine& line) {
+        const auto& variants = playlist_.structure().variants();
+        while (variant_ + 1 < variants.size() && variants[variant_ + 1].tagLine <= line.number)
+            ++variant_;
+        if (variant_ == variants.size()) return nullptr;
+        const VELHLSStructure::Variant& variant = variants[variant_];
+        return line.number == variant.tagLine || line.number == variant.uriLine ? &variant : nullptr;
     }
 
     void readAttributes(const VELHLSLine& line) {
@@ -137,6 +147,7 @@ class LineRun {
     std::vector<const VELHLSAttributeDefinition*> rows_;
     std::array<Seen, tagTable.size()> seen_ = {};
     std::size_t segment_ = 0;
+    std::size_t variant_ = 0;
 };
 
 void checkSegments(const CheckedPlaylist& playlist, StandardFindings& findings) {

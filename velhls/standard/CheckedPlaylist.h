@@ -138,6 +138,8 @@ struct CheckedLine {
     const std::vector<VELHLSAttribute>& attributes;
     /// Of each attribute its row in the table; null for one that the profile does not know.
     const std::vector<const VELHLSAttributeDefinition*>& rows;
+    /// The variant that the line belongs to; null for none.
+    const VELHLSStructure::Variant* variant;
 
     [[nodiscard]] bool is(std::size_t tag) const { return line.definition == &tagTable[tag]; }
     /// The first attribute with this name; null for none.

@@ -85,7 +85,7 @@ void findMasterTag(const CheckedLine& checked, const Tell& tell) {
 
 void findUriWithoutTag(const CheckedLine& checked, const Tell& tell) {
     const bool isUri = checked.line.kind == VELHLSLine::Uri;
-    if (isUri && checked.playlist.isMaster() && !checked.playlist.structure().variantOf(checked.line.number))
+    if (isUri && checked.playlist.isMaster() && checked.variant == nullptr)
         tell(checked.line, checked.line.value);
 }
 

@@ -25,8 +25,7 @@ std::string_view valueIn(const CheckedLine& checked, std::string_view name) {
 
 void findUriMissing(const CheckedLine& checked, const Tell& tell) {
     if (!isStreamInf(checked)) return;
-    const auto place = checked.playlist.structure().variantOf(checked.line.number);
-    if (place && checked.playlist.structure().variants()[*place].uriLine == 0)
+    if (checked.variant != nullptr && checked.variant->uriLine == 0)
         tell(checked.line, checked.line.name, {{}, "none", {}});
 }
 
@@ -70,14 +69,15 @@ void findCodecsMissing(const CheckedLine& checked, const Tell& tell) {
 }
 
 void findCodecsMissingOfGroup(const CheckedLine& checked, const Tell& tell) {
+    if (checked.find(attribute::codecs) != nullptr) return;
     const VELHLSAttribute* const group = groupNamed(checked);
-    if (group != nullptr && checked.find(attribute::codecs) == nullptr)
-        tell(checked.line, group->text, {{}, "none", {}});
+    if (group != nullptr) tell(checked.line, group->text, {{}, "none", {}});
 }
 
 void findAudioCodecMissing(const CheckedLine& checked, const Tell& tell) {
+    if (checked.find(attribute::audio) == nullptr) return;
     const std::string_view codecs = valueIn(checked, attribute::codecs);
-    if (codecs.empty() || checked.find(attribute::audio) == nullptr) return;
+    if (codecs.empty()) return;
     if (areCodecs(codecs) && areAllKnown(codecs) && !hasCodec(codecs, CodecKind::audio))
         tell(checked.line, codecs);
 }
@@ -87,12 +87,12 @@ bool hasVideo(const CheckedLine& checked) {
 }
 
 void findResolutionMissing(const CheckedLine& checked, const Tell& tell) {
-    if (isStreamInf(checked) && hasVideo(checked) && checked.find(attribute::resolution) == nullptr)
+    if (isStreamInf(checked) && checked.find(attribute::resolution) == nullptr && hasVideo(checked))
         tell(checked.line, checked.line.name, {{}, "none", {}});
 }
 
 void findFrameRateMissing(const CheckedLine& checked, const Tell& tell) {
-    if (isStreamInf(checked) && hasVideo(checked) && checked.find("FRAME-RATE") == nullptr)
+    if (isStreamInf(checked) && checked.find("FRAME-RATE") == nullptr && hasVideo(checked))
         tell(checked.line, checked.line.name, {{}, "none", {}});
 }
 
