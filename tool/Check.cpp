@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "tool/InputFile.h"
+#include "tool/Path.h"
 
 namespace tool {
 namespace {
@@ -71,8 +72,8 @@ std::vector<VELHLSFinding> joined(std::vector<VELHLSFinding> ofText,
 /// The path without links; empty where there is none.
 std::string realPathOf(const std::string& path) {
     std::error_code failure;
-    const std::filesystem::path real = std::filesystem::canonical(path, failure);
-    return failure ? std::string() : real.string();
+    const std::filesystem::path real = std::filesystem::canonical(pathOf(path), failure);
+    return failure ? std::string() : textOf(real);
 }
 
 ExitStatus statusOf(const CheckedFile& file, const FindingChoice& choice) {

@@ -9,6 +9,7 @@
 
 #include "tool/CompareReport.h"
 #include "tool/OutputFile.h"
+#include "tool/Path.h"
 #include "tool/Printable.h"
 
 namespace tool {
@@ -52,9 +53,9 @@ bool isPlaylistName(const fs::path& path) {
 std::vector<std::string> playlistsIn(const std::string& folder) {
     std::vector<std::string> paths;
     try {
-        for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        for (const fs::directory_entry& entry : fs::directory_iterator(pathOf(folder))) {
             if (isPlaylistName(entry.path()) && fs::is_regular_file(entry.symlink_status()))
-                paths.push_back(entry.path().string());
+                paths.push_back(textOf(entry.path()));
         }
     } catch (const fs::filesystem_error& error) {
         throw Failure(unusable,
@@ -68,7 +69,7 @@ std::vector<std::string> versionsOf(const CompareRequest& request) {
     std::vector<std::string> versions;
     for (const std::string& path : request.paths) {
         std::error_code ignored;
-        if (path == standardInput || !fs::is_directory(path, ignored)) {
+        if (path == standardInput || !fs::is_directory(pathOf(path), ignored)) {
             versions.push_back(path);
             continue;
         }

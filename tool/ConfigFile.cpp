@@ -11,6 +11,7 @@
 
 #include "tool/Failure.h"
 #include "tool/InputFile.h"
+#include "tool/Path.h"
 #include "tool/Printable.h"
 
 namespace tool {
@@ -25,7 +26,7 @@ std::string nearestConfig() {
     for (std::filesystem::path folder = std::filesystem::current_path(unknown); !folder.empty();
          folder = folder.parent_path()) {
         const std::filesystem::path file = folder / configName;
-        if (std::filesystem::is_regular_file(file, unknown)) return file.string();
+        if (std::filesystem::is_regular_file(file, unknown)) return textOf(file);
         if (folder == folder.parent_path()) break;
     }
     return {};

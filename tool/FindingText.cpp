@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
-#include <unistd.h>
 
 #include "tool/CharacterPlace.h"
 #include "tool/InputFile.h"
 #include "tool/Printable.h"
+#include "tool/Process.h"
 #include "tool/Utf8.h"
 
 namespace tool {
@@ -134,7 +134,7 @@ std::string describeWithLine(const std::string& name, const VELHLSFinding& findi
 
 FindingStyle findingStyleOf(const std::string& colour) {
     if (colour == "always") return {true, true};
-    const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+    const bool isTerminal = isOutputATerminal();
     return {isTerminal, isTerminal && colour == "auto" && !isColourUnwanted()};
 }
 

@@ -20,13 +20,13 @@ enum class InputKind {
     Regular,  ///< a regular file that is no link: what may be read when the path was found, and not given
 };
 
-/// An open input, read from its start to its end.
+/// An open input, read from its start to its end. (Each system opens files in its own way: tool/posix, tool/windows.)
 class InputFile {
   public:
     /// Opens the file, or takes standard input for "-". Throws a Failure when that cannot be done.
     explicit InputFile(const std::string& path, InputKind kind = InputKind::Any);
 
-    /// Opens a regular file that is no link in a folder that is open; the path is for messages.
+    /// Opens a regular file that is no link in a folder that is open, as POSIX can; the path is for messages.
     InputFile(const std::string& path, int folder, const std::string& name);
     ~InputFile();
     InputFile(const InputFile&) = delete;

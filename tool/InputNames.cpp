@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tool/Failure.h"
+#include "tool/Path.h"
 
 namespace tool {
 namespace {
@@ -32,7 +33,7 @@ struct Listing {
 /// What cannot be asked of an entry shows when it is opened.
 void note(Listing& listing, const fs::directory_entry& entry) {
     std::error_code unknown;
-    const std::string name = entry.path().filename().string();
+    const std::string name = textOf(entry.path().filename());
     if (entry.is_symlink(unknown)) {
         if (isNamedLikeAPlaylist(name) || entry.is_directory(unknown)) ++listing.links;
     } else if (entry.is_directory(unknown)) {
@@ -44,7 +45,7 @@ void note(Listing& listing, const fs::directory_entry& entry) {
 
 Listing listingOf(const std::string& folder) {
     Listing listing;
-    fs::directory_iterator entry(folder, listing.error);
+    fs::directory_iterator entry(pathOf(folder), listing.error);
     while (!listing.error && entry != fs::directory_iterator()) {
         note(listing, *entry);
         entry.increment(listing.error);
@@ -57,7 +58,7 @@ Listing listingOf(const std::string& folder) {
 bool isFolder(const std::string& path) {
     std::error_code unknown;
     const bool isFile = path == standardInput || path.find('\0') != std::string::npos;
-    return !isFile && fs::is_directory(path, unknown);
+    return !isFile && fs::is_directory(pathOf(path), unknown);
 }
 
 }  // namespace
@@ -151,7 +152,8 @@ void InputWalk::takeFailure(const std::string& path, const std::string& message)
 }
 
 void InputWalk::enter(const std::string& folder) {
-    const std::string start = endsWith(folder, "/") ? folder : folder + "/";
+    const bool isWhole = !folder.empty() && pathSeparators.find(folder.back()) != std::string_view::npos;
+    const std::string start = isWhole ? folder : folder + "/";
     Listing listing = listingOf(folder);
     linksLeftOut_ += listing.links;
     for (auto name = listing.names.rbegin(); name != listing.names.rend(); ++name)

@@ -8,6 +8,7 @@
 #include "tool/Failure.h"
 #include "tool/FolderBelow.h"
 #include "tool/InputFile.h"
+#include "tool/Path.h"
 
 namespace tool {
 namespace {
@@ -18,8 +19,8 @@ constexpr std::size_t mostFilesOfMostBytes = 4;
 /// The name of the master playlist among the URIs, none of which holds a line feed.
 constexpr char masterName[] = "\n";
 
-std::string folderOf(const std::string& path) {
-    return path == standardInput ? std::string() : path.substr(0, path.rfind('/') + 1);
+std::string folderOfInput(const std::string& path) {
+    return path == standardInput ? std::string() : folderOf(path);
 }
 
 /// Of a base-16 digit; nothing of another character.
@@ -105,7 +106,7 @@ class PresentationFiles::Reader {
   public:
     Reader(PresentationFiles& files, const FollowRequest& request, std::size_t mostBytes)
         : files_(files),
-          folder_(folderOf(files.masterPath_)),
+          folder_(folderOfInput(files.masterPath_)),
           root_(request.root.empty() ? folder_ : request.root),
           mayLeadUp_(!request.root.empty()),
           mostBytes_(mostBytes),

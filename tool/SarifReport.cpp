@@ -11,6 +11,7 @@
 #include "tool/Escaping.h"
 #include "tool/InputFile.h"
 #include "tool/OutputFile.h"
+#include "tool/Path.h"
 #include "tool/RulePages.h"
 
 namespace tool {
@@ -66,7 +67,10 @@ std::string uriOf(const std::string& path) {
     if (path == standardInput) return "stdin";
     constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
     const auto isPlain = [plain](char character) { return plain.find(character) != std::string_view::npos; };
-    return (path.front() == '/' ? "file://" : "") + percentEncoded(path, isPlain);
+    const std::string text = textOf(pathOf(path));
+    std::string scheme;
+    if (pathOf(path).is_absolute()) scheme = text.front() == '/' ? "file://" : "file:///";
+    return scheme + percentEncoded(text, isPlain);
 }
 
 /// SARIF counts columns in characters.

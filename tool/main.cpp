@@ -1,11 +1,9 @@
-#include <csignal>
 #include <cstdio>
 #include <exception>
-#include <fcntl.h>
+#include <iterator>
 #include <new>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <variant>
 #include <vector>
 
@@ -25,6 +23,7 @@
 #include "tool/Playlist.h"
 #include "tool/PlaylistKind.h"
 #include "tool/Printable.h"
+#include "tool/Process.h"
 #include "tool/ReadingOptions.h"
 #include "tool/RuleCommands.h"
 #include "tool/SelfDescription.h"
@@ -113,7 +112,7 @@ tool::ExitStatus endParsing(const CLI::App& app, const CLI::ParseError& error) {
     return tool::success;
 }
 
-int run(int argumentCount, char** arguments) {
+int run(const std::vector<std::string>& arguments) {
     Request request;
     tool::ExitStatus status = tool::success;
     CLI::App app("HTTP Live Streaming playlists: check, clean and look at them", "velhls");
@@ -151,21 +150,12 @@ int run(int argumentCount, char** arguments) {
     addHelpCommand(app, request);
 
     try {
-        app.parse(argumentCount, arguments);
+        // The last one first, and without the program's name.
+        app.parse(std::vector<std::string>(arguments.rbegin(), std::prev(arguments.rend())));
     } catch (const CLI::ParseError& error) {
         return endParsing(app, error);
     }
     return status;
-}
-
-/// Without standard input, output or error the next file that is opened would take its place, and a message
-/// would be written into a playlist. What stands in for it here can neither be read nor written as it should.
-void occupyStandardDescriptors() {
-    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(descriptor, F_GETFD) >= 0) continue;
-        // The lowest number that is free is this one.
-        static_cast<void>(::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
-    }
 }
 
 int report(tool::ExitStatus status, const char* message) {
@@ -176,12 +166,8 @@ int report(tool::ExitStatus status, const char* message) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    // A file that grows beyond what the user may write is then told of like a full disk. A pipe that is closed
-    // early ends the command without a word, as it ends others.
-    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
-    occupyStandardDescriptors();
     try {
-        return run(argumentCount, arguments);
+        return run(tool::startProcess(argumentCount, arguments));
     } catch (const tool::Failure& failure) {
         return report(failure.exitStatus, failure.what());
     } catch (const std::bad_alloc&) {

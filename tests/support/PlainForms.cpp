@@ -7,6 +7,8 @@
 #include <sstream>
 #include <utility>
 
+#include "tests/support/Calendar.h"
+
 namespace plain {
 namespace {
 
@@ -25,7 +27,7 @@ double timestampOfFields(int year, int month, int day, int hour, int minute, dou
     time.tm_sec = static_cast<int>(seconds);
     const double fraction = seconds - time.tm_sec;
     errno = 0;
-    const std::time_t sinceEpoch = timegm(&time);
+    const std::time_t sinceEpoch = calendar::secondsOf(time);
     if (sinceEpoch == -1 && errno == EOVERFLOW) return -1.0;
     return fraction + static_cast<double>(sinceEpoch);
 }
@@ -225,7 +227,7 @@ double parsedTimestamp(const std::string& text) {
 std::string renderedTimestamp(double seconds) {
     const std::time_t whole = static_cast<std::time_t>(seconds);
     std::tm time = {};
-    if (gmtime_r(&whole, &time) == nullptr) return "beyond the calendar";
+    if (!calendar::read(whole, time)) return "beyond the calendar";
     const double secondOfMinute = (seconds - static_cast<double>(whole)) + time.tm_sec;
     char text[32];
     const int length = std::snprintf(text, sizeof text, "%04lld-%02d-%02dT%02d:%02d:%02.3lf%c%02d:%02d",

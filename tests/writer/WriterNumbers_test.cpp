@@ -16,6 +16,7 @@
 
 #include "velhls/VELHLS.h"
 
+#include "tests/support/Calendar.h"
 #include "tests/support/WriterPromises.h"
 
 namespace {
@@ -104,10 +105,10 @@ std::string dateByCalendar(double seconds) {
     const auto milliseconds = static_cast<std::int64_t>(std::floor(seconds)) * 1000 +
                               std::llround((seconds - std::floor(seconds)) * 1000.0);
     const auto whole = static_cast<std::time_t>(milliseconds / 1000);
-    std::tm calendar = {};
-    gmtime_r(&whole, &calendar);
+    std::tm date = {};
+    EXPECT_TRUE(calendar::read(whole, date));
     std::array<char, 64> text;
-    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &calendar);
+    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &date);
     std::array<char, 8> fraction;
     std::snprintf(fraction.data(), fraction.size(), ".%03dZ", static_cast<int>(milliseconds % 1000));
     return std::string(text.data()) + fraction.data();

@@ -10,7 +10,7 @@ namespace velhls {
 namespace {
 
 constexpr std::uint32_t wordBase = 1000000000;
-constexpr std::array<std::uint32_t, 9> powersOfTen = {1,      10,      100,      1000,     10000,
+constexpr std::array<std::uint32_t, 9> unitsOfWord = {1,      10,      100,      1000,     10000,
                                                       100000, 1000000, 10000000, 100000000};
 
 /// The most that a number is multiplied or divided by at once: so many bits and a word fill 64 bits.
@@ -73,7 +73,7 @@ ExactDecimal::ExactDecimal(double number) {
 ExactDecimal::Position ExactDecimal::positionOf(std::int64_t place) {
     const std::int64_t fromHighest = highestPlace - place;
     return {static_cast<std::size_t>(fromHighest / digitsPerWord),
-            powersOfTen[static_cast<std::size_t>(digitsPerWord - 1 - fromHighest % digitsPerWord)]};
+            unitsOfWord[static_cast<std::size_t>(digitsPerWord - 1 - fromHighest % digitsPerWord)]};
 }
 
 void ExactDecimal::putDigits(std::int64_t place, std::string_view digits) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cfloat>
 #include <charconv>
 #include <limits>
 #include <stdexcept>
@@ -56,6 +57,9 @@ const char* readDigits(const char* position, const char* end, std::uint64_t& num
     }
     return position;
 }
+
+static_assert(FLT_EVAL_METHOD == 0,
+              "doubles have to be computed as doubles: on 32-bit x86 by -msse2 -mfpmath=sse");
 
 /// Doubles hold all whole numbers of so many bits, and these powers of ten.
 constexpr int exactBits = std::numeric_limits<double>::digits;

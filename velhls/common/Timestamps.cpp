@@ -17,42 +17,42 @@ namespace velhls {
 namespace {
 
 constexpr double noTimestamp = -1.0;
-constexpr std::size_t none = std::string_view::npos;
+constexpr std::size_t absent = std::string_view::npos;
 
 /// Where the fields of a date and time are separated.
 struct Separators {
-    std::size_t yearEnd = none;
-    std::size_t monthEnd = none;
+    std::size_t yearEnd = absent;
+    std::size_t monthEnd = absent;
     /// The "T". It is not demanded: "not found" plus one wraps around to 0, and so without it the searches
     /// for the colons, and the hour, start at the beginning of the text.
-    std::size_t dayEnd = none;
-    std::size_t hourEnd = none;
-    std::size_t minuteEnd = none;
+    std::size_t dayEnd = absent;
+    std::size_t hourEnd = absent;
+    std::size_t minuteEnd = absent;
     /// The "Z", or the sign of the UTC offset.
-    std::size_t zone = none;
+    std::size_t zone = absent;
     /// The colon of the UTC offset; none for "Z".
-    std::size_t offsetHourEnd = none;
+    std::size_t offsetHourEnd = absent;
 };
 
 std::optional<Separators> findSeparators(std::string_view text) {
     Separators at;
     at.yearEnd = text.find('-');
-    if (at.yearEnd == none) return std::nullopt;
+    if (at.yearEnd == absent) return std::nullopt;
     at.monthEnd = text.find('-', at.yearEnd + 1);
-    if (at.monthEnd == none) return std::nullopt;
+    if (at.monthEnd == absent) return std::nullopt;
     at.dayEnd = text.find('T', at.monthEnd + 1);
     at.hourEnd = text.find(':', at.dayEnd + 1);
-    if (at.hourEnd == none) return std::nullopt;
+    if (at.hourEnd == absent) return std::nullopt;
     at.minuteEnd = text.find(':', at.hourEnd + 1);
-    if (at.minuteEnd == none || at.minuteEnd + 1 == text.size()) return std::nullopt;
+    if (at.minuteEnd == absent || at.minuteEnd + 1 == text.size()) return std::nullopt;
 
     at.zone = text.find_first_of("-+", at.minuteEnd + 1);
-    if (at.zone == none) {
+    if (at.zone == absent) {
         at.zone = text.find('Z', at.minuteEnd + 1);
-        if (at.zone == none) return std::nullopt;
+        if (at.zone == absent) return std::nullopt;
     } else {
         at.offsetHourEnd = text.find(':', at.zone + 1);
-        if (at.offsetHourEnd == none) return std::nullopt;
+        if (at.offsetHourEnd == absent) return std::nullopt;
     }
     return at;
 }
@@ -188,7 +188,7 @@ double timestampByFields(std::string_view text, Reason& why) {
     time.hour = toInt32(between(text, at->dayEnd, at->hourEnd), why);
     time.minute = toInt32(between(text, at->hourEnd, at->minuteEnd), why);
     const double seconds = toDouble(between(text, at->minuteEnd, at->zone), why);
-    if (at->offsetHourEnd != none) readOffset(text, *at, why);
+    if (at->offsetHourEnd != absent) readOffset(text, *at, why);
     const std::optional<std::int32_t> whole = wholeSeconds(seconds);
     if (!whole) return rejected(why, Rule::dateTimeBefore1970, text);
     time.second = *whole;

@@ -2,8 +2,13 @@
 
 #include <array>
 #include <optional>
-#include <sys/time.h>
 #include <utility>
+
+#if defined(_WIN32)
+#include <chrono>
+#else
+#include <sys/time.h>
+#endif
 
 #include "velhls/common/AttributeList.h"
 #include "velhls/common/PatternTags.h"
@@ -20,9 +25,15 @@ void VELHLSUtility::updateParsingStatusWithError(VELHLSParsingStatus* status, VE
 }
 
 std::int64_t VELHLSUtility::getTimeNow() {
+#if defined(_WIN32)
+    // A clock that never fails.
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+#else
     timeval now = {};
     if (gettimeofday(&now, nullptr) != 0) return -1;
     return std::int64_t{now.tv_sec} * 1000 + std::int64_t{now.tv_usec} / 1000;
+#endif
 }
 
 std::unique_ptr<VELHLSAttributeMap> VELHLSUtility::parseAttributeMap(const std::string& text) {

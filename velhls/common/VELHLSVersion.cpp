@@ -15,6 +15,8 @@
 #define VELHLS_COMPILER "Clang " VELHLS_DOTTED(__clang_major__, __clang_minor__, __clang_patchlevel__)
 #elif defined(__GNUC__)
 #define VELHLS_COMPILER "GNU " VELHLS_DOTTED(__GNUC__, __GNUC_MINOR__, __GNUC_PATCHLEVEL__)
+#elif defined(_MSC_VER)
+#define VELHLS_COMPILER "MSVC " VELHLS_TEXT_OF(_MSC_VER)
 #else
 #define VELHLS_COMPILER "unknown compiler"
 #endif

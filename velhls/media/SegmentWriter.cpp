@@ -9,7 +9,7 @@ namespace velhls {
 namespace {
 
 /// More than all that a segment writes besides its key, its map, its title and its URI.
-constexpr std::size_t mostOtherBytes = mostFixedBytes + mostTimestampBytes + mostRangeBytes + 128;
+constexpr std::size_t mostBytesBesideTexts = mostFixedBytes + mostTimestampBytes + mostRangeBytes + 128;
 
 /// Null, or the record that was last found to be valid, is.
 template <typename Record>
@@ -50,7 +50,7 @@ void SegmentWriter::write(TextBuffer& out, const VELHLSMediaSegment& segment, bo
     }
     if (segment.misMap != nullptr && writeMap) mapLine = lineOf(*segment.misMap, writtenMap_, mapLine_);
 
-    char* end = out.room(mostOtherBytes + keyLine.size() + mapLine.size() + segment.title.size() +
+    char* end = out.room(mostBytesBesideTexts + keyLine.size() + mapLine.size() + segment.title.size() +
                          segment.uri.size());
     if (segment.discontinuity) {
         end = writeText(end, '#');
