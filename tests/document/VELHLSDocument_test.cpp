@@ -124,6 +124,7 @@ TEST(VELHLSDocument, TellsTheKindOfPlaylist) {
     EXPECT_EQ(kind(variant + segment + segment), VELHLSDocument::Media);
     EXPECT_EQ(kind(segment + variant + variant), VELHLSDocument::Master);
     EXPECT_EQ(kind("#EXT-X-ENDLIST\n" + variant), VELHLSDocument::Master);
+    EXPECT_EQ(kind("#EXT-X-ENDLIST\n" + variant + segment), VELHLSDocument::Master);
     EXPECT_EQ(kind("#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXT-X-MEDIA:A=1\n"), VELHLSDocument::Media);
     EXPECT_EQ(kind("#EXTM3U\n#EXT-X-MEDIA:A=1\n#EXT-X-TARGETDURATION:6\n"), VELHLSDocument::Master);
 }
@@ -217,6 +218,7 @@ TEST(VELHLSDocumentEdits, LeaveBrokenListsAsTheyAreBesideTheChange) {
     EXPECT_EQ(changed("#A:X=\"1", {{"X", "4"}}), "#A:X=4");
     EXPECT_EQ(changed("#A:X=\"1", {{"Y", "4"}}),
               "refused: X: nothing can be added after a quote that is not closed");
+    EXPECT_EQ(changed("#A:X=\"1", {{"X", "4"}, {"Y", "5"}}), "#A:X=4,Y=5");
 }
 
 TEST(VELHLSDocumentEdits, RefuseWhatAListCannotHold) {

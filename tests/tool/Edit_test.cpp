@@ -237,6 +237,13 @@ TEST(EditCommand, DropsVariantsAndWhatOnlyTheyName) {
     EXPECT_THAT(high.output, testing::Not(HasSubstr("NOMINAL_VIDEO_BITRATE=1\n")));
 }
 
+TEST(EditCommand, DropsIFrameVariantsWhereThereAreNoOthers) {
+    const auto iFrames = [](const std::string& bandwidth) {
+        return "#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=" + bandwidth + ",URI=\"i.m3u8\"\n";
+    };
+    EXPECT_EQ(edited({"--max-bandwidth", "1000"}, iFrames("1000") + iFrames("1001")), iFrames("1000"));
+}
+
 TEST(EditCommand, TakesNoCaptionsForNoGroup) {
     const std::string captions =
         "#EXT-X-MEDIA:TYPE=CLOSED-CAPTIONS,GROUP-ID=\"NONE\",NAME=\"c\",INSTREAM-ID=\"CC1\"\n";
@@ -363,6 +370,13 @@ TEST(EditCommand, ShowsChangesFarApartInHunksOfTheirOwn) {
     EXPECT_EQ(edited({"--diff", "--remove", "A2", "--insert-before", "18", "#B"}, text),
               "--- <stdin>\n+++ <stdin>\n@@ -1,5 +1,4 @@\n #A1\n-#A2\n #A3\n #A4\n #A5\n"
               "@@ -15,6 +14,7 @@\n #A15\n #A16\n #A17\n+#B\n #A18\n #A19\n #A20\n");
+    // Six lines between two changes are the context of both.
+    EXPECT_EQ(
+        edited({"--diff", "--remove", "A2", "--insert-before", "9", "#B"}, text),
+        "--- <stdin>\n+++ <stdin>\n@@ -1,11 +1,11 @@\n #A1\n-#A2\n #A3\n #A4\n #A5\n #A6\n #A7\n #A8\n+#B\n"
+        " #A9\n #A10\n #A11\n");
+    EXPECT_THAT(edited({"--diff", "--remove", "A2", "--insert-before", "10", "#B"}, text),
+                HasSubstr("\n@@ -7,6 +6,7 @@\n #A7\n #A8\n #A9\n+#B\n"));
 }
 
 TEST(EditCommand, ShowsWhatItReplaces) {
