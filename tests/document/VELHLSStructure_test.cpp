@@ -161,16 +161,18 @@ TEST(VELHLSStructure, LetsTheOldestKeyGoWhenTheFormatsAreTooMany) {
 }
 
 TEST(VELHLSStructure, KnowsMapsAndDates) {
-    const Read read(
-        lines({"#EXTINF:1,", "a", "#EXT-X-MAP:URI=\"m\"", "#EXT-X-PROGRAM-DATE-TIME:1970-01-01T00:00:10Z",
-               "#EXTINF:1.5,", "b", "#EXTINF:2,", "c", "#EXT-X-PROGRAM-DATE-TIME:never", "#EXTINF:1,", "d",
-               "#EXT-X-PROGRAM-DATE-TIME:1970-01-01T00:00:00Z", "e"}));
+    const Read read(lines(
+        {"#EXTINF:1,", "a", "#EXT-X-MAP:URI=\"m\"", "#EXT-X-PROGRAM-DATE-TIME:1970-01-01T00:00:10Z",
+         "#EXTINF:1.5,", "b", "#EXTINF:2,", "c", "#EXT-X-PROGRAM-DATE-TIME:never", "#EXTINF:1,", "d",
+         "#EXT-X-PROGRAM-DATE-TIME:1970-01-01T00:00:00Z", "e", "#EXT-X-PROGRAM-DATE-TIME:1970-01-02", "f"}));
     const auto date = [&](std::size_t segment) { return read.structure.segment(segment).date.value_or(-1); };
     EXPECT_EQ(date(0), -1);
     EXPECT_EQ(date(1), 10000000);
     EXPECT_EQ(date(2), 11500000);
     EXPECT_EQ(date(3), -1);
     EXPECT_EQ(date(4), 0);
+    // A day is no moment.
+    EXPECT_EQ(date(5), -1);
     EXPECT_EQ(read.structure.segment(1).dateLine, 4U);
     EXPECT_EQ(read.structure.segment(3).dateLine, 9U);
     EXPECT_EQ(read.structure.segment(3).inForce.dateLine, 9U);

@@ -299,7 +299,7 @@ std::optional<std::size_t> VELHLSStructure::variantOf(std::size_t line) const {
                          [](std::size_t at, const Variant& variant) { return at < variant.tagLine; });
     if (after == variants_.begin()) return std::nullopt;
     const Variant& variant = *(after - 1);
-    if (line == 0 || (line != variant.tagLine && line != variant.uriLine)) return std::nullopt;
+    if (line != variant.tagLine && line != variant.uriLine) return std::nullopt;
     return static_cast<std::size_t>(after - variants_.begin()) - 1;
 }
 
