@@ -163,7 +163,7 @@ void fixDuration(const Fault& fault) {
     const std::string_view value = fault.line.value;
     const std::string_view written = value.substr(0, value.find(','));
     const std::string duration = std::to_string(fault.text.usualDuration());
-    fault.guess("writes a duration of " + duration + " seconds", {fault.replace(written, duration)});
+    fault.guess("writes the duration " + duration, {fault.replace(written, duration)});
 }
 
 /// A number that is none, or that does not fit.

@@ -78,7 +78,7 @@ void fixBareSegmentTag(const Fault& fault) {
         return fault.safe("removes the white space after the tag", tidied);
     if (fault.line.name == tag::extInf) {
         const std::string duration = std::to_string(fault.text.usualDuration());
-        return fault.guess("writes a duration of " + duration + " seconds",
+        return fault.guess("writes the duration " + duration,
                            {fault.replace(fault.line.text, "#EXTINF:" + duration + ",")});
     }
     fixSegmentTag(fault);
@@ -87,7 +87,7 @@ void fixBareSegmentTag(const Fault& fault) {
 void fixDurationEmpty(const Fault& fault) {
     const std::string duration = std::to_string(fault.text.usualDuration());
     const std::string_view value = fault.line.value;
-    fault.guess("writes a duration of " + duration + " seconds",
+    fault.guess("writes the duration " + duration,
                 {fault.replace(value.substr(0, value.find(',')), duration)});
 }
 
@@ -101,7 +101,7 @@ void fixDurationZero(const Fault& fault) {
     for (std::size_t number = end; number-- > segment.start;) {
         const VELHLSLine line = fault.document().line(number);
         if (line.name != tag::extInf || !line.hasColon) continue;
-        return fault.guess("writes a duration of " + duration + " seconds",
+        return fault.guess("writes the duration " + duration,
                            {fault.replace(line.value.substr(0, line.value.find(',')), duration)});
     }
 }
