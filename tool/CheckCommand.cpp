@@ -4,29 +4,11 @@
 
 #include "tool/ConfigFile.h"
 #include "tool/FindingOptions.h"
+#include "tool/InputOptions.h"
 #include "tool/ReadingOptions.h"
 
 namespace tool {
 namespace {
-
-void addInputs(CLI::App& command, InputNames& inputs) {
-    command
-        .add_option("FILE", inputs.paths,
-                    "The playlists, and folders for all *.m3u8 and *.m3u below them; - for standard input, "
-                    "the default")
-        ->configurable(false);
-    CLI::Option* const list =
-        command
-            .add_option(
-                "--files-from", inputs.list,
-                "Check also the files and folders that this file names, one a line; - for standard input")
-            ->configurable(false);
-    command
-        .add_flag("--null", inputs.isNulSeparated,
-                  "The names of that file end in NUL bytes, not in line feeds")
-        ->needs(list)
-        ->configurable(false);
-}
 
 void addFollowing(CLI::App& command, FollowRequest& follow) {
     CLI::Option* const asked = command.add_flag(
@@ -61,7 +43,7 @@ void addCheckCommand(CLI::App& app, CheckOptions& options, ExitStatus& status) {
         "That the library rejects a playlist makes no difference to it, but for the profile library.\n"
         "NO_COLOR is respected.");
     CheckRequest& request = options.request;
-    addInputs(*command, request.inputs);
+    addInputOptions(*command, request.inputs);
     addFollowing(*command, request.follow);
     addReadingOptions(*command, request.options.kind, request.mostBytes);
     addProfileOption(*command, request.options.profiles,
@@ -69,6 +51,8 @@ void addCheckCommand(CLI::App& app, CheckOptions& options, ExitStatus& status) {
     command->add_option("--format", request.style.format, "How to write what is found")
         ->check(CLI::IsMember({"text", "json", "jsonl", "sarif", "github"}))
         ->capture_default_str();
+    command->add_flag("--fixes", request.options.fixes,
+                      "Say what mends each finding; json, jsonl and sarif hold the edits");
     addFindingOptions(*command, request.choice);
     addColourOption(*command, request.style.colour);
     addConfigOption(*command, options.config);

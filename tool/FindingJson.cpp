@@ -1,6 +1,20 @@
 #include "tool/FindingJson.h"
 
 namespace tool {
+namespace {
+
+nlohmann::ordered_json fixAsJson(const VELHLSFix& fix) {
+    nlohmann::ordered_json json = {{"class", VELHLSFix::textOf(fix.fixClass)},
+                                   {"sentence", fix.sentence},
+                                   {"edits", nlohmann::ordered_json::array()}};
+    for (const VELHLSEdit& edit : fix.edits) {
+        json["edits"].push_back(
+            {{"offset", edit.offset}, {"length", edit.length}, {"replacement", edit.replacement}});
+    }
+    return json;
+}
+
+}  // namespace
 
 nlohmann::ordered_json findingAsJson(const std::string& path, const VELHLSFinding& finding) {
     nlohmann::ordered_json json = {{"rule", finding.ruleId},
@@ -22,6 +36,8 @@ nlohmann::ordered_json findingAsJson(const std::string& path, const VELHLSFindin
                                    {"length", place.length},
                                    {"message", place.message}});
     }
+    for (const VELHLSFix& fix : finding.fixes)
+        json["fixes"].push_back(fixAsJson(fix));
     return json;
 }
 

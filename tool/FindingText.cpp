@@ -77,6 +77,32 @@ std::string relatedNotes(const std::string& name, const VELHLSFinding& finding) 
     return text;
 }
 
+/// What mends a finding, a line each.
+std::string fixNotes(const std::string& name, const VELHLSFinding& finding) {
+    std::string text;
+    for (const VELHLSFix& fix : finding.fixes) {
+        text += placeOf(name, finding) + " fix: " + std::string(VELHLSFix::textOf(fix.fixClass)) + ": " +
+                printable(fix.sentence) + "\n";
+    }
+    return text;
+}
+
+/// The text that the first fix makes of the place, where it changes no other.
+std::string proposedText(const VELHLSFinding& finding, std::string_view line, std::size_t start) {
+    if (finding.fixes.empty() || finding.fixes.front().edits.size() != 1) return {};
+    const VELHLSEdit& edit = finding.fixes.front().edits.front();
+    const bool isInLine = edit.offset >= start && edit.offset + edit.length <= start + line.size();
+    const bool isShort = edit.replacement.size() <= 120;
+    const bool isLine = edit.replacement.find('\n') != std::string::npos;
+    if (!isInLine || !isShort || isLine) return {};
+    constexpr std::size_t most = 160;
+    std::string text(line);
+    text.replace(edit.offset - start, edit.length, edit.replacement);
+    while (!text.empty() && text.back() == '\r')
+        text.pop_back();
+    return text.size() > most ? std::string() : printable(text);
+}
+
 std::string describeAt(const std::string& place, const std::string& name, const VELHLSFinding& finding) {
     std::string text = place + " " + std::string(VELHLSFinding::textOf(finding.severity)) + ": " +
                        printable(finding.message) + " [" + finding.ruleId + "]";
@@ -89,8 +115,14 @@ std::string describeAllWithLines(const std::string& name, std::string_view text,
                                  const std::vector<VELHLSFinding>& findings, bool inColour) {
     CharacterPlaces lines(text);
     std::string report;
-    for (const VELHLSFinding& finding : findings)
-        report += describeWithLine(name, finding, lines.lineNumbered(finding.line), inColour);
+    for (const VELHLSFinding& finding : findings) {
+        const std::string_view line = lines.lineNumbered(finding.line);
+        report += describeWithLine(name, finding, line, inColour);
+        const auto start = static_cast<std::size_t>(line.data() - text.data());
+        const std::string proposed = proposedText(finding, line, start);
+        if (!proposed.empty()) report += "    " + coloured(proposed, green, inColour) + "\n";
+        report += fixNotes(name, finding);
+    }
     return report;
 }
 
@@ -143,7 +175,7 @@ std::string describeAll(const std::string& name, std::string_view text,
     if (style.hasLines) return describeAllWithLines(name, text, findings, style.inColour);
     std::string report;
     for (const VELHLSFinding& finding : findings)
-        report += describe(name, finding) + "\n" + relatedNotes(name, finding);
+        report += describe(name, finding) + "\n" + relatedNotes(name, finding) + fixNotes(name, finding);
     return report;
 }
 

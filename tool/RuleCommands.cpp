@@ -75,7 +75,8 @@ Json ruleAsJson(const ListedRule& listed) {
             {"summary", rule.summary},
             {"expected", rule.expected},
             {"source", rule.source},
-            {"isLostWhenWritten", rule.isLostWhenWritten}};
+            {"isLostWhenWritten", rule.isLostWhenWritten},
+            {"fix", rule.fix}};
 }
 
 std::string asJson(const std::vector<ListedRule>& rules) {

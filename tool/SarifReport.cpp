@@ -44,7 +44,8 @@ Json describeRule(const VELHLSRule& rule) {
                           {"profile", rule.profile},
                           {"clause", rule.clause},
                           {"level", rule.level},
-                          {"isLostWhenWritten", rule.isLostWhenWritten}}}};
+                          {"isLostWhenWritten", rule.isLostWhenWritten},
+                          {"fix", rule.fix}}}};
     const std::string help = helpUriOf(rule);
     if (!help.empty()) description["helpUri"] = help;
     return description;
@@ -128,6 +129,25 @@ Json relatedLocationsOf(const std::string& path, const VELHLSFinding& finding) {
     return locations;
 }
 
+/// The bytes that an edit deletes are counted from the start of the file.
+Json fixesOf(const std::string& path, const VELHLSFinding& finding) {
+    Json fixes = Json::array();
+    for (const VELHLSFix& fix : finding.fixes) {
+        Json replacements = Json::array();
+        for (const VELHLSEdit& edit : fix.edits) {
+            Json replacement = {
+                {"deletedRegion", {{"byteOffset", edit.offset}, {"byteLength", edit.length}}}};
+            if (!edit.replacement.empty()) replacement["insertedContent"] = {{"text", edit.replacement}};
+            replacements.push_back(replacement);
+        }
+        const Json change = {{"artifactLocation", {{"uri", uriOf(path)}}}, {"replacements", replacements}};
+        fixes.push_back(
+            {{"description", {{"text", std::string(VELHLSFix::textOf(fix.fixClass)) + ": " + fix.sentence}}},
+             {"artifactChanges", Json::array({change})}});
+    }
+    return fixes;
+}
+
 Json resultOf(const std::string& path, const VELHLSFinding& finding, CharacterPlaces& places,
               Fingerprints& fingerprints) {
     const CharacterPlace place = places.of(finding.line, finding.column, finding.length);
@@ -138,6 +158,7 @@ Json resultOf(const std::string& path, const VELHLSFinding& finding, CharacterPl
                    {"partialFingerprints",
                     {{"ruleAndLine/v1", fingerprints.next(finding, places.lineNumbered(finding.line))}}},
                    {"properties", propertiesOf(finding)}};
+    if (!finding.fixes.empty()) result["fixes"] = fixesOf(path, finding);
     if (!finding.related.empty()) result["relatedLocations"] = relatedLocationsOf(path, finding);
     return result;
 }

@@ -17,6 +17,7 @@
 #include "tool/Edit.h"
 #include "tool/EditCommand.h"
 #include "tool/Failure.h"
+#include "tool/FixCommand.h"
 #include "tool/InputFile.h"
 #include "tool/Inspect.h"
 #include "tool/OutputFile.h"
@@ -139,6 +140,9 @@ int run(const std::vector<std::string>& arguments) {
 
     tool::EditRequest editRequest;
     tool::addEditCommand(app, editRequest);
+
+    tool::FixOptions fixOptions;
+    tool::addFixCommand(app, fixOptions, status);
 
     tool::CompareRequest compareRequest;
     tool::addCompareCommand(app, compareRequest, status);

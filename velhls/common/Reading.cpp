@@ -190,7 +190,7 @@ void Reading::recordsRejected(const BrokenRule& broken) {
 
 bool Reading::isFull(Rule rule) {
     const Count& count = counts_[static_cast<std::size_t>(rule)];
-    if (count.kept < mostRejectionsOfOneRule) return false;
+    if (count.kept < mostOfOneRule_) return false;
     ++rejections_[count.last].suppressed;
     return true;
 }

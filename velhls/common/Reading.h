@@ -69,7 +69,11 @@ class Reading {
     /// a rejected media pattern to its ZOR-PATTERN_REPEAT, so that what follows is read as what it is.
     enum class Extent { toFirstRejection, toEnd };
 
-    Reading(std::string_view text, Extent extent) : text_(text), readsOn_(extent == Extent::toEnd) {}
+    /// The most rejections of one rule that are kept, unless more are asked for.
+    static constexpr std::size_t mostRejectionsOfOneRule = 100;
+
+    Reading(std::string_view text, Extent extent, std::size_t mostOfOneRule = mostRejectionsOfOneRule)
+        : text_(text), readsOn_(extent == Extent::toEnd), mostOfOneRule_(mostOfOneRule) {}
 
     /// The next line was read, with its carriage returns.
     void lineRead(std::string_view line);
@@ -102,8 +106,7 @@ class Reading {
     /// In the order in which they were made. The segments that a media pattern makes stand in the lines of its body.
     [[nodiscard]] const std::vector<RecordLines>& records() const { return records_; }
 
-    /// In the order in which they were met: of each rule the first, up to so many.
-    static constexpr std::size_t mostRejectionsOfOneRule = 100;
+    /// In the order in which they were met: of each rule the first.
     [[nodiscard]] const std::vector<Rejection>& rejections() const { return rejections_; }
 
     [[nodiscard]] std::size_t linesRead() const { return linesRead_; }
@@ -146,6 +149,7 @@ class Reading {
 
     std::string_view text_;
     bool readsOn_;
+    std::size_t mostOfOneRule_;
     bool hasEnded_ = false;
     NumberedLine line_;
     std::size_t linesRead_ = 0;

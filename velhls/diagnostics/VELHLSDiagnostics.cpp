@@ -18,8 +18,10 @@
 #include "velhls/common/TagLine.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/WholeText.h"
+#include "velhls/diagnostics/BoundedCheck.h"
 #include "velhls/diagnostics/KindDetection.h"
 #include "velhls/document/TextLines.h"
+#include "velhls/fixes/FixTable.h"
 #include "velhls/losses/LossFinder.h"
 #include "velhls/losses/LossFindings.h"
 #include "velhls/losses/ReadLines.h"
@@ -74,8 +76,24 @@ VELHLSRule ruleOf(Rule reason) {
 /// One reading of a text, and what is to be said of it.
 class CheckedText {
   public:
-    explicit CheckedText(std::string_view text)
-        : text_(text), lines_(text), findings_(lines_), reading_(text, Reading::Extent::toEnd) {}
+    explicit CheckedText(std::string_view text, std::size_t mostOfOneRule = Reading::mostRejectionsOfOneRule)
+        : text_(text),
+          lines_(text),
+          findings_(lines_, mostOfOneRule),
+          reading_(text, Reading::Extent::toEnd, mostOfOneRule) {}
+
+    /// Why it is rejected, and nothing else.
+    std::vector<VELHLSFinding> findRejections(VELHLSDiagnostics::PlaylistKind kind) {
+        if (kind == VELHLSDiagnostics::Master) {
+            const auto manifest = velhls::readMaster(text_, reading_);
+            addRejectionsOfLines();
+            addRejectionsBetweenRecords();
+        } else {
+            const auto stream = velhls::readMedia(text_, reading_);
+            addRejectionsOfLines();
+        }
+        return findings_.takeAll();
+    }
 
     std::vector<VELHLSFinding> checkMaster() {
         const auto manifest = velhls::readMaster(text_, reading_);
@@ -174,7 +192,7 @@ VELHLSFinding noPlaylist(std::string_view text, Profile profile) {
 class ProfileRun {
   public:
     ProfileRun(std::string_view text, const VELHLSDiagnostics::Options& options)
-        : text_(text), profiles_(options.profiles) {
+        : text_(text), profiles_(options.profiles), fixes_(options.fixes) {
         report_.kind = options.kind;
         std::sort(profiles_.begin(), profiles_.end());
         profiles_.erase(std::unique(profiles_.begin(), profiles_.end()), profiles_.end());
@@ -187,6 +205,7 @@ class ProfileRun {
         report_.rejected = whyRejected();
         if (asks(Profile::library)) append(checkByLibrary());
         if (profiles_.size() > 1) order();
+        if (fixes_ && !report_.findings.empty()) addFixes();
         return std::move(report_);
     }
 
@@ -262,8 +281,15 @@ class ProfileRun {
         findings = std::move(kept);
     }
 
+    void addFixes() {
+        if (report_.kind == VELHLSDiagnostics::Detect) return;
+        const VELHLSDocument document{std::string(text_)};
+        velhls::addFixes(document, static_cast<VELHLSDocument::Kind>(report_.kind), report_.findings);
+    }
+
     std::string_view text_;
     std::vector<Profile> profiles_;
+    bool fixes_;
     VELHLSDiagnostics::Report report_;
 };
 
@@ -275,7 +301,66 @@ void appendOfPresentations(VELHLSStandard::Profile standard, std::string_view pr
     }
 }
 
+std::vector<VELHLSRule> rulesWithoutFixes(Profile profile) {
+    std::vector<VELHLSRule> all = {notAPlaylist(profile)};
+    if (isStandard(profile)) {
+        for (const VELHLSRule& rule : VELHLSStandard::rules(standardOf(profile)))
+            all.push_back(rule);
+        appendOfPresentations(standardOf(profile), VELHLSDiagnostics::nameOf(profile), all);
+        return all;
+    }
+    for (std::size_t index = 0; index < velhls::ruleCount; ++index)
+        all.push_back(ruleOf(static_cast<Rule>(index)));
+    for (const VELHLSRule& rule : velhls::rulesOfLosses())
+        all.push_back(rule);
+    appendOfPresentations(VELHLSStandard::Profile::rfc8216, VELHLSDiagnostics::nameOf(profile), all);
+    for (VELHLSRule& rule : all)
+        rule.profile = VELHLSDiagnostics::nameOf(profile);
+    return all;
+}
+
 }  // namespace
+
+namespace velhls {
+
+std::vector<VELHLSFinding> findingsToFix(const VELHLSDocument& document, VELHLSDiagnostics::PlaylistKind kind,
+                                         const std::vector<VELHLSDiagnostics::Profile>& profiles,
+                                         std::size_t mostOfOneRule) {
+    const auto kindOfText = static_cast<VELHLSDocument::Kind>(kind);
+    std::vector<VELHLSFinding> findings;
+    for (const Profile profile : profiles) {
+        std::vector<VELHLSFinding> own;
+        if (isStandard(profile)) {
+            checkStandard(document, kindOfText, standardOf(profile), own, mostOfOneRule);
+        } else {
+            own = CheckedText(document.text(), mostOfOneRule).findRejections(kind);
+        }
+        addFixes(document, kindOfText, own);
+        findings.insert(findings.end(), std::make_move_iterator(own.begin()),
+                        std::make_move_iterator(own.end()));
+    }
+    return findings;
+}
+
+std::vector<std::size_t> weightyFindings(const VELHLSDocument& document, VELHLSDiagnostics::PlaylistKind kind,
+                                         const std::vector<VELHLSDiagnostics::Profile>& profiles) {
+    std::vector<Profile> standards = {Profile::rfc8216, Profile::rfc8216bis};
+    if (std::find(profiles.begin(), profiles.end(), Profile::apple) != profiles.end())
+        standards.push_back(Profile::apple);
+    std::vector<std::size_t> counts;
+    for (const Profile profile : standards) {
+        std::vector<VELHLSFinding> findings;
+        checkStandard(document, static_cast<VELHLSDocument::Kind>(kind), standardOf(profile), findings);
+        std::size_t count = 0;
+        for (const VELHLSFinding& finding : findings) {
+            if (finding.severity > VELHLSFinding::Note) count += 1 + finding.suppressed;
+        }
+        counts.push_back(count);
+    }
+    return counts;
+}
+
+}  // namespace velhls
 
 std::string_view VELHLSDiagnostics::nameOf(Profile profile) noexcept {
     return profileNames[static_cast<std::size_t>(profile)];
@@ -312,20 +397,9 @@ std::optional<VELHLSDiagnostics::Detection> VELHLSDiagnostics::detectKind(std::s
 }
 
 std::vector<VELHLSRule> VELHLSDiagnostics::rules(Profile profile) {
-    std::vector<VELHLSRule> all = {notAPlaylist(profile)};
-    if (isStandard(profile)) {
-        for (const VELHLSRule& rule : VELHLSStandard::rules(standardOf(profile)))
-            all.push_back(rule);
-        appendOfPresentations(standardOf(profile), nameOf(profile), all);
-        return all;
-    }
-    for (std::size_t index = 0; index < velhls::ruleCount; ++index)
-        all.push_back(ruleOf(static_cast<Rule>(index)));
-    for (const VELHLSRule& rule : velhls::rulesOfLosses())
-        all.push_back(rule);
-    appendOfPresentations(VELHLSStandard::Profile::rfc8216, nameOf(profile), all);
+    std::vector<VELHLSRule> all = rulesWithoutFixes(profile);
     for (VELHLSRule& rule : all)
-        rule.profile = nameOf(profile);
+        rule.fix = velhls::whatFixesDo(rule.id);
     return all;
 }
 

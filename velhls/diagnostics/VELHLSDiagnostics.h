@@ -57,6 +57,8 @@ class VELHLS_CHECK_API VELHLSDiagnostics {
         PlaylistKind kind = Detect;
         /// By whose rules to check it; one that stands twice counts once. None: only whether the models reject it.
         std::vector<Profile> profiles = {Profile::rfc8216};
+        /// Whether findings have their fixes. Without it they cost nothing.
+        bool fixes = false;
     };
 
     /// What is answered.

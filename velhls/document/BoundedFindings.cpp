@@ -10,7 +10,7 @@ namespace velhls {
 
 bool BoundedFindings::isFull(const Key& key) {
     const Count& count = counts_[key];
-    if (count.kept < mostOfOneRule) return false;
+    if (count.kept < most_) return false;
     ++entries_[count.last].finding.suppressed;
     return true;
 }

@@ -19,6 +19,9 @@ class BoundedFindings {
     /// Of one rule. The last of them tells how many more there were.
     static constexpr std::size_t mostOfOneRule = 100;
 
+    /// Keeps so many of one rule.
+    explicit BoundedFindings(std::size_t most = mostOfOneRule) : most_(most) {}
+
     /// What findings are counted by: a rule's identifier, and a profile.
     using Key = std::pair<std::string_view, std::string_view>;
 
@@ -46,6 +49,7 @@ class BoundedFindings {
         std::size_t last = 0;
     };
 
+    std::size_t most_;
     std::vector<Entry> entries_;
     std::map<Key, Count> counts_;
 };

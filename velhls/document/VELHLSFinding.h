@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "velhls/document/VELHLSFix.h"
+
 /// A second place that a finding speaks of, in its own text or in another one: what the first place disagrees with.
 struct VELHLSRelatedPlace {
     /// The text that it is in, by the name that the caller gave it; empty for the text of the finding itself.
@@ -90,6 +92,10 @@ struct VELHLSFinding {
     /// What the finding speaks of beside its own place: the line of another playlist, or of an earlier version. Most findings
     /// have none.
     std::vector<VELHLSRelatedPlace> related;
+
+    /// What mends it, the best first; none where nothing is known to, and where none were asked for
+    /// (VELHLSDiagnostics::Options::fixes).
+    std::vector<VELHLSFix> fixes;
 
     /// How many more findings this rule had after this one that are not listed. Other than 0 in the last listed
     /// finding of a rule that had more than VELHLSDiagnostics::maximumFindingsPerRule.

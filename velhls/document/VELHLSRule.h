@@ -34,4 +34,7 @@ struct VELHLSRule {
 
     /// The profile that the rule was asked of: "rfc8216", "rfc8216bis", "apple" or "library".
     std::string_view profile = {};
+
+    /// What its fixes do, each after its class: "safe: puts a line feed after the last line". Empty for a rule that has none.
+    std::string_view fix = {};
 };

@@ -16,7 +16,9 @@ namespace velhls {
 /// Gathers findings. Errors that the parse would not have come to are the last.
 class LossFindings {
   public:
-    explicit LossFindings(const TextLines& lines) : lines_(lines) {}
+    /// Keeps so many of one rule.
+    explicit LossFindings(const TextLines& lines, std::size_t mostOfOneRule = BoundedFindings::mostOfOneRule)
+        : lines_(lines), findings_(mostOfOneRule) {}
 
     /// See BoundedFindings.
     [[nodiscard]] bool isFull(const VELHLSRule& rule) { return findings_.isFull(keyOf(rule)); }

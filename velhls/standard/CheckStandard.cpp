@@ -193,13 +193,13 @@ void appendRules(const StandardTable<Subject>& table, std::vector<StandardRule>&
 }  // namespace
 
 void checkStandard(const VELHLSDocument& document, VELHLSDocument::Kind kind, StandardProfile profile,
-                   std::vector<VELHLSFinding>& findings) {
+                   std::vector<VELHLSFinding>& findings, std::size_t mostOfOneRule) {
     // The rules speak of lines, and an empty text has none.
     if (document.lineCount() == 0) {
         const VELHLSDocument blank("\n");
-        return checkStandard(blank, kind, profile, findings);
+        return checkStandard(blank, kind, profile, findings, mostOfOneRule);
     }
-    StandardFindings found(profile);
+    StandardFindings found(profile, mostOfOneRule);
     const VELHLSStructure structure(document);
     CheckedPlaylist playlist(structure, kind, profile);
     if (isUtf16(document.text())) {
@@ -212,6 +212,15 @@ void checkStandard(const VELHLSDocument& document, VELHLSDocument::Kind kind, St
     }
     std::vector<VELHLSFinding> all = found.takeAll();
     findings.insert(findings.end(), std::make_move_iterator(all.begin()), std::make_move_iterator(all.end()));
+}
+
+std::uint64_t neededVersion(const VELHLSDocument& document, VELHLSDocument::Kind kind,
+                            StandardProfile profile) {
+    StandardFindings found(profile);
+    const VELHLSStructure structure(document);
+    CheckedPlaylist playlist(structure, kind, profile);
+    LineRun(playlist, found).run();
+    return neededVersion(playlist);
 }
 
 std::vector<StandardRule> rulesOfStandard(StandardProfile profile) {

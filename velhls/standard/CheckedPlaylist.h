@@ -64,7 +64,10 @@ class CheckedPlaylist {
         return row.profile == VELHLSProfile::rfc8216 || profile_ != StandardProfile::rfc8216;
     }
 
-    /// The value of the line's first attribute with this name; nothing without one. In a master playlist, where many rules
+    /// The lowest EXT-X-VERSION that has all that the playlist uses.
+[[nodiscard]] std::uint64_t neededVersion(const CheckedPlaylist& playlist);
+
+/// The value of the line's first attribute with this name; nothing without one. In a master playlist, where many rules
     /// ask, the attributes of the lines that were added are kept.
     [[nodiscard]] std::optional<std::string_view> valueOf(std::size_t line, std::string_view name) const;
     [[nodiscard]] std::optional<std::string_view> valueOf(const VELHLSLine& line,
@@ -200,6 +203,9 @@ using PlaylistEntry = StandardEntry<CheckedPlaylist>;
 [[nodiscard]] StandardTable<CheckedPlaylist> laterPlaylistRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> authoringMasterRules();
 [[nodiscard]] StandardTable<CheckedPlaylist> authoringMediaRules();
+
+/// The lowest EXT-X-VERSION that has all that the playlist uses.
+[[nodiscard]] std::uint64_t neededVersion(const CheckedPlaylist& playlist);
 
 /// The value of the line's first attribute with this name; nothing without one.
 [[nodiscard]] std::optional<std::string_view> valueOf(const VELHLSLine& line, std::string_view name);

@@ -27,7 +27,9 @@ struct FindingWords {
 /// Gathers findings of one profile.
 class StandardFindings {
   public:
-    explicit StandardFindings(StandardProfile profile) : profile_(VELHLSStandard::nameOf(profile)) {}
+    /// Keeps so many of one rule.
+    explicit StandardFindings(StandardProfile profile, std::size_t most = BoundedFindings::mostOfOneRule)
+        : profile_(VELHLSStandard::nameOf(profile)), findings_(most) {}
 
     /// Adds a finding at a piece of the line.
     void add(const StandardRule& rule, const VELHLSLine& line, std::string_view piece,

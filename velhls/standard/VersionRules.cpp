@@ -101,13 +101,6 @@ class FeatureFinder {
     std::vector<Feature> features_;
 };
 
-std::uint64_t neededVersion(const CheckedPlaylist& playlist) {
-    std::uint64_t needed = 1;
-    for (const Feature& feature : FeatureFinder(playlist).find())
-        needed = std::max(needed, feature.version);
-    return needed;
-}
-
 void findTooLow(const CheckedPlaylist& playlist, const Tell& tell) {
     if (!playlist.version()) return;
     for (const Feature& feature : FeatureFinder(playlist).find()) {
@@ -192,6 +185,13 @@ constexpr PlaylistEntry rules[] = {
 // clang-format on
 
 }  // namespace
+
+std::uint64_t neededVersion(const CheckedPlaylist& playlist) {
+    std::uint64_t needed = 1;
+    for (const Feature& feature : FeatureFinder(playlist).find())
+        needed = std::max(needed, feature.version);
+    return needed;
+}
 
 StandardTable<CheckedPlaylist> versionRules() {
     return {rules, std::size(rules)};
