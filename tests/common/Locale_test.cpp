@@ -3,6 +3,7 @@
 
 #include <locale>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -98,7 +99,11 @@ TEST_F(LocaleTest, PlaylistsAreTheSameInALocaleWithADecimalComma) {
     if (name.empty()) GTEST_SKIP() << "no locale with a decimal comma is installed";
     expectPlaylistsAreReadAndWrittenAsEver();
 
-    std::locale::global(std::locale(name));
+    try {
+        std::locale::global(std::locale(name));
+    } catch (const std::runtime_error&) {
+        GTEST_SKIP() << "the standard library knows no locale but \"C\"";
+    }
     std::ostringstream number;
     number << 1234.5;
     ASSERT_NE(number.str(), "1234.5");

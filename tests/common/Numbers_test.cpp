@@ -31,6 +31,8 @@ double durationRead(const std::string& text) {
 
 /// As printf's "%a" has it.
 std::string exactly(double number) {
+    // Which has no sign for it everywhere.
+    if (std::isnan(number)) return std::signbit(number) ? "-nan" : "nan";
     std::array<char, 64> text;
     std::snprintf(text.data(), text.size(), "%a", number);
     return text.data();

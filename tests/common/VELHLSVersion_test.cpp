@@ -1,27 +1,28 @@
 #include "velhls/common/VELHLSVersion.h"
 
+#include <regex>
 #include <string>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
-using testing::ContainsRegex;
-using testing::Not;
-
 const std::string versionText = ZORHLSManifestLibVersionString;
+
+bool textHolds(const std::string& pattern) {
+    return std::regex_search(versionText, std::regex(pattern));
+}
 
 TEST(VELHLSVersion, NumberIsOne) {
     EXPECT_EQ(ZORHLSManifestLibVersionNumber, 1.0);
 }
 
 TEST(VELHLSVersion, TextBeginsWithTheLibrarysNameAndSemanticVersion) {
-    EXPECT_THAT(versionText, ContainsRegex(R"(^velhls (0|[1-9][0-9]*)\.(0|[1-9][0-9]*)\.(0|[1-9][0-9]*) )"));
+    EXPECT_TRUE(textHolds(R"(^velhls (0|[1-9][0-9]*)\.(0|[1-9][0-9]*)\.(0|[1-9][0-9]*) )")) << versionText;
 }
 
 TEST(VELHLSVersion, TextNamesCompilerAndBuildType) {
-    EXPECT_THAT(versionText, ContainsRegex(R"( \((GNU|Clang) [0-9]+\.[0-9]+\.[0-9]+, [A-Za-z ]+\)$)"));
+    EXPECT_TRUE(textHolds(R"( \((GNU|Clang) [0-9]+\.[0-9]+\.[0-9]+, [A-Za-z ]+\)$)")) << versionText;
 }
 
 // A build must not tell where it was made: two machines build the same text.
@@ -30,9 +31,9 @@ TEST(VELHLSVersion, TextHoldsNoPath) {
 }
 
 TEST(VELHLSVersion, TextHoldsNoDateAndNoTime) {
-    EXPECT_THAT(versionText, Not(ContainsRegex("(19|20)[0-9][0-9]")));
-    EXPECT_THAT(versionText, Not(ContainsRegex("[0-9]:[0-9]")));
-    EXPECT_THAT(versionText, Not(ContainsRegex("Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec")));
+    EXPECT_FALSE(textHolds("(19|20)[0-9][0-9]")) << versionText;
+    EXPECT_FALSE(textHolds("[0-9]:[0-9]")) << versionText;
+    EXPECT_FALSE(textHolds("Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec")) << versionText;
 }
 
 }  // namespace

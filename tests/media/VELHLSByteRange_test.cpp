@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -191,7 +192,7 @@ TEST(VELHLSByteRange, ReadsEachPrefixForWhatItIs) {
 }
 
 TEST(VELHLSByteRange, AgreesWithTheGrammarOnAllShortTexts) {
-    const testing::Matcher<std::string> grammar = testing::MatchesRegex("[0-9]+(@[0-9]+)?");
+    const std::regex grammar("[0-9]+(@[0-9]+)?");
     constexpr std::string_view alphabet = "09@- a";
     std::vector<std::string> texts = {""};
     for (std::size_t begin = 0, length = 0; length < 4; ++length) {
@@ -204,7 +205,7 @@ TEST(VELHLSByteRange, AgreesWithTheGrammarOnAllShortTexts) {
     ASSERT_EQ(texts.size(), 1U + 6U + 36U + 216U + 1296U);
     for (const std::string& text : texts) {
         VELHLSByteRange range;
-        EXPECT_EQ(range.parse(text, '@', false) == 0, grammar.Matches(text)) << text;
+        EXPECT_EQ(range.parse(text, '@', false) == 0, std::regex_match(text, grammar)) << text;
     }
 }
 

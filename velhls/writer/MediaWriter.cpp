@@ -335,7 +335,7 @@ std::string MediaWriter::header(const VELHLSMediaStream& stream) {
 }
 
 std::int64_t MediaWriter::writtenTargetDuration(const VELHLSMediaStream& stream) const {
-    return static_cast<std::int64_t>(std::round(std::max(stream.targetDuration, longestDuration_)));
+    return nearestWhole(std::max(stream.targetDuration, longestDuration_));
 }
 
 void MediaWriter::append(std::string_view text) {
