@@ -8,6 +8,7 @@
 #     console    commands after "$ ", each followed by what it prints, errors included
 #     m3u8       a playlist; with a name after the word (m3u8 live.m3u8) the file's other blocks find it by that name
 #     cmake      lines of one of the projects under tests/consumers, which build
+#     yaml       a file of another program that names hooks of this repository
 #     sh         commands that are not run here
 #
 # Any other word, and a fence without one, is an error. Blocks run in a folder of their own with the playlists of their
@@ -73,6 +74,21 @@ function(velhls_check_cmake_block place code)
     message(FATAL_ERROR "${place}: no project under tests/consumers has these lines:\n${code}")
 endfunction()
 
+# The hooks that it names are those that there are.
+function(velhls_check_yaml_block place code)
+    file(READ ${velhls_SOURCE_DIR}/.pre-commit-hooks.yaml hooks)
+    string(REGEX MATCHALL "id: [a-z-]+\n" ids "${code}")
+    if(ids STREQUAL "")
+        message(FATAL_ERROR "${place}: this block names no hook")
+    endif()
+    foreach(id IN LISTS ids)
+        string(FIND "${hooks}" "- ${id}" found)
+        if(found EQUAL -1)
+            message(FATAL_ERROR "${place}: there is no hook ${id}")
+        endif()
+    endforeach()
+endfunction()
+
 function(velhls_test_documentation_of path)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${velhls_SOURCE_DIR}/${path})
     file(READ ${velhls_SOURCE_DIR}/${path} rest)
@@ -128,6 +144,8 @@ function(velhls_test_documentation_of path)
             file(CONFIGURE OUTPUT ${document_folder}/playlists/${playlist} CONTENT "@code@" @ONLY)
         elseif(words STREQUAL "cmake")
             velhls_check_cmake_block(${name} "${code}")
+        elseif(words STREQUAL "yaml")
+            velhls_check_yaml_block(${name} "${code}")
         elseif(words STREQUAL "text" AND was_pending STREQUAL "")
             message(FATAL_ERROR "${name}: this text block stands after no cpp block")
         elseif(NOT words MATCHES "^(text|m3u8|sh)$")
