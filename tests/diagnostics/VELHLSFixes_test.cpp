@@ -174,6 +174,19 @@ TEST(VELHLSFixes, MendAllHoweverMany) {
     EXPECT_EQ(result.done.back().line, 10002U);
 }
 
+/// The models find one fault of a line at a time.
+TEST(VELHLSFixes, StopAfterTheMostRounds) {
+    std::string list = "BANDWIDTH=1";
+    for (int number = 0; number < 70; ++number)
+        list += ",X-" + std::to_string(number) + "=\"a\"b";
+    const std::string text = "#EXTM3U\n#EXT-X-STREAM-INF:" + list + "\nlow.m3u8\n";
+    const VELHLSFixes::Options options = optionsOf(Profile::library, VELHLSFix::Lossy);
+    const VELHLSFixes::Result result = VELHLSFixes::apply(text, options);
+    EXPECT_EQ(result.done.size(), VELHLSFixes::maximumRounds);
+    EXPECT_TRUE(result.left.rejected);
+    EXPECT_FALSE(VELHLSFixes::apply(result.text, options).left.rejected);
+}
+
 TEST(VELHLSFixes, TellTheLinesOfTheTextThatWasGiven) {
     const std::string text = head + "#EXTINF:6,\n#EXT-X-GAP\n0.ts";
     const VELHLSFixes::Result result = VELHLSFixes::forModels(text);

@@ -86,6 +86,7 @@ TEST(SecurityPromises, BoundsAreThoseOfTheHeaders) {
         {"VELHLSDocument::maximumBytes", VELHLSDocument::maximumBytes},
         {"VELHLSStructure::maximumKeys", VELHLSStructure::maximumKeys},
         {"VELHLSDiagnostics::maximumFindingsPerRule", VELHLSDiagnostics::maximumFindingsPerRule},
+        {"VELHLSFixes::maximumRounds", VELHLSFixes::maximumRounds},
         {"--max-bytes", tool::usualLargestInput},
     };
     const std::string text = policy();
