@@ -65,9 +65,9 @@ TEST(FixCommand, NamesWhatWasNotTaken) {
     EXPECT_EQ(outcome.exitStatus, 1);
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(outcome.errors,
-              "standard input:3:9: error: EXTINF: expected a duration other than 0, seen \"0\" "
+              "<stdin>:3:9: error: EXTINF: expected a duration other than 0, seen \"0\" "
               "[segment-duration-zero]\n"
-              "standard input:3:9: fix: guess: writes the duration 1\n"
+              "<stdin>:3:9: fix: guess: writes the duration 1\n"
               "1 file: mended nothing; not taken 1 guess\n");
     const Outcome guessed = fix({"--profile=library", "--guess", "-o", "-"}, zero);
     EXPECT_EQ(guessed.exitStatus, 0);
