@@ -139,6 +139,11 @@ class NormalForm {
         for (char& character : upper) {
             if (character == 't' || character == 'z') character = static_cast<char>(character - 'a' + 'A');
         }
+        constexpr std::string_view digits = "0123456789";
+        if (upper.find_first_not_of(digits) == 8 && upper[8] == 'T' &&
+            upper.find_first_not_of(digits, 9) >= 15) {
+            upper.insert(13, ":").insert(11, ":").insert(6, "-").insert(4, "-");
+        }
         const auto date = VELHLSSyntax::readDateTime(upper);
         return date && date->hasTime ? std::to_string(date->microseconds) + (date->hasZone ? "Z" : "")
                                      : value;

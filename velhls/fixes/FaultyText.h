@@ -73,6 +73,9 @@ class FaultyText {
         return askedGroups_.insert({type, groupId}).second;
     }
 
+    /// True when it is asked for the first time: what mends all lines stands with the first finding.
+    [[nodiscard]] bool isFirstToTidy() { return !std::exchange(isTidied_, true); }
+
     /// How many EXT-X-MEDIA tags there are with this TYPE and GROUP-ID.
     [[nodiscard]] std::size_t renditionCount(std::string_view type, std::string_view groupId);
 
@@ -106,6 +109,7 @@ class FaultyText {
     bool areGroupsKnown_ = false;
     std::map<std::string_view, std::map<std::string_view, Group>> groups_;
     std::map<GroupName, std::size_t> renditionCounts_;
+    bool isTidied_ = false;
     std::set<GroupName> askedGroups_;
     bool arePlacesKnown_ = false;
     std::map<std::string_view, Places> places_;

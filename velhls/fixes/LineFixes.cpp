@@ -20,15 +20,30 @@ void fixByteOrderMark(const Fault& fault) {
                    {fault.replace(fault.line.text.substr(0, mark.size()), "")});
 }
 
-/// White space before a tag and after it.
-std::vector<VELHLSEdit> tidyTag(const Fault& fault) {
-    const std::string_view text = fault.line.text;
-    const std::string_view tag = bare(text);
-    const auto before = static_cast<std::size_t>(tag.data() - text.data());
+/// White space before a line and after it.
+std::vector<VELHLSEdit> tidyLine(const Fault& fault, const VELHLSLine& line) {
+    const std::string_view tidied = bare(line.text);
+    const auto before = static_cast<std::size_t>(tidied.data() - line.text.data());
     std::vector<VELHLSEdit> edits;
-    if (before > 0) edits.push_back(fault.replace(text.substr(0, before), ""));
-    if (before + tag.size() < text.size())
-        edits.push_back(fault.replace(text.substr(before + tag.size()), ""));
+    if (before > 0) edits.push_back(fault.replace(line.text.substr(0, before), ""));
+    if (before + tidied.size() < line.text.size())
+        edits.push_back(fault.replace(line.text.substr(before + tidied.size()), ""));
+    return edits;
+}
+
+std::vector<VELHLSEdit> tidyTag(const Fault& fault) {
+    return tidyLine(fault, fault.line);
+}
+
+/// A text that is indented is so as a whole: the first fault stands for all tags and URIs.
+std::vector<VELHLSEdit> tidyLines(const Fault& fault) {
+    if (!fault.text.isFirstToTidy()) return tidyTag(fault);
+    std::vector<VELHLSEdit> edits;
+    for (const VELHLSLine line : fault.document().lines()) {
+        if (line.kind != VELHLSLine::Tag && line.kind != VELHLSLine::Uri) continue;
+        const std::vector<VELHLSEdit> own = tidyLine(fault, line);
+        edits.insert(edits.end(), own.begin(), own.end());
+    }
     return edits;
 }
 
@@ -66,7 +81,7 @@ bool looksLikeUri(std::string_view text) {
 
 void fixUriWithoutTag(const Fault& fault) {
     if (fault.line.kind != VELHLSLine::Uri)
-        return fault.safe("removes the white space before the tag", tidyTag(fault));
+        return fault.safe("removes the white space around tags and URIs", tidyLines(fault));
     if (joinVariant(fault)) return;
     if (repeatsUriBefore(fault))
         return fault.lossy("removes the line, which repeats the URI of the tag before it",
@@ -202,7 +217,7 @@ void fixHeaderPlace(const Fault& fault) {
 }
 
 void fixWhiteSpace(const Fault& fault) {
-    fault.safe("removes the white space around the line", tidyTag(fault));
+    fault.safe("removes the white space around tags and URIs", tidyLines(fault));
 }
 
 void fixOtherCase(const Fault& fault) {

@@ -213,6 +213,14 @@ std::string readableDate(std::string_view date) {
     return day + "T" + time + zone;
 }
 
+/// Without what divides the numbers of a date.
+std::string digitsOf(std::string_view date) {
+    std::string all = inUpperCase(date);
+    const auto divides = [](char character) { return character == '-' || character == ':'; };
+    all.erase(std::remove_if(all.begin(), all.end(), divides), all.end());
+    return all;
+}
+
 void fixDate(const Fault& fault) {
     const std::string_view written = fault.line.value;
     const std::string_view value = bare(written);
@@ -220,7 +228,9 @@ void fixDate(const Fault& fault) {
     const auto readable = VELHLSSyntax::readDateTime(date);
     if (readable && readable->hasTime && readable->microseconds >= 0) {
         const auto before = VELHLSSyntax::readDateTime(value);
-        const bool isSame = before && before->hasZone && before->microseconds == readable->microseconds;
+        const bool isSame =
+            readable->hasZone && (before ? before->hasZone && before->microseconds == readable->microseconds
+                                         : digitsOf(value) == digitsOf(date));
         if (!readable->hasZone) date += "Z";
         const std::vector<VELHLSEdit> edits = replaceValue(fault.document(), fault.line.number, date);
         if (isSame) {
