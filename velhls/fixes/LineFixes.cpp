@@ -35,12 +35,12 @@ std::vector<VELHLSEdit> tidyTag(const Fault& fault) {
     return tidyLine(fault, fault.line);
 }
 
-/// A text that is indented is so as a whole: the first fault stands for all tags and URIs.
+/// A text that is indented is so as a whole: the first fault stands for all lines.
 std::vector<VELHLSEdit> tidyLines(const Fault& fault) {
     if (!fault.text.isFirstToTidy()) return tidyTag(fault);
     std::vector<VELHLSEdit> edits;
     for (const VELHLSLine line : fault.document().lines()) {
-        if (line.kind != VELHLSLine::Tag && line.kind != VELHLSLine::Uri) continue;
+        if (line.kind == VELHLSLine::Blank) continue;
         const std::vector<VELHLSEdit> own = tidyLine(fault, line);
         edits.insert(edits.end(), own.begin(), own.end());
     }
@@ -81,7 +81,7 @@ bool looksLikeUri(std::string_view text) {
 
 void fixUriWithoutTag(const Fault& fault) {
     if (fault.line.kind != VELHLSLine::Uri)
-        return fault.safe("removes the white space around tags and URIs", tidyLines(fault));
+        return fault.safe("removes the white space around lines", tidyLines(fault));
     if (joinVariant(fault)) return;
     if (repeatsUriBefore(fault))
         return fault.lossy("removes the line, which repeats the URI of the tag before it",
@@ -217,7 +217,7 @@ void fixHeaderPlace(const Fault& fault) {
 }
 
 void fixWhiteSpace(const Fault& fault) {
-    fault.safe("removes the white space around tags and URIs", tidyLines(fault));
+    fault.safe("removes the white space around lines", tidyLines(fault));
 }
 
 void fixOtherCase(const Fault& fault) {
