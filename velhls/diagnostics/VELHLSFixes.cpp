@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
-#include <tuple>
 #include <utility>
 
 #include "velhls/common/TextScan.h"
@@ -65,26 +65,28 @@ struct Candidate {
 /// Edits that were taken, so that others can be asked whether they touch one.
 class TakenEdits {
   public:
+    explicit TakenEdits(std::string_view text) : text_(text) {}
+
     /// Takes all edits of a fix, or none of them.
     bool take(const std::vector<VELHLSEdit>& edits) {
         for (const VELHLSEdit& edit : edits) {
             if (touches(edit)) return false;
         }
-        for (const VELHLSEdit& edit : edits)
-            taken_.insert({edit.offset, edit.offset + edit.length, isOfLines(edit)});
+        for (const VELHLSEdit& edit : edits) {
+            if (edit.length > 0) {
+                replaced_[edit.offset] = {edit.offset + edit.length, isOfLines(edit)};
+            } else {
+                const auto place = insertions_.emplace(edit.offset, true).first;
+                place->second = place->second && isOfLines(edit);
+            }
+        }
         return true;
     }
 
-    explicit TakenEdits(std::string_view text) : text_(text) {}
-
   private:
-    struct Range {
-        std::size_t start;
-        std::size_t end;
-        bool isOfLines;
-        bool operator<(const Range& other) const {
-            return std::tie(start, end, isOfLines) < std::tie(other.start, other.end, other.isOfLines);
-        }
+    struct End {
+        std::size_t end = 0;
+        bool isOfLines = false;
     };
 
     [[nodiscard]] bool beginsLine(std::size_t offset) const {
@@ -98,29 +100,37 @@ class TakenEdits {
     }
 
     [[nodiscard]] bool touches(const VELHLSEdit& edit) const {
-        const Range range = {edit.offset, edit.offset + edit.length, isOfLines(edit)};
-        auto next = taken_.lower_bound({range.start, 0, false});
-        for (; next != taken_.end() && next->start <= range.end; ++next) {
-            if (collide(range, *next)) return true;
-        }
-        // What was taken overlaps nothing that was: of the ranges before, only the last can reach so far. Insertions at
-        // its start come before it.
-        auto before = taken_.lower_bound({range.start, 0, false});
-        while (before != taken_.begin()) {
-            --before;
-            if (before->end >= range.start && collide(range, *before)) return true;
-            if (before->end > before->start || before->end < range.start) break;
+        return touchesInsertion(edit) || touchesReplaced(edit);
+    }
+
+    [[nodiscard]] bool touchesInsertion(const VELHLSEdit& edit) const {
+        const std::size_t end = edit.offset + edit.length;
+        auto place = insertions_.lower_bound(edit.offset);
+        for (; place != insertions_.end() && place->first <= end; ++place) {
+            const bool isInside = place->first > edit.offset && place->first < end;
+            if (isInside || !place->second || !isOfLines(edit)) return true;
         }
         return false;
     }
 
-    static bool collide(const Range& left, const Range& right) {
-        if (!left.isOfLines || !right.isOfLines) return left.start <= right.end && right.start <= left.end;
-        return left.start < right.end && right.start < left.end;
+    [[nodiscard]] bool touchesReplaced(const VELHLSEdit& edit) const {
+        const std::size_t end = edit.offset + edit.length;
+        const auto next = replaced_.upper_bound(edit.offset);
+        if (next != replaced_.end() && next->first <= end) {
+            if (next->first < end || !next->second.isOfLines || !isOfLines(edit)) return true;
+        }
+        if (next == replaced_.begin()) return false;
+        const auto& [start, before] = *std::prev(next);
+        if (before.end < edit.offset) return false;
+        const bool overlaps = before.end > edit.offset && (edit.length > 0 || start < edit.offset);
+        return overlaps || !before.isOfLines || !isOfLines(edit);
     }
 
     std::string_view text_;
-    std::multiset<Range> taken_;
+    /// Where something was inserted, and whether it was whole lines alone.
+    std::map<std::size_t, bool> insertions_;
+    /// What is replaced: by its start its end.
+    std::map<std::size_t, End> replaced_;
 };
 
 /// Mends one text.

@@ -32,11 +32,10 @@ bool tidies(const Fault& fault) {
     return !fault.fixes.empty();
 }
 
-void addFixes(FaultyText& text, VELHLSFinding& finding) {
-    const FixEntry* const entry = entryOf(finding.ruleId);
-    if (entry == nullptr || finding.line > text.document().lineCount()) return;
+void addFixes(FaultyText& text, const FixEntry& entry, VELHLSFinding& finding) {
+    if (finding.line > text.document().lineCount()) return;
     const Fault fault = {text, finding, text.document().line(finding.line), finding.fixes};
-    if (!tidies(fault)) entry->make(fault);
+    if (!tidies(fault)) entry.make(fault);
 }
 
 }  // namespace
@@ -44,8 +43,15 @@ void addFixes(FaultyText& text, VELHLSFinding& finding) {
 void addFixes(const VELHLSDocument& document, VELHLSDocument::Kind kind,
               std::vector<VELHLSFinding>& findings) {
     FaultyText text(document, kind);
-    for (VELHLSFinding& finding : findings)
-        addFixes(text, finding);
+    const FixEntry* entry = nullptr;
+    std::string_view rule;
+    for (VELHLSFinding& finding : findings) {
+        if (finding.ruleId != rule) {
+            rule = finding.ruleId;
+            entry = entryOf(rule);
+        }
+        if (entry != nullptr) addFixes(text, *entry, finding);
+    }
 }
 
 std::string_view whatFixesDo(std::string_view ruleId) {
