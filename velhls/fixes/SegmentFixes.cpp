@@ -146,11 +146,13 @@ void fixShortUri(const Fault& fault) {
     const std::string_view uri = fault.line.value;
     const auto place = placeForDot(uri);
     if (!place || fault.line.kind != VELHLSLine::Uri) return;
-    std::string dots = "./";
-    const auto mended = [&] { return std::string(uri).insert(*place, dots); };
-    while (!isLongEnough(mended()))
+    std::string dots;
+    std::string mended(uri);
+    do {
         dots += "./";
-    fault.safe("writes " + quoted(mended()) + ", the same resource",
+        mended.insert(*place, "./");
+    } while (!isLongEnough(mended));
+    fault.safe("writes " + quoted(mended) + ", the same resource",
                {fault.replace(uri.substr(*place, 0), dots)});
 }
 

@@ -64,10 +64,7 @@ class CheckedPlaylist {
         return row.profile == VELHLSProfile::rfc8216 || profile_ != StandardProfile::rfc8216;
     }
 
-    /// The lowest EXT-X-VERSION that has all that the playlist uses.
-[[nodiscard]] std::uint64_t neededVersion(const CheckedPlaylist& playlist);
-
-/// The value of the line's first attribute with this name; nothing without one. In a master playlist, where many rules
+    /// The value of the line's first attribute with this name; nothing without one. In a master playlist, where many rules
     /// ask, the attributes of the lines that were added are kept.
     [[nodiscard]] std::optional<std::string_view> valueOf(std::size_t line, std::string_view name) const;
     [[nodiscard]] std::optional<std::string_view> valueOf(const VELHLSLine& line,
