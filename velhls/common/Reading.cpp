@@ -323,12 +323,27 @@ Place Reading::placeOfRecord(std::string_view tagName) const {
                    isTagOrComment(text) ? TagLine(text).name : std::string_view(text));
 }
 
-Place Reading::placeOf(const BrokenRule& broken) const {
-    const auto lines = std::find_if(records_.begin(), records_.end(), [&broken](const RecordLines& record) {
-        return record.record == broken.record;
-    });
-    if (broken.record == nullptr || lines == records_.end()) return {};
-    return placeOfAttribute(lines->firstLine, lineOf(text_, lines->firstLine), broken.attribute);
+/// Once for all that break a rule, since these may be many.
+void Reading::findFirstLines() {
+    if (!firstLines_.empty()) return;
+    std::string_view rest = text_;
+    NumberedLine line = {nextLine(rest), 1};
+    for (const RecordLines& record : records_) {
+        // The segments of a media pattern are no records of a master playlist, whose lines only go on.
+        for (; line.number < record.firstLine && !rest.empty(); ++line.number)
+            line.line = nextLine(rest);
+        firstLines_.push_back({record.record, line});
+    }
+    std::stable_sort(firstLines_.begin(), firstLines_.end(), isBefore);
+}
+
+Place Reading::placeOf(const BrokenRule& broken) {
+    if (broken.record == nullptr) return {};
+    findFirstLines();
+    const FirstLine wanted = {broken.record, {}};
+    const auto found = std::lower_bound(firstLines_.begin(), firstLines_.end(), wanted, isBefore);
+    if (found == firstLines_.end() || found->record != broken.record) return {};
+    return placeOfAttribute(found->line.number, found->line.line, broken.attribute);
 }
 
 }  // namespace velhls

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -145,7 +146,8 @@ class Reading {
     [[nodiscard]] Place findInBody(std::string_view piece) const;
     [[nodiscard]] Place findInExpandedLine(std::string_view line, std::string_view piece) const;
     [[nodiscard]] Place placeOfRecord(std::string_view tagName) const;
-    [[nodiscard]] Place placeOf(const BrokenRule& broken) const;
+    [[nodiscard]] Place placeOf(const BrokenRule& broken);
+    void findFirstLines();
 
     std::string_view text_;
     bool readsOn_;
@@ -169,7 +171,19 @@ class Reading {
     /// The last of the lines that are rejected since a tag before them has white space before it; 0 for none.
     std::size_t lastIndented_ = 0;
 
+    /// Where a record begins.
+    struct FirstLine {
+        const void* record = nullptr;
+        NumberedLine line;
+    };
+
+    [[nodiscard]] static bool isBefore(const FirstLine& left, const FirstLine& right) {
+        return std::less<>()(left.record, right.record);
+    }
+
     std::vector<RecordLines> records_;
+    /// Of all records, in the order of their addresses: made when a rule between them is broken.
+    std::vector<FirstLine> firstLines_;
     std::vector<Rejection> rejections_;
     std::array<Count, ruleCount> counts_ = {};
 };

@@ -76,6 +76,14 @@ class FaultyText {
     /// True when it is asked for the first time: what mends all lines stands with the first finding.
     [[nodiscard]] bool isFirstToTidy() { return !std::exchange(isTidied_, true); }
 
+    /// True when it is asked for the first time of this line, and of no line in between: what mends a list as a whole stands
+    /// with its first finding.
+    [[nodiscard]] bool isNewList(std::size_t line) { return std::exchange(lastList_, line) != line; }
+
+    /// Whether that was something.
+    [[nodiscard]] bool isListTidied() const { return isListTidied_; }
+    void setListTidied(bool isTidied) { isListTidied_ = isTidied; }
+
     /// How many EXT-X-MEDIA tags there are with this TYPE and GROUP-ID.
     [[nodiscard]] std::size_t renditionCount(std::string_view type, std::string_view groupId);
 
@@ -109,6 +117,8 @@ class FaultyText {
     bool areGroupsKnown_ = false;
     std::map<std::string_view, std::map<std::string_view, Group>> groups_;
     std::map<GroupName, std::size_t> renditionCounts_;
+    std::size_t lastList_ = 0;
+    bool isListTidied_ = false;
     bool isTidied_ = false;
     std::set<GroupName> askedGroups_;
     bool arePlacesKnown_ = false;

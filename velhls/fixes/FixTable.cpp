@@ -8,6 +8,9 @@
 namespace velhls {
 namespace {
 
+/// Most makers look at their whole line, which may be long and have as many faults.
+constexpr std::size_t mostOfOneLine = 16;
+
 /// The entry of a rule; null for one that has none.
 const FixEntry* entryOf(std::string_view ruleId) {
     for (const FixTable& table :
@@ -27,9 +30,11 @@ bool hasList(const VELHLSLine& line) {
 /// before its name as another one.
 bool tidies(const Fault& fault) {
     if (fault.finding.profile != "library" || !hasList(fault.line)) return false;
+    if (!fault.text.isNewList(fault.line.number)) return fault.text.isListTidied();
     fault.safe("removes white space and commas that divide nothing from the attributes",
                tidyList(fault.document(), fault.line));
-    return !fault.fixes.empty();
+    fault.text.setListTidied(!fault.fixes.empty());
+    return fault.text.isListTidied();
 }
 
 void addFixes(FaultyText& text, const FixEntry& entry, VELHLSFinding& finding) {
@@ -45,12 +50,16 @@ void addFixes(const VELHLSDocument& document, VELHLSDocument::Kind kind,
     FaultyText text(document, kind);
     const FixEntry* entry = nullptr;
     std::string_view rule;
+    std::size_t line = 0;
+    std::size_t ofLine = 0;
     for (VELHLSFinding& finding : findings) {
+        ofLine = finding.line == line ? ofLine + 1 : 1;
+        line = finding.line;
         if (finding.ruleId != rule) {
             rule = finding.ruleId;
             entry = entryOf(rule);
         }
-        if (entry != nullptr) addFixes(text, *entry, finding);
+        if (entry != nullptr && ofLine <= mostOfOneLine) addFixes(text, *entry, finding);
     }
 }
 

@@ -9,7 +9,7 @@
 
 namespace velhls {
 
-/// Gives each finding its fixes. They must be of this document, and in the order of their places but for those between
+/// Gives each finding its fixes, but for those of one line that has very many: the first of them have theirs. They must be of this document, and in the order of their places but for those between
 /// records: then it takes time linear in the text, but for sorting.
 void addFixes(const VELHLSDocument& document, VELHLSDocument::Kind kind,
               std::vector<VELHLSFinding>& findings);

@@ -36,12 +36,15 @@ void putInQuotes(const Fault& fault) {
     std::optional<VELHLSAttribute> named;
     std::string_view last;
     bool isBeforeCut = true;
+    constexpr std::size_t mostParts = 64;
+    std::size_t parts = 0;
     for (const VELHLSAttribute& each : fault.line.attributes()) {
         if (isBeforeCut && beginsAttribute(bare(each.text))) named = each;
         if (each.text.data() == cut->text.data()) isBeforeCut = false;
         if (isBeforeCut) continue;
         if (each.text.find('=') != std::string_view::npos) break;
         last = each.text;
+        if (++parts > mostParts) return;
     }
     if (!named || named->quoted || named->writtenValue.empty() || last.data() == nullptr) return;
     const char* const start = named->writtenValue.data();
@@ -89,6 +92,7 @@ void fixListEmpty(const Fault& fault) {
 }
 
 void fixWhiteSpace(const Fault& fault) {
+    if (!fault.text.isNewList(fault.line.number)) return;
     fault.safe("removes white space and commas that divide nothing from the attributes",
                tidyList(fault.document(), fault.line));
 }
