@@ -108,27 +108,28 @@ class FaultyText {
     using GroupName = std::pair<std::string_view, std::string_view>;
 
     const VELHLSDocument& document_;
-    VELHLSDocument::Kind kind_;
     std::optional<VELHLSStructure> structure_;
     ModelSegment segment_;
-    bool areSegmentsMeasured_ = false;
     std::uint64_t longestSegment_ = 0;
     double meanDuration_ = 0.0;
-    bool areGroupsKnown_ = false;
+    std::optional<std::uint64_t> usualDuration_;
     std::map<std::string_view, std::map<std::string_view, Group>> groups_;
     std::map<GroupName, std::size_t> renditionCounts_;
-    std::size_t lastList_ = 0;
-    bool isListTidied_ = false;
-    bool isTidied_ = false;
     std::set<GroupName> askedGroups_;
-    bool arePlacesKnown_ = false;
+    std::map<GroupName, std::vector<std::size_t>> references_;
     std::map<std::string_view, Places> places_;
-    bool areSessionTagsKnown_ = false;
     std::map<std::string_view, std::size_t> sessionTags_;
     std::map<std::string_view, std::size_t> dataWithLanguageFirst_;
-    std::optional<std::uint64_t> usualDuration_;
+    std::size_t lastList_ = 0;
+    VELHLSDocument::Kind kind_;
+    // What was found or asked already.
+    bool areSegmentsMeasured_ = false;
+    bool areGroupsKnown_ = false;
     bool areReferencesKnown_ = false;
-    std::map<GroupName, std::vector<std::size_t>> references_;
+    bool arePlacesKnown_ = false;
+    bool areSessionTagsKnown_ = false;
+    bool isListTidied_ = false;
+    bool isTidied_ = false;
 };
 
 /// One finding in a faulty text, and what was made of it so far. A maker of fixes adds its fixes, the best first.
