@@ -189,6 +189,7 @@ TEST(VELHLSFixes, StopAfterTheMostRounds) {
     const VELHLSFixes::Options options = optionsOf(Profile::library, VELHLSFix::Lossy);
     const VELHLSFixes::Result result = VELHLSFixes::apply(text, options);
     EXPECT_EQ(result.done.size(), VELHLSFixes::maximumRounds);
+    EXPECT_EQ(result.rounds, VELHLSFixes::maximumRounds);
     EXPECT_TRUE(result.left.rejected);
     EXPECT_FALSE(VELHLSFixes::apply(result.text, options).left.rejected);
 }

@@ -146,9 +146,8 @@ class Mender {
     VELHLSFixes::Result run(std::string_view text) {
         if (kind_ != VELHLSDiagnostics::Detect) {
             records_ = recordsOf(text_, kind_);
-            for (std::size_t round = 0; round < VELHLSFixes::maximumRounds; ++round) {
-                if (!mendOnce()) break;
-            }
+            while (result_.rounds < VELHLSFixes::maximumRounds && mendOnce())
+                ++result_.rounds;
         }
         VELHLSDiagnostics::Options options;
         options.kind = options_.kind;

@@ -56,6 +56,8 @@ class VELHLS_CHECK_API VELHLSFixes {
         std::vector<VELHLSEdit> edits;
         /// What was done, in the order in which it was done. It is empty if and only if `edits` is.
         std::vector<Done> done;
+        /// How many rounds took something. With maximumRounds there may be more to take: mend the text again.
+        std::size_t rounds = 0;
         /// What is found in the mended text, with the fixes that were not taken.
         VELHLSDiagnostics::Report left;
     };
