@@ -41,7 +41,7 @@ std::string longestSegment(const VELHLSMediaStream& stream) {
     if (longest == stream.segments.end()) return "none";
     // RFC 8216, section 4.3.3.1: the duration rounded to the nearest integer must not exceed the target
     // duration.
-    const bool tooLong = std::floor((*longest)->duration + 0.5) > stream.targetDuration;
+    const bool tooLong = std::round((*longest)->duration) > stream.targetDuration;
     return decimal((*longest)->duration) + " s, " + (tooLong ? "longer than" : "within") +
            " the target duration of " + decimal(stream.targetDuration) + " s";
 }

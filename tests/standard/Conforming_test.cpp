@@ -170,6 +170,10 @@ std::vector<Conforming> conforming() {
          ofVariant("", "#EXT-X-SESSION-DATA:DATA-ID=\"com.example.title\",URI=\"a\",FORMAT=RAW\n")},
         {"version 8", ofVariant("", "#EXT-X-VERSION:8\n")},
         {"version 12", ofOne("#EXT-X-VERSION:12\n#EXTINF:6.006,\nfirst.ts\n")},
+        {"durations that half a second more would not be added to exactly",
+         "#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:6900719925474099\n#EXTINF:6900719925474099,"
+         "\nfirst.ts\n#EXTINF:0."
+         "49999999999999994,\nsecond.ts\n#EXT-X-ENDLIST\n"},
     };
 }
 

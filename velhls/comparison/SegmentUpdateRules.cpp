@@ -113,7 +113,7 @@ double roundedDuration(const MediaVersion& version) {
     double duration = 0.0;
     for (std::size_t index = 0; index < version.segmentCount(); ++index) {
         const double seconds = version.segment(index).duration;
-        duration += std::max(seconds, std::floor(seconds + 0.5));
+        duration += std::max(seconds, std::round(seconds));
     }
     return duration;
 }

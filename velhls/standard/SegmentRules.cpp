@@ -26,7 +26,7 @@ void findDurationMissing(const CheckedSegment& checked, const Tell& tell) {
 
 void findTooLong(const CheckedSegment& checked, const Tell& tell) {
     const auto target = checked.playlist.targetDuration();
-    if (!target || std::floor(checked.segment.duration + 0.5) <= static_cast<double>(*target)) return;
+    if (!target || std::round(checked.segment.duration) <= static_cast<double>(*target)) return;
     const std::string expected =
         "no more than the target duration, rounded: " + std::to_string(*target) + " seconds";
     const VELHLSLine line = checked.durationLine();
