@@ -1,7 +1,6 @@
 // Which files the command takes for what is named: folders, lists of names, and what is hostile about them.
 #include <filesystem>
 #include <functional>
-#include <regex>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
@@ -30,12 +29,7 @@ const std::string media = lines({"#EXTM3U", "#EXT-X-TARGETDURATION:6", "#EXTINF:
 
 /// The paths of all files that were checked, or could not be, in the order of the report; with ordinary names.
 std::vector<std::string> pathsIn(const std::string& report) {
-    static const std::regex path("\\{\"path\":\"([^\"]*)\"");
-    std::vector<std::string> paths;
-    for (std::sregex_iterator match(report.begin(), report.end(), path); match != std::sregex_iterator();
-         ++match)
-        paths.push_back((*match)[1]);
-    return paths;
+    return command::quotedAfter("{\"path\":\"", report);
 }
 
 std::vector<std::string> checkedPaths(

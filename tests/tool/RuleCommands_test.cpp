@@ -9,18 +9,14 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/PlaylistText.h"
-#include "tests/support/RunCommand.h"
+#include "tests/support/VelhlsCommand.h"
 
 namespace {
 
 using command::Outcome;
+using command::velhls;
 using playlist::contentOf;
 using testing::HasSubstr;
-
-Outcome velhls(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), VELHLS_COMMAND);
-    return command::run(arguments);
-}
 
 /// The lines of a table, each as its cells, which two spaces at least keep apart.
 std::vector<std::vector<std::string>> rowsOf(const std::string& table) {
@@ -83,16 +79,13 @@ TEST(RulesCommand, ListsEveryRuleThatCheckNamesInItsReports) {
     EXPECT_THAT(rules,
                 testing::StartsWith("{\n  \"version\": 1,\n  \"rules\": [\n    {\n      \"rule\": \""));
     EXPECT_THAT(rules, HasSubstr("\",\n      \"command\": \"compare\",\n"));
-    const std::string lines =
-        command::run({VELHLS_COMMAND, "check", "--format=jsonl", "--severity=note", "--profile=rfc8216bis",
-                      "--profile=apple", "--profile=library", VELHLS_EXAMPLE_FINDINGS})
-            .output;
-    const std::regex id("\"rule\":\"([a-z0-9-]+)\"");
-    std::size_t count = 0;
-    for (std::sregex_iterator match(lines.begin(), lines.end(), id); match != std::sregex_iterator();
-         ++match, ++count)
-        EXPECT_NE(rules.find("\"rule\": \"" + (*match)[1].str() + "\""), std::string::npos) << (*match)[1];
-    EXPECT_GT(count, 300U);
+    const std::string lines = velhls({"check", "--format=jsonl", "--severity=note", "--profile=rfc8216bis",
+                                      "--profile=apple", "--profile=library", VELHLS_EXAMPLE_FINDINGS})
+                                  .output;
+    const std::vector<std::string> ids = command::quotedAfter("\"rule\":\"", lines);
+    for (const std::string& id : ids)
+        EXPECT_NE(rules.find("\"rule\": \"" + id + "\""), std::string::npos) << id;
+    EXPECT_GT(ids.size(), 300U);
 }
 
 TEST(ExplainCommand, ShowsThePageOfARule) {
