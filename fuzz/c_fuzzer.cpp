@@ -141,23 +141,74 @@ void expectSameDocument(const std::string& text) {
     velhls_comparison_free(comparison);
 }
 
-void expectSameFindings(const std::string& text) {
+constexpr velhls_profiles allProfiles = 15;
+
+void expectSameEdits(const velhls_findings* findings, std::size_t index, std::size_t which,
+                     const VELHLSFix& expected) {
+    velhls_fix fix = VELHLS_INIT(velhls_fix);
+    fuzz::expect(velhls_findings_fix(findings, index, which, &fix) == VELHLS_OK, "a fix");
+    fuzz::expectEqual(textOf(fix.sentence), expected.sentence, "the sentence of a fix");
+    fuzz::expect(fix.fix_class == expected.fixClass, "the class of a fix");
+    fuzz::expect(fix.edit_count == expected.edits.size(), "the number of edits of a fix");
+    velhls_edit edit = VELHLS_INIT(velhls_edit);
+    for (std::size_t at = 0; at < fix.edit_count; ++at) {
+        fuzz::expect(velhls_findings_fix_edit(findings, index, which, at, &edit) == VELHLS_OK, "an edit");
+        fuzz::expect(edit.offset == expected.edits[at].offset && edit.length == expected.edits[at].length,
+                     "the place of an edit");
+        fuzz::expectEqual(textOf(edit.replacement), expected.edits[at].replacement, "the text of an edit");
+    }
+}
+
+void expectSameFindings(const velhls_findings* findings, const std::vector<VELHLSFinding>& expected) {
+    fuzz::expect(velhls_findings_count(findings) == expected.size(), "the number of findings");
+    for (std::size_t index = 0; index < expected.size(); ++index) {
+        velhls_finding finding = VELHLS_INIT(velhls_finding);
+        fuzz::expect(velhls_findings_get(findings, index, &finding) == VELHLS_OK, "a finding");
+        fuzz::expectEqual(textOf(finding.message), expected[index].message, "the message of a finding");
+        fuzz::expect(finding.fix_count == expected[index].fixes.size(), "the number of fixes");
+        for (std::size_t which = 0; which < finding.fix_count; ++which)
+            expectSameEdits(findings, index, which, expected[index].fixes[which]);
+    }
+}
+
+void expectSameReport(const std::string& text) {
+    velhls_check_options asked = VELHLS_INIT(velhls_check_options);
+    asked.profiles = allProfiles;
+    asked.fixes = 1;
     velhls_report* made = nullptr;
-    const velhls_profiles all = 15;
-    fuzz::expect(velhls_check(text.data(), text.size(), all, VELHLS_KIND_NEITHER, &made) == VELHLS_OK,
-                 "a report");
+    fuzz::expect(velhls_check(text.data(), text.size(), &asked, &made) == VELHLS_OK, "a report");
     const Owned<velhls_report, velhls_report_free> report(made);
     VELHLSDiagnostics::Options options;
     options.profiles = VELHLSDiagnostics::profiles();
-    const VELHLSDiagnostics::Report expected = VELHLSDiagnostics::check(text, options);
-    const velhls_findings* const findings = velhls_report_findings(made);
-    fuzz::expect(velhls_findings_count(findings) == expected.findings.size(), "the number of findings");
-    for (std::size_t index = 0; index < expected.findings.size(); ++index) {
-        velhls_finding finding = VELHLS_INIT(velhls_finding);
-        fuzz::expect(velhls_findings_get(findings, index, &finding) == VELHLS_OK, "a finding");
-        fuzz::expectEqual(textOf(finding.message), expected.findings[index].message,
-                          "the message of a finding");
+    options.fixes = true;
+    expectSameFindings(velhls_report_findings(made), VELHLSDiagnostics::check(text, options).findings);
+}
+
+/// The mended text is the one that was given with the edits done.
+void expectEditsOfMending(const std::string& text) {
+    velhls_mended* made = nullptr;
+    fuzz::expect(velhls_fix_for_models(text.data(), text.size(), &made) == VELHLS_OK, "any text is mended");
+    const Owned<velhls_mended, velhls_mended_free> mended(made);
+    velhls_document* whole = nullptr;
+    fuzz::expect(velhls_document_new(text.data(), text.size(), &whole) == VELHLS_OK, "a document");
+    const Owned<velhls_document, velhls_document_free> document(whole);
+    velhls_edits* list = nullptr;
+    fuzz::expect(velhls_edits_new(whole, &list) == VELHLS_OK, "edits");
+    const Owned<velhls_edits, velhls_edits_free> edits(list);
+    velhls_edit edit = VELHLS_INIT(velhls_edit);
+    for (std::size_t index = 0; velhls_mended_edit(made, index, &edit) == VELHLS_OK; ++index) {
+        fuzz::expect(velhls_edits_replace_bytes(list, edit.offset, edit.length, edit.replacement.data,
+                                                edit.replacement.length) == VELHLS_OK,
+                     "an edit lies in the text");
     }
+    velhls_text* edited = nullptr;
+    fuzz::expect(velhls_edits_apply(list, &edited, nullptr) == VELHLS_OK, "the edits of mending apply");
+    const Owned<velhls_text, velhls_text_free> owned(edited);
+    fuzz::expectEqual(std::string(velhls_text_data(edited), velhls_text_length(edited)),
+                      std::string(velhls_mended_data(made), velhls_mended_length(made)), "the mended text");
+    velhls_done done = VELHLS_INIT(velhls_done);
+    for (std::size_t index = 0; velhls_mended_done(made, index, &done) == VELHLS_OK; ++index)
+        fuzz::expect(done.fix_class == VELHLS_FIX_SAFE, "fixes for the models are safe");
 }
 
 }  // namespace
@@ -168,5 +219,6 @@ VELHLS_FUZZ_TARGET(c) {
     expectSameMedia(text);
     expectSameMaster(text);
     expectSameDocument(text);
-    expectSameFindings(text);
+    expectSameReport(text);
+    expectEditsOfMending(text);
 }

@@ -121,6 +121,15 @@ velhls_status fill(const Records& records, std::size_t first, std::size_t count,
 /// A reason as the structure of it, whose texts look into it.
 velhls_reason reasonOf(const VELHLSReason& reason);
 
+/// The same of an edit.
+inline velhls_edit editOf(const VELHLSEdit& edit) {
+    velhls_edit value = {};
+    value.offset = edit.offset;
+    value.length = edit.length;
+    value.replacement = stringOf(edit.replacement);
+    return value;
+}
+
 /// Stores the lines of a record, if they are known.
 template <typename Record>
 velhls_status giveLines(const VELHLSRecordLines& lines, const Record& record, std::size_t* first,

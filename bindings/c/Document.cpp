@@ -373,11 +373,7 @@ size_t velhls_edits_count(const velhls_edits* edits) {
 velhls_status velhls_edits_get(const velhls_edits* edits, size_t index, velhls_edit* edit) {
     if (edits == nullptr || edit == nullptr) return VELHLS_INVALID_ARGUMENT;
     if (index >= edits->edits.size()) return VELHLS_OUT_OF_RANGE;
-    velhls_edit value = {};
-    value.offset = edits->edits[index].offset;
-    value.length = edits->edits[index].length;
-    value.replacement = stringOf(edits->edits[index].replacement);
-    return give(value, edit);
+    return give(velhls_c::editOf(edits->edits[index]), edit);
 }
 
 velhls_status velhls_edits_apply(const velhls_edits* edits, velhls_text** text, velhls_error** error) {

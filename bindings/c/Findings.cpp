@@ -1,4 +1,6 @@
 // What looks at texts: checks, rules, comparisons and presentations.
+#include "Findings.h"
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,16 +13,6 @@ using velhls_c::give;
 using velhls_c::guarded;
 using velhls_c::stringOf;
 using velhls_c::viewOf;
-
-struct velhls_findings {
-    std::vector<VELHLSFinding> findings;
-};
-
-struct velhls_report {
-    velhls_kind kind;
-    velhls_findings findings;
-    std::optional<VELHLSReason> rejected;
-};
 
 struct velhls_comparison {
     std::vector<VELHLSChange> changes;
@@ -35,20 +27,7 @@ struct velhls_presentation {
 
 namespace {
 
-/// A bit of velhls_profiles, and what stands for it.
-struct NamedProfile {
-    velhls_profiles bit;
-    VELHLSDiagnostics::Profile profile;
-};
-
-constexpr NamedProfile allProfiles[] = {
-    {VELHLS_PROFILE_RFC8216, VELHLSDiagnostics::Profile::rfc8216},
-    {VELHLS_PROFILE_RFC8216BIS, VELHLSDiagnostics::Profile::rfc8216bis},
-    {VELHLS_PROFILE_APPLE, VELHLSDiagnostics::Profile::apple},
-    {VELHLS_PROFILE_LIBRARY, VELHLSDiagnostics::Profile::library},
-};
-
-/// The same of the profiles that are a standard's.
+/// A bit of velhls_profiles, and the profile of a standard that stands for it.
 struct NamedStandard {
     velhls_profiles bit;
     VELHLSStandard::Profile profile;
@@ -59,19 +38,6 @@ constexpr NamedStandard allStandards[] = {
     {VELHLS_PROFILE_RFC8216BIS, VELHLSStandard::Profile::rfc8216bis},
     {VELHLS_PROFILE_APPLE, VELHLSStandard::Profile::apple},
 };
-
-/// Those profiles of the table that are asked for; nothing when others are asked for too.
-template <typename Row, std::size_t count>
-auto profilesOf(velhls_profiles asked, const Row (&rows)[count])
-    -> std::optional<std::vector<decltype(Row::profile)>> {
-    std::vector<decltype(Row::profile)> profiles;
-    for (const Row& row : rows) {
-        if ((asked & row.bit) != 0) profiles.push_back(row.profile);
-        asked &= ~row.bit;
-    }
-    if (asked != 0) return std::nullopt;
-    return profiles;
-}
 
 velhls_finding structureOf(const VELHLSFinding& finding) {
     velhls_finding value = {};
@@ -88,6 +54,7 @@ velhls_finding structureOf(const VELHLSFinding& finding) {
     value.level = stringOf(finding.level);
     value.related_count = finding.related.size();
     value.suppressed = finding.suppressed;
+    value.fix_count = finding.fixes.size();
     return value;
 }
 
@@ -103,6 +70,12 @@ velhls_rule structureOf(const VELHLSRule& rule) {
     value.clause = stringOf(rule.clause);
     value.level = stringOf(rule.level);
     return value;
+}
+
+/// The fix of these places; null where there is none.
+const VELHLSFix* fixOf(const velhls_findings& findings, size_t index, size_t fix) {
+    if (index >= findings.findings.size() || fix >= findings.findings[index].fixes.size()) return nullptr;
+    return &findings.findings[index].fixes[fix];
 }
 
 const VELHLSDocument* documentOf(const velhls_document* document) {
@@ -136,18 +109,38 @@ velhls_status velhls_findings_related(const velhls_findings* findings, size_t in
     return give(value, place);
 }
 
-velhls_status velhls_check(const char* text, size_t length, velhls_profiles profiles, velhls_kind kind,
+velhls_status velhls_findings_fix(const velhls_findings* findings, size_t index, size_t fix,
+                                  velhls_fix* found) {
+    if (findings == nullptr || found == nullptr) return VELHLS_INVALID_ARGUMENT;
+    const VELHLSFix* const known = fixOf(*findings, index, fix);
+    if (known == nullptr) return VELHLS_OUT_OF_RANGE;
+    velhls_fix value = {};
+    value.fix_class = known->fixClass;
+    value.sentence = stringOf(known->sentence);
+    value.edit_count = known->edits.size();
+    return give(value, found);
+}
+
+velhls_status velhls_findings_fix_edit(const velhls_findings* findings, size_t index, size_t fix, size_t edit,
+                                       velhls_edit* found) {
+    if (findings == nullptr || found == nullptr) return VELHLS_INVALID_ARGUMENT;
+    const VELHLSFix* const known = fixOf(*findings, index, fix);
+    if (known == nullptr || edit >= known->edits.size()) return VELHLS_OUT_OF_RANGE;
+    return give(velhls_c::editOf(known->edits[edit]), found);
+}
+
+velhls_status velhls_check(const char* text, size_t length, const velhls_check_options* options,
                            velhls_report** report) {
     if (!velhls_c::clear(report) || !velhls_c::isText(text, length)) return VELHLS_INVALID_ARGUMENT;
-    if (kind < VELHLS_KIND_NEITHER || kind > VELHLS_KIND_MEDIA) return VELHLS_INVALID_ARGUMENT;
+    if (options != nullptr && options->size < sizeof(velhls_check_options)) return VELHLS_INVALID_ARGUMENT;
     return guarded([&]() -> velhls_status {
-        VELHLSDiagnostics::Options options;
-        options.kind = static_cast<VELHLSDiagnostics::PlaylistKind>(kind);
-        auto asked = profilesOf(profiles, allProfiles);
-        if (!asked) return VELHLS_INVALID_ARGUMENT;
-        options.profiles = *std::move(asked);
-        VELHLSDiagnostics::Report answer = VELHLSDiagnostics::check(viewOf(text, length), options);
-        *report = new velhls_report{answer.kind, {std::move(answer.findings)}, std::move(answer.rejected)};
+        VELHLSDiagnostics::Options asked;
+        if (options != nullptr) {
+            if (!velhls_c::ask(asked, options->profiles, options->kind)) return VELHLS_INVALID_ARGUMENT;
+            asked.fixes = options->fixes != 0;
+        }
+        *report =
+            new velhls_report(velhls_c::reportOf(VELHLSDiagnostics::check(viewOf(text, length), asked)));
         return VELHLS_OK;
     });
 }
@@ -273,7 +266,7 @@ velhls_status velhls_presentation_check(const velhls_presentation* presentation,
                                         velhls_report** report) {
     if (!velhls_c::clear(report) || presentation == nullptr) return VELHLS_INVALID_ARGUMENT;
     return guarded([&]() -> velhls_status {
-        const auto asked = profilesOf(profiles, allStandards);
+        const auto asked = velhls_c::profilesOf(profiles, allStandards);
         if (!asked) return VELHLS_INVALID_ARGUMENT;
         *report = new velhls_report{
             VELHLS_KIND_MASTER,

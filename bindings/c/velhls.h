@@ -463,7 +463,7 @@ typedef struct velhls_edit {
     size_t size;                ///< of this structure
     size_t offset;              ///< where it begins in the document's text
     size_t length;              ///< how many bytes it replaces
-    velhls_string replacement;  ///< what comes in their place; good until an edit is added
+    velhls_string replacement;  ///< what comes in their place; of velhls_edits good until an edit is added
 } velhls_edit;
 
 /// The number of edits; 0 for a null list.
@@ -854,6 +854,7 @@ typedef struct velhls_finding {
     velhls_string level;       ///< "MUST", "SHOULD"…; empty where there is no clause
     size_t related_count;      ///< the number of other places: velhls_findings_related
     size_t suppressed;         ///< how many more findings of this rule are not listed
+    size_t fix_count;          ///< the number of fixes, the best first: velhls_findings_fix
 } velhls_finding;
 
 /// A second place that a finding speaks of (VELHLSRelatedPlace). Its texts live as long as what it was asked of.
@@ -866,7 +867,7 @@ typedef struct velhls_related_place {
     velhls_string message;  ///< what stands there, in a few words
 } velhls_related_place;
 
-/// The findings of a report or a comparison, which lends them.
+/// The findings of a report or a comparison, which lends them. Those of a comparison and of a presentation have no fixes.
 typedef struct velhls_findings velhls_findings;
 
 /// The number of findings; 0 for null.
@@ -880,14 +881,50 @@ VELHLS_C_API velhls_status velhls_findings_get(const velhls_findings* findings, 
 VELHLS_C_API velhls_status velhls_findings_related(const velhls_findings* findings, size_t index,
                                                    size_t related, velhls_related_place* place);
 
+/// What a fix does to what the playlist says: one of the values that begin with VELHLS_FIX. A larger number dares more.
+typedef int32_t velhls_fix_class;
+
+enum {
+    VELHLS_FIX_SAFE = 0,   ///< nothing: it means the same
+    VELHLS_FIX_LOSSY = 1,  ///< it takes away something that the playlist says, as the sentence tells
+    VELHLS_FIX_GUESS = 2   ///< it says something that the playlist does not say, and that may be wrong
+};
+
+/// A way to mend what a finding found (VELHLSFix). Its text lives as long as what it was asked of.
+typedef struct velhls_fix {
+    size_t size;                 ///< of this structure
+    velhls_fix_class fix_class;  ///< what it does to what the playlist says
+    velhls_string sentence;      ///< what it does, in a few words that begin with a verb
+    size_t edit_count;           ///< the number of its edits, at least 1: velhls_findings_fix_edit
+} velhls_fix;
+
+/// Fills `fix` with one of the fixes of a finding, both counted from 0. VELHLS_OUT_OF_RANGE where there is none.
+VELHLS_C_API velhls_status velhls_findings_fix(const velhls_findings* findings, size_t index, size_t fix,
+                                               velhls_fix* found);
+
+/// Fills `found` with one of the edits of a fix, all three counted from 0; they come in the order of their places in the text that was
+/// checked, and belong together: a part of them mends nothing. VELHLS_OUT_OF_RANGE where there is none. Its text lives as long
+/// as what it was asked of; velhls_edits_replace_bytes takes it.
+VELHLS_C_API velhls_status velhls_findings_fix_edit(const velhls_findings* findings, size_t index, size_t fix,
+                                                    size_t edit, velhls_edit* found);
+
 /// What a check answers.
 typedef struct velhls_report velhls_report;
 
-/// Checks a text by the profiles, 0 for none of them: then only whether the models reject it. It is read as this kind of playlist,
-/// or as what its tags tell for VELHLS_KIND_NEITHER (VELHLSDiagnostics::check). VELHLS_INVALID_ARGUMENT for a profile or
-/// a kind that is none, VELHLS_TOO_LARGE for 4 GiB or more.
-VELHLS_C_API velhls_status velhls_check(const char* text, size_t length, velhls_profiles profiles,
-                                        velhls_kind kind, velhls_report** report);
+/// What a check is asked (VELHLSDiagnostics::Options). Begin with VELHLS_INIT, which asks for no profile: then only whether the
+/// models reject the text is told.
+typedef struct velhls_check_options {
+    size_t size;               ///< of this structure
+    velhls_profiles profiles;  ///< by whose rules the text is checked
+    velhls_kind kind;          ///< what it is read as; VELHLS_KIND_NEITHER for what its tags tell
+    int32_t fixes;             ///< findings have their fixes, which cost nothing otherwise
+} velhls_check_options;
+
+/// Checks a text (VELHLSDiagnostics::check). For null `options` it is checked by RFC 8216, as what its tags tell, without fixes.
+/// The text need not outlive the report. VELHLS_INVALID_ARGUMENT for a profile or a kind that is none, VELHLS_TOO_LARGE for
+/// 4 GiB or more.
+VELHLS_C_API velhls_status velhls_check(const char* text, size_t length, const velhls_check_options* options,
+                                        velhls_report** report);
 
 /// Frees a report.
 VELHLS_C_API void velhls_report_free(velhls_report* report);
@@ -918,6 +955,74 @@ typedef struct velhls_rule {
 
 /// Fills `rule` with the one of this name (VELHLSDiagnostics::ruleNamed). VELHLS_NOT_FOUND without one.
 VELHLS_C_API velhls_status velhls_rule_named(const char* name, size_t length, velhls_rule* rule);
+
+/// @}
+
+/// @name Mending
+/// A text becomes one that has fewer findings: their fixes are taken, and no other byte changes (VELHLSFixes).
+/// @{
+
+/// What mending a text answers.
+typedef struct velhls_mended velhls_mended;
+
+/// What is to be mended (VELHLSFixes::Options). Begin with VELHLS_INIT, which asks for no profile and for safe fixes alone.
+typedef struct velhls_fix_options {
+    size_t size;               ///< of this structure
+    velhls_profiles profiles;  ///< whose findings are mended
+    velhls_kind kind;          ///< what the text is read as; VELHLS_KIND_NEITHER for what its tags tell
+    int32_t lossy;             ///< fixes that lose something are taken, too
+    int32_t guess;             ///< fixes that say something new are taken, too
+} velhls_fix_options;
+
+/// Mends what the profiles find (VELHLSFixes::apply): takes every fix whose class is asked for and whose edits touch no other's,
+/// reads again, and goes on until nothing is left to take. For null `options` the safe fixes of RFC 8216 are taken. A text without
+/// anything to mend is given back as it is; that is VELHLS_OK, too. The text need not outlive what is made. VELHLS_INVALID_ARGUMENT
+/// for a profile or a kind that is none, VELHLS_TOO_LARGE for 4 GiB or more.
+VELHLS_C_API velhls_status velhls_fix_text(const char* text, size_t length, const velhls_fix_options* options,
+                                           velhls_mended** mended);
+
+/// Makes what the models reject acceptable, as far as that goes without changing what the playlist means
+/// (VELHLSFixes::forModels); what they accept is given back as it is, and costs no more than their parse.
+VELHLS_C_API velhls_status velhls_fix_for_models(const char* text, size_t length, velhls_mended** mended);
+
+/// Frees what mending answered.
+VELHLS_C_API void velhls_mended_free(velhls_mended* mended);
+
+/// The whole text, mended as far as that went: its bytes, as long as `mended` lives; null for null.
+VELHLS_C_API const char* velhls_mended_data(const velhls_mended* mended);
+
+/// The number of its bytes; 0 for null.
+VELHLS_C_API size_t velhls_mended_length(const velhls_mended* mended);
+
+/// How many rounds took something; 0 for null. Of 64, the most there are, more may be left to take: mend the text again.
+VELHLS_C_API size_t velhls_mended_rounds(const velhls_mended* mended);
+
+/// The number of edits that make the mended text of the one that was given; 0 for null.
+VELHLS_C_API size_t velhls_mended_edit_count(const velhls_mended* mended);
+
+/// Fills `edit` with that of this place, counted from 0: they come in the order of their places in the text that was given, none touching
+/// another. VELHLS_OUT_OF_RANGE where there is none. Its text lives as long as `mended`.
+VELHLS_C_API velhls_status velhls_mended_edit(const velhls_mended* mended, size_t index, velhls_edit* edit);
+
+/// One fix that was taken (VELHLSFixes::Done). Its texts live as long as what it was asked of.
+typedef struct velhls_done {
+    size_t size;                 ///< of this structure
+    velhls_string rule;          ///< the rule whose finding it mended
+    velhls_string profile;       ///< "rfc8216", "rfc8216bis", "apple" or "library"
+    velhls_fix_class fix_class;  ///< what it did to what the playlist says
+    velhls_string sentence;      ///< what it did, in a few words
+    size_t line;                 ///< of its first edit, in the text that was given; counted from 1
+} velhls_done;
+
+/// The number of fixes that were taken: 0 if and only if there are no edits, and for null.
+VELHLS_C_API size_t velhls_mended_done_count(const velhls_mended* mended);
+
+/// Fills `done` with that of this place, counted from 0, in the order in which they were taken. VELHLS_OUT_OF_RANGE where there is
+/// none.
+VELHLS_C_API velhls_status velhls_mended_done(const velhls_mended* mended, size_t index, velhls_done* done);
+
+/// What is found in the mended text, with the fixes that were not taken: a report that `mended` lends. Null for null.
+VELHLS_C_API const velhls_report* velhls_mended_left(const velhls_mended* mended);
 
 /// @}
 

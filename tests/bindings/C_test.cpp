@@ -54,6 +54,7 @@ using Master = Owned<velhls_master, velhls_master_free>;
 using Report = Owned<velhls_report, velhls_report_free>;
 using Comparison = Owned<velhls_comparison, velhls_comparison_free>;
 using Presentation = Owned<velhls_presentation, velhls_presentation_free>;
+using Mended = Owned<velhls_mended, velhls_mended_free>;
 
 std::string textOf(velhls_string string) {
     EXPECT_NE(string.data, nullptr);
@@ -741,6 +742,32 @@ TEST_F(CEdits, TakeNothingOfAnotherDocument) {
     EXPECT_EQ(velhls_edits_remove_variant(edits_, structure, 0), VELHLS_INVALID_ARGUMENT);
 }
 
+void expectSameEdit(const velhls_edit& edit, const VELHLSEdit& expected) {
+    EXPECT_EQ(edit.offset, expected.offset);
+    EXPECT_EQ(edit.length, expected.length);
+    EXPECT_EQ(textOf(edit.replacement), expected.replacement);
+}
+
+void expectSameFixes(const velhls_findings* findings, std::size_t index,
+                     const std::vector<VELHLSFix>& expected) {
+    for (std::size_t which = 0; which < expected.size(); ++which) {
+        velhls_fix fix = VELHLS_INIT(velhls_fix);
+        ASSERT_EQ(velhls_findings_fix(findings, index, which, &fix), VELHLS_OK);
+        EXPECT_EQ(fix.fix_class, expected[which].fixClass);
+        EXPECT_EQ(textOf(fix.sentence), expected[which].sentence);
+        ASSERT_EQ(fix.edit_count, expected[which].edits.size());
+        velhls_edit edit = VELHLS_INIT(velhls_edit);
+        for (std::size_t at = 0; at < fix.edit_count; ++at) {
+            ASSERT_EQ(velhls_findings_fix_edit(findings, index, which, at, &edit), VELHLS_OK);
+            expectSameEdit(edit, expected[which].edits[at]);
+        }
+        EXPECT_EQ(velhls_findings_fix_edit(findings, index, which, fix.edit_count, &edit),
+                  VELHLS_OUT_OF_RANGE);
+    }
+    velhls_fix fix = VELHLS_INIT(velhls_fix);
+    EXPECT_EQ(velhls_findings_fix(findings, index, expected.size(), &fix), VELHLS_OUT_OF_RANGE);
+}
+
 void expectSameFindings(const velhls_findings* findings, const std::vector<VELHLSFinding>& expected) {
     ASSERT_EQ(velhls_findings_count(findings), expected.size());
     for (std::size_t index = 0; index < expected.size(); ++index) {
@@ -758,6 +785,8 @@ void expectSameFindings(const velhls_findings* findings, const std::vector<VELHL
         EXPECT_EQ(textOf(finding.clause), expected[index].clause);
         EXPECT_EQ(textOf(finding.level), expected[index].level);
         EXPECT_EQ(finding.suppressed, expected[index].suppressed);
+        ASSERT_EQ(finding.fix_count, expected[index].fixes.size());
+        expectSameFixes(findings, index, expected[index].fixes);
         ASSERT_EQ(finding.related_count, expected[index].related.size());
         for (std::size_t other = 0; other < finding.related_count; ++other) {
             const VELHLSRelatedPlace& expectedPlace = expected[index].related[other];
@@ -772,24 +801,38 @@ void expectSameFindings(const velhls_findings* findings, const std::vector<VELHL
     }
 }
 
+constexpr velhls_profiles allProfiles =
+    VELHLS_PROFILE_RFC8216 | VELHLS_PROFILE_RFC8216BIS | VELHLS_PROFILE_APPLE | VELHLS_PROFILE_LIBRARY;
+
+velhls_check_options checking(velhls_profiles profiles, velhls_kind kind = VELHLS_KIND_NEITHER) {
+    velhls_check_options options = VELHLS_INIT(velhls_check_options);
+    options.profiles = profiles;
+    options.kind = kind;
+    return options;
+}
+
+void expectSameReport(const velhls_report* report, const VELHLSDiagnostics::Report& expected) {
+    EXPECT_EQ(velhls_report_kind(report), expected.kind);
+    expectSameFindings(velhls_report_findings(report), expected.findings);
+    velhls_reason reason = VELHLS_INIT(velhls_reason);
+    const velhls_status status = velhls_report_rejection(report, &reason);
+    ASSERT_EQ(status, expected.rejected ? VELHLS_OK : VELHLS_NOT_FOUND);
+    if (expected.rejected) {
+        EXPECT_EQ(textOf(reason), textOf(*expected.rejected));
+    }
+}
+
 TEST(CCheck, FindsWhatTheDiagnosticsFindForAllExamples) {
     VELHLSDiagnostics::Options options;
     options.profiles = VELHLSDiagnostics::profiles();
-    const velhls_profiles all =
-        VELHLS_PROFILE_RFC8216 | VELHLS_PROFILE_RFC8216BIS | VELHLS_PROFILE_APPLE | VELHLS_PROFILE_LIBRARY;
+    options.fixes = true;
+    velhls_check_options asked = checking(allProfiles);
+    asked.fixes = 1;
     for (const std::string& text : corpus::texts()) {
         SCOPED_TRACE(text);
-        const VELHLSDiagnostics::Report expected = VELHLSDiagnostics::check(text, options);
         Report report;
-        ASSERT_EQ(velhls_check(text.data(), text.size(), all, VELHLS_KIND_NEITHER, report.out()), VELHLS_OK);
-        EXPECT_EQ(velhls_report_kind(report), expected.kind);
-        expectSameFindings(velhls_report_findings(report), expected.findings);
-        velhls_reason reason = VELHLS_INIT(velhls_reason);
-        const velhls_status status = velhls_report_rejection(report, &reason);
-        ASSERT_EQ(status, expected.rejected ? VELHLS_OK : VELHLS_NOT_FOUND);
-        if (expected.rejected) {
-            EXPECT_EQ(textOf(reason), textOf(*expected.rejected));
-        }
+        ASSERT_EQ(velhls_check(text.data(), text.size(), &asked, report.out()), VELHLS_OK);
+        expectSameReport(report, VELHLSDiagnostics::check(text, options));
         const auto detection = VELHLSDiagnostics::detectKind(text);
         velhls_kind kind = -1;
         ASSERT_EQ(velhls_detect_kind(text.data(), text.size(), &kind), VELHLS_OK);
@@ -799,22 +842,123 @@ TEST(CCheck, FindsWhatTheDiagnosticsFindForAllExamples) {
 
 TEST(CCheck, AsksTheProfilesThatAreNamed) {
     const std::string text = "#EXTM3U\n#EXTINF:4,\nsegment1.ts\n";
+    Report report;
+    ASSERT_EQ(velhls_check(text.data(), text.size(), nullptr, report.out()), VELHLS_OK);
+    expectSameReport(report, VELHLSDiagnostics::check(text));
     for (const VELHLSDiagnostics::Profile profile : VELHLSDiagnostics::profiles()) {
         VELHLSDiagnostics::Options options;
         options.profiles = {profile};
-        Report report;
-        const velhls_profiles bit = 1U << static_cast<unsigned>(profile);
-        ASSERT_EQ(velhls_check(text.data(), text.size(), bit, VELHLS_KIND_NEITHER, report.out()), VELHLS_OK);
+        const velhls_check_options asked = checking(1U << static_cast<unsigned>(profile));
+        ASSERT_EQ(velhls_check(text.data(), text.size(), &asked, report.out()), VELHLS_OK);
         expectSameFindings(velhls_report_findings(report), VELHLSDiagnostics::check(text, options).findings);
     }
-    Report report;
-    ASSERT_EQ(velhls_check(text.data(), text.size(), 0, VELHLS_KIND_MASTER, report.out()), VELHLS_OK);
+    const velhls_check_options nothing = checking(0, VELHLS_KIND_MASTER);
+    ASSERT_EQ(velhls_check(text.data(), text.size(), &nothing, report.out()), VELHLS_OK);
     EXPECT_EQ(velhls_findings_count(velhls_report_findings(report)), 0U);
     velhls_reason reason = VELHLS_INIT(velhls_reason);
     EXPECT_EQ(velhls_report_rejection(report, &reason), VELHLS_OK);
-    EXPECT_EQ(velhls_check(text.data(), text.size(), 16, VELHLS_KIND_NEITHER, report.out()),
-              VELHLS_INVALID_ARGUMENT);
-    EXPECT_EQ(velhls_check(text.data(), text.size(), 1, 3, report.out()), VELHLS_INVALID_ARGUMENT);
+    velhls_check_options withoutSize = checking(1);
+    withoutSize.size = 0;
+    for (const velhls_check_options& asked : {checking(16), checking(1, 3), checking(1, -1), withoutSize}) {
+        EXPECT_EQ(velhls_check(text.data(), text.size(), &asked, report.out()), VELHLS_INVALID_ARGUMENT);
+        EXPECT_EQ(static_cast<velhls_report*>(report), nullptr);
+    }
+}
+
+TEST(CCheck, GivesFixesThatEditsTake) {
+    const std::string text = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\n0.ts\n#EXT-X-ENDLIST\n";
+    velhls_check_options asked = checking(VELHLS_PROFILE_LIBRARY);
+    asked.fixes = 1;
+    Report report;
+    ASSERT_EQ(velhls_check(text.data(), text.size(), &asked, report.out()), VELHLS_OK);
+    const velhls_findings* const findings = velhls_report_findings(report);
+    velhls_finding finding = VELHLS_INIT(velhls_finding);
+    std::size_t index = 0;
+    while (velhls_findings_get(findings, index, &finding) == VELHLS_OK && finding.fix_count == 0)
+        ++index;
+    velhls_edit edit = VELHLS_INIT(velhls_edit);
+    ASSERT_EQ(velhls_findings_fix_edit(findings, index, 0, 0, &edit), VELHLS_OK);
+    Document document;
+    makeDocument(document, text);
+    Edits edits;
+    ASSERT_EQ(velhls_edits_new(document, edits.out()), VELHLS_OK);
+    ASSERT_EQ(velhls_edits_replace_bytes(edits, edit.offset, edit.length, edit.replacement.data,
+                                         edit.replacement.length),
+              VELHLS_OK);
+    Text mended;
+    ASSERT_EQ(velhls_edits_apply(edits, mended.out(), nullptr), VELHLS_OK);
+    EXPECT_EQ(textOf(mended), "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\n./0.ts\n#EXT-X-ENDLIST\n");
+}
+
+void expectSameMended(const velhls_mended* mended, const VELHLSFixes::Result& expected) {
+    EXPECT_EQ(std::string(velhls_mended_data(mended), velhls_mended_length(mended)), expected.text);
+    EXPECT_EQ(velhls_mended_rounds(mended), expected.rounds);
+    ASSERT_EQ(velhls_mended_edit_count(mended), expected.edits.size());
+    velhls_edit edit = VELHLS_INIT(velhls_edit);
+    for (std::size_t index = 0; index < expected.edits.size(); ++index) {
+        ASSERT_EQ(velhls_mended_edit(mended, index, &edit), VELHLS_OK);
+        expectSameEdit(edit, expected.edits[index]);
+    }
+    EXPECT_EQ(velhls_mended_edit(mended, expected.edits.size(), &edit), VELHLS_OUT_OF_RANGE);
+    ASSERT_EQ(velhls_mended_done_count(mended), expected.done.size());
+    velhls_done done = VELHLS_INIT(velhls_done);
+    for (std::size_t index = 0; index < expected.done.size(); ++index) {
+        ASSERT_EQ(velhls_mended_done(mended, index, &done), VELHLS_OK);
+        EXPECT_EQ(textOf(done.rule), expected.done[index].ruleId);
+        EXPECT_EQ(textOf(done.profile), expected.done[index].profile);
+        EXPECT_EQ(done.fix_class, expected.done[index].fixClass);
+        EXPECT_EQ(textOf(done.sentence), expected.done[index].sentence);
+        EXPECT_EQ(done.line, expected.done[index].line);
+    }
+    EXPECT_EQ(velhls_mended_done(mended, expected.done.size(), &done), VELHLS_OUT_OF_RANGE);
+    expectSameReport(velhls_mended_left(mended), expected.left);
+}
+
+TEST(CMending, GivesWhatFixesGiveForAllExamples) {
+    VELHLSFixes::Options options;
+    options.profiles = {VELHLSDiagnostics::Profile::library};
+    options.lossy = options.guess = true;
+    velhls_fix_options asked = VELHLS_INIT(velhls_fix_options);
+    asked.profiles = VELHLS_PROFILE_LIBRARY;
+    asked.lossy = asked.guess = 1;
+    std::size_t count = 0;
+    for (const std::string& text : corpus::texts()) {
+        SCOPED_TRACE(text);
+        Mended mended;
+        ASSERT_EQ(velhls_fix_text(text.data(), text.size(), &asked, mended.out()), VELHLS_OK);
+        expectSameMended(mended, VELHLSFixes::apply(text, options));
+        count += velhls_mended_done_count(mended);
+        ASSERT_EQ(velhls_fix_for_models(text.data(), text.size(), mended.out()), VELHLS_OK);
+        expectSameMended(mended, VELHLSFixes::forModels(text));
+    }
+    EXPECT_GT(count, 0U);
+}
+
+TEST(CMending, TakesWhatTheOptionsAskFor) {
+    const std::string text = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:0,\n0.ts";
+    Mended mended;
+    ASSERT_EQ(velhls_fix_text(text.data(), text.size(), nullptr, mended.out()), VELHLS_OK);
+    expectSameMended(mended, VELHLSFixes::apply(text, VELHLSFixes::Options()));
+    velhls_fix_options asked = VELHLS_INIT(velhls_fix_options);
+    asked.profiles = VELHLS_PROFILE_LIBRARY;
+    ASSERT_EQ(velhls_fix_text(text.data(), text.size(), &asked, mended.out()), VELHLS_OK);
+    EXPECT_EQ(std::string(velhls_mended_data(mended), velhls_mended_length(mended)).find("#EXTINF:1,"),
+              std::string::npos);
+    asked.guess = 1;
+    asked.kind = VELHLS_KIND_MEDIA;
+    ASSERT_EQ(velhls_fix_text(text.data(), text.size(), &asked, mended.out()), VELHLS_OK);
+    EXPECT_NE(std::string(velhls_mended_data(mended), velhls_mended_length(mended)).find("#EXTINF:1,"),
+              std::string::npos);
+    velhls_fix_options wrong = asked;
+    wrong.profiles = 16;
+    EXPECT_EQ(velhls_fix_text(text.data(), text.size(), &wrong, mended.out()), VELHLS_INVALID_ARGUMENT);
+    EXPECT_EQ(static_cast<velhls_mended*>(mended), nullptr);
+    wrong = asked;
+    wrong.kind = 3;
+    EXPECT_EQ(velhls_fix_text(text.data(), text.size(), &wrong, mended.out()), VELHLS_INVALID_ARGUMENT);
+    wrong = asked;
+    wrong.size = 0;
+    EXPECT_EQ(velhls_fix_text(text.data(), text.size(), &wrong, mended.out()), VELHLS_INVALID_ARGUMENT);
 }
 
 TEST(CCheck, KnowsTheRulesByTheirNames) {
@@ -954,8 +1098,20 @@ TEST(CMisuse, OfNullPointersIsAStatus) {
     EXPECT_EQ(velhls_media_render(nullptr, text.out()), VELHLS_INVALID_ARGUMENT);
     EXPECT_EQ(velhls_edits_apply(nullptr, text.out(), nullptr), VELHLS_INVALID_ARGUMENT);
     Report report;
-    EXPECT_EQ(velhls_check(nullptr, 1, 1, 0, report.out()), VELHLS_INVALID_ARGUMENT);
-    EXPECT_EQ(velhls_check("a", 1, 1, 0, nullptr), VELHLS_INVALID_ARGUMENT);
+    EXPECT_EQ(velhls_check(nullptr, 1, nullptr, report.out()), VELHLS_INVALID_ARGUMENT);
+    EXPECT_EQ(velhls_check("a", 1, nullptr, nullptr), VELHLS_INVALID_ARGUMENT);
+    velhls_fix fix = VELHLS_INIT(velhls_fix);
+    velhls_edit edit = VELHLS_INIT(velhls_edit);
+    EXPECT_EQ(velhls_findings_fix(nullptr, 0, 0, &fix), VELHLS_INVALID_ARGUMENT);
+    EXPECT_EQ(velhls_findings_fix_edit(nullptr, 0, 0, 0, &edit), VELHLS_INVALID_ARGUMENT);
+    Mended mended;
+    EXPECT_EQ(velhls_fix_text(nullptr, 1, nullptr, mended.out()), VELHLS_INVALID_ARGUMENT);
+    EXPECT_EQ(velhls_fix_text("a", 1, nullptr, nullptr), VELHLS_INVALID_ARGUMENT);
+    EXPECT_EQ(velhls_fix_for_models(nullptr, 1, mended.out()), VELHLS_INVALID_ARGUMENT);
+    EXPECT_EQ(velhls_fix_for_models("a", 1, nullptr), VELHLS_INVALID_ARGUMENT);
+    velhls_done done = VELHLS_INIT(velhls_done);
+    EXPECT_EQ(velhls_mended_edit(nullptr, 0, &edit), VELHLS_INVALID_ARGUMENT);
+    EXPECT_EQ(velhls_mended_done(nullptr, 0, &done), VELHLS_INVALID_ARGUMENT);
     Comparison comparison;
     EXPECT_EQ(velhls_compare(nullptr, nullptr, 0, comparison.out()), VELHLS_INVALID_ARGUMENT);
     EXPECT_EQ(velhls_error_reason(nullptr, nullptr), VELHLS_INVALID_ARGUMENT);
@@ -985,6 +1141,12 @@ TEST(CMisuse, NullHandlesHoldNothing) {
     EXPECT_EQ(velhls_comparison_change_count(nullptr), 0U);
     EXPECT_EQ(velhls_comparison_findings(nullptr), nullptr);
     EXPECT_EQ(velhls_presentation_reference_count(nullptr), 0U);
+    EXPECT_EQ(velhls_mended_data(nullptr), nullptr);
+    EXPECT_EQ(velhls_mended_length(nullptr), 0U);
+    EXPECT_EQ(velhls_mended_rounds(nullptr), 0U);
+    EXPECT_EQ(velhls_mended_edit_count(nullptr), 0U);
+    EXPECT_EQ(velhls_mended_done_count(nullptr), 0U);
+    EXPECT_EQ(velhls_mended_left(nullptr), nullptr);
 }
 
 TEST(CMisuse, StructuresWithoutTheirSizeAreNotWritten) {

@@ -75,8 +75,11 @@ TEST_F(COutOfMemory, IsAStatusOfWhatIsMadeOfATextOrADocument) {
         making(velhls_media_free, [&](auto out) { return velhls_media_parse(data, length, out, nullptr); }));
     runOutOfMemory(making(velhls_media_free,
                           [&](auto out) { return velhls_media_parse_document(document, out, nullptr); }));
-    runOutOfMemory(making(velhls_report_free,
-                          [&](auto out) { return velhls_check(data, length, 15, VELHLS_KIND_MEDIA, out); }));
+    velhls_check_options checking = VELHLS_INIT(velhls_check_options);
+    checking.profiles = 15;
+    checking.kind = VELHLS_KIND_MEDIA;
+    runOutOfMemory(
+        making(velhls_report_free, [&](auto out) { return velhls_check(data, length, &checking, out); }));
     runOutOfMemory(
         making(velhls_attributes_free, [&](auto out) { return velhls_attributes_new(document, 4, out); }));
     runOutOfMemory(making(velhls_uris_free, [&](auto out) { return velhls_uris_new(document, out); }));
@@ -84,6 +87,22 @@ TEST_F(COutOfMemory, IsAStatusOfWhatIsMadeOfATextOrADocument) {
         making(velhls_structure_free, [&](auto out) { return velhls_structure_new(document, out); }));
     runOutOfMemory(making(velhls_comparison_free,
                           [&](auto out) { return velhls_compare(document, document, -1, out); }));
+}
+
+TEST_F(COutOfMemory, IsAStatusOfWhatIsMended) {
+    const std::string text = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\n0.ts\n#EXTINF:0,\nsegment1.ts\n";
+    velhls_check_options checking = VELHLS_INIT(velhls_check_options);
+    checking.profiles = VELHLS_PROFILE_LIBRARY;
+    checking.fixes = 1;
+    runOutOfMemory(making(velhls_report_free,
+                          [&](auto out) { return velhls_check(text.data(), text.size(), &checking, out); }));
+    velhls_fix_options mending = VELHLS_INIT(velhls_fix_options);
+    mending.profiles = VELHLS_PROFILE_LIBRARY;
+    runOutOfMemory(making(velhls_mended_free, [&](auto out) {
+        return velhls_fix_text(text.data(), text.size(), &mending, out);
+    }));
+    runOutOfMemory(making(velhls_mended_free,
+                          [&](auto out) { return velhls_fix_for_models(text.data(), text.size(), out); }));
 }
 
 TEST_F(COutOfMemory, IsAStatusOfAMasterPlaylist) {

@@ -72,7 +72,7 @@ static void explain(const velhls_error* error) {
 static void check(const char* text, size_t length) {
     velhls_report* report = NULL;
     velhls_finding finding = VELHLS_INIT(velhls_finding);
-    if (velhls_check(text, length, VELHLS_PROFILE_RFC8216, VELHLS_KIND_NEITHER, &report) != VELHLS_OK) return;
+    if (velhls_check(text, length, NULL, &report) != VELHLS_OK) return;
     for (size_t i = 0; velhls_findings_get(velhls_report_findings(report), i, &finding) == VELHLS_OK; ++i) {
         if (finding.severity < VELHLS_SEVERITY_WARNING) continue;
         printf("  %lu:%lu: ", (unsigned long)finding.line, (unsigned long)finding.column);

@@ -93,7 +93,7 @@ class Inspection:
     def findings(self, text: bytes) -> None:
         library = self.library
         report = ffi.new("velhls_report**")
-        library.velhls_check(text, len(text), library.VELHLS_PROFILE_RFC8216, library.VELHLS_KIND_NEITHER, report)
+        library.velhls_check(text, len(text), ffi.NULL, report)
         findings = library.velhls_report_findings(report[0])
         finding = structure("velhls_finding")
         for index in range(library.velhls_findings_count(findings)):
