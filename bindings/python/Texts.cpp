@@ -9,15 +9,20 @@ using Finding = VELHLSFinding;
 using Related = VELHLSRelatedPlace;
 using Change = VELHLSChange;
 using Edit = VELHLSEdit;
+using Fix = VELHLSFix;
+using Done = VELHLSFixes::Done;
+
+/// A text as what it was made of: str or bytes.
+py::object textLike(bool isBytes, std::string_view text) {
+    return isBytes ? py::object(py::bytes(text.data(), text.size())) : py::object(strOf(text));
+}
 
 /// A document that Python holds; lines and attributes hold it too. `isBytes` when it was made of bytes.
 struct Document {
     VELHLSDocument document;
     bool isBytes;
 
-    [[nodiscard]] py::object textOf(std::string_view text) const {
-        return isBytes ? py::object(py::bytes(text.data(), text.size())) : py::object(strOf(text));
-    }
+    [[nodiscard]] py::object textOf(std::string_view text) const { return textLike(isBytes, text); }
 };
 
 struct Line {
@@ -41,6 +46,19 @@ struct Report {
     VELHLSDiagnostics::PlaylistKind kind;
     std::vector<Finding> findings;
     std::optional<VELHLSReason> rejected;
+
+    explicit Report(VELHLSDiagnostics::Report answer)
+        : kind(answer.kind), findings(std::move(answer.findings)), rejected(std::move(answer.rejected)) {}
+};
+
+/// What VELHLSFixes answers, of str or of bytes.
+struct Mended {
+    std::string text;
+    bool isBytes;
+    std::vector<Edit> edits;
+    std::vector<Done> done;
+    std::size_t rounds;
+    Report left;
 };
 
 const char* kindText(std::int32_t kind) {
@@ -53,6 +71,16 @@ VELHLSDiagnostics::PlaylistKind kindNamed(const std::string& text) {
     if (text == "master") return VELHLSDiagnostics::Master;
     if (text == "media") return VELHLSDiagnostics::Media;
     throw py::value_error("expected the kind master or media, seen " + text);
+}
+
+std::vector<VELHLSDiagnostics::Profile> profilesNamed(const std::vector<std::string>& names) {
+    std::vector<VELHLSDiagnostics::Profile> profiles;
+    for (const std::string& name : names) {
+        const auto profile = VELHLSDiagnostics::profileNamed(name);
+        if (!profile) throw py::value_error("expected rfc8216, rfc8216bis, apple or library, seen " + name);
+        profiles.push_back(*profile);
+    }
+    return profiles;
 }
 
 const char* lineKindText(VELHLSLine::Kind kind) {
@@ -91,6 +119,9 @@ void defFindings(py::module_& module) {
     defReadText(finding, "clause", &Finding::clause, "\"4.3.2.1\"; empty where there is none.");
     defReadText(finding, "level", &Finding::level, "\"MUST\", \"SHOULD\"…; empty where there is no clause.");
     finding.def_readonly("related", &Finding::related, "The other places that it speaks of, a copy.");
+    finding.def_readonly(
+        "fixes", &Finding::fixes,
+        "What mends it, the best first, a copy; empty unless the check was asked for fixes.");
     finding.def_readonly("suppressed", &Finding::suppressed,
                          "How many more findings of this rule are not listed.");
 
@@ -111,22 +142,72 @@ void defFindings(py::module_& module) {
                       "Why the models reject the text; None when they accept it.");
     module.def(
         "check_text",
-        [](const py::object& text, const std::vector<std::string>& profiles, const std::string& kind) {
+        [](const py::object& text, const std::vector<std::string>& profiles, const std::string& kind,
+           bool fixes) {
             const Bytes bytes(text);
             VELHLSDiagnostics::Options options;
             options.kind = kindNamed(kind);
-            options.profiles.clear();
-            for (const std::string& name : profiles) {
-                const auto profile = VELHLSDiagnostics::profileNamed(name);
-                if (!profile)
-                    throw py::value_error("expected rfc8216, rfc8216bis, apple or library, seen " + name);
-                options.profiles.push_back(*profile);
-            }
+            options.profiles = profilesNamed(profiles);
+            options.fixes = fixes;
             const py::gil_scoped_release released;
-            VELHLSDiagnostics::Report answer = VELHLSDiagnostics::check(bytes.view(), options);
-            return Report{answer.kind, std::move(answer.findings), std::move(answer.rejected)};
+            return Report(VELHLSDiagnostics::check(bytes.view(), options));
         },
-        py::arg("text"), py::arg("profiles"), py::arg("kind"));
+        py::arg("text"), py::arg("profiles"), py::arg("kind"), py::arg("fixes"));
+}
+
+template <typename Class, typename Record>
+void defFixClass(Class& made, VELHLSFix::Class Record::*member) {
+    made.def_property_readonly(
+        "fix_class", [member](const Record& record) { return strOf(Fix::textOf(record.*member)); },
+        "\"safe\": it means the same. \"lossy\": it takes something away. \"guess\": it says what may be "
+        "wrong.");
+}
+
+Mended mend(const py::object& text, const std::vector<std::string>& profiles, const std::string& kind,
+            bool lossy, bool guess) {
+    const Bytes bytes(text);
+    VELHLSFixes::Options options;
+    options.kind = kindNamed(kind);
+    options.profiles = profilesNamed(profiles);
+    options.lossy = lossy;
+    options.guess = guess;
+    const bool isBytes = PyBytes_Check(text.ptr()) != 0;
+    const py::gil_scoped_release released;
+    VELHLSFixes::Result result = VELHLSFixes::apply(bytes.view(), options);
+    return {std::move(result.text), isBytes,       std::move(result.edits),
+            std::move(result.done), result.rounds, Report(std::move(result.left))};
+}
+
+void defFixes(py::module_& module) {
+    py::class_<Fix> fix(module, "Fix", "A way to mend what a finding found.");
+    defFixClass(fix, &Fix::fixClass);
+    defReadText(fix, "sentence", &Fix::sentence, "What it does, in a few words that begin with a verb.");
+    fix.def_readonly(
+        "edits", &Fix::edits,
+        "The edits of the text that was checked, a list: they belong together, and Document.apply "
+        "takes them.");
+
+    py::class_<Done> done(module, "DoneFix", "A fix that was taken.");
+    defReadText(done, "rule", &Done::ruleId, "The rule whose finding it mended.");
+    defReadText(done, "profile", &Done::profile, "The profile of that rule.");
+    defFixClass(done, &Done::fixClass);
+    defReadText(done, "sentence", &Done::sentence, "What it did, in a few words that begin with a verb.");
+    done.def_readonly("line", &Done::line,
+                      "The line of its first edit, in the text that was given. Counted from 1.");
+
+    py::class_<Mended>(module, "Mended", "What mending a text answers.")
+        .def_property_readonly(
+            "text", [](const Mended& self) { return textLike(self.isBytes, self.text); },
+            "The whole text, mended as far as that went: str of str, and bytes of bytes and files.")
+        .def_readonly(
+            "edits", &Mended::edits,
+            "The edits that make it of the text that was given, a list in the order of their places.")
+        .def_readonly("done", &Mended::done, "The fixes that were taken, a list in the order of the work.")
+        .def_readonly("rounds", &Mended::rounds, "How many rounds took something.")
+        .def_readonly("left", &Mended::left,
+                      "The Report of the mended text, with the fixes that were not taken.");
+    module.def("fix_text", mend, py::arg("text"), py::arg("profiles"), py::arg("kind"), py::arg("lossy"),
+               py::arg("guess"));
 }
 
 void defComparison(py::module_& module) {
@@ -375,6 +456,7 @@ py::object parseText(const py::object& text, const std::string& kindName) {
 
 void defTexts(py::module_& module) {
     defFindings(module);
+    defFixes(module);
     defComparison(module);
     defLine(module);
     defDocument(module);

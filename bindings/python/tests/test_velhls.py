@@ -246,6 +246,45 @@ def test_check_asks_the_profiles():
         velhls.check(text, profiles="rfc")
 
 
+MENDABLE = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\n0.ts\n#EXTINF:0,\nsegment1.ts\n"
+
+
+def test_findings_have_their_fixes_when_asked():
+    found = [finding for finding in velhls.check(MENDABLE, "library", fixes=True).findings if finding.fixes]
+    assert [(fix.fix_class, fix.sentence) for finding in found for fix in finding.fixes] == [
+        ("safe", 'writes "./0.ts", the same resource'),
+        ("guess", "writes the duration 1"),
+    ]
+    assert velhls.Document(MENDABLE).apply(found[0].fixes[0].edits) == MENDABLE.replace("\n0.ts", "\n./0.ts")
+    assert not any(finding.fixes for finding in velhls.check(MENDABLE, "library").findings)
+
+
+def test_fix_mends_what_may_be_mended():
+    mended = velhls.fix(MENDABLE, profiles="library")
+    assert mended.text == MENDABLE.replace("\n0.ts", "\n./0.ts")
+    assert [(done.rule, done.profile, done.fix_class, done.line) for done in mended.done] == [
+        ("segment-uri-too-short", "library", "safe", 4)
+    ]
+    assert mended.rounds == 1
+    assert velhls.Document(MENDABLE).apply(mended.edits) == mended.text
+    assert mended.left.rejected.rule == "segment-duration-zero"
+    assert [fix.sentence for finding in mended.left.findings for fix in finding.fixes] == ["writes the duration 1"]
+    guessed = velhls.fix(MENDABLE, profiles=["library"], guess=True)
+    assert [segment.duration for segment in velhls.parse(guessed.text)] == [6.0, 1.0]
+    assert guessed.left.rejected is None
+
+
+def test_fix_gives_the_kind_of_text_that_it_was_given(tmp_path):
+    path = tmp_path / "live.m3u8"
+    path.write_bytes(MENDABLE.encode())
+    expected = velhls.fix(MENDABLE, "library").text.encode()
+    assert velhls.fix(MENDABLE.encode(), "library").text == expected
+    assert velhls.fix(path, "library").text == expected
+    assert path.read_bytes() == MENDABLE.encode()
+    with pytest.raises(ValueError, match="rfc8216"):
+        velhls.fix(MENDABLE, profiles="rfc")
+
+
 def test_compare_finds_changes_and_what_is_forbidden():
     now = MEDIA.replace("6.006", "5.005")
     comparison = velhls.compare(MEDIA, now)

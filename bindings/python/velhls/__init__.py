@@ -1,4 +1,4 @@
-"""HTTP Live Streaming playlists (RFC 8216): parse, check, compare, edit and write them.
+"""HTTP Live Streaming playlists (RFC 8216): parse, check, mend, compare, edit and write them.
 
     >>> import velhls
     >>> playlist = velhls.parse("#EXTM3U\\n#EXTINF:6,\\nsegment1.ts\\n")
@@ -18,13 +18,16 @@ from ._velhls import (
     Change,
     Comparison,
     Document,
+    DoneFix,
     Edit,
     Finding,
+    Fix,
     Key,
     Line,
     Map,
     MasterPlaylist,
     MediaPlaylist,
+    Mended,
     Reason,
     RelatedPlace,
     Rendition,
@@ -41,13 +44,16 @@ __all__ = [
     "Change",
     "Comparison",
     "Document",
+    "DoneFix",
     "Edit",
     "Finding",
+    "Fix",
     "Key",
     "Line",
     "Map",
     "MasterPlaylist",
     "MediaPlaylist",
+    "Mended",
     "PlaylistError",
     "Reason",
     "RelatedPlace",
@@ -59,6 +65,7 @@ __all__ = [
     "Variant",
     "check",
     "compare",
+    "fix",
     "parse",
     "version",
 ]
@@ -100,9 +107,26 @@ def parse(source, kind=""):
     return parsed
 
 
-def check(source, profiles=("rfc8216",), kind=""):
-    """The Report of a text or a file by the rules of the profiles: "rfc8216", "rfc8216bis", "apple" and "library"."""
-    return _velhls.check_text(_text_of(source), [profiles] if isinstance(profiles, str) else list(profiles), kind)
+def _names_of(profiles):
+    """The profiles as a list: one may stand by itself."""
+    return [profiles] if isinstance(profiles, str) else list(profiles)
+
+
+def check(source, profiles=("rfc8216",), kind="", fixes=False):
+    """The Report of a text or a file by the rules of the profiles: "rfc8216", "rfc8216bis", "apple" and "library".
+
+    With `fixes` its findings have theirs.
+    """
+    return _velhls.check_text(_text_of(source), _names_of(profiles), kind, fixes)
+
+
+def fix(source, profiles=("rfc8216",), kind="", lossy=False, guess=False):
+    """What the profiles find in a text or a file, mended: a Mended with the whole text, what was done and what is left.
+
+    Fixes that mean the same are taken; with `lossy` also those that take something away, and with `guess` those that say
+    something that may be wrong. No other byte changes, and no file. The profile "library" makes what `parse` rejects acceptable.
+    """
+    return _velhls.fix_text(_text_of(source), _names_of(profiles), kind, lossy, guess)
 
 
 def compare(old, new, elapsed=None):
@@ -183,6 +207,8 @@ for _record in (ByteRange, Key, Map, Segment, MediaPlaylist, Variant, Rendition,
 del _record
 _define_repr(Finding, ("severity", "rule", "line", "column", "message"))
 _define_repr(RelatedPlace, ("uri", "line", "column", "message"))
+_define_repr(Fix, ("fix_class", "sentence"))
+_define_repr(DoneFix, ("rule", "fix_class", "sentence", "line"))
 _define_repr(Reason, ("rule", "line", "column", "message"))
 _define_repr(Change, ("kind", "path", "what", "old_text", "new_text"))
 _define_repr(Line, ("number", "kind", "text"))

@@ -1,6 +1,6 @@
 import os
 from collections.abc import Iterable, Iterator, MutableSequence, Sequence
-from typing import Any, ClassVar, Union
+from typing import Any, ClassVar, Literal, Union, overload
 
 _Text = Union[str, bytes]
 _Source = Union[str, bytes, "os.PathLike[str]"]
@@ -11,13 +11,16 @@ __all__ = [
     "Change",
     "Comparison",
     "Document",
+    "DoneFix",
     "Edit",
     "Finding",
+    "Fix",
     "Key",
     "Line",
     "Map",
     "MasterPlaylist",
     "MediaPlaylist",
+    "Mended",
     "PlaylistError",
     "Reason",
     "RelatedPlace",
@@ -29,6 +32,7 @@ __all__ = [
     "Variant",
     "check",
     "compare",
+    "fix",
     "parse",
     "version",
 ]
@@ -41,8 +45,22 @@ class PlaylistError(ValueError):
     @property
     def findings(self) -> list[Finding]: ...
 
+@overload
+def parse(source: _Source, kind: Literal["master"]) -> MasterPlaylist: ...
+@overload
+def parse(source: _Source, kind: Literal["media"]) -> MediaPlaylist: ...
+@overload
 def parse(source: _Source, kind: str = ...) -> Any: ...
-def check(source: _Source, profiles: Union[str, Iterable[str]] = ..., kind: str = ...) -> Report: ...
+def check(
+    source: _Source, profiles: Union[str, Iterable[str]] = ..., kind: str = ..., fixes: bool = ...
+) -> Report: ...
+def fix(
+    source: _Source,
+    profiles: Union[str, Iterable[str]] = ...,
+    kind: str = ...,
+    lossy: bool = ...,
+    guess: bool = ...,
+) -> Mended: ...
 def compare(old: _Source, new: _Source, elapsed: float | None = ...) -> Comparison: ...
 
 class _Record:
@@ -220,6 +238,8 @@ class Finding:
     @property
     def related(self) -> list[RelatedPlace]: ...
     @property
+    def fixes(self) -> list[Fix]: ...
+    @property
     def suppressed(self) -> int: ...
 
 class Reason:
@@ -241,6 +261,38 @@ class Report:
     def findings(self) -> list[Finding]: ...
     @property
     def rejected(self) -> Reason | None: ...
+
+class Fix:
+    @property
+    def fix_class(self) -> str: ...
+    @property
+    def sentence(self) -> str: ...
+    @property
+    def edits(self) -> list[Edit]: ...
+
+class DoneFix:
+    @property
+    def rule(self) -> str: ...
+    @property
+    def profile(self) -> str: ...
+    @property
+    def fix_class(self) -> str: ...
+    @property
+    def sentence(self) -> str: ...
+    @property
+    def line(self) -> int: ...
+
+class Mended:
+    @property
+    def text(self) -> Any: ...
+    @property
+    def edits(self) -> list[Edit]: ...
+    @property
+    def done(self) -> list[DoneFix]: ...
+    @property
+    def rounds(self) -> int: ...
+    @property
+    def left(self) -> Report: ...
 
 class Change:
     @property
