@@ -4,6 +4,7 @@ import re
 import subprocess
 import sys
 
+import pybind11
 from setuptools import Extension, setup
 from setuptools.command.build_ext import build_ext
 
@@ -18,7 +19,8 @@ class BuildWithCMake(build_ext):
         without = ["TOOL", "TESTS", "BENCHMARKS", "EXAMPLES", "DOCS"]
         subprocess.run(
             ["cmake", "-S", sources, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", "-DVELHLS_BUILD_PYTHON=ON",
-             "-DVELHLS_INSTALL=OFF", f"-DPYTHON_EXECUTABLE={sys.executable}"]
+             "-DVELHLS_INSTALL=OFF", f"-DPYTHON_EXECUTABLE={sys.executable}",
+             f"-DPython_EXECUTABLE={sys.executable}", f"-Dpybind11_DIR={pybind11.get_cmake_dir()}"]
             + [f"-DVELHLS_BUILD_{name}=OFF" for name in without],
             check=True, stdout=subprocess.DEVNULL,
         )

@@ -92,6 +92,37 @@ def test_what_is_no_text_is_refused():
         velhls.parse(pathlib.Path("no such file"))
 
 
+HOSTILE = [
+    "",
+    "\0",
+    "#EXTM3U",
+    b"\xff\xfe#\0E\0",
+    MEDIA.replace("\n", "\r\n"),
+    MEDIA.encode().replace(b"segment1", b"\xc3\x28\0"),
+    "#EXTM3U\n" + "#" * 100_000,
+    "#EXTM3U\n#EXTINF:" + "9" * 100_000 + ",\nsegment1.ts\n",
+    *(MEDIA[:length] for length in range(0, len(MEDIA), 7)),
+    *(MASTER[:length] for length in range(0, len(MASTER), 7)),
+]
+
+
+@pytest.mark.parametrize("text", HOSTILE, ids=range(len(HOSTILE)))
+def test_hostile_texts_are_parsed_or_rejected(text):
+    try:
+        assert velhls.parse(text).validate() in (True, False)
+    except velhls.PlaylistError as error:
+        assert error.reason.message
+    profiles = ("rfc8216", "rfc8216bis", "apple", "library")
+    assert velhls.check(text, profiles, fixes=True).kind in ("", "master", "media")
+    mended = velhls.fix(text, profiles, lossy=True, guess=True)
+    assert velhls.Document(text).apply(mended.edits) == mended.text
+
+
+def test_a_str_of_other_surrogates_is_no_text():
+    with pytest.raises(UnicodeEncodeError):
+        velhls.parse("#EXTM3U\n#EXTINF:6,\n\ud800.ts\n")
+
+
 def test_bytes_that_are_not_utf_8_come_back_as_they_were():
     data = b"#EXTM3U\n#EXTINF:6,\nsegment\xff.ts\n"
     playlist = velhls.parse(data)
