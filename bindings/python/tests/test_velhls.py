@@ -290,6 +290,12 @@ def test_findings_have_their_fixes_when_asked():
     assert not any(finding.fixes for finding in velhls.check(MENDABLE, "library").findings)
 
 
+def test_a_rejected_playlist_says_what_mends_it():
+    with pytest.raises(velhls.PlaylistError) as raised:
+        velhls.parse(MENDABLE)
+    assert [fix.fix_class for finding in raised.value.findings for fix in finding.fixes] == ["safe", "guess"]
+
+
 def test_fix_mends_what_may_be_mended():
     mended = velhls.fix(MENDABLE, profiles="library")
     assert mended.text == MENDABLE.replace("\n0.ts", "\n./0.ts")

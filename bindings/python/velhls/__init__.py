@@ -83,8 +83,8 @@ class PlaylistError(ValueError):
 
     @property
     def findings(self):
-        """What the profile "library" finds in the text, a list: reasons to reject it, and what would be lost."""
-        return check(self._text, profiles=("library",)).findings
+        """What the profile "library" finds in the text, a list: reasons to reject it, what would be lost, and what mends it."""
+        return check(self._text, profiles=("library",), fixes=True).findings
 
 
 def _text_of(source):
