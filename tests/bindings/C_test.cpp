@@ -949,6 +949,9 @@ TEST(CMending, TakesWhatTheOptionsAskFor) {
     ASSERT_EQ(velhls_fix_text(text.data(), text.size(), &asked, mended.out()), VELHLS_OK);
     EXPECT_NE(std::string(velhls_mended_data(mended), velhls_mended_length(mended)).find("#EXTINF:1,"),
               std::string::npos);
+    asked.kind = VELHLS_KIND_MASTER;
+    ASSERT_EQ(velhls_fix_text(text.data(), text.size(), &asked, mended.out()), VELHLS_OK);
+    EXPECT_EQ(velhls_report_kind(velhls_mended_left(mended)), VELHLS_KIND_MASTER);
     velhls_fix_options wrong = asked;
     wrong.profiles = 16;
     EXPECT_EQ(velhls_fix_text(text.data(), text.size(), &wrong, mended.out()), VELHLS_INVALID_ARGUMENT);

@@ -309,6 +309,16 @@ def test_fix_mends_what_may_be_mended():
     guessed = velhls.fix(MENDABLE, profiles=["library"], guess=True)
     assert [segment.duration for segment in velhls.parse(guessed.text)] == [6.0, 1.0]
     assert guessed.left.rejected is None
+    assert velhls.fix(MENDABLE, "library", kind="master").left.kind == "master"
+    assert velhls.fix("", lossy=True).done == []
+
+
+def test_fix_loses_something_only_when_asked():
+    text = MASTER.replace(',AUDIO="aac"\nlow', ',AUDIO="none"\nlow')
+    assert velhls.fix(text, "rfc8216").text == text
+    lossy = velhls.fix(text, "rfc8216", lossy=True)
+    assert {done.fix_class for done in lossy.done} == {"lossy"}
+    assert 'AUDIO="none"' not in lossy.text
 
 
 def test_fix_gives_the_kind_of_text_that_it_was_given(tmp_path):
