@@ -3,13 +3,16 @@ import array
 import gc
 import pathlib
 import pickle
+import re
 import threading
 
 import pytest
 
 import velhls
 
-EXAMPLES = pathlib.Path(__file__).resolve().parents[3] / "examples" / "playlists"
+SOURCES = pathlib.Path(__file__).resolve().parents[3]
+EXAMPLES = SOURCES / "examples" / "playlists"
+GUIDE = re.findall(r"^```(\w+)\n(.*?)^```$", (SOURCES / "docs/guide/python.md").read_text(), re.DOTALL | re.MULTILINE)
 MEDIA = (
     "#EXTM3U\n#EXT-X-VERSION:4\n#EXT-X-TARGETDURATION:6\n"
     '#EXT-X-KEY:METHOD=AES-128,URI="k"\n#EXT-X-MAP:URI="init.mp4",BYTERANGE="720@0"\n'
@@ -411,3 +414,9 @@ def test_everything_public_has_a_docstring():
         for member, value in vars(public).items() if isinstance(public, type) else ():
             if not member.startswith("_"):
                 assert value.__doc__, f"{name}.{member}"
+
+
+@pytest.mark.parametrize("place", [place for place, (language, _) in enumerate(GUIDE) if language == "python"])
+def test_the_guide_shows_what_its_programs_print(place, capsys):
+    exec(GUIDE[place][1], {})
+    assert GUIDE[place + 1] == ("text", capsys.readouterr().out)
