@@ -1,6 +1,7 @@
 # The Debian packages that cpack makes of a shared build: libvelhls1 (the models' library), libvelhls-dev (development),
-# libvelhls-check1 and libvelhls-check-dev (the same of velhls::check), and velhls (the command). The preset "package" sets
-# what they need; packaging/debian makes and checks them.
+# libvelhls-check1 and libvelhls-check-dev (the same of velhls::check), velhls (the command), and of what bindings are built
+# libvelhls-c1 and libvelhls-c-dev (for C) and python3-velhls. The preset "package" sets what they need; packaging/debian
+# makes and checks them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME velhls)
 set(CPACK_PACKAGE_VENDOR velhls)
@@ -15,7 +16,7 @@ set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${velhls_BINARY_DIR}/velhls)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${velhls_BINARY_DIR}/velhls ${velhls_BINARY_DIR}/bindings/c)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
@@ -75,6 +76,26 @@ set(CPACK_COMPONENT_CHECK_DEVELOPMENT_DEPENDS check_runtime development)
 set(CPACK_COMPONENT_TOOL_DEPENDS runtime check_runtime)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_CHECK_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
+if(VELHLS_BUILD_C)
+    velhls_debian_package(c_runtime libvelhls-c${PROJECT_VERSION_MAJOR} libs "the shared library for C")
+    velhls_debian_package(c_development libvelhls-c-dev libdevel "the header for C, and a pkg-config file")
+    set(CPACK_COMPONENT_C_RUNTIME_DEPENDS check_runtime)
+    set(CPACK_COMPONENT_C_DEVELOPMENT_DEPENDS c_runtime)
+    set(CPACK_DEBIAN_C_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
+    set(CPACK_DEBIAN_C_RUNTIME_PACKAGE_CONTROL_EXTRA ${velhls_debian_folder}/triggers)
+endif()
+if(VELHLS_BUILD_PYTHON)
+    velhls_debian_package(python python3-velhls python "the Python package velhls")
+    set(CPACK_COMPONENT_PYTHON_DEPENDS check_runtime)
+    # The extension is one of this minor version of Python, and works with no other.
+    execute_process(COMMAND ${PYTHON_EXECUTABLE} -c
+            "import sys; print('python3 (>= 3.%d), python3 (<< 3.%d)' % (sys.version_info[1], sys.version_info[1] + 1))"
+        OUTPUT_VARIABLE CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    # As Debian's own packages do, so that no compiled file is left after the package was removed.
+    file(WRITE ${velhls_debian_folder}/postinst "#!/bin/sh\nset -e\npy3compile -p python3-velhls\n")
+    file(WRITE ${velhls_debian_folder}/prerm "#!/bin/sh\nset -e\npy3clean -p python3-velhls\n")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${velhls_debian_folder}/postinst ${velhls_debian_folder}/prerm)
+endif()
 
 # One trigger tells the linker's cache of the libraries after all packages were unpacked.
 file(WRITE ${velhls_debian_folder}/triggers "activate-noawait ldconfig\n")

@@ -1,6 +1,6 @@
 cmake_minimum_required(VERSION 3.21)
 
-# Fails unless the sources in velhls/ include what stands below them alone:
+# Fails unless the sources in velhls/ include what stands below them alone, and the bindings the public headers:
 #
 #     cmake -P CheckIncludes.cmake REPOSITORY
 #
@@ -53,6 +53,16 @@ foreach(source IN LISTS sources)
         endif()
         if(NOT is_right)
             list(APPEND wrong "${source} includes ${include}")
+        endif()
+    endforeach()
+endforeach()
+# The bindings stand over the two headers of the libraries.
+file(GLOB_RECURSE bindings RELATIVE ${repository} ${repository}/bindings/*.h ${repository}/bindings/*.cpp)
+foreach(source IN LISTS bindings)
+    file(STRINGS ${repository}/${source} includes REGEX "^#include \"velhls/")
+    foreach(include IN LISTS includes)
+        if(NOT include MATCHES "\"velhls/VELHLS(Check)?\\.h\"")
+            list(APPEND wrong "${source} includes another header of velhls/: ${include}")
         endif()
     endforeach()
 endforeach()

@@ -4,7 +4,9 @@
 #     cpp        a program, or lines for the middle of one; it is built, run, and must print what the text block that
 #                follows it shows, or nothing when none follows. A program that does not include VELHLSCheck.h is linked
 #                with the models alone
-#     text       what the cpp block before it prints
+#     c          a program in C, as a cpp block; it is built where libvelhls-c is
+#     python     a program in Python, as a cpp block; it is run by the package's own tests
+#     text       what the cpp, c or python block before it prints
 #     console    commands after "$ ", each followed by what it prints, errors included
 #     m3u8       a playlist; with a name after the word (m3u8 live.m3u8) the file's other blocks find it by that name
 #     cmake      lines of one of the projects under tests/consumers, which build
@@ -29,15 +31,20 @@ set(velhls_fragment_head [=[
 int main() {
 ]=])
 
-function(velhls_test_cpp_block name folder code expected)
+function(velhls_test_program_block language name folder code expected)
+    if(language STREQUAL "python" OR (language STREQUAL "c" AND NOT TARGET velhls_c))
+        return()
+    endif()
     if(NOT code MATCHES "int main\\(")
         set(code "${velhls_fragment_head}${code}}\n")
     endif()
-    file(CONFIGURE OUTPUT ${folder}/block.cpp CONTENT "@code@" @ONLY)
+    file(CONFIGURE OUTPUT ${folder}/block.${language} CONTENT "@code@" @ONLY)
     file(CONFIGURE OUTPUT ${folder}/block.output CONTENT "@expected@" @ONLY)
     string(MAKE_C_IDENTIFIER "documentation_${name}" target)
-    add_executable(${target} ${folder}/block.cpp)
-    if(code MATCHES "velhls/VELHLSCheck.h")
+    add_executable(${target} ${folder}/block.${language})
+    if(language STREQUAL "c")
+        target_link_libraries(${target} PRIVATE velhls_c)
+    elseif(code MATCHES "velhls/VELHLSCheck.h")
         target_link_libraries(${target} PRIVATE velhls::check)
     else()
         target_link_libraries(${target} PRIVATE velhls::velhls)
@@ -123,16 +130,17 @@ function(velhls_test_documentation_of path)
         set(folder ${document_folder}/${line})
         if(NOT pending_code STREQUAL "")
             if(words STREQUAL "text")
-                velhls_test_cpp_block(${pending_name} ${pending_folder} "${pending_code}" "${code}")
+                velhls_test_program_block(${pending_language} ${pending_name} ${pending_folder} "${pending_code}" "${code}")
             else()
-                velhls_test_cpp_block(${pending_name} ${pending_folder} "${pending_code}" "")
+                velhls_test_program_block(${pending_language} ${pending_name} ${pending_folder} "${pending_code}" "")
             endif()
         endif()
         set(was_pending "${pending_code}")
         set(pending_code "")
 
-        if(words STREQUAL "cpp")
+        if(words MATCHES "^(cpp|c|python)$")
             set(pending_code "${code}")
+            set(pending_language ${words})
             set(pending_name "${name}")
             set(pending_folder ${folder})
             list(APPEND folders ${folder})
@@ -147,7 +155,7 @@ function(velhls_test_documentation_of path)
         elseif(words STREQUAL "yaml")
             velhls_check_yaml_block(${name} "${code}")
         elseif(words STREQUAL "text" AND was_pending STREQUAL "")
-            message(FATAL_ERROR "${name}: this text block stands after no cpp block")
+            message(FATAL_ERROR "${name}: this text block stands after no program")
         elseif(NOT words MATCHES "^(text|m3u8|sh)$")
             message(FATAL_ERROR "${name}: a block of an unknown kind: \"${words}\"")
         endif()
@@ -160,7 +168,7 @@ function(velhls_test_documentation_of path)
         string(FIND "${rest}" "\n```" start)
     endwhile()
     if(NOT pending_code STREQUAL "")
-        velhls_test_cpp_block(${pending_name} ${pending_folder} "${pending_code}" "")
+        velhls_test_program_block(${pending_language} ${pending_name} ${pending_folder} "${pending_code}" "")
     endif()
 
     foreach(folder IN LISTS folders)
