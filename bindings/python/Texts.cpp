@@ -47,7 +47,7 @@ struct Report {
     std::vector<Finding> findings;
     std::optional<VELHLSReason> rejected;
 
-    explicit Report(VELHLSDiagnostics::Report answer)
+    explicit Report(VELHLSDiagnostics::Report&& answer)
         : kind(answer.kind), findings(std::move(answer.findings)), rejected(std::move(answer.rejected)) {}
 };
 
