@@ -502,6 +502,20 @@ TEST_F(ReportCommand, WritesThePicturesAloneAsOneSvg) {
     EXPECT_THAT(report({"--format=svg", "low.m3u8"}).output, Not(HasSubstr("Ladder")));
 }
 
+TEST(PicturesOfTheGuide, AreWhatTheCommandDrawsOfTheExamples) {
+    const std::string examples = VELHLS_SOURCE "/examples/report";
+    const auto drawn = [&examples](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"report", "--config=/dev/null", "--format=svg"});
+        return command::velhls(arguments, [&examples] {
+            if (::chdir(examples.c_str()) != 0) ::_exit(125);
+        }).output;
+    };
+    const std::string pictures = VELHLS_SOURCE "/docs/guide/pictures/";
+    EXPECT_EQ(contentOf(pictures + "ladder.svg"), drawn({"master.m3u8"})) << "run scripts/refresh-documents";
+    EXPECT_EQ(contentOf(pictures + "timeline.svg"), drawn({"video/720p.m3u8", "video/540p.m3u8"}));
+    EXPECT_EQ(contentOf(pictures + "versions.svg"), drawn({"--series", "live"}));
+}
+
 TEST_F(ReportCommand, RefusesToDrawNothing) {
     make("empty.m3u8", "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXT-X-ENDLIST\n");
     make("page.svg", "old");

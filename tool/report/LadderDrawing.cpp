@@ -126,13 +126,15 @@ class LadderDrawer {
         const Rung& rung = ladder_.rungs[place];
         const double middle = top + rowHeight / 2;
         drawText(out_, "label", 8, middle + 4, labelOf(rung));
+        // What was measured stands below what is declared.
+        const double declared = rung.measured ? middle - 5 : middle;
         if (rung.peak && rung.average)
-            drawLine(out_, "range", axis_.at(*rung.average), middle, axis_.at(*rung.peak), middle);
-        drawSign(Sign::Circle, "average", rung.average, middle, "AVERAGE-BANDWIDTH ");
-        drawSign(Sign::Square, "peak", rung.peak, middle, "BANDWIDTH ");
+            drawLine(out_, "range", axis_.at(*rung.average), declared, axis_.at(*rung.peak), declared);
+        drawSign(Sign::Circle, "average", rung.average, declared, "AVERAGE-BANDWIDTH ");
+        drawSign(Sign::Square, "peak", rung.peak, declared, "BANDWIDTH ");
         if (rung.measured) {
-            drawSign(Sign::TriangleUp, "measured", rung.measured->average, middle, "measured average ");
-            drawSign(Sign::TriangleDown, "measured", rung.measured->peak, middle, "measured peak ");
+            drawSign(Sign::TriangleUp, "measured", rung.measured->average, middle + 6, "measured average ");
+            drawSign(Sign::TriangleDown, "measured", rung.measured->peak, middle + 6, "measured peak ");
         }
         drawText(out_, "end", ratesRight, middle + 4, rung.peak ? rateText(*rung.peak) : "missing");
         const auto ratio = ratioToNext(ladder_.rungs, place);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 #include "tool/Describe.h"
 #include "tool/report/Limits.h"
@@ -10,7 +11,7 @@
 namespace tool::report {
 namespace {
 
-constexpr double plotLeft = 4.0;
+constexpr double plotLeft = 8.0;
 constexpr double plotRight = drawingWidth - 10;
 constexpr double headHeight = 46.0;
 constexpr double labelHeight = 18.0;
@@ -148,10 +149,19 @@ class TimelineDrawer {
         for (const Mark& mark : shownMarks(timeline_, kind)) {
             const double x = xOf(mark.time);
             if (kind == MarkKind::Discontinuity) drawLine(out_, "seam", x, marks_, x, base_);
+            const double free = beside(x);
             const std::string times = mark.count == 1 ? "" : " \xC3\x97 " + grouped(mark.count);
-            drawPath(out_, style, signPath(sign, x, marks_),
+            drawPath(out_, style, signPath(sign, free, marks_),
                      timeText(mark.time) + ": " + std::string(nameOf(kind)) + times);
         }
+    }
+
+    /// Marks of one moment stand side by side.
+    double beside(double x) {
+        constexpr double width = 10.0;
+        while (!taken_.insert(std::lround(x / width)).second)
+            x += width;
+        return x;
     }
 
     void drawBreaks() {
@@ -172,6 +182,8 @@ class TimelineDrawer {
     double marks_;
     double base_;
     double tallest_ = 0.0;
+    /// Where marks are, in widths of one.
+    std::set<long> taken_;
 };
 
 /// Only what is there is explained.
@@ -201,7 +213,11 @@ std::string summaryOf(const Timeline& timeline) {
     std::string text = numberOf(timeline.segmentCount, "segment") + ", " + timeText(timeline.duration);
     if (timeline.targetDuration) text += ", target " + decimal(*timeline.targetDuration) + " s";
     if (timeline.segmentCount > 0)
-        text += ", " + decimal(timeline.shortest) + " to " + decimal(timeline.longest) + " s";
+        text +=
+            ", " +
+            (decimal(timeline.shortest) == decimal(timeline.longest) ? "each "
+                                                                     : decimal(timeline.shortest) + " to ") +
+            decimal(timeline.longest) + " s";
     if (timeline.tooLong > 0) text += ", " + grouped(timeline.tooLong) + " too long";
     return text + (timeline.hasEnded ? "" : ", live");
 }
@@ -241,7 +257,8 @@ std::optional<Drawing> drawTimelines(const TimeChart& chart) {
     drawLegend(out, 12, legendOf(chart));
     for (const double tick : axis.ticks()) {
         const double x = axis.at(tick);
-        drawText(out, tick == 0.0 ? "small" : "small middle", x, 36, timeText(tick));
+        const bool isAtEnd = x > plotRight - 24;
+        drawText(out, tick == 0.0 ? "small" : isAtEnd ? "small end" : "small middle", x, 36, timeText(tick));
         drawLine(out, "grid", x, headHeight - 6, x, drawing.height);
     }
     for (std::size_t place = 0; place < count; ++place) {
