@@ -117,10 +117,12 @@ class LadderReader {
         };
         // The keys of the map look into the rungs, which move.
         std::vector<std::pair<decltype(key(Rung())), std::size_t>> places;
+        places.reserve(ladder_.rungs.size());
         for (std::size_t place = 0; place < ladder_.rungs.size(); ++place)
             places.emplace_back(key(ladder_.rungs[place]), place);
         std::sort(places.begin(), places.end());
         std::vector<Rung> sorted;
+        sorted.reserve(places.size());
         for (const auto& [ignored, place] : places)
             sorted.push_back(std::move(ladder_.rungs[place]));
         ladder_.rungs = std::move(sorted);

@@ -29,10 +29,11 @@ class RateAxis {
             if (rung.measured) take(rung.measured->average);
         }
         if (isEmpty()) return;
-        for (double power = std::pow(10.0, std::floor(std::log10(least_))); power <= most_ * 10;
-             power *= 10) {
+        const auto lowest = static_cast<int>(std::floor(std::log10(least_)));
+        const auto highest = static_cast<int>(std::ceil(std::log10(most_)));
+        for (int exponent = lowest; exponent <= highest; ++exponent) {
             for (const double times : {1.0, 2.0, 5.0})
-                steps_.push_back(power * times);
+                steps_.push_back(std::pow(10.0, exponent) * times);
         }
         while (steps_.size() > 2 && steps_[1] <= least_)
             steps_.erase(steps_.begin());

@@ -44,7 +44,7 @@ Cell measuredCell(const Rung& rung, double VELHLSPresentation::MeasuredRates::*r
 std::string groupsOf(const Rung& rung) {
     std::vector<std::string> groups;
     for (const auto& [type, id] : rung.groups)
-        groups.push_back(type + " " + id);
+        groups.push_back(std::string(type).append(" ").append(id));
     return joined(groups);
 }
 

@@ -106,9 +106,11 @@ class SequenceAxis {
         for (int index = 0; (end_ - first_) / step > most; ++index)
             step *= index % 3 == 1 ? 2.5 : 2.0;
         std::vector<std::uint64_t> ticks;
-        for (double tick = first_; tick < end_ && ticks.size() <= static_cast<std::size_t>(most);
-             tick += step)
+        while (ticks.size() <= static_cast<std::size_t>(most)) {
+            const double tick = first_ + step * static_cast<double>(ticks.size());
+            if (tick >= end_) break;
             ticks.push_back(static_cast<std::uint64_t>(tick));
+        }
         return ticks;
     }
 

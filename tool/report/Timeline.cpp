@@ -320,7 +320,8 @@ std::size_t firstWithEventsOf(const std::vector<Timeline>& timelines, std::size_
 AxisOrigin align(std::vector<Timeline>& timelines) {
     if (timelines.empty()) return AxisOrigin::FirstSegments;
     if (areAllDated(timelines)) return alignByDates(timelines);
-    return areAllLive(timelines) ? alignBySequence(timelines) : AxisOrigin::FirstSegments;
+    return timelines.size() > 1 && areAllLive(timelines) ? alignBySequence(timelines)
+                                                         : AxisOrigin::FirstSegments;
 }
 
 }  // namespace tool::report

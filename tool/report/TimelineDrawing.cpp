@@ -156,11 +156,14 @@ class TimelineDrawer {
         }
     }
 
-    /// Marks of one moment stand side by side.
+    /// Marks of one moment stand side by side, as far as that keeps them near it.
     double beside(double x) {
         constexpr double width = 10.0;
-        while (!taken_.insert(std::lround(x / width)).second)
-            x += width;
+        constexpr int mostSteps = 4;
+        for (int step = 0; step < mostSteps; ++step) {
+            const double free = x + step * width;
+            if (taken_.insert(std::lround(free / width)).second) return free;
+        }
         return x;
     }
 
