@@ -74,7 +74,9 @@ class PageWriter {
     }
 
     [[nodiscard]] std::string summary() const {
-        std::string text = numberOf(page_.sources.size(), "playlist");
+        std::string text = page_.versions.empty()
+                               ? numberOf(page_.sources.size(), "playlist")
+                               : numberOf(page_.versions.size() + page_.versionsLeftOut, "version");
         for (const auto severity : {VELHLSFinding::Error, VELHLSFinding::Warning, VELHLSFinding::Note})
             text += ", " + numberOf(page_.summary.counts.of(severity), VELHLSFinding::textOf(severity));
         if (page_.summary.filesRejected > 0)
