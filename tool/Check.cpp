@@ -40,13 +40,6 @@ std::vector<VELHLSFinding> checkText(CheckedFile& file, const VELHLSDiagnostics:
     return std::move(report.findings);
 }
 
-void choose(CheckedFile& file, std::vector<VELHLSFinding> findings, const FindingChoice& choice) {
-    file.findings = choice.chosenOf(std::move(findings));
-    for (const VELHLSFinding& finding : file.findings)
-        file.counts.add(finding);
-    file.findings = choice.shownOf(std::move(file.findings));
-}
-
 /// Takes the findings of a file from those of its presentation.
 std::vector<VELHLSFinding> takeOf(const std::string& path, std::vector<VELHLSFinding>& findings) {
     const auto own =
@@ -101,7 +94,7 @@ void tellFailure(const CheckedFile& file, const ReportStyle& style) {
 /// Checks one input after the other, and what is followed from them.
 class CheckRun {
   public:
-    explicit CheckRun(const CheckRequest& request) : request_(request), report_(reportOf(request)) {}
+    CheckRun(const CheckRequest& request, Report& report) : request_(request), report_(report) {}
 
     ExitStatus run() {
         InputWalk walk(request_.inputs);
@@ -110,7 +103,7 @@ class CheckRun {
         for (const Input& input : others_)
             checkByItself(input);
         summary_.linksLeftOut = walk.linksLeftOut();
-        report_->end(summary_);
+        report_.end(summary_);
         return summary_.status;
     }
 
@@ -157,10 +150,11 @@ class CheckRun {
             const PresentationFiles files(file.path, file.text, request_.follow, request_.mostBytes);
             std::vector<VELHLSFinding> ofPresentation = files.findings(request_.options.profiles);
             file.followed = files.uris();
+            file.presentation = &files;
             choose(file, joined(std::move(findings), takeOf(file.path, ofPresentation)), request_.choice);
             tell(file);
             for (const PresentationFile& each : files.files()) {
-                if (each.use == VELHLSPresentation::Use::Playlist) checkFollowed(each, ofPresentation);
+                if (each.use == VELHLSPresentation::Use::Playlist) checkFollowed(each, files, ofPresentation);
             }
         } catch (const Failure& failure) {
             file.failure = failure.what();
@@ -168,8 +162,10 @@ class CheckRun {
         }
     }
 
-    void checkFollowed(const PresentationFile& followed, std::vector<VELHLSFinding>& ofPresentation) {
+    void checkFollowed(const PresentationFile& followed, const PresentationFiles& files,
+                       std::vector<VELHLSFinding>& ofPresentation) {
         CheckedFile file;
+        file.presentation = &files;
         file.path = followed.path;
         file.name = nameInMessages(followed.path);
         file.text = followed.document.text();
@@ -188,11 +184,11 @@ class CheckRun {
     void tell(const CheckedFile& file) {
         add(summary_, file, statusOf(file, request_.choice));
         tellFailure(file, request_.style);
-        report_->add(file);
+        report_.add(file);
     }
 
     const CheckRequest& request_;
-    std::unique_ptr<Report> report_;
+    Report& report_;
     CheckSummary summary_;
     /// The real paths of what was checked with a master playlist.
     std::set<std::string> checked_;
@@ -202,8 +198,19 @@ class CheckRun {
 
 }  // namespace
 
+void choose(CheckedFile& file, std::vector<VELHLSFinding> findings, const FindingChoice& choice) {
+    file.findings = choice.chosenOf(std::move(findings));
+    for (const VELHLSFinding& finding : file.findings)
+        file.counts.add(finding);
+    file.findings = choice.shownOf(std::move(file.findings));
+}
+
 ExitStatus check(const CheckRequest& request) {
-    return CheckRun(request).run();
+    return check(request, *reportOf(request));
+}
+
+ExitStatus check(const CheckRequest& request, Report& report) {
+    return CheckRun(request, report).run();
 }
 
 }  // namespace tool

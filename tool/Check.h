@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include "velhls/VELHLSCheck.h"
 
@@ -29,5 +30,11 @@ struct CheckRequest {
 ///
 /// Master playlists that are followed come first, each before its playlists; after them what none of them named.
 [[nodiscard]] ExitStatus check(const CheckRequest& request);
+
+/// The same with a report of the caller's, whatever format the request asks for.
+[[nodiscard]] ExitStatus check(const CheckRequest& request, Report& report);
+
+/// Gives the file those of the findings that are chosen, and counts them.
+void choose(CheckedFile& file, std::vector<VELHLSFinding> findings, const FindingChoice& choice);
 
 }  // namespace tool

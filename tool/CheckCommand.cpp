@@ -10,18 +10,6 @@
 namespace tool {
 namespace {
 
-void addFollowing(CLI::App& command, FollowRequest& follow) {
-    CLI::Option* const asked = command.add_flag(
-        "--follow", follow.isAsked,
-        "Check also the local playlists that a master playlist names, and all together as one presentation");
-    command
-        .add_option(
-            "--root", follow.root,
-            "The folder below which --follow may read, that of the master playlist unless told otherwise")
-        ->needs(asked)
-        ->configurable(false);
-}
-
 ExitStatus run(CLI::App& command, CheckOptions& options) {
     readConfig(command, options.config);
     CheckRequest& request = options.request;
@@ -44,7 +32,9 @@ void addCheckCommand(CLI::App& app, CheckOptions& options, ExitStatus& status) {
         "NO_COLOR is respected.");
     CheckRequest& request = options.request;
     addInputOptions(*command, request.inputs);
-    addFollowing(*command, request.follow);
+    addFollowOptions(
+        *command, request.follow,
+        "Check also the local playlists that a master playlist names, and all together as one presentation");
     addReadingOptions(*command, request.options.kind, request.mostBytes);
     addProfileOption(*command, request.options.profiles,
                      "By whose rules to check, rfc8216 unless told otherwise");

@@ -9,6 +9,9 @@ namespace tool {
 /// How many of the changes are in the text.
 enum class Changes { Listed, LeftOut };
 
+/// A change in a line: "segment 268433: duration 6.006 → 5.005".
+[[nodiscard]] std::string changeAsText(const VELHLSChange& change);
+
 /// The changes, a line each, and then the findings at both places: "segment 268433: duration 6.006 → 5.005".
 [[nodiscard]] std::string comparisonAsText(const ComparedPair& pair, Changes changes);
 

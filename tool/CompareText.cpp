@@ -20,20 +20,6 @@ std::string textAfter(const std::string& before, const std::string& text) {
     return text.empty() ? before : before + " " + excerptOf(text);
 }
 
-std::string changeAsText(const VELHLSChange& change) {
-    const std::string path = excerptOf(change.path);
-    const std::string what = excerptOf(change.what);
-    const std::string& text = change.kind == VELHLSChange::Removed ? change.oldText : change.newText;
-    const std::string sign = change.kind == VELHLSChange::Removed ? "- " : "+ ";
-    if (change.kind == VELHLSChange::Changed) {
-        return path + ":" + (what.empty() ? "" : " " + what) + " " + excerptOf(change.oldText) +
-               std::string(arrow) + excerptOf(change.newText) + "\n";
-    }
-    if (what.empty()) return sign + textAfter(text.empty() ? path : path + ":", text) + "\n";
-    // That there is one more or one less says all.
-    return path + ": " + sign + (what == "discontinuity" ? what : textAfter(what, text)) + "\n";
-}
-
 std::string relatedAsText(const std::string& path, const VELHLSRelatedPlace& place) {
     return nameInMessages(path) + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
            ": note: " + printable(place.message) + "\n";
@@ -45,10 +31,24 @@ std::string counted(std::size_t count, const std::string& word) {
 
 }  // namespace
 
+std::string changeAsText(const VELHLSChange& change) {
+    const std::string path = excerptOf(change.path);
+    const std::string what = excerptOf(change.what);
+    const std::string& text = change.kind == VELHLSChange::Removed ? change.oldText : change.newText;
+    const std::string sign = change.kind == VELHLSChange::Removed ? "- " : "+ ";
+    if (change.kind == VELHLSChange::Changed) {
+        return path + ":" + (what.empty() ? "" : " " + what) + " " + excerptOf(change.oldText) +
+               std::string(arrow) + excerptOf(change.newText);
+    }
+    if (what.empty()) return sign + textAfter(text.empty() ? path : path + ":", text);
+    // That there is one more or one less says all.
+    return path + ": " + sign + (what == "discontinuity" ? what : textAfter(what, text));
+}
+
 std::string comparisonAsText(const ComparedPair& pair, Changes changes) {
     std::string text;
     for (const VELHLSChange& change : pair.comparison.changes) {
-        if (changes == Changes::Listed) text += changeAsText(change);
+        if (changes == Changes::Listed) text += changeAsText(change) + "\n";
     }
     for (const VELHLSFinding& finding : pair.comparison.findings) {
         text += describe(nameInMessages(pair.newPath), finding) + "\n";

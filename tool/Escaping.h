@@ -28,4 +28,11 @@ template <typename IsKept>
     return result;
 }
 
+/// A path as a part of a URI: what means something in a URI, and all beyond ASCII, is escaped.
+[[nodiscard]] inline std::string percentEncodedPath(std::string_view path) {
+    constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    return percentEncoded(
+        path, [plain](char character) { return plain.find(character) != std::string_view::npos; });
+}
+
 }  // namespace tool

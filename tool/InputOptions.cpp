@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tool/InputNames.h"
+#include "tool/Presentation.h"
 
 namespace tool {
 
@@ -22,6 +23,16 @@ void addInputOptions(CLI::App& command, InputNames& inputs) {
         .add_flag("--null", inputs.isNulSeparated,
                   "The names of that file end in NUL bytes, not in line feeds")
         ->needs(list)
+        ->configurable(false);
+}
+
+void addFollowOptions(CLI::App& command, FollowRequest& follow, const std::string& what) {
+    CLI::Option* const asked = command.add_flag("--follow", follow.isAsked, what);
+    command
+        .add_option(
+            "--root", follow.root,
+            "The folder below which --follow may read, that of the master playlist unless told otherwise")
+        ->needs(asked)
         ->configurable(false);
 }
 

@@ -1,7 +1,6 @@
 #include "tool/Presentation.h"
 
 #include <algorithm>
-#include <map>
 #include <utility>
 
 #include "tool/AbsoluteUri.h"
@@ -190,6 +189,17 @@ PresentationFiles::PresentationFiles(const std::string& masterPath, std::string_
         reader.read(reference);
 }
 
+std::map<const VELHLSDocument*, std::string_view> PresentationFiles::paths() const {
+    std::map<const VELHLSDocument*, std::string_view> paths = {{&master_, masterPath_}};
+    for (const PresentationFile& file : files_)
+        paths.emplace(&file.document, file.path);
+    return paths;
+}
+
+std::vector<VELHLSPresentation::MeasuredRates> PresentationFiles::measuredRates() const {
+    return VELHLSPresentation::measure({masterName, &master_}, resources_);
+}
+
 std::vector<VELHLSFinding> PresentationFiles::findings(
     const std::vector<VELHLSDiagnostics::Profile>& profiles) const {
     using Profile = VELHLSDiagnostics::Profile;
@@ -205,10 +215,8 @@ std::vector<VELHLSFinding> PresentationFiles::findings(
     if (asks(Profile::apple)) standards.push_back(VELHLSStandard::Profile::apple);
     std::vector<VELHLSFinding> found =
         VELHLSPresentation::check({masterName, &master_}, resources_, standards);
+    const std::map<const VELHLSDocument*, std::string_view> pathsOfDocuments = this->paths();
     std::map<std::string_view, std::string_view> paths = {{masterName, masterPath_}};
-    std::map<const VELHLSDocument*, std::string_view> pathsOfDocuments = {{&master_, masterPath_}};
-    for (const PresentationFile& file : files_)
-        pathsOfDocuments.emplace(&file.document, file.path);
     for (const VELHLSPresentation::Resource& resource : resources_) {
         if (resource.document != nullptr) paths.emplace(resource.uri, pathsOfDocuments.at(resource.document));
     }

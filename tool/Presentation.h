@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -51,6 +52,12 @@ class PresentationFiles {
     /// In the order in which the master playlist names them. The master playlist is not among them.
     [[nodiscard]] const std::deque<PresentationFile>& files() const { return files_; }
     [[nodiscard]] const FollowedUris& uris() const { return uris_; }
+    /// The URIs that may name local files, with what came of each.
+    [[nodiscard]] const std::vector<VELHLSPresentation::Resource>& resources() const { return resources_; }
+    /// The path of each document, the master playlist's among them.
+    [[nodiscard]] std::map<const VELHLSDocument*, std::string_view> paths() const;
+    /// Bit rates of the variants, as far as byte ranges tell.
+    [[nodiscard]] std::vector<VELHLSPresentation::MeasuredRates> measuredRates() const;
 
     /// What the profiles find. Each finding, and each related place in another file, has the path of its file as its URI.
     [[nodiscard]] std::vector<VELHLSFinding> findings(

@@ -9,12 +9,13 @@
 namespace tool {
 namespace {
 
-/// Control characters, and what ends a line or turns the direction of what follows.
+/// Control characters, and what ends a line or turns the direction of what follows; and what no XML may hold.
 bool steersTheTerminal(std::uint32_t character) {
     if (character < 0x20 || (character >= 0x7F && character < 0xA0)) return true;
     const bool isMark = character == 0x061C || character == 0x200E || character == 0x200F;
     const bool endsLineOrEmbeds = character >= 0x2028 && character <= 0x202E;
-    return isMark || endsLineOrEmbeds || (character >= 0x2066 && character <= 0x2069);
+    const bool isNone = character == 0xFFFE || character == 0xFFFF;
+    return isMark || endsLineOrEmbeds || isNone || (character >= 0x2066 && character <= 0x2069);
 }
 
 void appendEscaped(std::string& out, std::string_view bytes) {

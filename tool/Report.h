@@ -31,6 +31,8 @@ struct CheckedFile {
     FindingCounts counts;
     /// What came of the URIs of a master playlist that was followed.
     std::optional<FollowedUris> followed;
+    /// The presentation of a master playlist that was followed, and of each file that was read for it; null for others.
+    const PresentationFiles* presentation = nullptr;
     /// Why the models reject the playlist, if they do, whatever was found.
     std::optional<VELHLSReason> rejected;
 };

@@ -12,24 +12,13 @@
 #include "tool/InputFile.h"
 #include "tool/OutputFile.h"
 #include "tool/Path.h"
+#include "tool/RuleLinks.h"
 #include "tool/RulePages.h"
 
 namespace tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// Where the clause can be read; empty where there is none.
-std::string helpUriOf(const VELHLSRule& rule) {
-    if (rule.clause.empty()) return {};
-    if (rule.source.find("RFC 8216,") == 0)
-        return "https://www.rfc-editor.org/rfc/rfc8216#section-" + std::string(rule.clause);
-    if (rule.profile == "apple")
-        return "https://developer.apple.com/documentation/http-live-streaming/"
-               "hls-authoring-specification-for-apple-devices";
-    return "https://datatracker.ietf.org/doc/html/draft-pantos-hls-rfc8216bis#section-" +
-           std::string(rule.clause);
-}
 
 /// The SARIF levels have the names of our severities.
 Json describeRule(const VELHLSRule& rule) {
@@ -66,12 +55,10 @@ Json describeRules(const std::vector<VELHLSDiagnostics::Profile>& profiles,
 /// A path as a URI reference: characters that mean something in a URI, and all beyond ASCII, are escaped.
 std::string uriOf(const std::string& path) {
     if (path == standardInput) return "stdin";
-    constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
-    const auto isPlain = [plain](char character) { return plain.find(character) != std::string_view::npos; };
     const std::string text = textOf(pathOf(path));
     std::string scheme;
     if (pathOf(path).is_absolute()) scheme = text.front() == '/' ? "file://" : "file:///";
-    return scheme + percentEncoded(text, isPlain);
+    return scheme + percentEncodedPath(text);
 }
 
 /// SARIF counts columns in characters.

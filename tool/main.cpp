@@ -26,6 +26,7 @@
 #include "tool/Printable.h"
 #include "tool/Process.h"
 #include "tool/ReadingOptions.h"
+#include "tool/ReportCommand.h"
 #include "tool/RuleCommands.h"
 #include "tool/SelfDescription.h"
 
@@ -150,6 +151,8 @@ int run(const std::vector<std::string>& arguments) {
     tool::addSelfDescription(app);
     tool::CheckOptions checkOptions;
     tool::addCheckCommand(app, checkOptions, status);
+    tool::ReportOptions reportOptions;
+    tool::addReportCommand(app, reportOptions, status);
     tool::addRuleCommands(app);
     addHelpCommand(app, request);
 

@@ -1,5 +1,6 @@
 #include "velhls/presentation/VELHLSPresentation.h"
 
+#include <cmath>
 #include <deque>
 #include <memory>
 #include <string>
@@ -249,6 +250,45 @@ TEST(VELHLSPresentation, DoesNotAddAnAudioVariantToItsOwnGroup) {
                            "#EXT-X-STREAM-INF:BANDWIDTH=100000,CODECS=\"mp4a.40.2\",AUDIO=\"a\"\na.m3u8\n"},
                           {"a.m3u8", audio}})),
         "");
+}
+
+/// "line peak average" of each variant that was measured, and "…" where a playlist counted for nothing.
+std::string measuredIn(const Texts& texts) {
+    std::deque<VELHLSDocument> documents;
+    std::vector<Resource> resources;
+    for (const auto& [name, text] : texts)
+        resources.push_back({name, text.empty() ? nullptr : &documents.emplace_back(text)});
+    std::string shown;
+    for (const auto& rates : VELHLSPresentation::measure(resources.front(), resources))
+        shown += std::to_string(rates.line) + " " + std::to_string(std::llround(rates.peak)) + " " +
+                 std::to_string(std::llround(rates.average)) + (rates.isWhole ? "" : "\xE2\x80\xA6") + "\n";
+    return shown;
+}
+
+std::string rangesOf(const std::string& first, const std::string& second) {
+    return "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6.000,\n#EXT-X-BYTERANGE:" + first +
+           "@0\na\n#EXTINF:6.000,\n#EXT-X-BYTERANGE:" + second + "\na\n#EXT-X-ENDLIST\n";
+}
+
+TEST(VELHLSPresentation, MeasuresVariantsWithTheLargestOfTheirRenditions) {
+    const std::string master =
+        "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"avc1.4d401e\",AUDIO=\"a\"\nlow\n"
+        "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"1\",URI=\"en\"\n"
+        "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"2\",URI=\"de\"\n"
+        "#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=1,URI=\"frames\"\n"
+        "#EXT-X-STREAM-INF:BANDWIDTH=1\nunknown\n";
+    const std::string unsized = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\na\n";
+    Texts texts = {{"master", master},
+                         {"low", rangesOf("750000", "1500000")},
+                         {"en", rangesOf("7500", "7500")},
+                         {"de", rangesOf("75000", "75000")},
+                         {"frames", rangesOf("750", "750")},
+                         {"unknown", unsized}};
+    EXPECT_EQ(measuredIn(texts), "2 2100000 1600000\n6 1000 1000\n");
+    EXPECT_EQ(measuredIn(replaced(texts, "de", textOf(texts, "de"), "")),
+              "2 2010000 1510000\xE2\x80\xA6\n6 1000 1000\n");
+    EXPECT_EQ(measuredIn({{"low", rangesOf("1", "1")}}), "");
+    EXPECT_EQ(measuredIn({{"master", ""}}), "");
 }
 
 // JSON, as far as session data lets one see it.

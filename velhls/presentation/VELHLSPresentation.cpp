@@ -5,6 +5,7 @@
 #include <set>
 
 #include "velhls/presentation/Presentation.h"
+#include "velhls/presentation/VariantRates.h"
 
 namespace {
 
@@ -56,6 +57,23 @@ std::vector<VELHLSFinding> VELHLSPresentation::check(const Resource& master,
             findAll(table, profile, presentation, findings);
     }
     return findings.takeAll();
+}
+
+std::vector<VELHLSPresentation::MeasuredRates> VELHLSPresentation::measure(
+    const Resource& master, const std::vector<Resource>& resources) {
+    if (master.document == nullptr) return {};
+    const velhls::Presentation presentation(master, resources);
+    velhls::RateMeasurement measurement(presentation);
+    std::vector<MeasuredRates> measured;
+    for (const MasterUse& use : presentation.uses()) {
+        if (!use.isVariant()) continue;
+        const velhls::VariantRates rates = measurement.measure(use);
+        if (rates.peak.largest == nullptr) continue;
+        measured.push_back({use.line.number, rates.peak.rate, rates.average.rate, rates.isWhole});
+    }
+    std::sort(measured.begin(), measured.end(),
+              [](const MeasuredRates& left, const MeasuredRates& right) { return left.line < right.line; });
+    return measured;
 }
 
 std::vector<VELHLSRule> VELHLSPresentation::rules(VELHLSStandard::Profile profile) {

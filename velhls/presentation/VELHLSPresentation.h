@@ -77,6 +77,24 @@ class VELHLS_CHECK_API VELHLSPresentation {
         const Resource& master, const std::vector<Resource>& resources,
         const std::vector<VELHLSStandard::Profile>& profiles);
 
+    /// What the segments of a variant come to, as far as EXT-X-BYTERANGE and EXT-X-BITRATE tell.
+    struct MeasuredRates {
+        /// The line of its EXT-X-STREAM-INF or EXT-X-I-FRAME-STREAM-INF in the master playlist, counted from 1.
+        std::size_t line = 1;
+        /// Bits per second: the peak segment bit rates (RFC 8216, section 4.1) of its playlist and of the largest rendition of
+        /// each of its groups, summed up. What BANDWIDTH has to be.
+        double peak = 0.0;
+        /// The same of the average segment bit rates: AVERAGE-BANDWIDTH.
+        double average = 0.0;
+        /// False when a playlist counts for nothing, since it was not given or does not tell the sizes of all its segments.
+        bool isWhole = false;
+    };
+
+    /// Measures the variants and I-frame variants of which anything is known, in the order of their lines. Takes time linear in
+    /// the texts but for sorting; throws nothing but std::bad_alloc.
+    [[nodiscard]] static std::vector<MeasuredRates> measure(const Resource& master,
+                                                            const std::vector<Resource>& resources);
+
     /// All rules that the profile may find, in the order of the documentation; last that of resources that were not read, which is
     /// told whatever profiles are asked for, as one of the profile library.
     [[nodiscard]] static std::vector<VELHLSRule> rules(VELHLSStandard::Profile profile);
