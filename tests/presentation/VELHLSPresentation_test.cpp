@@ -279,11 +279,11 @@ TEST(VELHLSPresentation, MeasuresVariantsWithTheLargestOfTheirRenditions) {
         "#EXT-X-STREAM-INF:BANDWIDTH=1\nunknown\n";
     const std::string unsized = "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\na\n";
     Texts texts = {{"master", master},
-                         {"low", rangesOf("750000", "1500000")},
-                         {"en", rangesOf("7500", "7500")},
-                         {"de", rangesOf("75000", "75000")},
-                         {"frames", rangesOf("750", "750")},
-                         {"unknown", unsized}};
+                   {"low", rangesOf("750000", "1500000")},
+                   {"en", rangesOf("7500", "7500")},
+                   {"de", rangesOf("75000", "75000")},
+                   {"frames", rangesOf("750", "750")},
+                   {"unknown", unsized}};
     EXPECT_EQ(measuredIn(texts), "2 2100000 1600000\n6 1000 1000\n");
     EXPECT_EQ(measuredIn(replaced(texts, "de", textOf(texts, "de"), "")),
               "2 2010000 1510000\xE2\x80\xA6\n6 1000 1000\n");
