@@ -506,9 +506,11 @@ TEST(PicturesOfTheGuide, AreWhatTheCommandDrawsOfTheExamples) {
     const std::string examples = VELHLS_SOURCE "/examples/report";
     const auto drawn = [&examples](std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"report", "--config=/dev/null", "--format=svg"});
-        return command::velhls(arguments, [&examples] {
-            if (::chdir(examples.c_str()) != 0) ::_exit(125);
-        }).output;
+        return command::velhls(arguments,
+                               [&examples] {
+                                   if (::chdir(examples.c_str()) != 0) ::_exit(125);
+                               })
+            .output;
     };
     const std::string pictures = VELHLS_SOURCE "/docs/guide/pictures/";
     EXPECT_EQ(contentOf(pictures + "ladder.svg"), drawn({"master.m3u8"})) << "run scripts/refresh-documents";
