@@ -6,7 +6,8 @@
 #                with the models alone
 #     c          a program in C, as a cpp block; it is built where libvelhls-c is
 #     python     a program in Python, as a cpp block; it is run by the package's own tests
-#     text       what the cpp, c or python block before it prints
+#     js         a program in JavaScript, likewise
+#     text       what the cpp, c, python or js block before it prints
 #     console    commands after "$ ", each followed by what it prints, errors included
 #     m3u8       a playlist; with a name after the word (m3u8 live.m3u8) the file's other blocks find it by that name
 #     cmake      lines of one of the projects under tests/consumers, which build
@@ -32,7 +33,7 @@ int main() {
 ]=])
 
 function(velhls_test_program_block language name folder code expected)
-    if(language STREQUAL "python" OR (language STREQUAL "c" AND NOT TARGET velhls_c))
+    if(language MATCHES "^(python|js)$" OR (language STREQUAL "c" AND NOT TARGET velhls_c))
         return()
     endif()
     if(NOT code MATCHES "int main\\(")
@@ -138,7 +139,7 @@ function(velhls_test_documentation_of path)
         set(was_pending "${pending_code}")
         set(pending_code "")
 
-        if(words MATCHES "^(cpp|c|python)$")
+        if(words MATCHES "^(cpp|c|python|js)$")
             set(pending_code "${code}")
             set(pending_language ${words})
             set(pending_name "${name}")

@@ -1,0 +1,23 @@
+import { load } from "#load";
+
+import { PlaylistError, RefusedError } from "./errors.js";
+import { makeLibrary } from "./library.js";
+
+const library = makeLibrary(await load(new URL("./velhls.wasm", import.meta.url)));
+
+export const {
+    Document,
+    MasterPlaylist,
+    MediaPlaylist,
+    check,
+    checkPresentation,
+    compare,
+    fix,
+    fixForModels,
+    parse,
+    references,
+    render,
+    rule,
+    write,
+} = library;
+export { PlaylistError, RefusedError };
