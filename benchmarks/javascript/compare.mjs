@@ -11,12 +11,18 @@ const asked = ["{uri, duration}", "whole segments", "durations"];
 const programs = ["velhls", "m3u8-parser"];
 
 function secondsOf(work, playlist) {
-    const output = execFileSync(process.execPath, [measure, folder, work, join(folder, "inputs", `${playlist}.m3u8`)], { encoding: "utf8" });
+    const output = execFileSync(process.execPath, [measure, folder, work, join(folder, "inputs", `${playlist}.m3u8`)], {
+        encoding: "utf8",
+    });
     return JSON.parse(output).seconds;
 }
 
-const versions = programs.map((name) => `${name} ${JSON.parse(readFileSync(join(folder, "node_modules", name, "package.json"))).version}`);
-console.log(`${versions.join(", ")}, node ${process.version}; the least of ${processes} processes, each the median of its warm runs, in processor time.\n`);
+const versions = programs.map(
+    (name) => `${name} ${JSON.parse(readFileSync(join(folder, "node_modules", name, "package.json"))).version}`,
+);
+console.log(
+    `${versions.join(", ")}, node ${process.version}; the least of ${processes} processes, each the median of its warm runs, in processor time.\n`,
+);
 console.log(`| 100,000 segments | ${programs.join(" | ")} | times |\n|---|--:|--:|--:|`);
 const inMilliseconds = (seconds) => `${(seconds * 1000).toPrecision(3)} ms`;
 for (const playlist of playlists) {
@@ -27,6 +33,8 @@ for (const playlist of playlists) {
                 least[index] = Math.min(least[index], secondsOf(`${program}: ${what}`, playlist));
             });
         }
-        console.log(`| ${playlist}: ${what} | ${least.map(inMilliseconds).join(" | ")} | ${(least[1] / least[0]).toFixed(1)} × |`);
+        console.log(
+            `| ${playlist}: ${what} | ${least.map(inMilliseconds).join(" | ")} | ${(least[1] / least[0]).toFixed(1)} × |`,
+        );
     }
 }

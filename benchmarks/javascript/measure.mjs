@@ -55,7 +55,7 @@ const text = readFileSync(file, "utf8");
 const run = works[work];
 const { length } = run(text);
 const runs = [];
-for (const begin = processorSeconds(); runs.length < 5 || processorSeconds() - begin < secondsOfRuns; ) {
+for (const begin = processorSeconds(); runs.length < 5 || processorSeconds() - begin < secondsOfRuns;) {
     const start = processorSeconds();
     if (run(text).length !== length) throw new Error("the runs differ");
     runs.push(processorSeconds() - start);

@@ -46,9 +46,12 @@ function typedSource() {
 }
 
 function noteOf(source) {
-    if (typeof source !== "string") return "This text has bytes that are not UTF-8. They are kept until you type; fixes keep them.";
+    if (typeof source !== "string")
+        return "This text has bytes that are not UTF-8. They are kept until you type; fixes keep them.";
     const hasBoth = source.includes("\r\n") && /(^|[^\r])\n/.test(source);
-    return hasBoth || /\r(?!\n)/.test(source) ? "This text has line ends of several kinds. Typing makes them one kind; fixes keep them." : "";
+    return hasBoth || /\r(?!\n)/.test(source)
+        ? "This text has line ends of several kinds. Typing makes them one kind; fixes keep them."
+        : "";
 }
 
 const profiles = () => [...byId("profiles").querySelectorAll("input:checked")].map(({ value }) => value);
@@ -61,7 +64,9 @@ function summaryOf({ kind, rejected, findings }) {
     const what = kind === null ? "No playlist" : `${kind === "master" ? "Master" : "Media"} playlist`;
     const counts = [2, 1, 0].map((place) =>
         counted(
-            findings.filter(({ severity }) => severity === severities[place]).reduce((sum, { suppressed }) => sum + 1 + suppressed, 0),
+            findings
+                .filter(({ severity }) => severity === severities[place])
+                .reduce((sum, { suppressed }) => sum + 1 + suppressed, 0),
             severities[place],
         ),
     );

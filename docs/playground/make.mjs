@@ -39,6 +39,11 @@ const policy = [
     "form-action 'none'",
 ].join("; ");
 
-const parts = { policy, style, script, module: gzipSync(readFileSync(join(lib, "velhls.wasm")), { level: 9 }).toString("base64") };
+const parts = {
+    policy,
+    style,
+    script,
+    module: gzipSync(readFileSync(join(lib, "velhls.wasm")), { level: 9 }).toString("base64"),
+};
 const page = readFileSync(join(here, "page.html"), "utf8").replaceAll(/\{\{(\w+)\}\}/g, (_, name) => parts[name]);
 writeFileSync(output, page);

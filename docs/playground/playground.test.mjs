@@ -28,7 +28,10 @@ async function withPage(use, options = {}) {
     await page.waitForFunction(() => document.getElementById("summary").textContent !== "Loading…");
     await use(page);
     assert.deepEqual(thrown, []);
-    assert.deepEqual(asked.filter((each) => !each.startsWith("blob:")), [url]);
+    assert.deepEqual(
+        asked.filter((each) => !each.startsWith("blob:")),
+        [url],
+    );
     await page.close();
 }
 
@@ -129,7 +132,11 @@ test("playlists that are opened or dropped are chosen from a list", () =>
 
 test("bytes stay as they are, by fixes too", () =>
     withPage(async (page) => {
-        const bytes = Buffer.concat([Buffer.from("#EXTM3U\r\n#EXT-X-STREAM-INF:BANDWIDTH=1,\r\nlow"), Buffer.from([0xff, 0x00]), Buffer.from(".m3u8\r\n")]);
+        const bytes = Buffer.concat([
+            Buffer.from("#EXTM3U\r\n#EXT-X-STREAM-INF:BANDWIDTH=1,\r\nlow"),
+            Buffer.from([0xff, 0x00]),
+            Buffer.from(".m3u8\r\n"),
+        ]);
         await opened(page, "bytes.m3u8", bytes);
         await page.waitForFunction(() => document.getElementById("note").textContent.includes("not UTF-8"));
         assert.deepEqual(await saved(page), bytes);
@@ -182,10 +189,31 @@ test("the keyboard reaches everything", () =>
             await page.keyboard.press("Tab");
             order.push(await focused());
         }
-        const wanted = ["open", "playlists", "save", "text", "tab-findings", "panel-findings", "severity", "lossy", "guess", "mend", "place"];
-        assert.deepEqual(order.filter((id) => wanted.includes(id)), wanted);
+        const wanted = [
+            "open",
+            "playlists",
+            "save",
+            "text",
+            "tab-findings",
+            "panel-findings",
+            "severity",
+            "lossy",
+            "guess",
+            "mend",
+            "place",
+        ];
+        assert.deepEqual(
+            order.filter((id) => wanted.includes(id)),
+            wanted,
+        );
         await page.focus("#tab-findings");
-        for (const [key, tab] of [["ArrowRight", "tab-model"], ["End", "tab-changes"], ["ArrowRight", "tab-findings"], ["ArrowLeft", "tab-changes"], ["Home", "tab-findings"]]) {
+        for (const [key, tab] of [
+            ["ArrowRight", "tab-model"],
+            ["End", "tab-changes"],
+            ["ArrowRight", "tab-findings"],
+            ["ArrowLeft", "tab-changes"],
+            ["Home", "tab-findings"],
+        ]) {
             await page.keyboard.press(key);
             assert.equal(await focused(), tab);
             assert.equal(await page.getAttribute(`#${tab}`, "aria-selected"), "true");
@@ -207,7 +235,11 @@ for (const colorScheme of ["light", "dark"]) {
                     if (tab === "model") await typed(page, mended);
                     await page.click(`#tab-${tab}`);
                     const { violations } = await page.evaluate(() => globalThis.axe.run());
-                    assert.deepEqual(violations.map(({ id, nodes }) => [id, nodes.map(({ html }) => html)]), [], tab);
+                    assert.deepEqual(
+                        violations.map(({ id, nodes }) => [id, nodes.map(({ html }) => html)]),
+                        [],
+                        tab,
+                    );
                 }
             },
             { colorScheme },
@@ -217,7 +249,9 @@ for (const colorScheme of ["light", "dark"]) {
 test("the page is dark where that is wanted", async () => {
     const colours = [];
     for (const colorScheme of ["light", "dark"]) {
-        await withPage(async (page) => colours.push(await page.$eval("body", (body) => getComputedStyle(body).backgroundColor)), { colorScheme });
+        await withPage(async (page) => colours.push(await page.$eval("body", (body) => getComputedStyle(body).backgroundColor)), {
+            colorScheme,
+        });
     }
     assert.deepEqual(colours, ["rgb(246, 247, 249)", "rgb(20, 23, 27)"]);
 });
@@ -225,7 +259,9 @@ test("the page is dark where that is wanted", async () => {
 test("a narrow page shows one below the other", () =>
     withPage(
         async (page) => {
-            const [input, output] = await page.$$eval("section", (sections) => sections.map((each) => each.getBoundingClientRect().toJSON()));
+            const [input, output] = await page.$$eval("section", (sections) =>
+                sections.map((each) => each.getBoundingClientRect().toJSON()),
+            );
             assert.ok(output.top >= input.bottom);
             assert.ok(await page.evaluate(() => document.documentElement.scrollWidth <= innerWidth));
         },

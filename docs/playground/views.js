@@ -15,7 +15,9 @@ const shownValue = (value) => {
 function recordsTable(title, list) {
     const records = [];
     for (let index = 0; index < Math.min(list.length, mostRows); ++index) records.push(list.at(index));
-    const heads = Object.keys(records[0]).filter((name) => records.some((record) => !["", 0, false, null].includes(record[name])));
+    const heads = Object.keys(records[0]).filter((name) =>
+        records.some((record) => !["", 0, false, null].includes(record[name])),
+    );
     const more = list.length > mostRows ? [element("p", { className: "note" }, `The first ${mostRows} of ${list.length}.`)] : [];
     return [
         element("h3", {}, `${title} (${list.length})`),
@@ -47,7 +49,13 @@ export function showModel(panel, library, source, kind) {
         return;
     }
     const parts = [element("h3", {}, playlist.kind === "master" ? "Master playlist" : "Media playlist")];
-    parts.push(table("Fields", ["field", "value"], Object.entries(playlist).map(([name, value]) => [name, shownValue(value)])));
+    parts.push(
+        table(
+            "Fields",
+            ["field", "value"],
+            Object.entries(playlist).map(([name, value]) => [name, shownValue(value)]),
+        ),
+    );
     for (const [title, name] of lists) if (playlist[name]?.length > 0) parts.push(...recordsTable(title, playlist[name]));
     playlist.free();
     panel.replaceChildren(...parts);
@@ -66,7 +74,8 @@ export function showDocument(panel, text) {
     }
     const shown = table("Lines", ["line", "what", "text, or attributes"], rows);
     shown.classList.add("wrapping");
-    const more = lines.length > mostRows ? [element("p", { className: "note" }, `The first ${mostRows} of ${lines.length} lines.`)] : [];
+    const more =
+        lines.length > mostRows ? [element("p", { className: "note" }, `The first ${mostRows} of ${lines.length} lines.`)] : [];
     panel.replaceChildren(shown, ...more);
 }
 

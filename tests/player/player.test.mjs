@@ -112,10 +112,16 @@ const fixed = {
 function rulesOf(profile, ...options) {
     const { stdout } = run("check", "--format", "json", "--severity", "note", "--profile", profile, ...options, examples);
     const isCounted = ({ fixes }) => options.length === 0 || fixes !== undefined;
-    return new Map(JSON.parse(stdout).files.map(({ path, findings }) => [path, findings.filter(isCounted).map(({ rule }) => rule)]));
+    return new Map(
+        JSON.parse(stdout).files.map(({ path, findings }) => [path, findings.filter(isCounted).map(({ rule }) => rule)]),
+    );
 }
 
-for (const [profile, least] of [["rfc8216", 40], ["rfc8216bis", 40], ["library", 40]]) {
+for (const [profile, least] of [
+    ["rfc8216", 40],
+    ["rfc8216bis", 40],
+    ["library", 40],
+]) {
     test(`safe fixes of ${profile} change nothing that a player sees but what they mend`, () => {
         const rules = rulesOf(profile, "--fixes");
         compareAll((file, text) => {

@@ -34,7 +34,11 @@ const segmentOf = (fragment) => ({
     date: fragment.programDateTime,
     range: rangeOf(fragment),
     keys: keysOf(fragment.levelkeys),
-    map: fragment.initSegment && { uri: fragment.initSegment.url, range: rangeOf(fragment.initSegment), keys: keysOf(fragment.initSegment.levelkeys) },
+    map: fragment.initSegment && {
+        uri: fragment.initSegment.url,
+        range: rangeOf(fragment.initSegment),
+        keys: keysOf(fragment.initSegment.levelkeys),
+    },
 });
 
 function mediaOf(text) {
@@ -64,7 +68,11 @@ function masterOf(text) {
         start: master.startTimeOffset,
         variants: master.levels.map(levelOf),
         iFrameVariants: (master.iframeVariants ?? []).map(iFramesOf),
-        renditions: attributesOfAll(Object.values(renditions).flatMap((list) => (Array.isArray(list) ? list : [])).map(({ attrs }) => attrs)),
+        renditions: attributesOfAll(
+            Object.values(renditions)
+                .flatMap((list) => (Array.isArray(list) ? list : []))
+                .map(({ attrs }) => attrs),
+        ),
         sessionData: Object.values(master.sessionData ?? {}).map(attributesOf),
         sessionKeys: (master.sessionKeys ?? []).map(keyOf),
         steering: master.contentSteering && { ...master.contentSteering },

@@ -13,13 +13,7 @@ export function makeChecks(memory, Document) {
 
     function fixesOf(findings, finding, count) {
         return Array.from({ length: count }, (_, index) => {
-            const fix = memory.structure(
-                calls.velhls_findings_fix,
-                findings,
-                layout.velhls_fix,
-                finding,
-                index,
-            );
+            const fix = memory.structure(calls.velhls_findings_fix, findings, layout.velhls_fix, finding, index);
             return {
                 fixClass: fixClasses[fix.fixClass],
                 sentence: fix.sentence,
@@ -39,13 +33,7 @@ export function makeChecks(memory, Document) {
             );
             finding.severity = severities[finding.severity];
             finding.related = Array.from({ length: relatedCount }, (_, related) =>
-                memory.structure(
-                    calls.velhls_findings_related,
-                    findings,
-                    velhls_related_place,
-                    index,
-                    related,
-                ),
+                memory.structure(calls.velhls_findings_related, findings, velhls_related_place, index, related),
             );
             finding.fixes = fixesOf(findings, index, fixCount);
             return finding;
@@ -75,11 +63,7 @@ export function makeChecks(memory, Document) {
         const options = { profiles: profilesNamed(profiles), kind: kindNamed(kind), fixes };
         return memory.withText(text, (address, length) => {
             const at = memory.options(layout.velhls_check_options, options);
-            return during(
-                () => calls.velhls_check(address, length, at, memory.out),
-                calls.velhls_report_free,
-                reportOf,
-            );
+            return during(() => calls.velhls_check(address, length, at, memory.out), calls.velhls_report_free, reportOf);
         });
     }
 
@@ -97,12 +81,7 @@ export function makeChecks(memory, Document) {
     function mendedOf(mended, asBytes) {
         const { velhls_done } = layout;
         const data = calls.velhls_mended_data(mended) >>> 0;
-        const done = memory.structures(
-            calls.velhls_mended_done_count(mended),
-            calls.velhls_mended_done,
-            mended,
-            velhls_done,
-        );
+        const done = memory.structures(calls.velhls_mended_done_count(mended), calls.velhls_mended_done, mended, velhls_done);
         return {
             text: memory.whole(data, calls.velhls_mended_length(mended) >>> 0, asBytes),
             edits: editsAt(calls.velhls_mended_edit_count(mended), calls.velhls_mended_edit, mended),

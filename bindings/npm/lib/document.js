@@ -95,12 +95,7 @@ export function makeDocuments(memory) {
         get variants() {
             const { velhls_structure_variant } = layout;
             return this.#structureList(calls.velhls_structure_variant_count, (structure, index) =>
-                memory.structure(
-                    calls.velhls_structure_get_variant,
-                    structure,
-                    velhls_structure_variant,
-                    index,
-                ),
+                memory.structure(calls.velhls_structure_get_variant, structure, velhls_structure_variant, index),
             );
         }
 
@@ -173,12 +168,7 @@ export function makeDocuments(memory) {
         }
 
         #uri(index) {
-            return memory.structure(
-                calls.velhls_uris_get,
-                this.#urisAddress(),
-                layout.velhls_uri,
-                index,
-            );
+            return memory.structure(calls.velhls_uris_get, this.#urisAddress(), layout.velhls_uri, index);
         }
 
         #urisAddress() {

@@ -99,10 +99,7 @@ export interface Report {
 }
 
 /** Checks a text by RFC 8216, or by the profiles that are asked for; with `fixes` the findings have them. */
-export function check(
-    text: Text,
-    options?: { profiles?: Profile | Iterable<Profile>; kind?: Kind; fixes?: boolean },
-): Report;
+export function check(text: Text, options?: { profiles?: Profile | Iterable<Profile>; kind?: Kind; fixes?: boolean }): Report;
 
 /** A fix that was taken. */
 export interface Done {

@@ -24,22 +24,22 @@ const strictDecoder = new TextDecoder("utf-8", { ignoreBOM: true, fatal: true })
 export const isBytes = (text) => typeof text !== "string";
 
 /** What kind of thing a value is, for messages. */
-export const described = (value) => (value === null ? "null" : typeof value === "object" ? value.constructor?.name ?? "an object" : typeof value);
+export const described = (value) =>
+    value === null ? "null" : typeof value === "object" ? (value.constructor?.name ?? "an object") : typeof value;
 
-/** A short text in ASCII; null where it is none. Eight at a time, since each addition makes a string. */
-function asciiOf(bytes, begin, end) {
+function areAscii(bytes, begin, end) {
+    let all = 0;
+    for (let at = begin; at < end; ++at) all |= bytes[at];
+    return all < 0x80;
+}
+
+/** A short text in ASCII. Four characters at a time, since each addition makes a string. */
+function asciiText(bytes, begin, end) {
+    const code = String.fromCharCode;
     let text = "";
     let at = begin;
-    for (; at + 8 <= end; at += 8) {
-        const a = bytes[at], b = bytes[at + 1], c = bytes[at + 2], d = bytes[at + 3];
-        const e = bytes[at + 4], f = bytes[at + 5], g = bytes[at + 6], h = bytes[at + 7];
-        if ((a | b | c | d | e | f | g | h) > 0x7f) return null;
-        text += String.fromCharCode(a, b, c, d, e, f, g, h);
-    }
-    for (; at < end; ++at) {
-        if (bytes[at] > 0x7f) return null;
-        text += String.fromCharCode(bytes[at]);
-    }
+    for (; at + 4 <= end; at += 4) text += code(bytes[at], bytes[at + 1], bytes[at + 2], bytes[at + 3]);
+    for (; at < end; ++at) text += code(bytes[at]);
     return text;
 }
 
@@ -141,11 +141,9 @@ class Memory {
     text(address, length) {
         if (length === 0) return address === 0 ? null : "";
         const { bytes } = this;
-        if (length <= fewBytes) {
-            const text = asciiOf(bytes, address, address + length);
-            if (text !== null) return text;
-        }
-        return decoder.decode(bytes.subarray(address, address + length));
+        const end = address + length;
+        if (length <= fewBytes && areAscii(bytes, address, end)) return asciiText(bytes, address, end);
+        return decoder.decode(bytes.subarray(address, end));
     }
 
     /** The same as bytes that are the caller's. */

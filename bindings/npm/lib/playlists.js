@@ -67,11 +67,7 @@ export function makePlaylists(memory, whyNeither) {
 
         constructor(address, isOfBytes) {
             super(memory, address, calls.velhls_media_free, isOfBytes);
-            const info = memory.structure(
-                calls.velhls_media_get,
-                address,
-                layout.velhls_media_info,
-            );
+            const info = memory.structure(calls.velhls_media_get, address, layout.velhls_media_info);
             this.#length = info.segmentCount;
             this.hasHeader = info.hasHeader;
             this.version = info.version;
@@ -157,12 +153,7 @@ export function makePlaylists(memory, whyNeither) {
 
         #segment(address, index) {
             if (Handle.address(this) !== address) return undefined;
-            const segment = memory.structure(
-                calls.velhls_media_segment,
-                address,
-                layout.velhls_segment,
-                index,
-            );
+            const segment = memory.structure(calls.velhls_media_segment, address, layout.velhls_segment, index);
             segment.key = this.#key(segment.key);
             segment.map = this.#map(segment.map);
             return segment;
@@ -202,11 +193,7 @@ export function makePlaylists(memory, whyNeither) {
 
         constructor(address, isOfBytes) {
             super(memory, address, calls.velhls_master_free, isOfBytes);
-            const info = memory.structure(
-                calls.velhls_master_get,
-                address,
-                layout.velhls_master_info,
-            );
+            const info = memory.structure(calls.velhls_master_get, address, layout.velhls_master_info);
             this.#info = info;
             this.hasHeader = info.hasHeader;
             this.version = info.version;

@@ -1,7 +1,20 @@
 // Checks, fixes, comparisons and presentations, with their exact words.
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { check, checkPresentation, compare, Document, fix, fixForModels, parse, references, RefusedError, render, rule, write } from "velhls";
+import {
+    check,
+    checkPresentation,
+    compare,
+    Document,
+    fix,
+    fixForModels,
+    parse,
+    references,
+    RefusedError,
+    render,
+    rule,
+    write,
+} from "velhls";
 
 const text = '#EXTM3U\n#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID="a"\n';
 
@@ -9,7 +22,9 @@ test("a finding says what was expected and where", () => {
     const report = check(text, { profiles: ["rfc8216", "library"] });
     assert.equal(report.kind, "master");
     assert.deepEqual(
-        report.findings.filter(({ severity }) => severity === "error").map(({ line, column, message, rule }) => [line, column, message, rule]),
+        report.findings
+            .filter(({ severity }) => severity === "error")
+            .map(({ line, column, message, rule }) => [line, column, message, rule]),
         [
             [1, 1, "EXTM3U: expected at least one EXT-X-STREAM-INF or EXT-X-I-FRAME-STREAM-INF, seen none", "variants-missing"],
             [2, 2, "EXT-X-MEDIA: expected NAME, seen none", "attribute-missing"],
@@ -75,7 +90,10 @@ test("a comparison says what was added and what is forbidden", () => {
     ]);
     assert.deepEqual(findings, []);
     const forbidden = compare(new Document(before), new Document(before.replace("DURATION:6", "DURATION:7")), { elapsed: 6 });
-    assert.deepEqual(forbidden.findings.map(({ rule }) => rule), ["target-duration-changed", "new-segment-missing"]);
+    assert.deepEqual(
+        forbidden.findings.map(({ rule }) => rule),
+        ["target-duration-changed", "new-segment-missing"],
+    );
     assert.deepEqual(compare(before, before).changes, []);
 });
 
@@ -102,8 +120,14 @@ test("a presentation is checked as a whole", () => {
         { uri: "low.m3u8", text: media(6) },
         { uri: "high.m3u8", text: new Document(media(7)) },
     ]);
-    assert.ok(findings.some(({ uri, related }) => uri !== "" && related.length > 0), JSON.stringify(findings));
-    const missing = checkPresentation(whole, [{ uri: "low.m3u8", text: media(6) }, { uri: "high.m3u8", text: null, why: "too large" }]);
+    assert.ok(
+        findings.some(({ uri, related }) => uri !== "" && related.length > 0),
+        JSON.stringify(findings),
+    );
+    const missing = checkPresentation(whole, [
+        { uri: "low.m3u8", text: media(6) },
+        { uri: "high.m3u8", text: null, why: "too large" },
+    ]);
     assert.notDeepEqual(missing, findings);
 });
 
@@ -133,6 +157,6 @@ test("options of writing are those of the kind", () => {
 });
 
 test("what cannot be written is refused with the reason", () => {
-    const noTarget = "#EXTM3U\n#EXT-X-KEY:METHOD=AES-128,URI=\"k\"\n#EXT-X-STREAM-INF:BANDWIDTH=1\n";
+    const noTarget = '#EXTM3U\n#EXT-X-KEY:METHOD=AES-128,URI="k"\n#EXT-X-STREAM-INF:BANDWIDTH=1\n';
     assert.throws(() => write(noTarget, { kind: "master" }), Error);
 });

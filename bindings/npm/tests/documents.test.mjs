@@ -49,10 +49,13 @@ test("attributes are those of a line", () => {
 
 test("URIs are lines and attributes", () => {
     const document = new Document('#EXTM3U\n#EXT-X-KEY:METHOD=AES-128,URI="k"\n#EXTINF:1,\nsegment.ts\n');
-    assert.deepEqual([...document.uris], [
-        { line: 2, text: "k", attribute: "URI" },
-        { line: 4, text: "segment.ts", attribute: "" },
-    ]);
+    assert.deepEqual(
+        [...document.uris],
+        [
+            { line: 2, text: "k", attribute: "URI" },
+            { line: 4, text: "segment.ts", attribute: "" },
+        ],
+    );
     assert.equal(
         document.apply(document.uris.map((uri, index) => document.replaceUri(index, `https://a/${uri.text}`))),
         '#EXTM3U\n#EXT-X-KEY:METHOD=AES-128,URI="https://a/k"\n#EXTINF:1,\nhttps://a/segment.ts\n',
@@ -60,10 +63,13 @@ test("URIs are lines and attributes", () => {
 });
 
 test("structures tell the lines of variants and segments", () => {
-    assert.deepEqual([...new Document(text).variants], [
-        { tagLine: 5, uriLine: 6 },
-        { tagLine: 7, uriLine: 8 },
-    ]);
+    assert.deepEqual(
+        [...new Document(text).variants],
+        [
+            { tagLine: 5, uriLine: 6 },
+            { tagLine: 7, uriLine: 8 },
+        ],
+    );
     const media = new Document('#EXTM3U\n#EXT-X-KEY:METHOD=AES-128,URI="k"\n#EXTINF:1.5,\na.ts\n#EXTINF:2,\nb.ts\n');
     const [, second] = media.segments;
     assert.deepEqual(

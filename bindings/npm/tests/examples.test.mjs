@@ -74,8 +74,16 @@ test("every example that is accepted has as many records as its columns have val
         if (check(text, { profiles: [] }).rejected !== null) continue;
         const playlist = parse(text);
         if (playlist.kind === "media") {
-            assert.deepEqual(playlist.segments.map(({ uri }) => uri), playlist.uris, path);
-            assert.deepEqual(playlist.segments.map(({ duration }) => duration), [...playlist.durations], path);
+            assert.deepEqual(
+                playlist.segments.map(({ uri }) => uri),
+                playlist.uris,
+                path,
+            );
+            assert.deepEqual(
+                playlist.segments.map(({ duration }) => duration),
+                [...playlist.durations],
+                path,
+            );
         } else {
             const uris = [...playlist.variants, ...playlist.iFrameVariants].map(({ uri }) => uri);
             assert.deepEqual(uris, playlist.variantUris, path);

@@ -13,7 +13,10 @@ test("the programs of the guide print what it shows", { skip: source === undefin
     assert.equal(blocks.length, page.match(/^```js$/gm).length);
     for (const [, program, shown] of blocks) {
         const folder = new URL(".", import.meta.url);
-        const printed = execFileSync(process.execPath, ["--input-type=module", "--eval", program], { cwd: folder, encoding: "utf8" });
+        const printed = execFileSync(process.execPath, ["--input-type=module", "--eval", program], {
+            cwd: folder,
+            encoding: "utf8",
+        });
         assert.equal(printed.trimEnd(), shown.trimEnd());
     }
 });

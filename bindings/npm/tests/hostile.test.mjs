@@ -15,9 +15,15 @@ test("NUL bytes are bytes like any other", () => {
 test("lines may end in CR and LF, and the last one in nothing", () => {
     const text = "#EXTM3U\r\n#EXT-X-TARGETDURATION:1\r\n#EXTINF:1,\r\nsegment.ts\r\n#EXTINF:1,\r\nsegment2.ts";
     const document = new Document(text);
-    assert.deepEqual(document.lines.map(({ ending }) => ending), ["\r\n", "\r\n", "\r\n", "\r\n", "\r\n", ""]);
+    assert.deepEqual(
+        document.lines.map(({ ending }) => ending),
+        ["\r\n", "\r\n", "\r\n", "\r\n", "\r\n", ""],
+    );
     assert.equal(document.apply(document.replaceUri(1, "x.ts")), text.replace("segment2.ts", "x.ts"));
-    assert.deepEqual(document.uris.map((uri) => uri.text), ["segment.ts", "segment2.ts"]);
+    assert.deepEqual(
+        document.uris.map((uri) => uri.text),
+        ["segment.ts", "segment2.ts"],
+    );
 });
 
 test("bytes that are not UTF-8 become U+FFFD in strings, and stay in texts of bytes", () => {

@@ -77,7 +77,7 @@ test("memory that runs out is a RangeError, and what was there stays", () => {
     const playlist = library.parse(text);
     const taken = [];
     for (let size = 2 ** 30; size >= 2 ** 12; size /= 2) {
-        for (let at; (at = calls.malloc(size)) !== 0; ) taken.push(at);
+        for (let at; (at = calls.malloc(size)) !== 0;) taken.push(at);
     }
     const out = { name: "RangeError", message: "memory ran out" };
     assert.throws(() => library.parse(text), out);

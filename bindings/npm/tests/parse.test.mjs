@@ -56,40 +56,43 @@ test("a media playlist has the values of its tags", () => {
 test("a segment has the values of its tags", () => {
     const segments = parse(media).segments;
     assert.equal(segments.length, 2);
-    assert.deepEqual([...segments], [
-        {
-            uri: "segment1.mp4",
-            duration: 6.006,
-            title: ",Ünïcode",
-            startTime: 0,
-            mediaSequence: 9007199254740992,
-            discontinuitySequence: 0,
-            discontinuity: false,
-            programDateTime: 1767225600,
-            byteRange: { length: 1024, offset: 720 },
-            key,
-            map: { uri: "init.mp4", byteRange: { length: 720, offset: 0 } },
-            cueIn: false,
-            cueOut: "",
-            cueOutCont: "",
-        },
-        {
-            uri: "segment2.mp4",
-            duration: 4,
-            title: ",",
-            startTime: 6.006,
-            mediaSequence: 9007199254740994,
-            discontinuitySequence: 1,
-            discontinuity: true,
-            programDateTime: 1767225606.006,
-            byteRange: null,
-            key,
-            map: { uri: "init.mp4", byteRange: { length: 720, offset: 0 } },
-            cueIn: false,
-            cueOut: "30",
-            cueOutCont: "",
-        },
-    ]);
+    assert.deepEqual(
+        [...segments],
+        [
+            {
+                uri: "segment1.mp4",
+                duration: 6.006,
+                title: ",Ünïcode",
+                startTime: 0,
+                mediaSequence: 9007199254740992,
+                discontinuitySequence: 0,
+                discontinuity: false,
+                programDateTime: 1767225600,
+                byteRange: { length: 1024, offset: 720 },
+                key,
+                map: { uri: "init.mp4", byteRange: { length: 720, offset: 0 } },
+                cueIn: false,
+                cueOut: "",
+                cueOutCont: "",
+            },
+            {
+                uri: "segment2.mp4",
+                duration: 4,
+                title: ",",
+                startTime: 6.006,
+                mediaSequence: 9007199254740994,
+                discontinuitySequence: 1,
+                discontinuity: true,
+                programDateTime: 1767225606.006,
+                byteRange: null,
+                key,
+                map: { uri: "init.mp4", byteRange: { length: 720, offset: 0 } },
+                cueIn: false,
+                cueOut: "30",
+                cueOutCont: "",
+            },
+        ],
+    );
 });
 
 test("a key that segments share is one object", () => {
@@ -115,18 +118,29 @@ test("columns hold one value for each segment", () => {
 
 test("columns agree with the objects", () => {
     const playlist = parse(media);
-    assert.deepEqual([...playlist.programDateTimes], playlist.segments.map(({ programDateTime }) => programDateTime));
-    assert.deepEqual([...playlist.startTimes], playlist.segments.map(({ startTime }) => startTime));
+    assert.deepEqual(
+        [...playlist.programDateTimes],
+        playlist.segments.map(({ programDateTime }) => programDateTime),
+    );
+    assert.deepEqual(
+        [...playlist.startTimes],
+        playlist.segments.map(({ startTime }) => startTime),
+    );
 });
 
 test("URIs with characters of several bytes are divided where they end", () => {
     const playlist = parse("#EXTM3U\n#EXTINF:1,\nä-long-name-of-a-segment.ts\n#EXTINF:1,\nshorter.ts\n#EXTINF:1,\n🎬.ts\n");
     assert.deepEqual(playlist.uris, ["ä-long-name-of-a-segment.ts", "shorter.ts", "🎬.ts"]);
-    assert.deepEqual(playlist.segments.map(({ uri }) => uri), playlist.uris);
+    assert.deepEqual(
+        playlist.segments.map(({ uri }) => uri),
+        playlist.uris,
+    );
 });
 
 test("variables are a map in the order of their names", () => {
-    const playlist = parse('#EXTM3U\n#EXT-X-DEFINE:NAME="b",VALUE="2"\n#EXT-X-DEFINE:NAME="a",VALUE="1"\n#EXTINF:1,\n{$a}{$b}.ts\n');
+    const playlist = parse(
+        '#EXTM3U\n#EXT-X-DEFINE:NAME="b",VALUE="2"\n#EXT-X-DEFINE:NAME="a",VALUE="1"\n#EXTINF:1,\n{$a}{$b}.ts\n',
+    );
     assert.deepEqual([...playlist.variables.keys()].sort(), ["a", "b"]);
 });
 
@@ -167,39 +181,49 @@ test("a master playlist has the values of its tags", () => {
         { ...playlist },
         { hasHeader: true, version: 5, independentSegments: true, startTimeOffset: -1, startPrecise: false },
     );
-    assert.deepEqual([...playlist.variants], [
-        variant,
-        {
-            ...variant,
-            uri: "360.m3u8",
-            bandwidth: 800000,
-            averageBandwidth: 0,
-            codecs: "",
-            resolution: "",
-            audio: null,
-        },
-    ]);
-    assert.deepEqual([...playlist.iFrameVariants].map(({ uri, isIFrame }) => [uri, isIFrame]), [["i.m3u8", true]]);
-    assert.deepEqual([...playlist.renditions], [
-        {
-            type: "AUDIO",
-            isDefault: true,
-            autoSelect: true,
-            forced: false,
-            uri: "en.m3u8",
-            groupId: "audio",
-            name: "English",
-            language: "en",
-            assocLanguage: "",
-            instreamId: "",
-            audioTrackType: "",
-            characteristics: ["a", "b"],
-        },
-    ]);
-    assert.deepEqual([...playlist.sessionData], [
-        { dataId: "com.example.title", value: "Title", uri: "", language: "en" },
-    ]);
-    assert.deepEqual([...playlist.sessionKeys].map(({ method, uri }) => [method, uri]), [["AES-128", "key"]]);
+    assert.deepEqual(
+        [...playlist.variants],
+        [
+            variant,
+            {
+                ...variant,
+                uri: "360.m3u8",
+                bandwidth: 800000,
+                averageBandwidth: 0,
+                codecs: "",
+                resolution: "",
+                audio: null,
+            },
+        ],
+    );
+    assert.deepEqual(
+        [...playlist.iFrameVariants].map(({ uri, isIFrame }) => [uri, isIFrame]),
+        [["i.m3u8", true]],
+    );
+    assert.deepEqual(
+        [...playlist.renditions],
+        [
+            {
+                type: "AUDIO",
+                isDefault: true,
+                autoSelect: true,
+                forced: false,
+                uri: "en.m3u8",
+                groupId: "audio",
+                name: "English",
+                language: "en",
+                assocLanguage: "",
+                instreamId: "",
+                audioTrackType: "",
+                characteristics: ["a", "b"],
+            },
+        ],
+    );
+    assert.deepEqual([...playlist.sessionData], [{ dataId: "com.example.title", value: "Title", uri: "", language: "en" }]);
+    assert.deepEqual(
+        [...playlist.sessionKeys].map(({ method, uri }) => [method, uri]),
+        [["AES-128", "key"]],
+    );
 });
 
 test("columns of a master playlist hold one value for each variant", () => {
@@ -244,13 +268,16 @@ test("a rejection tells rule, place and message", () => {
         (error) => {
             assert.ok(error instanceof PlaylistError);
             assert.equal(error.message, 'line 2: EXT-X-STREAM-INF: BANDWIDTH: expected a number, seen "fast"');
-            assert.deepEqual({ ...error.reason }, {
-                rule: error.reason.rule,
-                line: 2,
-                column: 29,
-                length: 4,
-                message: 'EXT-X-STREAM-INF: BANDWIDTH: expected a number, seen "fast"',
-            });
+            assert.deepEqual(
+                { ...error.reason },
+                {
+                    rule: error.reason.rule,
+                    line: 2,
+                    column: 29,
+                    length: 4,
+                    message: 'EXT-X-STREAM-INF: BANDWIDTH: expected a number, seen "fast"',
+                },
+            );
             assert.match(error.reason.rule, /^[a-z-]+$/);
             return true;
         },

@@ -11,7 +11,9 @@ const types = ["parse.d.ts", "index.d.ts"].map((name) => readFileSync(new URL(na
 /** The names of an interface's or a class's members. */
 function membersOf(name) {
     const body = new RegExp(`^export (?:interface|class) ${name}\\b[^{]*\\{\\n(.*?)^\\}`, "ms").exec(types)[1];
-    return [...body.matchAll(/^ {4}(?:readonly )?(\w+)\??[:(<]/gm)].map(([, member]) => member).filter((member) => member !== "constructor");
+    return [...body.matchAll(/^ {4}(?:readonly )?(\w+)\??[:(<]/gm)]
+        .map(([, member]) => member)
+        .filter((member) => member !== "constructor");
 }
 
 const media = velhls.parse('#EXTM3U\n#EXT-X-KEY:METHOD=NONE\n#EXT-X-MAP:URI="i",BYTERANGE="1@2"\n#EXTINF:1,\nsegment.ts\n');
@@ -72,7 +74,12 @@ const propertiesOf = (object) =>
 test("the types of playlists and documents have the members that there are", () => {
     assert.deepEqual(propertiesOf(media).sort(), membersOf("MediaPlaylist").sort());
     assert.deepEqual(propertiesOf(master).sort(), membersOf("MasterPlaylist").sort());
-    assert.deepEqual(propertiesOf(document).sort(), membersOf("Document").filter((name) => name !== "free").sort());
+    assert.deepEqual(
+        propertiesOf(document).sort(),
+        membersOf("Document")
+            .filter((name) => name !== "free")
+            .sort(),
+    );
 });
 
 test("the types have the names that are exported", () => {
@@ -84,11 +91,14 @@ test("the types have the names that are exported", () => {
 test("the smaller module reads as the whole one", () => {
     const text = "#EXTM3U\n#EXTINF:1.5,\nsegment.ts\n";
     assert.deepEqual([...parsing.parse(text).segments], [...velhls.parse(text).segments]);
-    assert.throws(() => parsing.parse("#EXTM3U\n#EXTINF:x,\nsegment.ts\n"), (error) => {
-        assert.ok(error instanceof velhls.PlaylistError);
-        assert.deepEqual(error.reason, velhls.check("#EXTM3U\n#EXTINF:x,\nsegment.ts\n", { profiles: [] }).rejected);
-        return true;
-    });
+    assert.throws(
+        () => parsing.parse("#EXTM3U\n#EXTINF:x,\nsegment.ts\n"),
+        (error) => {
+            assert.ok(error instanceof velhls.PlaylistError);
+            assert.deepEqual(error.reason, velhls.check("#EXTM3U\n#EXTINF:x,\nsegment.ts\n", { profiles: [] }).rejected);
+            return true;
+        },
+    );
     assert.throws(() => parsing.parse("hello"), {
         message: "line 1: expected an HLS playlist, seen no tag that only a master or only a media playlist has",
     });

@@ -1,5 +1,17 @@
 // Compiled, and not run: what a program in TypeScript says of the package.
-import { check, compare, Document, fix, MasterPlaylist, parse, PlaylistError, render, write, type Finding, type Segment } from "velhls";
+import {
+    check,
+    compare,
+    Document,
+    fix,
+    MasterPlaylist,
+    parse,
+    PlaylistError,
+    render,
+    write,
+    type Finding,
+    type Segment,
+} from "velhls";
 import { parse as parseOnly } from "velhls/parse";
 
 const playlist = parse("#EXTM3U\n");
