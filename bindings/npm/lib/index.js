@@ -1,7 +1,6 @@
-import { load } from "#load";
-
 import { PlaylistError, RefusedError } from "./errors.js";
 import { makeLibrary } from "./library.js";
+import { load } from "./load.js";
 
 const library = makeLibrary(await load(new URL("./velhls.wasm", import.meta.url)));
 

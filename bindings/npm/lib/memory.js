@@ -51,7 +51,7 @@ function bytesOf(text) {
 }
 
 /** Makes the memory of an instance, which `instantiate` makes when it is given what the module imports. */
-export function makeMemory(instantiate) {
+export async function makeMemory(instantiate) {
     const memory = new Memory();
     const imports = {
         env: { emscripten_notify_memory_growth: () => memory.refresh() },
@@ -68,8 +68,7 @@ export function makeMemory(instantiate) {
             environ_get: () => 0,
         },
     };
-    const instance = instantiate(imports);
-    return instance instanceof Promise ? instance.then((made) => memory.begin(made)) : memory.begin(instance);
+    return memory.begin(await instantiate(imports));
 }
 
 class Memory {

@@ -1,7 +1,6 @@
 // The models alone, to be read: a smaller module, which neither checks nor writes.
-import { load } from "#load";
-
 import { PlaylistError } from "./errors.js";
+import { load } from "./load.js";
 import { makePlaylists } from "./playlists.js";
 
 const memory = await load(new URL("./velhls-parse.wasm", import.meta.url));

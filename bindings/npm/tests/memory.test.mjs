@@ -5,13 +5,13 @@ import { test } from "node:test";
 import { fileURLToPath } from "node:url";
 
 const folder = new URL(".", import.meta.resolve("velhls"));
-const { load } = await import(new URL("load-node.js", folder));
+const { load } = await import(new URL("load.js", folder));
 const { makeLibrary } = await import(new URL("library.js", folder));
 
 const text = `#EXTM3U\n${Array.from({ length: 20_000 }, (_, i) => `#EXTINF:6,\nsegment${i}.ts\n`).join("")}`;
 
-const fresh = () => {
-    const memory = load(new URL("velhls.wasm", folder));
+const fresh = async () => {
+    const memory = await load(new URL("velhls.wasm", folder));
     return { memory, library: makeLibrary(memory) };
 };
 
@@ -32,8 +32,8 @@ test("a module asks for no more than the library gives it", () => {
     }
 });
 
-test("what is freed is used again", () => {
-    const { memory, library } = fresh();
+test("what is freed is used again", async () => {
+    const { memory, library } = await fresh();
     const once = () => {
         const playlist = library.parse(text);
         assert.equal(playlist.segments.at(-1).uri, "segment19999.ts");
@@ -61,7 +61,7 @@ test("what is collected is used again", async () => {
     const { runInNewContext } = await import("node:vm");
     setFlagsFromString("--expose-gc");
     const collect = runInNewContext("gc");
-    const { memory, library } = fresh();
+    const { memory, library } = await fresh();
     for (let i = 0; i < 40; ++i) {
         library.parse(text);
         collect();
@@ -71,8 +71,8 @@ test("what is collected is used again", async () => {
     assert.ok(pagesOf(memory) * 65536 < bytesOfOne * 10, `${pagesOf(memory)} pages`);
 });
 
-test("memory that runs out is a RangeError, and what was there stays", () => {
-    const { memory, library } = fresh();
+test("memory that runs out is a RangeError, and what was there stays", async () => {
+    const { memory, library } = await fresh();
     const { calls } = memory;
     const playlist = library.parse(text);
     const taken = [];
