@@ -33,13 +33,18 @@ std::set<std::string> allIn(const std::string& text, const char* expression) {
     return found;
 }
 
-/// "Suite.Name" of each test in the sources of the tests, "test_file.test_name" of those in Python.
+/// "Suite.Name" of each test in the sources of the tests, "test_file.test_name" of those in Python, and the files of those in
+/// JavaScript, whose names are sentences.
 std::set<std::string> testsThatExist() {
     const std::regex test(R"(\bTEST(?:_F)?\(\s*(\w+),\s*(\w+)\))");
     std::set<std::string> names;
     const std::filesystem::path python = sources / "bindings/python/tests/test_velhls.py";
     for (const std::string& name : allIn(playlist::contentOf(python.string()), "\ndef (test_\\w+)"))
         names.insert(python.stem().string() + "." + name);
+    for (const char* folder : {"bindings/npm/tests", "docs/playground"}) {
+        for (const auto& entry : std::filesystem::directory_iterator(sources / folder))
+            names.insert(entry.path().filename().string());
+    }
     for (const auto& entry : std::filesystem::recursive_directory_iterator(sources / "tests")) {
         if (entry.path().extension() != ".cpp") continue;
         const std::string text = playlist::contentOf(entry.path().string());
@@ -58,7 +63,8 @@ std::string withCommas(std::size_t number) {
 }
 
 TEST(SecurityPromises, AreShownByTestsThatExist) {
-    const std::set<std::string> promised = allIn(policy(), "`([A-Z]\\w+\\.[A-Z]\\w+|test_\\w+\\.test_\\w+)`");
+    const std::set<std::string> promised =
+        allIn(policy(), "`([A-Z]\\w+\\.[A-Z]\\w+|test_\\w+\\.test_\\w+|\\w+\\.test\\.mjs)`");
     EXPECT_GT(promised.size(), 30U);
     std::vector<std::string> missing;
     const std::set<std::string> existing = testsThatExist();
@@ -73,7 +79,7 @@ TEST(SecurityPromises, NameATestInEachRow) {
     for (std::sregex_iterator match(text.begin(), text.end(), row), end; match != end; ++match) {
         const std::string line = match->str();
         const bool isHeading = line.find("| shown by |") != std::string::npos;
-        const bool namesTest = std::regex_search(line, std::regex("`\\w+\\.\\w+`|the same \\|"));
+        const bool namesTest = std::regex_search(line, std::regex("`\\w+\\.(\\w+|test\\.mjs)`|the same \\|"));
         EXPECT_TRUE(isHeading || namesTest) << line;
     }
 }
