@@ -352,6 +352,26 @@ TEST_F(ReportCommand, ShowsWhereMediaPlaylistsDiffer) {
     EXPECT_EQ(countOf(page, "class=\"differs\""), 3U) << "one in the legend";
 }
 
+TEST_F(ReportCommand, ShowsWhereKeysAndMapsOfVariantsDiffer) {
+    const std::string key = "#EXT-X-KEY:METHOD=AES-128,URI=\"k\"";
+    const std::string map = "#EXT-X-MAP:URI=\"init.mp4\"";
+    make("master.m3u8",
+         lines({"#EXTM3U", "#EXT-X-MEDIA:TYPE=AUDIO,GROUP-ID=\"a\",NAME=\"b\",URI=\"sound.m3u8\"",
+                "#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"avc1\",AUDIO=\"a\"", "low.m3u8",
+                "#EXT-X-STREAM-INF:BANDWIDTH=2,CODECS=\"avc1\",AUDIO=\"a\"", "high.m3u8",
+                "#EXT-X-STREAM-INF:BANDWIDTH=3,CODECS=\"avc1\",AUDIO=\"a\"", "top.m3u8"}));
+    make("low.m3u8", mediaOf({map, key, extInf, key, extInf}));
+    make("high.m3u8", mediaOf({map, key, extInf, map, extInf}));
+    make("top.m3u8", mediaOf({key, extInf, key, extInf}));
+    make("sound.m3u8", mediaOf({extInf, extInf}));
+    const std::string page = report({"--follow", "master.m3u8"}).output;
+    const std::string table = between(page, "<caption>Differences from low.m3u8", "</table>");
+    EXPECT_EQ(countOf(table, "<tr>"), 3U) << "the head and two of high.m3u8\n" << table;
+    EXPECT_THAT(table, HasSubstr("<td class=\"number\">0:06</td><td>a key is missing</td>"));
+    EXPECT_THAT(table,
+                HasSubstr("<td class=\"number\">0:06</td><td>a map that is not there in the other</td>"));
+}
+
 TEST_F(ReportCommand, PutsLivePlaylistsOnOneAxisByTheirNumbers) {
     const auto window = [](int first) {
         std::string text =

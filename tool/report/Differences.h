@@ -24,8 +24,8 @@ struct Difference {
 [[nodiscard]] std::size_t referenceOf(const std::vector<Timeline>& timelines);
 
 /// Where timelines differ from the reference by more than half a second, in the time that both cover: discontinuities, ad breaks,
-/// gaps, their ends if both have ended, and of variants where segments begin. The first of each kind, with the number of those that
-/// follow.
+/// gaps, their ends if both have ended, and of variants keys, maps and where segments begin. The first of each kind, with the
+/// number of those that follow.
 [[nodiscard]] std::vector<Difference> differencesOf(const std::vector<Timeline>& timelines);
 
 }  // namespace tool::report

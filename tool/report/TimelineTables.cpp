@@ -51,10 +51,9 @@ void appendDifferences(Markup& page, const TimeChart& chart, const PageNames& na
     if (chart.timelines.size() < 2) return;
     const std::string reference = chart.names[referenceOf(chart.timelines)];
     if (chart.differences.empty()) {
-        page.leaf(
-            "p",
-            "No playlist differs from " + reference +
-                " in discontinuities, gaps, ad breaks or their ends, nor a variant in where segments begin.");
+        page.leaf("p", "No playlist differs from " + reference +
+                           " in discontinuities, gaps, ad breaks or their ends, nor a variant in keys, maps "
+                           "or where segments begin.");
         return;
     }
     HtmlTable table("Differences from " + reference, {"Playlist", "Time", "What", "More of these"});
