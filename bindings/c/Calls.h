@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -107,6 +108,14 @@ velhls_status give(Structure value, Structure* out) {
     return VELHLS_OK;
 }
 
+/// Writes what `structureOf` makes of one record, into the caller's structure.
+template <typename Records, typename Structure, typename StructureOf>
+velhls_status giveOne(const Records& records, std::size_t index, Structure* out, StructureOf structureOf) {
+    if (out == nullptr) return VELHLS_INVALID_ARGUMENT;
+    if (index >= records.size()) return VELHLS_OUT_OF_RANGE;
+    return give(structureOf(records[index]), out);
+}
+
 /// Writes one value of each of `count` records from `first` on.
 template <typename Records, typename Value, typename ValueOf>
 velhls_status fill(const Records& records, std::size_t first, std::size_t count, Value* values,
@@ -130,12 +139,15 @@ inline velhls_edit editOf(const VELHLSEdit& edit) {
     return value;
 }
 
-/// Stores the lines of a record, if they are known.
-template <typename Record>
-velhls_status giveLines(const VELHLSRecordLines& lines, const Record& record, std::size_t* first,
-                        std::size_t* last) {
+/// Stores the lines of one of the records, which point to them, if these are known: where a playlist was not parsed of a document
+/// there are none.
+template <typename Records>
+velhls_status giveLines(const std::optional<VELHLSRecordLines>& lines, const Records& records,
+                        std::size_t index, std::size_t* first, std::size_t* last) {
+    if (index >= records.size()) return VELHLS_OUT_OF_RANGE;
+    if (!lines) return VELHLS_NOT_FOUND;
     if (first == nullptr || last == nullptr) return VELHLS_INVALID_ARGUMENT;
-    const auto found = lines.of(record);
+    const auto found = lines->of(*records[index]);
     if (!found) return VELHLS_NOT_FOUND;
     *first = found->first;
     *last = found->last;

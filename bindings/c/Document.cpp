@@ -10,6 +10,7 @@
 #include "Calls.h"
 
 using velhls_c::give;
+using velhls_c::giveOne;
 using velhls_c::guarded;
 using velhls_c::stringOf;
 using velhls_c::truthOf;
@@ -178,9 +179,10 @@ size_t velhls_attributes_count(const velhls_attributes* attributes) {
 
 velhls_status velhls_attributes_get(const velhls_attributes* attributes, size_t index,
                                     velhls_attribute* attribute) {
-    if (attributes == nullptr || attribute == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= attributes->attributes.size()) return VELHLS_OUT_OF_RANGE;
-    return give(structureOf(attributes->line, attributes->attributes[index]), attribute);
+    if (attributes == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(attributes->attributes, index, attribute, [attributes](const VELHLSAttribute& found) {
+        return structureOf(attributes->line, found);
+    });
 }
 
 velhls_status velhls_attributes_find(const velhls_attributes* attributes, const char* name,
@@ -210,13 +212,14 @@ size_t velhls_uris_count(const velhls_uris* uris) {
 }
 
 velhls_status velhls_uris_get(const velhls_uris* uris, size_t index, velhls_uri* uri) {
-    if (uris == nullptr || uri == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= uris->uris.size()) return VELHLS_OUT_OF_RANGE;
-    velhls_uri value = {};
-    value.line = uris->uris[index].line;
-    value.text = stringOf(uris->uris[index].text);
-    value.attribute = stringOf(uris->uris[index].attribute);
-    return give(value, uri);
+    if (uris == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(uris->uris, index, uri, [](const VELHLSUri& found) {
+        velhls_uri value = {};
+        value.line = found.line;
+        value.text = stringOf(found.text);
+        value.attribute = stringOf(found.attribute);
+        return value;
+    });
 }
 
 velhls_status velhls_structure_new(const velhls_document* document, velhls_structure** structure) {
@@ -253,12 +256,14 @@ size_t velhls_structure_variant_count(const velhls_structure* structure) {
 
 velhls_status velhls_structure_get_variant(const velhls_structure* structure, size_t index,
                                            velhls_structure_variant* variant) {
-    if (structure == nullptr || variant == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= structure->structure.variants().size()) return VELHLS_OUT_OF_RANGE;
-    velhls_structure_variant value = {};
-    value.tag_line = structure->structure.variants()[index].tagLine;
-    value.uri_line = structure->structure.variants()[index].uriLine;
-    return give(value, variant);
+    if (structure == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(structure->structure.variants(), index, variant,
+                   [](const VELHLSStructure::Variant& found) {
+                       velhls_structure_variant value = {};
+                       value.tag_line = found.tagLine;
+                       value.uri_line = found.uriLine;
+                       return value;
+                   });
 }
 
 velhls_status velhls_structure_variant_of(const velhls_structure* structure, size_t line, size_t* index) {
@@ -371,9 +376,8 @@ size_t velhls_edits_count(const velhls_edits* edits) {
 }
 
 velhls_status velhls_edits_get(const velhls_edits* edits, size_t index, velhls_edit* edit) {
-    if (edits == nullptr || edit == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= edits->edits.size()) return VELHLS_OUT_OF_RANGE;
-    return give(velhls_c::editOf(edits->edits[index]), edit);
+    if (edits == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(edits->edits, index, edit, velhls_c::editOf);
 }
 
 velhls_status velhls_edits_apply(const velhls_edits* edits, velhls_text** text, velhls_error** error) {

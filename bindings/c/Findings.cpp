@@ -10,6 +10,7 @@
 #include "Calls.h"
 
 using velhls_c::give;
+using velhls_c::giveOne;
 using velhls_c::guarded;
 using velhls_c::stringOf;
 using velhls_c::viewOf;
@@ -89,24 +90,24 @@ size_t velhls_findings_count(const velhls_findings* findings) {
 }
 
 velhls_status velhls_findings_get(const velhls_findings* findings, size_t index, velhls_finding* finding) {
-    if (findings == nullptr || finding == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= findings->findings.size()) return VELHLS_OUT_OF_RANGE;
-    return give(structureOf(findings->findings[index]), finding);
+    if (findings == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(findings->findings, index, finding,
+                   [](const VELHLSFinding& found) { return structureOf(found); });
 }
 
 velhls_status velhls_findings_related(const velhls_findings* findings, size_t index, size_t related,
                                       velhls_related_place* place) {
     if (findings == nullptr || place == nullptr) return VELHLS_INVALID_ARGUMENT;
     if (index >= findings->findings.size()) return VELHLS_OUT_OF_RANGE;
-    if (related >= findings->findings[index].related.size()) return VELHLS_OUT_OF_RANGE;
-    const VELHLSRelatedPlace& found = findings->findings[index].related[related];
-    velhls_related_place value = {};
-    value.uri = stringOf(found.uri);
-    value.line = found.line;
-    value.column = found.column;
-    value.length = found.length;
-    value.message = stringOf(found.message);
-    return give(value, place);
+    return giveOne(findings->findings[index].related, related, place, [](const VELHLSRelatedPlace& found) {
+        velhls_related_place value = {};
+        value.uri = stringOf(found.uri);
+        value.line = found.line;
+        value.column = found.column;
+        value.length = found.length;
+        value.message = stringOf(found.message);
+        return value;
+    });
 }
 
 velhls_status velhls_findings_fix(const velhls_findings* findings, size_t index, size_t fix,
@@ -125,8 +126,8 @@ velhls_status velhls_findings_fix_edit(const velhls_findings* findings, size_t i
                                        velhls_edit* found) {
     if (findings == nullptr || found == nullptr) return VELHLS_INVALID_ARGUMENT;
     const VELHLSFix* const known = fixOf(*findings, index, fix);
-    if (known == nullptr || edit >= known->edits.size()) return VELHLS_OUT_OF_RANGE;
-    return give(velhls_c::editOf(known->edits[edit]), found);
+    if (known == nullptr) return VELHLS_OUT_OF_RANGE;
+    return giveOne(known->edits, edit, found, velhls_c::editOf);
 }
 
 velhls_status velhls_check(const char* text, size_t length, const velhls_check_options* options,
@@ -196,18 +197,18 @@ size_t velhls_comparison_change_count(const velhls_comparison* comparison) {
 
 velhls_status velhls_comparison_change(const velhls_comparison* comparison, size_t index,
                                        velhls_change* change) {
-    if (comparison == nullptr || change == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= comparison->changes.size()) return VELHLS_OUT_OF_RANGE;
-    const VELHLSChange& found = comparison->changes[index];
-    velhls_change value = {};
-    value.kind = found.kind;
-    value.path = stringOf(found.path);
-    value.what = stringOf(found.what);
-    value.old_text = stringOf(found.oldText);
-    value.new_text = stringOf(found.newText);
-    value.old_line = found.oldLine;
-    value.new_line = found.newLine;
-    return give(value, change);
+    if (comparison == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(comparison->changes, index, change, [](const VELHLSChange& found) {
+        velhls_change value = {};
+        value.kind = found.kind;
+        value.path = stringOf(found.path);
+        value.what = stringOf(found.what);
+        value.old_text = stringOf(found.oldText);
+        value.new_text = stringOf(found.newText);
+        value.old_line = found.oldLine;
+        value.new_line = found.newLine;
+        return value;
+    });
 }
 
 const velhls_findings* velhls_comparison_findings(const velhls_comparison* comparison) {
@@ -238,14 +239,15 @@ size_t velhls_presentation_reference_count(const velhls_presentation* presentati
 
 velhls_status velhls_presentation_reference(const velhls_presentation* presentation, size_t index,
                                             velhls_reference* reference) {
-    if (presentation == nullptr || reference == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= presentation->references.size()) return VELHLS_OUT_OF_RANGE;
-    const VELHLSPresentation::Reference& found = presentation->references[index];
-    velhls_reference value = {};
-    value.uri = stringOf(found.uri);
-    value.use = static_cast<velhls_use>(found.use);
-    value.line = found.line;
-    return give(value, reference);
+    if (presentation == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(presentation->references, index, reference,
+                   [](const VELHLSPresentation::Reference& found) {
+                       velhls_reference value = {};
+                       value.uri = stringOf(found.uri);
+                       value.use = static_cast<velhls_use>(found.use);
+                       value.line = found.line;
+                       return value;
+                   });
 }
 
 velhls_status velhls_presentation_add(velhls_presentation* presentation, const char* uri, size_t length,

@@ -9,6 +9,7 @@
 
 using velhls_c::fill;
 using velhls_c::give;
+using velhls_c::giveOne;
 using velhls_c::stringOf;
 using velhls_c::truthOf;
 
@@ -154,17 +155,15 @@ size_t velhls_master_variant_count(const velhls_master* master) {
 }
 
 velhls_status velhls_master_variant(const velhls_master* master, size_t index, velhls_variant* variant) {
-    if (master == nullptr || variant == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= master->variants.size()) return VELHLS_OUT_OF_RANGE;
-    return give(structureOf(*master->variants[index]), variant);
+    if (master == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(master->variants, index, variant,
+                   [](const VELHLSMediaVariant* found) { return structureOf(*found); });
 }
 
 velhls_status velhls_master_variant_lines(const velhls_master* master, size_t index, size_t* first,
                                           size_t* last) {
     if (master == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= master->variants.size()) return VELHLS_OUT_OF_RANGE;
-    if (!master->lines) return VELHLS_NOT_FOUND;
-    return velhls_c::giveLines(*master->lines, *master->variants[index], first, last);
+    return velhls_c::giveLines(master->lines, master->variants, index, first, last);
 }
 
 size_t velhls_master_rendition_count(const velhls_master* master) {
@@ -173,17 +172,15 @@ size_t velhls_master_rendition_count(const velhls_master* master) {
 
 velhls_status velhls_master_rendition(const velhls_master* master, size_t index,
                                       velhls_rendition* rendition) {
-    if (master == nullptr || rendition == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= master->renditions.size()) return VELHLS_OUT_OF_RANGE;
-    return give(structureOf(*master->renditions[index]), rendition);
+    if (master == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(master->renditions, index, rendition,
+                   [](const VELHLSMediaStreamRendition* found) { return structureOf(*found); });
 }
 
 velhls_status velhls_master_rendition_lines(const velhls_master* master, size_t index, size_t* first,
                                             size_t* last) {
     if (master == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= master->renditions.size()) return VELHLS_OUT_OF_RANGE;
-    if (!master->lines) return VELHLS_NOT_FOUND;
-    return velhls_c::giveLines(*master->lines, *master->renditions[index], first, last);
+    return velhls_c::giveLines(master->lines, master->renditions, index, first, last);
 }
 
 velhls_status velhls_master_characteristics(const velhls_master* master, size_t index, velhls_string* values,
@@ -199,15 +196,15 @@ velhls_status velhls_master_characteristics(const velhls_master* master, size_t 
 
 velhls_status velhls_master_session_data(const velhls_master* master, size_t index,
                                          velhls_session_data* data) {
-    if (master == nullptr || data == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= master->manifest->sessionData.size()) return VELHLS_OUT_OF_RANGE;
-    const VELHLSManifestSessionData& entry = *master->manifest->sessionData[index];
-    velhls_session_data value = {};
-    value.data_id = stringOf(entry.dataId);
-    value.value = stringOf(entry.value);
-    value.uri = stringOf(entry.uri);
-    value.language = stringOf(entry.language);
-    return give(value, data);
+    if (master == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return giveOne(master->manifest->sessionData, index, data, [](const auto& found) {
+        velhls_session_data value = {};
+        value.data_id = stringOf(found->dataId);
+        value.value = stringOf(found->value);
+        value.uri = stringOf(found->uri);
+        value.language = stringOf(found->language);
+        return value;
+    });
 }
 
 velhls_status velhls_master_session_key(const velhls_master* master, size_t index, const velhls_key** key) {

@@ -144,17 +144,15 @@ size_t velhls_media_segment_count(const velhls_media* media) {
 }
 
 velhls_status velhls_media_segment(const velhls_media* media, size_t index, velhls_segment* segment) {
-    if (media == nullptr || segment == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= media->stream->segments.size()) return VELHLS_OUT_OF_RANGE;
-    return give(structureOf(*media->stream->segments[index]), segment);
+    if (media == nullptr) return VELHLS_INVALID_ARGUMENT;
+    return velhls_c::giveOne(media->stream->segments, index, segment,
+                             [](const auto& found) { return structureOf(*found); });
 }
 
 velhls_status velhls_media_segment_lines(const velhls_media* media, size_t index, size_t* first,
                                          size_t* last) {
     if (media == nullptr) return VELHLS_INVALID_ARGUMENT;
-    if (index >= media->stream->segments.size()) return VELHLS_OUT_OF_RANGE;
-    if (!media->lines) return VELHLS_NOT_FOUND;
-    return velhls_c::giveLines(*media->lines, *media->stream->segments[index], first, last);
+    return velhls_c::giveLines(media->lines, media->stream->segments, index, first, last);
 }
 
 velhls_status velhls_media_render(const velhls_media* media, velhls_text** text) {
