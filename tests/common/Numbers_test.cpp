@@ -193,7 +193,7 @@ TEST(Numbers, RandomDecimalsAreReadAsStrtodReadsThem) {
     std::mt19937_64 random(11);
     for (int round = 0; round < 200000; ++round) {
         std::string text = std::to_string(random() >> (random() % 60));
-        if (random() % 4 != 0) text.insert(random() % (text.size() + 1), ".");
+        if (random() % 4 != 0) text.insert(static_cast<std::size_t>(random() % (text.size() + 1)), ".");
         ASSERT_EQ(durationRead(text), std::strtod(text.c_str(), nullptr)) << text;
     }
 }

@@ -269,7 +269,8 @@ TEST(VELHLSFixes, KeepTheirPromisesForMutatedPlaylists) {
     mutation::Mutator mutator(20261122);
     for (std::uint64_t done = 0; done < count; ++done) {
         const std::string text = mutator.mutated(texts);
-        ASSERT_EQ(oracle::brokenFixPromise(text, all[done % all.size()]), "") << text;
+        ASSERT_EQ(oracle::brokenFixPromise(text, all[static_cast<std::size_t>(done % all.size())]), "")
+            << text;
     }
 }
 
