@@ -14,6 +14,8 @@
 namespace {
 
 std::string brokenPromise(const std::string& text) {
+    if (const std::string ofDetection = oracle::brokenDetection(text); !ofDetection.empty())
+        return ofDetection;
     const std::string ofMaster = oracle::brokenPromise(text, VELHLSDiagnostics::Master);
     return ofMaster.empty() ? oracle::brokenPromise(text, VELHLSDiagnostics::Media) : ofMaster;
 }

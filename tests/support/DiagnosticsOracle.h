@@ -211,6 +211,33 @@ inline const std::map<std::string_view, VELHLSRule>& rulesByName() {
     return rules;
 }
 
+/// The line that decides what kind a document is, found by looking at all of them; 0 for none.
+inline std::size_t decidingLine(const VELHLSDocument& document) {
+    const bool isMaster = document.kind() == VELHLSDocument::Master;
+    std::size_t first = 0;
+    for (const VELHLSLine line : document.lines()) {
+        if (line.definition == nullptr) continue;
+        const bool isOfVariant = line.name == "EXT-X-STREAM-INF" || line.name == "EXT-X-I-FRAME-STREAM-INF";
+        if (isMaster ? isOfVariant : line.name == "EXTINF") return line.number;
+        const auto playlist = isMaster ? VELHLSTagDefinition::Master : VELHLSTagDefinition::Media;
+        if (first == 0 && line.definition->playlist == playlist) first = line.number;
+    }
+    return first;
+}
+
+/// What of the detection of a text's kind differs from what the check and the document say of it; empty when nothing does.
+inline std::string brokenDetection(const std::string& text) {
+    const auto detection = VELHLSDiagnostics::detectKind(text);
+    const auto detected = detection ? detection->kind : VELHLSDiagnostics::Detect;
+    if (detected != VELHLSDiagnostics::check(text).kind) return "the check takes it for another kind";
+    if (!detection) return "";
+    const VELHLSDocument document(text);
+    if (static_cast<int>(document.kind()) != static_cast<int>(detected))
+        return "the document is of another kind";
+    if (decidingLine(document) != detection->line) return "another line decides";
+    return document.line(detection->line).name == detection->tag ? "" : "another tag decides";
+}
+
 /// What of the promises is broken for this text; empty when none is.
 inline std::string brokenPromise(const std::string& text, VELHLSDiagnostics::PlaylistKind kind) {
     const PlainParse plain = parsePlainly(text, kind);

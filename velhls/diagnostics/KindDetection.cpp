@@ -8,6 +8,8 @@
 #include "velhls/common/TagLine.h"
 #include "velhls/common/Tags.h"
 #include "velhls/common/TextScan.h"
+#include "velhls/document/KindCount.h"
+#include "velhls/document/LineCodes.h"
 #include "velhls/document/TagSpelling.h"
 #include "velhls/document/VELHLSTagDefinition.h"
 #include "velhls/standard/TextCharacters.h"
@@ -27,29 +29,20 @@ bool isIptvTag(const VELHLSLine& line) {
     return line.name == tag::extInf && isIptvDuration(line.value);
 }
 
+/// True of the extensions for streaming.
+bool isStreamingTag(std::string_view name) {
+    return startsWith(name, "EXT-X-") || startsWith(name, "ZOR-");
+}
+
 /// IPTV lists use the header and EXTINF of the older format that playlists come from, and none of its
 /// extensions for streaming.
 bool isIptvList(const VELHLSDocument& document) {
     bool isIptv = false;
     for (const VELHLSLine line : document.lines()) {
-        if (startsWith(line.name, "EXT-X-") || startsWith(line.name, "ZOR-")) return false;
+        if (isStreamingTag(line.name)) return false;
         isIptv = isIptv || isIptvTag(line);
     }
     return isIptv;
-}
-
-/// The first line with a tag that speaks for the kind: of variants or segments, or else of that kind alone.
-VELHLSLine decidingLine(const VELHLSDocument& document, VELHLSDocument::Kind kind) {
-    const bool isMaster = kind == VELHLSDocument::Master;
-    const auto playlist = isMaster ? VELHLSTagDefinition::Master : VELHLSTagDefinition::Media;
-    std::optional<VELHLSLine> first;
-    for (const VELHLSLine line : document.lines()) {
-        if (line.definition == nullptr) continue;
-        const bool isOfRecord = isMaster ? hasUse<ofVariant>(line.name) : line.name == tag::extInf;
-        if (isOfRecord) return line;
-        if (!first && line.definition->playlist == playlist) first = line;
-    }
-    return *first;
 }
 
 bool startsWithAnyCase(std::string_view text, std::string_view start) {
@@ -74,12 +67,22 @@ VELHLSDiagnostics::PlaylistKind kindOf(const VELHLSDocument& document) {
     return isMedia ? VELHLSDiagnostics::Media : VELHLSDiagnostics::Detect;
 }
 
+// Looks at each line once and keeps none of them: to detect the kind costs a fraction of what the parse after it does.
 std::optional<VELHLSDiagnostics::Detection> detectKind(std::string_view text) {
-    const VELHLSDocument document{std::string(text)};
-    const VELHLSDiagnostics::PlaylistKind kind = kindOf(document);
-    if (kind == VELHLSDiagnostics::Detect) return std::nullopt;
-    const VELHLSLine line = decidingLine(document, document.kind());
-    return VELHLSDiagnostics::Detection{kind, std::string(line.name), line.number};
+    KindCount kinds;
+    std::size_t lines = 0;
+    bool isForStreaming = false;
+    forEachLineCode(text, [&](std::size_t, LineCode code) {
+        kinds.add(++lines, code);
+        isForStreaming =
+            isForStreaming || (code.definition() != nullptr && isStreamingTag(code.definition()->name));
+    });
+    if (kinds.kind() == VELHLSDocument::Neither) return std::nullopt;
+    const bool isMaster = kinds.kind() == VELHLSDocument::Master;
+    if (!isMaster && !isForStreaming && isIptvList(VELHLSDocument(std::string(text)))) return std::nullopt;
+    const KindCount::Place deciding = kinds.deciding();
+    return VELHLSDiagnostics::Detection{isMaster ? VELHLSDiagnostics::Master : VELHLSDiagnostics::Media,
+                                        std::string(deciding.code.definition()->name), deciding.line};
 }
 
 bool isNoPlaylist(const VELHLSDocument& document) {

@@ -10,7 +10,9 @@
 
 #include "velhls/common/TextScan.h"
 #include "velhls/document/AttributeListEdit.h"
+#include "velhls/document/KindCount.h"
 #include "velhls/document/LineCode.h"
+#include "velhls/document/LineCodes.h"
 
 namespace {
 
@@ -22,71 +24,6 @@ std::string_view endingOf(std::string_view line) {
     const bool hasReturn = line.size() > 1 && line[line.size() - 2] == '\r';
     return velhls::withoutFirst(line, line.size() - (hasReturn ? 2 : 1));
 }
-
-/// Decides which kind of playlist a text is from its lines, one after the other.
-class KindCount {
-  public:
-    void add(LineCode code) {
-        const VELHLSTagDefinition* const tag = code.definition();
-        if (tag == nullptr || tag->playlist == VELHLSTagDefinition::Either) return;
-        const bool isMaster = tag->playlist == VELHLSTagDefinition::Master;
-        if (other_ == VELHLSDocument::Neither)
-            other_ = isMaster ? VELHLSDocument::Master : VELHLSDocument::Media;
-        const bool isSegment = code == velhls::line_code::extInf;
-        if (!isSegment && !isVariant(code)) return;
-        ++(isSegment ? segments_ : variants_);
-        if (first_ == VELHLSDocument::Neither)
-            first_ = isSegment ? VELHLSDocument::Media : VELHLSDocument::Master;
-    }
-
-    [[nodiscard]] VELHLSDocument::Kind kind() const {
-        if (first_ == VELHLSDocument::Neither) return other_;
-        if (segments_ == variants_) return first_;
-        return segments_ > variants_ ? VELHLSDocument::Media : VELHLSDocument::Master;
-    }
-
-  private:
-    static bool isVariant(LineCode code) {
-        return code == velhls::line_code::streamInf || code == LineCode::ofTag(velhls::tag::iFrameStreamInf);
-    }
-
-    std::size_t segments_ = 0;
-    std::size_t variants_ = 0;
-    VELHLSDocument::Kind first_ = VELHLSDocument::Neither;
-    VELHLSDocument::Kind other_ = VELHLSDocument::Neither;
-};
-
-/// Most tags come where they came before: after the same tag. To see that a line is what was expected costs less than to
-/// find out what it is.
-class CodeGuess {
-  public:
-    LineCode codeOf(std::string_view line) {
-        if (!isFirst_ && isPlainUri(line)) return before_ = velhls::line_code::uri;
-        const LineCode guess(next_[before_.number()]);
-        const LineCode code = begins(line, guess) ? guess : velhls::codeOf(velhls::partsOf(line, isFirst_));
-        next_[before_.number()] = code.number();
-        isFirst_ = false;
-        return before_ = code;
-    }
-
-  private:
-    /// True of URI lines that nothing stands before.
-    static bool isPlainUri(std::string_view line) {
-        return !line.empty() && line.front() != '#' && !velhls::blanks.holds(line.front());
-    }
-
-    /// True when the line begins with the tag.
-    static bool begins(std::string_view line, LineCode code) {
-        const VELHLSTagDefinition* const tag = code.definition();
-        if (tag == nullptr || line.size() <= tag->name.size() || line.front() != '#') return false;
-        if (velhls::firstOf(velhls::withoutFirst(line, 1), tag->name.size()) != tag->name) return false;
-        return line.size() == tag->name.size() + 1 || line[tag->name.size() + 1] == ':';
-    }
-
-    std::array<std::uint8_t, 256> next_ = {};
-    LineCode before_ = LineCode::of(VELHLSLine::Blank);
-    bool isFirst_ = true;
-};
 
 constexpr velhls::CharacterSet lineEnds("\n\r");
 
@@ -145,22 +82,12 @@ void VELHLSDocument::expectLines() {
 
 void VELHLSDocument::findLines() {
     expectLines();
-    CodeGuess guess;
-    KindCount kinds;
-    const char* const text = text_.data();
-    const char* const textEnd = text + text_.size();
-    for (const char* start = text; start != textEnd;) {
-        const auto* feed =
-            static_cast<const char*>(std::memchr(start, '\n', static_cast<std::size_t>(textEnd - start)));
-        const char* const end = feed == nullptr ? textEnd : feed;
-        const bool hasReturn = feed != nullptr && end != start && end[-1] == '\r';
-        const std::string_view line(start, static_cast<std::size_t>(end - start) - (hasReturn ? 1 : 0));
-        const LineCode code = guess.codeOf(line);
-        starts_.push_back(static_cast<std::uint32_t>(start - text));
+    velhls::KindCount kinds;
+    velhls::forEachLineCode(text_, [&](std::size_t start, LineCode code) {
+        starts_.push_back(static_cast<std::uint32_t>(start));
         codes_.push_back(code.number());
-        kinds.add(code);
-        start = feed == nullptr ? textEnd : feed + 1;
-    }
+        kinds.add(starts_.size(), code);
+    });
     kind_ = kinds.kind();
     if (starts_.capacity() > starts_.size() + starts_.size() / 8) {
         starts_.shrink_to_fit();
