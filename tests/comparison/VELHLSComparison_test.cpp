@@ -150,6 +150,13 @@ TEST(VELHLSComparison, TellsNothingOfHowALineIsLaidOut) {
     EXPECT_EQ(changesOf(media("#EXTINF:6,\na.ts\n"), media("#EXTINF:6.0\r\n\r\na.ts")), "");
 }
 
+TEST(VELHLSComparison, TellsNothingOfACommaTooMany) {
+    const std::string plain = master("#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"a\"\nlow.m3u8\n");
+    EXPECT_EQ(changesOf(plain, master("#EXT-X-STREAM-INF:BANDWIDTH=1,,CODECS=\"a\",\nlow.m3u8\n")), "");
+    EXPECT_EQ(changesOf(plain, master("#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"a\",=7\nlow.m3u8\n")),
+              "variant low.m3u8: (no name)  -> 7\n");
+}
+
 TEST(VELHLSComparison, GivesTheLinesOfBothVersions) {
     const auto changes = compared(changed(plain, "#EXTINF:6,\n3", "#EXTINF:5,\n3")).changes;
     ASSERT_EQ(changes.size(), 4U);

@@ -20,11 +20,13 @@ struct NamedValue {
     std::string_view value;
 };
 
-/// In the order of their names, those with one name in their order.
+/// In the order of their names, those with one name in their order. A comma too many holds nothing.
 std::vector<NamedValue> sortedValues(std::string_view list) {
     std::vector<NamedValue> values;
-    for (const VELHLSAttribute& attribute : VELHLSAttributes(list))
-        values.push_back({attribute.name, attribute.value});
+    for (const VELHLSAttribute& attribute : VELHLSAttributes(list)) {
+        if (attribute.name.empty() && attribute.value.empty()) continue;
+        values.push_back({attribute.name.empty() ? "(no name)" : attribute.name, attribute.value});
+    }
     std::sort(values.begin(), values.end(), [](const NamedValue& left, const NamedValue& right) {
         const int order = left.name.compare(right.name);
         return order != 0 ? order < 0 : std::less<>()(left.value.data(), right.value.data());
