@@ -48,7 +48,7 @@ class KindCount {
 
     static bool isOfRecord(LineCode code) {
         return code == line_code::extInf || code == line_code::streamInf ||
-               code == LineCode::ofTag(tag::iFrameStreamInf);
+               code == line_code::iFrameStreamInf;
     }
 
     [[nodiscard]] bool isMedia() const {

@@ -57,6 +57,7 @@ inline constexpr LineCode mediaSequence = LineCode::ofTag(tag::mediaSequence);
 inline constexpr LineCode discontinuitySequence = LineCode::ofTag(tag::discontinuitySequence);
 inline constexpr LineCode skip = LineCode::ofTag("EXT-X-SKIP");
 inline constexpr LineCode streamInf = LineCode::ofTag(tag::streamInf);
+inline constexpr LineCode iFrameStreamInf = LineCode::ofTag(tag::iFrameStreamInf);
 
 }  // namespace line_code
 
