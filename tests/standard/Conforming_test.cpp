@@ -205,6 +205,18 @@ TEST(DisputedPlaylists, HaveNoErrors) {
               "live-window-short");
 }
 
+TEST(MalformedDurations, LeaveOpenWhatAStartIsBeyond) {
+    const auto rulesOf = [](const std::string& duration) {
+        const std::string text =
+            "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXT-X-START:TIME-OFFSET=10\n#EXTINF:" + duration +
+            ",\na.ts\n#EXT-X-ENDLIST\n";
+        return rulesIn(findingsIn(text, StandardProfile::rfc8216), VELHLSFinding::Warning);
+    };
+    EXPECT_EQ(rulesOf("6"), "start-beyond-playlist");
+    EXPECT_EQ(rulesOf("0"), "start-beyond-playlist");
+    EXPECT_EQ(rulesOf("six"), "extinf-duration-malformed");
+}
+
 TEST(TagsOfTheSuccessor, AreMissedInSmallLettersByItselfAlone) {
     const std::string text = ofOne("#EXTINF:6,\nfirst.ts\n#ext-x-gap\n");
     EXPECT_EQ(rulesIn(findingsIn(text, StandardProfile::rfc8216), VELHLSFinding::Note), "");

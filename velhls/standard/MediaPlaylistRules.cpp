@@ -45,10 +45,18 @@ void findSequenceAfterDiscontinuity(const CheckedPlaylist& playlist, const Tell&
     tell(line, line.name, {{}, seen, {}});
 }
 
+/// Whether the segment says how long it is. One with a duration that cannot be read has one of 0.
+bool isDurationKnown(const CheckedPlaylist& playlist, const VELHLSStructure::Segment& segment) {
+    if (segment.duration != 0.0) return true;
+    if (segment.durationLine == 0) return segment.uriLine == 0;
+    const VELHLSLine line = playlist.document().line(segment.durationLine);
+    return VELHLSSyntax::readDecimalFloatingPoint(durationIn(line)).has_value();
+}
+
 /// Whether every segment says how long it is, so that it is known how long the playlist is.
 bool isDurationKnown(const CheckedPlaylist& playlist) {
     for (const VELHLSStructure::Segment& segment : playlist.structure().segments()) {
-        if (segment.uriLine != 0 && segment.durationLine == 0) return false;
+        if (!isDurationKnown(playlist, segment)) return false;
     }
     return !playlist.has(tagIndex("EXT-X-SKIP"));
 }
