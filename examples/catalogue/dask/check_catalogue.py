@@ -4,7 +4,7 @@
     check_catalogue.py SCHEDULER FOLDER RESULTS [SIZE]
 
 SCHEDULER is its address, or the file that dask-scheduler --scheduler-file writes. RESULTS/parts gets a file of JSON lines for
-each SIZE playlists (1000), as describe.py writes them. The workers read and write the files themselves: FOLDER and RESULTS
+each SIZE playlists (10000), as describe.py writes them. The workers read and write the files themselves: FOLDER and RESULTS
 are storage that all of them share, and the scheduler hands out names alone.
 
 Dask promises that each task is done at least once. A part is there as a whole or not at all, under a name that its list
@@ -63,7 +63,7 @@ def check_list(list_path: str, part: str) -> tuple[str, int, str]:
 
 def main() -> None:
     scheduler, folder, results = sys.argv[1], os.path.abspath(sys.argv[2]), Path(sys.argv[3]).absolute()
-    make_lists(folder, results, int(sys.argv[4]) if len(sys.argv) > 4 else 1000)
+    make_lists(folder, results, int(sys.argv[4]) if len(sys.argv) > 4 else 10000)
     lists = sorted(str(path) for path in (results / "lists").iterdir())
     parts = [str(results / "parts" / f"{os.path.basename(path)}.jsonl") for path in lists]
 
