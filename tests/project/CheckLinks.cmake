@@ -1,5 +1,6 @@
 # Fails unless each relative link of the Markdown files below REPOSITORY leads to a file, and its anchor to a heading.
-file(GLOB documents ${REPOSITORY}/*.md ${REPOSITORY}/docs/*.md ${REPOSITORY}/docs/*/*.md ${REPOSITORY}/packaging/*.md)
+file(GLOB documents ${REPOSITORY}/*.md ${REPOSITORY}/docs/*.md ${REPOSITORY}/docs/*/*.md ${REPOSITORY}/packaging/*.md
+    ${REPOSITORY}/examples/catalogue/*.md ${REPOSITORY}/examples/catalogue/*/*.md)
 set(broken 0)
 set(count 0)
 foreach(document IN LISTS documents)
