@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <ctime>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <random>
@@ -314,6 +315,26 @@ TEST(VELHLSAttributeMap, AgreesWithTheRulesOnRandomLists) {
             text += pieces[chosen(random)];
             if (count > 1) text += ',';
         }
+        const std::optional<Attributes> expected = plain::attributeMap(text);
+        ASSERT_EQ(attributesOf(text), expected) << text;
+        if (expected) ++wellFormed;
+    }
+    EXPECT_GT(wellFormed, 5000U);
+    EXPECT_LT(wellFormed, 19000U);
+}
+
+// Lists that end anywhere in a run of eight bytes, with the bytes beside those that end a name or a value.
+TEST(VELHLSAttributeMap, AgreesWithTheRulesOnRandomBytesInLists) {
+    constexpr std::string_view odd("=,\"-+!#<>. \0\x7F\x80\xAC\xAD\xBD\xFF", 18);
+    const std::string whole[] = {"A=1", "BANDWIDTH=800000", "CODECS=\"avc1.64001f,mp4a.40.2\"", "NAME=\"\""};
+    std::mt19937 random(3986);
+    std::size_t wellFormed = 0;
+    for (int round = 0; round < 20000; ++round) {
+        std::string text = whole[random() % std::size(whole)];
+        for (std::size_t count = random() % 4; count > 0; --count)
+            text += "," + whole[random() % std::size(whole)];
+        for (std::size_t count = random() % 3; count > 0; --count)
+            text[random() % text.size()] = odd[random() % odd.size()];
         const std::optional<Attributes> expected = plain::attributeMap(text);
         ASSERT_EQ(attributesOf(text), expected) << text;
         if (expected) ++wellFormed;

@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "velhls/common/EightBytes.h"
 #include "velhls/common/TextScan.h"
 
 namespace velhls {
@@ -17,45 +18,58 @@ constexpr std::size_t none = std::string_view::npos;
 /// on: the position of the next quote is therefore kept from one attribute to the next. All other searches
 /// end within the attribute that they serve, or end the scan.
 class AttributeScanner {
-    static constexpr CharacterSet nameEnds{"=,\""};
-    static constexpr CharacterSet valueEnds{",\""};
-
   public:
-    AttributeScanner(std::string_view text, Reason& why) : text_(text), why_(why), ended_(text.empty()) {}
+    AttributeScanner(std::string_view text, Reason& why)
+        : text_(text), why_(why), position_(text.empty() ? 1 : 0) {}
 
-    [[nodiscard]] bool ended() const { return ended_; }
+    [[nodiscard]] bool ended() const { return position_ > text_.size(); }
 
     /// Reads the next attribute. False, with the reason, when the rest of the list is malformed.
     bool next(Attribute& attribute) { return nextOfUsualForm(attribute) || nextByTheRules(attribute); }
 
   private:
-    /// An attribute as nearly all are written, NAME=value or NAME="value" and then a comma or the end, is
-    /// taken in one walk over its characters. False, and nothing done, for any other.
+    /// An attribute as nearly all are written, NAME=value or NAME="value" and then a comma or the end, of characters
+    /// from "-" on where there are no quotes. False, and nothing done, for any other.
     bool nextOfUsualForm(Attribute& attribute) {
-        const std::size_t equals = endOfRun(position_, nameEnds);
-        const bool isNamed = equals < text_.size() && text_[equals] == '=' && equals > position_;
-        if (!isNamed) return false;
+        if (text_.size() < 8) return false;
+        const std::size_t equals = find(
+            position_, [](std::uint64_t bytes) { return markBelow(bytes, '-') | markEqual(bytes, '='); });
+        if (equals == position_ || !isAt(equals, '=')) return false;
         const std::size_t start = equals + 1;
-        const bool quoted = start < text_.size() && text_[start] == '"';
-        const std::size_t valueStart = quoted ? start + 1 : start;
-        const std::size_t valueEnd = quoted ? text_.find('"', valueStart) : endOfRun(start, valueEnds);
-        if (valueEnd == none || (!quoted && valueEnd == start)) return false;
-        const std::size_t end = quoted ? valueEnd + 1 : valueEnd;
-        if (end < text_.size() && text_[end] != ',') return false;
+        const bool quoted = isAt(start, '"');
+        const std::size_t end = quoted ? endOfQuoted(start) : endOfPlain(start);
+        if (end == start || (end < text_.size() && text_[end] != ',')) return false;
 
         attribute.name = between(position_, equals);
-        attribute.value = between(valueStart, valueEnd);
+        attribute.value = quoted ? between(start + 1, end - 1) : between(start, end);
         attribute.isQuoted = quoted;
-        ended_ = end == text_.size();
         position_ = end + 1;
         return true;
     }
 
-    /// The position of the first character in `ends` from a position on, or the end of the text.
-    [[nodiscard]] std::size_t endOfRun(std::size_t position, const CharacterSet& ends) const {
-        while (position < text_.size() && !ends.holds(text_[position]))
-            ++position;
-        return position;
+    [[nodiscard]] bool isAt(std::size_t position, char character) const {
+        return position < text_.size() && text_[position] == character;
+    }
+
+    /// The position after a quoted value; where it starts when it has no end.
+    [[nodiscard]] std::size_t endOfQuoted(std::size_t start) const {
+        const std::size_t closing = text_.find('"', start + 1);
+        return closing == none ? start : closing + 1;
+    }
+
+    [[nodiscard]] std::size_t endOfPlain(std::size_t start) const {
+        return find(start, [](std::uint64_t bytes) { return markBelow(bytes, '-'); });
+    }
+
+    /// The position of the first byte that is marked, from a position on, or the end of the text, which has at least eight
+    /// bytes. A byte of 0 must be marked: such bytes stand for those after the end.
+    template <typename Mark>
+    [[nodiscard]] std::size_t find(std::size_t position, Mark mark) const {
+        for (; position + 8 <= text_.size(); position += 8) {
+            const std::uint64_t marks = mark(eightBytesAt(text_.data() + position));
+            if (marks != 0) return position + firstMarked(marks);
+        }
+        return position + firstMarked(mark(lastBytesFrom(text_, position)));
     }
 
     bool nextByTheRules(Attribute& attribute) {
@@ -91,8 +105,7 @@ class AttributeScanner {
         attribute.value =
             quoted ? between(quote_ + 1, std::min(closing, text_.size())) : between(equals + 1, limit);
         attribute.isQuoted = quoted;
-        ended_ = comma == none;
-        position_ = comma + 1;
+        position_ = limit + 1;
         return true;
     }
 
@@ -115,30 +128,12 @@ class AttributeScanner {
 
     std::string_view text_;
     Reason& why_;
-    bool ended_;
-    std::size_t position_ = 0;
+    /// Beyond the end of the text when all was read.
+    std::size_t position_;
     /// Found when it is asked for.
     std::size_t quote_ = 0;
     bool quoteKnown_ = false;
 };
-
-constexpr unsigned indexBits = 8;
-
-/// The first four bytes of a name, and below them where its attribute stands. As numbers these are in the order of the
-/// names, but for names that begin alike.
-std::uint64_t placeOf(std::string_view name, std::size_t index) {
-    const auto byte = [name](std::size_t position) {
-        return std::uint64_t{static_cast<unsigned char>(name[position])};
-    };
-    std::uint64_t start = 0;
-    if (name.size() >= 4) {
-        start = byte(0) << 24 | byte(1) << 16 | byte(2) << 8 | byte(3);
-    } else {
-        for (std::size_t position = 0; position < name.size(); ++position)
-            start |= byte(position) << (24 - 8 * position);
-    }
-    return start << indexBits | index;
-}
 
 }  // namespace
 
@@ -154,11 +149,18 @@ std::optional<std::vector<Attribute>> attributesAsWritten(std::string_view text)
 
 bool AttributeList::read(std::string_view text, Reason& why) {
     AttributeScanner scanner(text, why);
-    while (!scanner.ended()) {
-        if (!scanner.next(newAttribute())) return false;
-        keepNewAttribute();
+    for (; !scanner.ended() && fewEnd_ != few_ + mostFew; ++fewEnd_) {
+        // It is not moved once it was read, since a copy of what has just been written in small pieces waits for all of
+        // them.
+        if (!scanner.next(*::new (fewEnd_) Attribute)) return false;
+        marks_ |= markOf(fewEnd_->name);
     }
-    if (isLong()) sortMany();
+    if (scanner.ended()) return true;
+    many_.assign(few_, fewEnd_);
+    while (!scanner.ended()) {
+        if (!scanner.next(many_.emplace_back())) return false;
+    }
+    sortMany();
     return true;
 }
 
@@ -167,57 +169,20 @@ bool AttributeList::readNonEmpty(const TagLine& tagLine, Reason& why) {
     return !empty() || why.missing(Rule::attributeListEmpty, tagLine.name);
 }
 
-/// Where the next attribute is read to: attributes are not moved once they were read, since a copy of what has just
-/// been written in small pieces waits for all of them.
-Attribute& AttributeList::newAttribute() {
-    if (!isLong() && fewCount_ < mostFew) return *::new (&few_[fewCount_]) Attribute;
-    if (!isLong()) many_.assign(few_, few_ + fewCount_);
-    return many_.emplace_back();
-}
-
-bool AttributeList::isBefore(std::uint64_t left, std::uint64_t right) const {
-    const bool beginAlike = (left ^ right) >> indexBits == 0;
-    return beginAlike ? fewAt(left).name < fewAt(right).name : left < right;
-}
-
-/// Gives the attribute that was read last its place in the order, unless there is one of its name.
-void AttributeList::keepNewAttribute() {
-    if (isLong()) return;
-    const std::string_view name = few_[fewCount_].name;
-    const std::uint64_t place = placeOf(name, fewCount_);
-    std::size_t position = fewCount_;
-    for (; position > 0 && isBefore(place, order_[position - 1]); --position)
-        order_[position] = order_[position - 1];
-    order_[position] = place;
-    ++fewCount_;
-    if (position > 0 && fewAt(order_[position - 1]).name == name) {
-        std::copy(order_.begin() + position + 1, order_.begin() + fewCount_, order_.begin() + position);
-        --fewCount_;
-    }
-}
-
+/// From here on none is found among the few, and all names are looked for among the many.
 void AttributeList::sortMany() {
+    fewEnd_ = few_;
+    marks_ = ~std::uint64_t{0};
     std::stable_sort(many_.begin(), many_.end(),
                      [](const Attribute& left, const Attribute& right) { return left.name < right.name; });
-    const auto sameName = [](const Attribute& left, const Attribute& right) {
-        return left.name == right.name;
-    };
-    many_.erase(std::unique(many_.begin(), many_.end(), sameName), many_.end());
 }
 
-std::optional<std::string_view> AttributeList::find(std::string_view name) const {
-    if (!isLong()) {
-        const Attribute* const end = few_ + fewCount_;
-        const auto hasName = [name](const Attribute& attribute) { return attribute.name == name; };
-        const Attribute* const found = std::find_if(few_, end, hasName);
-        return found == end ? std::nullopt : std::optional(found->value);
-    }
+std::optional<std::string_view> AttributeList::findInMany(std::string_view name) const {
     const auto isBeforeName = [](const Attribute& attribute, std::string_view wanted) {
         return attribute.name < wanted;
     };
     const auto found = std::lower_bound(many_.begin(), many_.end(), name, isBeforeName);
-    if (found == many_.end() || found->name != name) return std::nullopt;
-    return found->value;
+    return found == many_.end() || found->name != name ? std::nullopt : std::optional(found->value);
 }
 
 }  // namespace velhls

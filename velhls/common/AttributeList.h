@@ -1,7 +1,6 @@
 // Internal to the library, not installed: the attribute lists of tags, as the models read them.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -26,79 +25,58 @@ struct Attribute {
 [[nodiscard]] VELHLS_PRIVATE_API std::optional<std::vector<Attribute>> attributesAsWritten(
     std::string_view text);
 
-/// The attributes of one tag in the byte-wise order of their names. Of several with one name the first holds.
+/// The attributes of one tag, to be asked for by their names. Of several with one name the first holds.
 ///
-/// As long as there are few they stand as they were written, in memory of the list's own, with the order beside them:
-/// no tag of RFC 8216 has more. Once there are many, all of them are sorted.
+/// As long as there are few they stand as they were written, in memory of the list's own: no tag of RFC 8216 has more. Once
+/// there are many, all of them are sorted.
 class AttributeList {
   public:
-    class Iterator;
-
     /// Empty. The memory for attributes is left as it is: filling it would cost as much as scanning a short tag.
     AttributeList() {}
     AttributeList(const AttributeList&) = delete;
     AttributeList& operator=(const AttributeList&) = delete;
 
-    /// Reads a whole list into one that is empty, in time linear in its length but for the sorting of the names. False,
-    /// with the reason, when the text is malformed; an empty text is an empty list. The attributes look into `text`.
+    /// Reads a whole list into one that is empty, in time linear in its length but for the sorting of many. False, with
+    /// the reason, when the text is malformed; an empty text is an empty list. The attributes look into `text`.
     [[nodiscard]] bool read(std::string_view text, Reason& why);
 
     /// The same for a tag that needs at least one attribute, and may have line ends after the last one.
     [[nodiscard]] bool readNonEmpty(const TagLine& tagLine, Reason& why);
 
-    [[nodiscard]] bool empty() const { return size() == 0; }
-    [[nodiscard]] std::size_t size() const { return isLong() ? many_.size() : fewCount_; }
-    /// By its position in the order of the names.
-    [[nodiscard]] const Attribute& operator[](std::size_t position) const {
-        return isLong() ? many_[position] : fewAt(order_[position]);
-    }
-    [[nodiscard]] Iterator begin() const;
-    [[nodiscard]] Iterator end() const;
+    [[nodiscard]] bool empty() const { return begin() == end(); }
+
+    /// All of them: as they were written, repeated ones too, or in the byte-wise order of their names.
+    [[nodiscard]] const Attribute* begin() const { return isLong() ? many_.data() : few_; }
+    [[nodiscard]] const Attribute* end() const { return isLong() ? many_.data() + many_.size() : fewEnd_; }
 
     /// The value of the attribute with this name, if there is one.
-    [[nodiscard]] std::optional<std::string_view> find(std::string_view name) const;
+    [[nodiscard]] std::optional<std::string_view> find(std::string_view name) const {
+        if ((marks_ & markOf(name)) == 0) return std::nullopt;
+        for (const Attribute* attribute = few_; attribute != fewEnd_; ++attribute) {
+            if (attribute->name == name) return attribute->value;
+        }
+        return isLong() ? findInMany(name) : std::nullopt;
+    }
 
   private:
     static constexpr std::size_t mostFew = 16;
 
     [[nodiscard]] bool isLong() const { return !many_.empty(); }
-    [[nodiscard]] const Attribute& fewAt(std::uint64_t place) const { return few_[place % 256]; }
-    [[nodiscard]] bool isBefore(std::uint64_t left, std::uint64_t right) const;
-    [[nodiscard]] Attribute& newAttribute();
-    void keepNewAttribute();
     void sortMany();
+    [[nodiscard]] std::optional<std::string_view> findInMany(std::string_view name) const;
+
+    /// One of 64 bits. No name is empty.
+    [[nodiscard]] static std::uint64_t markOf(std::string_view name) {
+        return std::uint64_t{1} << (name.size() + static_cast<unsigned char>(name.front())) % 64;
+    }
 
     union {
         Attribute few_[mostFew];
     };
-    /// Each with the start of its name above its index, so that most names are compared without being looked at.
-    std::array<std::uint64_t, mostFew> order_;
-    std::size_t fewCount_ = 0;
+    Attribute* fewEnd_ = few_;
+    /// Those of all names: most names that are not there have another one, and need not be looked for.
+    std::uint64_t marks_ = 0;
     std::vector<Attribute> many_;
 };
-
-class AttributeList::Iterator {
-  public:
-    Iterator(const AttributeList& list, std::size_t position) : list_(list), position_(position) {}
-
-    const Attribute& operator*() const { return list_[position_]; }
-    Iterator& operator++() {
-        ++position_;
-        return *this;
-    }
-    bool operator!=(const Iterator& other) const { return position_ != other.position_; }
-
-  private:
-    const AttributeList& list_;
-    std::size_t position_;
-};
-
-inline AttributeList::Iterator AttributeList::begin() const {
-    return {*this, 0};
-}
-
-inline AttributeList::Iterator AttributeList::end() const {
-    return {*this, size()};
-}
 
 }  // namespace velhls

@@ -29,39 +29,40 @@ void ManifestReader::viewsEnd() {
     if (line_.data() == lineMemory_.data()) return;
     lineMemory_ = line_;
     line_ = lineMemory_;
+    if (isStandardTag(line_)) tagLine_ = TagLine(line_);
 }
 
 bool ManifestReader::readLine() {
     if (isStandardTag(line_)) {
-        const TagLine tagLine(line_);
-        return tagLine.hasColon ? readTag(tagLine) : readBareTag(tagLine);
+        tagLine_ = TagLine(line_);
+        return tagLine_.hasColon ? readTag() : readBareTag();
     }
     if (isTagLine(line_, tag::zorStreamInf)) return readStreamInformation(TagLine(line_));
     // A variant's URI was read together with its tag. Any other is out of place.
     return isTagOrComment(line_) || isBlank(line_) || why_(Rule::uriWithoutTag, line_);
 }
 
-bool ManifestReader::readBareTag(const TagLine& tagLine) {
-    if (tagLine.name == tag::extM3U) {
+bool ManifestReader::readBareTag() {
+    if (tagLine_.name == tag::extM3U) {
         playlistEnded_ = manifest_->hasHeader;
         manifest_->hasHeader = true;
         return true;
     }
-    if (tagLine.name != tag::independentSegments) return why_(Rule::masterBareTagUnknown, tagLine.name);
+    if (tagLine_.name != tag::independentSegments) return why_(Rule::masterBareTagUnknown, tagLine_.name);
     manifest_->independentSegments = true;
     return true;
 }
 
-bool ManifestReader::readTag(const TagLine& tagLine) {
-    if (tagLine.name == tag::media) return readRendition(tagLine);
-    if (tagLine.name == tag::streamInf) return readVariant(false);
-    if (tagLine.name == tag::iFrameStreamInf) return readVariant(true);
-    if (tagLine.name == tag::sessionData) return readSessionData();
-    if (tagLine.name == tag::sessionKey) return readSessionKey(tagLine);
-    if (tagLine.name == tag::start) {
-        return readStartTag(tagLine, manifest_->startTimeOffset, manifest_->startPrecise, why_);
+bool ManifestReader::readTag() {
+    if (tagLine_.name == tag::media) return readRendition();
+    if (tagLine_.name == tag::streamInf) return readVariant(false);
+    if (tagLine_.name == tag::iFrameStreamInf) return readVariant(true);
+    if (tagLine_.name == tag::sessionData) return readSessionData();
+    if (tagLine_.name == tag::sessionKey) return readSessionKey();
+    if (tagLine_.name == tag::start) {
+        return readStartTag(tagLine_, manifest_->startTimeOffset, manifest_->startPrecise, why_);
     }
-    if (tagLine.name == tag::version) manifest_->version = toInt32(tagLine.value, why_);
+    if (tagLine_.name == tag::version) manifest_->version = toInt32(tagLine_.value, why_);
     return true;
 }
 
@@ -74,8 +75,8 @@ bool ManifestReader::readStreamInformation(const TagLine& tagLine) {
     return true;
 }
 
-bool ManifestReader::readRendition(const TagLine& tagLine) {
-    auto rendition = velhls::readRendition(tagLine, &recordMaker_, why_);
+bool ManifestReader::readRendition() {
+    auto rendition = velhls::readRendition(tagLine_, &recordMaker_, why_);
     if (rendition == nullptr) return false;
     // The first rendition with a name stays.
     auto& group = manifest_->renditions[rendition->type][rendition->groupId];
@@ -86,8 +87,7 @@ bool ManifestReader::readRendition(const TagLine& tagLine) {
 
 bool ManifestReader::readVariant(bool isIFrame) {
     const std::string_view uriLine = isIFrame ? std::string_view() : lines_.next();
-    // Reading the URI may have moved the line.
-    auto variant = velhls::readVariant(TagLine(line_), uriLine, &recordMaker_, why_);
+    auto variant = velhls::readVariant(tagLine_, uriLine, &recordMaker_, why_);
     if (variant == nullptr) return false;
     recordMade(variant.get());
     // After all others of no more bandwidth: the hint only says where that often is.
@@ -104,10 +104,10 @@ bool ManifestReader::readSessionData() {
     return true;
 }
 
-bool ManifestReader::readSessionKey(const TagLine& tagLine) {
+bool ManifestReader::readSessionKey() {
     auto key = std::make_shared<VELHLSProtectionData>(VELHLSProtectionData::None, "", "", "",
                                                       std::vector<std::int32_t>());
-    if (!readKey(tagLine, *key, why_)) return false;
+    if (!readKey(tagLine_, *key, why_)) return false;
     recordMade(key.get());
     manifest_->sessionKeys.push_back(std::move(key));
     return true;

@@ -32,13 +32,13 @@ class ManifestReader : private LineReader::ViewKeeper {
   private:
     void viewsEnd() override;
     bool readLine();
-    bool readBareTag(const TagLine& tagLine);
-    bool readTag(const TagLine& tagLine);
+    bool readBareTag();
+    bool readTag();
     bool readStreamInformation(const TagLine& tagLine);
-    bool readRendition(const TagLine& tagLine);
+    bool readRendition();
     bool readVariant(bool isIFrame);
     bool readSessionData();
-    bool readSessionKey(const TagLine& tagLine);
+    bool readSessionKey();
     void recordMade(const void* record);
 
     LineReader lines_;
@@ -47,6 +47,8 @@ class ManifestReader : private LineReader::ViewKeeper {
     RecordMaker recordMaker_;
     /// A variant's URI is read while the line of its tag is still needed: it is copied if the view ends with that.
     std::string_view line_;
+    /// Of a standard tag's line.
+    TagLine tagLine_;
     std::string lineMemory_;
     /// The header of a second playlist was read, which ends the first.
     bool playlistEnded_ = false;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string_view>
 
 #include "velhls/common/Reason.h"
@@ -33,10 +32,5 @@ namespace velhls {
 /// See VELHLSZORStreamInformation::parse. Null without a reason for one that is dropped.
 [[nodiscard]] std::shared_ptr<VELHLSZORStreamInformation> readStreamInformation(const TagLine& tagLine,
                                                                                 Reason& why);
-
-/// The rendition type of this text, as the TYPE of a rendition and the name of a variant's group reference give it;
-/// nothing for a text that names none. See VELHLSMediaStreamRendition::textOf.
-[[nodiscard]] std::optional<VELHLSMediaStreamRendition::RenditionType> renditionTypeNamed(
-    std::string_view text);
 
 }  // namespace velhls

@@ -51,12 +51,10 @@ std::shared_ptr<VELHLSManifestSessionData> velhls::readSessionData(std::string_v
     AttributeList attributes;
     if (!attributes.read(attributeText(line), why)) return nullptr;
     auto entry = std::make_shared<VELHLSManifestSessionData>("", "", "", "");
-    for (const Attribute& attribute : attributes) {
-        if (attribute.name == attribute::dataId) entry->dataId = attribute.value;
-        if (attribute.name == attribute::value) entry->value = attribute.value;
-        if (attribute.name == attribute::uri) entry->uri = attribute.value;
-        if (attribute.name == attribute::language) entry->language = attribute.value;
-    }
+    if (const auto value = attributes.find(attribute::dataId)) entry->dataId = *value;
+    if (const auto value = attributes.find(attribute::value)) entry->value = *value;
+    if (const auto value = attributes.find(attribute::uri)) entry->uri = *value;
+    if (const auto value = attributes.find(attribute::language)) entry->language = *value;
     const std::optional<Rule> broken = brokenRule(*entry);
     if (!broken) return entry;
     tellWhyInvalid(*broken, attributes, TagLine(line).name, why);

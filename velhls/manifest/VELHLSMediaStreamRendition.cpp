@@ -16,7 +16,6 @@ namespace {
 
 namespace attribute = velhls::attribute;
 
-using velhls::Attribute;
 using velhls::Reason;
 using velhls::Rule;
 
@@ -33,8 +32,16 @@ bool readFlag(std::string_view value, bool& flag, Reason& why) {
     return flag || value == velhls::fixed::no || why(Rule::renditionFlagInvalid, value);
 }
 
+/// Nothing for a text that names none.
+std::optional<VELHLSMediaStreamRendition::RenditionType> typeNamed(std::string_view text) {
+    for (std::uint32_t number = 0; number < typeTexts.size(); ++number) {
+        if (typeTexts[number] == text) return static_cast<VELHLSMediaStreamRendition::RenditionType>(number);
+    }
+    return std::nullopt;
+}
+
 bool readType(std::string_view value, VELHLSMediaStreamRendition::RenditionType& type, Reason& why) {
-    const auto named = velhls::renditionTypeNamed(value);
+    const auto named = typeNamed(value);
     type = named.value_or(VELHLSMediaStreamRendition::Unknown);
     return named || why(Rule::renditionTypeUnknown, value);
 }
@@ -48,29 +55,32 @@ void readCharacteristics(std::string_view value, std::set<std::string>& characte
     }
 }
 
-bool readAttribute(VELHLSMediaStreamRendition& rendition, const Attribute& read, Reason& why) {
-    if (read.name == attribute::type) return readType(read.value, rendition.type, why);
-    if (read.name == attribute::defaultFlag) return readFlag(read.value, rendition.isDefault, why);
-    if (read.name == attribute::autoSelect) return readFlag(read.value, rendition.autoSelect, why);
-    if (read.name == attribute::forced) return readFlag(read.value, rendition.forced, why);
-    if (read.name == attribute::uri) {
-        rendition.uri = read.value;
-    } else if (read.name == attribute::groupId) {
-        rendition.groupId = read.value;
-    } else if (read.name == attribute::language) {
-        rendition.language = read.value;
-    } else if (read.name == attribute::assocLanguage) {
-        rendition.assocLanguage = read.value;
-    } else if (read.name == attribute::name) {
-        rendition.name = read.value;
-    } else if (read.name == attribute::instreamId) {
-        rendition.instreamId = read.value;
-    } else if (read.name == attribute::audioTrackType) {
-        rendition.audioTrackType = read.value;
-    } else if (read.name == attribute::characteristics) {
-        readCharacteristics(read.value, rendition.characteristics);
+void readTexts(VELHLSMediaStreamRendition& rendition, const velhls::AttributeList& attributes) {
+    if (const auto value = attributes.find(attribute::uri)) rendition.uri = std::string(*value);
+    if (const auto value = attributes.find(attribute::groupId)) rendition.groupId = std::string(*value);
+    if (const auto value = attributes.find(attribute::language)) rendition.language = std::string(*value);
+    if (const auto value = attributes.find(attribute::assocLanguage))
+        rendition.assocLanguage = std::string(*value);
+    if (const auto value = attributes.find(attribute::name)) rendition.name = std::string(*value);
+    if (const auto value = attributes.find(attribute::instreamId)) rendition.instreamId = std::string(*value);
+    if (const auto value = attributes.find(attribute::audioTrackType))
+        rendition.audioTrackType = std::string(*value);
+    if (const auto value = attributes.find(attribute::characteristics)) {
+        readCharacteristics(*value, rendition.characteristics);
     }
-    return true;
+}
+
+/// What may be read alone as one of a few words, in the order of the names: of several that are none the first one is told.
+bool readFixedValues(VELHLSMediaStreamRendition& rendition, const velhls::AttributeList& attributes,
+                     Reason& why) {
+    const auto autoSelect = attributes.find(attribute::autoSelect);
+    if (autoSelect && !readFlag(*autoSelect, rendition.autoSelect, why)) return false;
+    const auto isDefault = attributes.find(attribute::defaultFlag);
+    if (isDefault && !readFlag(*isDefault, rendition.isDefault, why)) return false;
+    const auto forced = attributes.find(attribute::forced);
+    if (forced && !readFlag(*forced, rendition.forced, why)) return false;
+    const auto type = attributes.find(attribute::type);
+    return !type || readType(*type, rendition.type, why);
 }
 
 struct RuleAndAttribute {
@@ -114,13 +124,6 @@ std::string joinedByCommas(const std::set<std::string>& pieces) {
 
 }  // namespace
 
-std::optional<VELHLSMediaStreamRendition::RenditionType> velhls::renditionTypeNamed(std::string_view text) {
-    for (std::uint32_t number = 0; number < typeTexts.size(); ++number) {
-        if (typeTexts[number] == text) return static_cast<VELHLSMediaStreamRendition::RenditionType>(number);
-    }
-    return std::nullopt;
-}
-
 std::string_view VELHLSMediaStreamRendition::textOf(RenditionType type) noexcept {
     const auto number = static_cast<std::size_t>(type);
     return number < typeTexts.size() ? typeTexts[number] : std::string_view();
@@ -131,9 +134,8 @@ std::shared_ptr<VELHLSMediaStreamRendition> velhls::readRendition(const TagLine&
     AttributeList attributes;
     if (!attributes.read(tagLine.value, why)) return nullptr;
     auto rendition = makeRecord<ReadRendition>(maker);
-    for (const Attribute& attribute : attributes) {
-        if (!readAttribute(*rendition, attribute, why)) return nullptr;
-    }
+    if (!readFixedValues(*rendition, attributes, why)) return nullptr;
+    readTexts(*rendition, attributes);
     // A default rendition may always be chosen without asking.
     if (rendition->isDefault) rendition->autoSelect = true;
     const std::optional<RuleAndAttribute> broken = brokenRule(*rendition);

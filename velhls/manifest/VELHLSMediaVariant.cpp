@@ -18,33 +18,42 @@ namespace attribute = velhls::attribute;
 using velhls::Reason;
 using velhls::Rule;
 
-void readGroup(VELHLSMediaVariant& variant, VELHLSMediaStreamRendition::RenditionType type,
-               std::string_view value) {
-    const bool isNone = type == VELHLSMediaStreamRendition::ClosedCaptions && value == velhls::fixed::none;
-    if (!isNone) variant.groupIds.emplace(type, value);
+/// In the order of their names: of several that are no numbers the first one is told.
+void readNumbers(VELHLSMediaVariant& variant, const velhls::AttributeList& attributes, Reason& why) {
+    if (const auto value = attributes.find(attribute::averageBandwidth)) {
+        variant.averageBandwidth = velhls::toInt64AsUnsigned(*value, why);
+    }
+    if (const auto value = attributes.find(attribute::bandwidth)) {
+        variant.bandwidth = velhls::toInt64AsUnsigned(*value, why);
+    }
+    if (const auto value = attributes.find(attribute::programId)) {
+        variant.programId = static_cast<std::uint32_t>(velhls::toInt32(*value, why));
+    }
 }
 
-void readAttribute(VELHLSMediaVariant& variant, const velhls::Attribute& read, Reason& why) {
-    if (read.name == attribute::bandwidth) {
-        variant.bandwidth = velhls::toInt64AsUnsigned(read.value, why);
-    } else if (read.name == attribute::averageBandwidth) {
-        variant.averageBandwidth = velhls::toInt64AsUnsigned(read.value, why);
-    } else if (read.name == attribute::codecs) {
-        variant.codecs = read.value;
-    } else if (read.name == attribute::resolution) {
-        variant.resolution = read.value;
-    } else if (read.name == attribute::programId) {
-        variant.programId = static_cast<std::uint32_t>(velhls::toInt32(read.value, why));
-    } else if (read.name == attribute::uri) {
-        if (variant.isIFrame) variant.uri = read.value;
-    } else if (const auto type = velhls::renditionTypeNamed(read.name)) {
-        readGroup(variant, *type, read.value);
-    }
+void readTexts(VELHLSMediaVariant& variant, const velhls::AttributeList& attributes) {
+    if (const auto value = attributes.find(attribute::codecs)) variant.codecs = std::string(*value);
+    if (const auto value = attributes.find(attribute::resolution)) variant.resolution = std::string(*value);
+    if (!variant.isIFrame) return;
+    if (const auto value = attributes.find(attribute::uri)) variant.uri = std::string(*value);
+}
+
+void readGroups(VELHLSMediaVariant& variant, const velhls::AttributeList& attributes) {
+    using Rendition = VELHLSMediaStreamRendition;
+    const auto readGroup = [&](Rendition::RenditionType type, std::string_view name) {
+        const auto groupId = attributes.find(name);
+        const bool isNone = type == Rendition::ClosedCaptions && groupId == velhls::fixed::none;
+        if (groupId && !isNone) variant.groupIds.emplace_hint(variant.groupIds.end(), type, *groupId);
+    };
+    readGroup(Rendition::Audio, attribute::audio);
+    readGroup(Rendition::Video, attribute::video);
+    readGroup(Rendition::Subtitles, attribute::subtitles);
+    readGroup(Rendition::ClosedCaptions, attribute::closedCaptions);
 }
 
 /// Gives access to the constructor that a reader needs.
 struct ReadVariant : VELHLSMediaVariant {
-    explicit ReadVariant(bool isIFrame) : VELHLSMediaVariant(isIFrame) {}
+    ReadVariant(bool isIFrame, std::string_view uriLine) : VELHLSMediaVariant(isIFrame, uriLine) {}
 };
 
 /// Says why a variant that was read does not validate.
@@ -93,11 +102,10 @@ std::shared_ptr<VELHLSMediaVariant> velhls::readVariant(const TagLine& tagLine, 
 
     AttributeList attributes;
     if (!attributes.read(tagLine.value, why)) return nullptr;
-    auto variant = makeRecord<ReadVariant>(maker, isIFrame);
-    if (isStream) variant->uri = uriLine;
-    for (const Attribute& attribute : attributes) {
-        readAttribute(*variant, attribute, why);
-    }
+    auto variant = makeRecord<ReadVariant>(maker, isIFrame, isStream ? uriLine : std::string_view());
+    readNumbers(*variant, attributes, why);
+    readTexts(*variant, attributes);
+    readGroups(*variant, attributes);
     if (variant->validate()) return variant;
     tellWhyInvalid(*variant, attributes, tagLine.name, why);
     return nullptr;

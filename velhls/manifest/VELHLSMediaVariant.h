@@ -115,5 +115,6 @@ class VELHLS_API VELHLSMediaVariant {
 
   protected:
     /// For the library's own reader, which sets all other members in place.
-    explicit VELHLSMediaVariant(bool isIFrameVariant) : isIFrame(isIFrameVariant) {}
+    VELHLSMediaVariant(bool isIFrameVariant, std::string_view uriLine)
+        : uri(uriLine), isIFrame(isIFrameVariant) {}
 };

@@ -13,12 +13,12 @@ std::shared_ptr<VELHLSZORStreamInformation> velhls::readStreamInformation(const 
     AttributeList attributes;
     if (!attributes.read(tagLine.value, ignored)) return nullptr;
     auto entry = std::make_shared<VELHLSZORStreamInformation>();
-    for (const Attribute& attribute : attributes) {
-        if (attribute.name == attribute::nominalVideoBitrate) {
-            entry->nominalVideoBitrate = toInt64AsUnsigned(attribute.value, why);
-        } else if (attribute.name == attribute::nominalAudioBitrate) {
-            entry->nominalAudioBitrate = toInt64AsUnsigned(attribute.value, why);
-        }
+    // In the order of their names: of two that are no numbers the first one is told.
+    if (const auto value = attributes.find(attribute::nominalAudioBitrate)) {
+        entry->nominalAudioBitrate = toInt64AsUnsigned(*value, why);
+    }
+    if (const auto value = attributes.find(attribute::nominalVideoBitrate)) {
+        entry->nominalVideoBitrate = toInt64AsUnsigned(*value, why);
     }
     return entry->validate() ? entry : nullptr;
 }

@@ -46,27 +46,20 @@ std::vector<std::int32_t> readKeyFormatVersions(std::string_view text, Reason& w
     }
 }
 
-bool readAttribute(VELHLSProtectionData& key, const velhls::Attribute& read, Reason& why) {
-    if (read.name == attribute::uri) {
-        key.uri = read.value;
-    } else if (read.name == attribute::iv) {
-        if (!isInitializationVector(read.value)) return why(Rule::keyIvMalformed, read.value);
-        key.iv = read.value;
-    } else if (read.name == attribute::keyFormat) {
-        key.keyFormat = read.value;
-    } else if (read.name == attribute::keyFormatVersions) {
-        if (!velhls::holdsOnly(read.value, velhls::digitsAndSlash)) {
-            return why(Rule::keyFormatVersionsMalformed, read.value);
-        }
-        key.keyFormatVersions = readKeyFormatVersions(read.value, why);
-    }
-    return true;
-}
-
+/// In the order of their names: of several that are malformed the first one is told.
 bool readAttributes(VELHLSProtectionData& key, const velhls::AttributeList& attributes, Reason& why) {
-    for (const velhls::Attribute& attribute : attributes) {
-        if (!readAttribute(key, attribute, why)) return false;
+    if (const auto iv = attributes.find(attribute::iv)) {
+        if (!isInitializationVector(*iv)) return why(Rule::keyIvMalformed, *iv);
+        key.iv = *iv;
     }
+    if (const auto keyFormat = attributes.find(attribute::keyFormat)) key.keyFormat = *keyFormat;
+    if (const auto versions = attributes.find(attribute::keyFormatVersions)) {
+        if (!velhls::holdsOnly(*versions, velhls::digitsAndSlash)) {
+            return why(Rule::keyFormatVersionsMalformed, *versions);
+        }
+        key.keyFormatVersions = readKeyFormatVersions(*versions, why);
+    }
+    if (const auto uri = attributes.find(attribute::uri)) key.uri = *uri;
     return true;
 }
 

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <iterator>
 #include <optional>
 #include <string>
 
+#include "velhls/common/EightBytes.h"
 #include "velhls/common/Names.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/common/Utf8.h"
@@ -223,14 +223,10 @@ namespace {
 
 /// Whether each byte is at least this one, which is ' ' or '!', and below 0x7F. Eight at a time.
 bool holdsOnlyPrintable(std::string_view text, unsigned char least) {
-    constexpr std::uint64_t ones = 0x0101010101010101;
-    constexpr std::uint64_t highBits = 0x8080808080808080;
-    const std::uint64_t below = ones * least;
-    const auto isOdd = [&](std::string_view eight) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, eight.data(), sizeof bytes);
-        // A byte below the least one borrows; one of 0x7F and above has, or gets, its high bit.
-        return ((((bytes - below) & ~bytes) | bytes | (bytes + ones)) & highBits) != 0;
+    const auto isOdd = [least](std::string_view eight) {
+        const std::uint64_t bytes = eightBytesAt(eight.data());
+        // A byte of 0x7F and above has its high bit, or gets it.
+        return (markBelow(bytes, least) | ((bytes | (bytes + oneInEachByte)) & highBits)) != 0;
     };
     constexpr std::size_t width = sizeof(std::uint64_t);
     if (text.size() >= width) {

@@ -3,8 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
+
+#include "velhls/common/EightBytes.h"
 
 namespace velhls {
 
@@ -12,15 +13,9 @@ namespace velhls {
 /// once, since every URI is asked.
 template <char... characters>
 [[nodiscard]] bool holdsControlOr(std::string_view text) {
-    constexpr std::uint64_t ones = 0x0101010101010101;
-    // Not 0 exactly when a byte of the word is below the number.
-    const auto bytesBelow = [](std::uint64_t word, std::uint64_t number) {
-        return (word - ones * number) & ~word & (ones << 7);
-    };
-    const auto isAnyAt = [&](const char* bytes) {
-        std::uint64_t word;
-        std::memcpy(&word, bytes, sizeof word);
-        return (bytesBelow(word, ' ') | ... | bytesBelow(word ^ (ones * characters), 1)) != 0;
+    const auto isAnyAt = [](const char* place) {
+        const std::uint64_t bytes = eightBytesAt(place);
+        return (markBelow(bytes, ' ') | ... | markEqual(bytes, characters)) != 0;
     };
     constexpr std::size_t width = sizeof(std::uint64_t);
     if (text.size() < width) {
