@@ -13,22 +13,43 @@
 
 namespace {
 
-template <typename Record>
-bool writeRecord(std::ostream& out, const Record& record) {
-    std::string text;
-    if (record.render(text) != 0) return false;
-    velhls::writeText(out, text);
-    return true;
-}
+/// Writes records that follow each other, many at a time.
+class RecordWriter {
+  public:
+    explicit RecordWriter(std::ostream& out) : out_(out) {}
 
-bool writeRenditions(std::ostream& out, const VELHLSParsedManifest::RenditionsByName& group, bool forced) {
+    /// False for a record that does not render, of which nothing is written.
+    template <typename Record>
+    bool write(const Record& record) {
+        constexpr std::size_t fullText = 32768;
+        const std::size_t start = text_.size();
+        if (record.render(text_) != 0) {
+            text_.resize(start);
+            return false;
+        }
+        if (text_.size() >= fullText) flush();
+        return true;
+    }
+
+    /// To be called after the last record, and after one that does not render.
+    void flush() {
+        velhls::writeText(out_, text_);
+        text_.clear();
+    }
+
+  private:
+    std::ostream& out_;
+    std::string text_;
+};
+
+bool writeRenditions(RecordWriter& out, const VELHLSParsedManifest::RenditionsByName& group, bool forced) {
     for (const auto& [name, rendition] : group) {
-        if (rendition->forced == forced && !writeRecord(out, *rendition)) return false;
+        if (rendition->forced == forced && !out.write(*rendition)) return false;
     }
     return true;
 }
 
-bool writeAllRenditions(std::ostream& out, const VELHLSParsedManifest& manifest) {
+bool writeAllRenditions(RecordWriter& out, const VELHLSParsedManifest& manifest) {
     for (const auto& [type, groups] : manifest.renditions) {
         for (const auto& [groupId, group] : groups) {
             if (!writeRenditions(out, group, false)) return false;
@@ -38,16 +59,16 @@ bool writeAllRenditions(std::ostream& out, const VELHLSParsedManifest& manifest)
     return true;
 }
 
-bool writeVariants(std::ostream& out, const VELHLSParsedManifest& manifest) {
+bool writeVariants(RecordWriter& out, const VELHLSParsedManifest& manifest) {
     for (const auto& [bandwidth, variant] : manifest.variants) {
-        if (!writeRecord(out, *variant)) return false;
+        if (!out.write(*variant)) return false;
     }
     return true;
 }
 
-bool writeSessionData(std::ostream& out, const VELHLSParsedManifest& manifest) {
+bool writeSessionData(RecordWriter& out, const VELHLSParsedManifest& manifest) {
     for (const auto& entry : manifest.sessionData) {
-        if (!writeRecord(out, *entry)) return false;
+        if (!out.write(*entry)) return false;
     }
     return true;
 }
@@ -89,9 +110,11 @@ std::int32_t VELHLSParsedManifest::render(std::ostream& out) const {
     if (version != 1) velhls::writeTag(out, velhls::tag::version, std::int64_t{version});
     if (independentSegments) velhls::writeTag(out, velhls::tag::independentSegments);
     velhls::writeStartTag(out, startTimeOffset, startPrecise);
-    if (!writeAllRenditions(out, *this)) return -1;
-    if (!writeVariants(out, *this)) return -1;
-    return writeSessionData(out, *this) ? 0 : -1;
+    RecordWriter records(out);
+    const bool rendered = writeAllRenditions(records, *this) && writeVariants(records, *this) &&
+                          writeSessionData(records, *this);
+    records.flush();
+    return rendered ? 0 : -1;
 }
 
 bool VELHLSParsedManifest::validate() const {
