@@ -51,7 +51,7 @@ std::string_view withoutSpaceAndPlus(std::string_view text) {
 /// number is worth nothing.
 const char* readDigits(const char* position, const char* end, std::uint64_t& number) {
     for (; position < end; ++position) {
-        const auto digit = static_cast<std::uint32_t>(*position - '0');
+        const std::uint64_t digit = static_cast<unsigned char>(*position) - std::uint64_t{'0'};
         if (digit > 9) break;
         number = number * 10 + digit;
     }

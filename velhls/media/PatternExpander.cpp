@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -18,6 +19,13 @@
 
 namespace velhls {
 namespace {
+
+/// What is nothing but the digits of a 32-bit number.
+std::optional<std::int64_t> plainNumber(std::string_view text) {
+    const LeadingNumber<std::int64_t> plain = leadingInteger(text);
+    const bool isPlain = plain.isAllOf(text) && plain.number <= std::numeric_limits<std::int32_t>::max();
+    return isPlain ? std::optional(plain.number) : std::nullopt;
+}
 
 /// Tells who follows the reading how long the lines are those of a pattern's text.
 class FollowedExpansion {
@@ -119,10 +127,7 @@ PatternExpander::Step PatternExpander::vendorTagStep(std::string_view line) cons
     step.kind = Kind::increment;
     step.variable = &define->second;
     step.amount = tagLine.value.substr(comma + 1);
-    const LeadingNumber<std::int64_t> plain = leadingInteger(step.amount);
-    const bool isPlain =
-        plain.isAllOf(step.amount) && plain.number <= std::numeric_limits<std::int32_t>::max();
-    if (isPlain) step.plainAmount = static_cast<std::int32_t>(plain.number);
+    step.plainAmount = plainNumber(step.amount);
     return step;
 }
 
@@ -206,9 +211,10 @@ bool PatternExpander::appendSubstitutedUri(std::string_view uri) {
 
 /// Adds two 32-bit numbers: their sum fits 64 bits.
 std::int64_t PatternExpander::incremented(const Step& step) {
+    const std::optional<std::int64_t> plain = plainNumber(*step.variable);
+    if (plain && step.plainAmount) return *plain + *step.plainAmount;
     try {
-        return std::int64_t{toInt32(*step.variable, why_)} +
-               (step.plainAmount ? *step.plainAmount : toInt32(step.amount, why_));
+        return std::int64_t{toInt32(*step.variable, why_)} + toInt32(step.amount, why_);
     } catch (const std::logic_error&) {
         // The variable was set elsewhere.
         why_(why_.rule, step.line, why_.where.empty() ? "nothing" : quoted(why_.where));
