@@ -80,8 +80,9 @@ char* writeWithDecimals(char* to, double number) {
     to = writeWhole(to, whole);
     to = writeText(to, '.');
     static_assert(decimals == 3 || decimals == 6);
-    if (decimals == 6) to = writeThreeDigits(to, static_cast<std::uint32_t>(digits / 1000));
-    return writeThreeDigits(to, static_cast<std::uint32_t>(digits % 1000));
+    const auto shortDigits = static_cast<std::uint32_t>(digits);
+    if (decimals == 3) return writeThreeDigits(to, shortDigits);
+    return writeFourDigits(writeTwoDigits(to, shortDigits / 10000), shortDigits % 10000);
 }
 
 }  // namespace

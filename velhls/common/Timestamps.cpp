@@ -104,17 +104,15 @@ void appendPadded(std::string& out, std::int64_t number, std::size_t width) {
     if (length + sign < width) out.insert(start, width - sign - length, '0');
 }
 
-/// "10:00:05.250+00:00"
-char* writeTime(char* to, std::int64_t secondOfDay, double secondOfMinute) {
-    to = writeTwoDigits(to, static_cast<std::uint32_t>(secondOfDay / 3600));
-    to = writeText(to, ':');
-    to = writeTwoDigits(to, static_cast<std::uint32_t>(secondOfDay % 3600 / 60));
-    to = writeText(to, ':');
+/// "5.250+00:00"
+char* writeSeconds(char* to, double secondOfMinute) {
     to = writeFixed(to, secondOfMinute, 3);
     return writeText(to, std::string_view("+00:00"));
 }
 
+constexpr std::int64_t secondsOfMinute = 60;
 constexpr std::size_t usualDateLength = std::string_view("2026-11-21T").size();
+constexpr std::size_t hourAndMinuteLength = std::string_view("10:05:").size();
 
 /// "2026-11-21T"
 std::string dateText(const CivilTime& date) {
@@ -233,20 +231,30 @@ char* TimestampWriter::write(char* to, double seconds) {
     // The difference is no fraction where the time was not a number or beyond what the calendar holds.
     const bool hasFraction = fraction > -1.0 && fraction < 1.0;
 
-    if (whole < dayStart_ || whole - dayStart_ >= secondsOfDay) {
-        dayStart_ = startOfDay(whole);
-        date_ = dateText(dateOf(whole));
-    }
-    const std::int64_t secondOfDay = whole - dayStart_;
-    const double secondOfMinute = (hasFraction ? fraction : 0.0) + static_cast<double>(secondOfDay % 60);
+    if (whole < minuteStart_ || whole - minuteStart_ >= secondsOfMinute) beginMinute(whole);
+    const double secondOfMinute = (hasFraction ? fraction : 0.0) + static_cast<double>(whole - minuteStart_);
     // The text of a year of four digits is never longer than there is room for.
-    if (date_.size() == usualDateLength) {
-        return writeTime(writeText(to, firstOf(date_, usualDateLength)), secondOfDay, secondOfMinute);
+    if (dateLength_ == usualDateLength) {
+        const std::string_view minute(minute_.data(), usualDateLength + hourAndMinuteLength);
+        return writeSeconds(writeText(to, minute), secondOfMinute);
     }
     std::array<char, mostFixedBytes + 64> text;
-    const char* const end = writeTime(writeText(text.data(), date_), secondOfDay, secondOfMinute);
+    const std::string_view minute(minute_.data(), dateLength_ + hourAndMinuteLength);
+    const char* const end = writeSeconds(writeText(text.data(), minute), secondOfMinute);
     const auto length = static_cast<std::size_t>(end - text.data());
     return writeText(to, std::string_view(text.data(), std::min(length, mostTimestampBytes)));
+}
+
+void TimestampWriter::beginMinute(std::int64_t second) {
+    if (second < dayStart_ || second - dayStart_ >= secondsOfDay) {
+        dayStart_ = startOfDay(second);
+        dateLength_ = dateText(dateOf(second)).copy(minute_.data(), minute_.size() - hourAndMinuteLength);
+    }
+    const auto minuteOfDay = static_cast<std::uint32_t>((second - dayStart_) / secondsOfMinute);
+    minuteStart_ = dayStart_ + minuteOfDay * secondsOfMinute;
+    char* to = writeTwoDigits(minute_.data() + dateLength_, minuteOfDay / 60);
+    to = writeTwoDigits(writeText(to, ':'), minuteOfDay % 60);
+    static_cast<void>(writeText(to, ':'));
 }
 
 }  // namespace velhls

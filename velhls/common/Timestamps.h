@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <string>
 #include <string_view>
 
 #include "velhls/common/Reason.h"
@@ -34,18 +33,23 @@ class TimestampReader {
 
 inline constexpr std::size_t mostTimestampBytes = 31;
 
-/// Writes the dates and times of segments that follow each other: most of them are of one day, whose text is
-/// kept. See VELHLSUtility::renderTimestamp.
+/// Writes the dates and times of segments that follow each other: most of them are of one minute, whose text
+/// is kept. See VELHLSUtility::renderTimestamp.
 class TimestampWriter {
   public:
     /// Writes the text to where there is room for `mostTimestampBytes`, and returns the place after it.
     [[nodiscard]] char* write(char* to, double seconds);
 
   private:
-    /// The first second of the day that `date_` tells.
+    void beginMinute(std::int64_t second);
+
+    /// The first seconds of the day and of the minute that `minute_` tells.
     std::int64_t dayStart_ = std::numeric_limits<std::int64_t>::max();
-    /// "2026-11-21T"
-    std::string date_;
+    std::int64_t minuteStart_ = std::numeric_limits<std::int64_t>::max();
+    /// "2026-11-21T10:05:". A year may have up to eleven characters.
+    std::array<char, 24> minute_;
+    /// How many of them are the date's, the "T" included.
+    std::size_t dateLength_ = 0;
 };
 
 }  // namespace velhls
