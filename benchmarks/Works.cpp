@@ -7,6 +7,7 @@
 #include <optional>
 #include <sstream>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 
 #include "velhls/VELHLS.h"
@@ -432,6 +433,19 @@ class ParseText : public Work {
     Stream stream_;
 };
 
+/// The floor is the parse of the same text from a stream.
+template <typename StreamParse>
+Measurement textParse(std::string name, const std::string& text, std::size_t items, bool fresh = false) {
+    constexpr bool isMaster = std::is_same_v<StreamParse, ParseMaster>;
+    return {std::move(name),
+            items,
+            text.size(),
+            fresh ? std::size_t{500} : std::size_t{1},
+            std::make_unique<ParseText>(text, isMaster),
+            "stream",
+            std::make_unique<StreamParse>(text, fresh, items)};
+}
+
 /// The same work many times in one process, on a text each, as a service does it.
 template <typename Each>
 class Many : public Work {
@@ -495,6 +509,12 @@ const std::vector<std::pair<std::string, Maker>>& makers() {
         {"parse/master-small", [](Name name) { return masterParse(name, inputs::smallMaster(), 16, true); }},
         {"parse/master-large/10000",
          [](Name name) { return masterParse(name, inputs::largeMaster(10000), 10000); }},
+        {"text/vod/100000", [](Name name) { return textParse<ParseMedia>(name, inputs::vod(many), many); }},
+        {"text/live", [](Name name) { return textParse<ParseMedia>(name, inputs::live(), 6, true); }},
+        {"text/master-small",
+         [](Name name) { return textParse<ParseMaster>(name, inputs::smallMaster(), 16, true); }},
+        {"text/master-large/10000",
+         [](Name name) { return textParse<ParseMaster>(name, inputs::largeMaster(10000), 10000); }},
         {"render/vod/100000", [](Name name) { return mediaRender(name, inputs::vod(many), many); }},
         {"render/rich/100000", [](Name name) { return mediaRender(name, inputs::rich(many), many); }},
         {"render/master-large/10000",

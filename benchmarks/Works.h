@@ -5,7 +5,8 @@
 // - O, objects: R, and for each record one plain std::make_shared with its URI copied in, pushed to a vector;
 // - W, writing: the rendered text appended to a string from ready pieces and std::to_chars for each duration,
 //   then put to the stream once;
-// - P, parsing: of a check, the models' parse of the same text in memory.
+// - P, parsing: of a check, the models' parse of the same text in memory;
+// - stream: of a parse of a text in memory, that of a stream over the same text.
 #pragma once
 
 #include <cstddef>
