@@ -70,10 +70,9 @@ VELHLSDiagnostics::PlaylistKind kindOf(const VELHLSDocument& document) {
 // Looks at each line once and keeps none of them: to detect the kind costs a fraction of what the parse after it does.
 std::optional<VELHLSDiagnostics::Detection> detectKind(std::string_view text) {
     KindCount kinds;
-    std::size_t lines = 0;
     bool isForStreaming = false;
-    forEachLineCode(text, [&](std::size_t, LineCode code) {
-        kinds.add(++lines, code);
+    forEachLineCode(text, [&](std::size_t line, std::size_t, LineCode code) {
+        kinds.add(line, code);
         isForStreaming =
             isForStreaming || (code.definition() != nullptr && isStreamingTag(code.definition()->name));
     });

@@ -19,16 +19,16 @@ class KindCount {
 
     void add(std::size_t line, LineCode code) {
         const VELHLSTagDefinition* const tag = code.definition();
-        if (tag == nullptr || tag->playlist == VELHLSTagDefinition::Either) return;
-        Votes& votes = tag->playlist == VELHLSTagDefinition::Master ? master_ : media_;
-        if (votes.first.line == 0) votes.first = {line, code};
-        if (!isOfRecord(code)) return;
-        if (votes.records == 0) votes.firstOfRecord = {line, code};
-        ++votes.records;
+        if (tag == nullptr) return;
+        if (code == line_code::extInf) return media_.addOfRecord(line, code);
+        if (code == line_code::streamInf || code == line_code::iFrameStreamInf)
+            return master_.addOfRecord(line, code);
+        if (tag->playlist == VELHLSTagDefinition::Master) master_.addOther(line, code);
+        if (tag->playlist == VELHLSTagDefinition::Media) media_.addOther(line, code);
     }
 
     [[nodiscard]] VELHLSDocument::Kind kind() const {
-        if (master_.first.line == 0 && media_.first.line == 0) return VELHLSDocument::Neither;
+        if (deciding().line == 0) return VELHLSDocument::Neither;
         return isMedia() ? VELHLSDocument::Media : VELHLSDocument::Master;
     }
 
@@ -36,20 +36,21 @@ class KindCount {
     [[nodiscard]] Place deciding() const { return (isMedia() ? media_ : master_).deciding(); }
 
   private:
+    /// The tags that one kind alone has.
     struct Votes {
-        [[nodiscard]] Place deciding() const { return records == 0 ? first : firstOfRecord; }
+        void addOfRecord(std::size_t line, LineCode code) {
+            if (records++ == 0) firstOfRecord = {line, code};
+        }
+        void addOther(std::size_t line, LineCode code) {
+            if (firstOther.line == 0) firstOther = {line, code};
+        }
+        [[nodiscard]] Place deciding() const { return records == 0 ? firstOther : firstOfRecord; }
 
-        /// Tags of variants or segments.
+        /// How many are of variants or segments.
         std::size_t records = 0;
         Place firstOfRecord;
-        /// Of the tags that this kind alone has.
-        Place first;
+        Place firstOther;
     };
-
-    static bool isOfRecord(LineCode code) {
-        return code == line_code::extInf || code == line_code::streamInf ||
-               code == line_code::iFrameStreamInf;
-    }
 
     [[nodiscard]] bool isMedia() const {
         if (media_.records != master_.records) return media_.records > master_.records;

@@ -44,10 +44,11 @@ class CodeGuess {
     bool isFirst_ = true;
 };
 
-/// Calls each(offset of the line, its code) for every line of the text.
+/// Calls each(number of the line, its offset, its code) for every line of the text.
 template <class Each>
 void forEachLineCode(std::string_view text, const Each& each) {
     CodeGuess guess;
+    std::size_t number = 0;
     const char* const textEnd = text.data() + text.size();
     for (const char* start = text.data(); start != textEnd;) {
         const auto* feed =
@@ -55,7 +56,7 @@ void forEachLineCode(std::string_view text, const Each& each) {
         const char* const end = feed == nullptr ? textEnd : feed;
         const bool hasReturn = feed != nullptr && end != start && end[-1] == '\r';
         const std::string_view line(start, static_cast<std::size_t>(end - start) - (hasReturn ? 1 : 0));
-        each(static_cast<std::size_t>(start - text.data()), guess.codeOf(line));
+        each(++number, static_cast<std::size_t>(start - text.data()), guess.codeOf(line));
         start = feed == nullptr ? textEnd : feed + 1;
     }
 }

@@ -83,10 +83,10 @@ void VELHLSDocument::expectLines() {
 void VELHLSDocument::findLines() {
     expectLines();
     velhls::KindCount kinds;
-    velhls::forEachLineCode(text_, [&](std::size_t start, LineCode code) {
+    velhls::forEachLineCode(text_, [&](std::size_t number, std::size_t start, LineCode code) {
         starts_.push_back(static_cast<std::uint32_t>(start));
         codes_.push_back(code.number());
-        kinds.add(starts_.size(), code);
+        kinds.add(number, code);
     });
     kind_ = kinds.kind();
     if (starts_.capacity() > starts_.size() + starts_.size() / 8) {
