@@ -144,10 +144,21 @@ TEST(Rules, AreListedInTheIndexInTheirOrder) {
     EXPECT_EQ(position, index.size());
 }
 
+/// Which names of variables meet in one place of a map is up to the standard library: those of the page do in GNU's of 64 bits.
+bool hasExampleForAnother(const VELHLSRule& rule) {
+#ifdef __GLIBCXX__
+    constexpr bool isAnother = sizeof(std::size_t) < 8;
+#else
+    constexpr bool isAnother = true;
+#endif
+    return isAnother && rule.id == "define-names-collide";
+}
+
 /// Of a warning's and an error's page nothing else is found that weighs as much as a warning; of a note's page
 /// nothing else at all.
 TEST(Rules, AreAllThatIsFoundInTheFailingPlaylistsOfTheirPages) {
     for (const VELHLSRule& rule : rulesOfOnePlaylist()) {
+        if (hasExampleForAnother(rule)) continue;
         SCOPED_TRACE(rule.id);
         const std::string page = contentOf(pagePath(rule.id));
         std::set<std::string> expected = companionsOf(page);
