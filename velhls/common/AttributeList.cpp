@@ -158,6 +158,7 @@ bool AttributeList::read(std::string_view text, Reason& why) {
     if (scanner.ended()) return true;
     many_.assign(few_, fewEnd_);
     while (!scanner.ended()) {
+        if (many_.size() == many_.capacity()) makeRoom();
         if (!scanner.next(many_.emplace_back())) return false;
     }
     sortMany();
@@ -169,12 +170,22 @@ bool AttributeList::readNonEmpty(const TagLine& tagLine, Reason& why) {
     return !empty() || why.missing(Rule::attributeListEmpty, tagLine.name);
 }
 
+/// However often names are repeated, they are held a few times at most.
+void AttributeList::makeRoom() {
+    sortMany();
+    if (many_.size() > many_.capacity() / 2) many_.reserve(2 * many_.capacity());
+}
+
 /// From here on none is found among the few, and all names are looked for among the many.
 void AttributeList::sortMany() {
     fewEnd_ = few_;
     marks_ = ~std::uint64_t{0};
     std::stable_sort(many_.begin(), many_.end(),
                      [](const Attribute& left, const Attribute& right) { return left.name < right.name; });
+    const auto sameName = [](const Attribute& left, const Attribute& right) {
+        return left.name == right.name;
+    };
+    many_.erase(std::unique(many_.begin(), many_.end(), sameName), many_.end());
 }
 
 std::optional<std::string_view> AttributeList::findInMany(std::string_view name) const {

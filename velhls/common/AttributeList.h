@@ -45,7 +45,7 @@ class AttributeList {
 
     [[nodiscard]] bool empty() const { return begin() == end(); }
 
-    /// All of them: as they were written, repeated ones too, or in the byte-wise order of their names.
+    /// All of them: as they were written, repeated ones too, or each name once, in their byte-wise order.
     [[nodiscard]] const Attribute* begin() const { return isLong() ? many_.data() : few_; }
     [[nodiscard]] const Attribute* end() const { return isLong() ? many_.data() + many_.size() : fewEnd_; }
 
@@ -62,6 +62,7 @@ class AttributeList {
     static constexpr std::size_t mostFew = 16;
 
     [[nodiscard]] bool isLong() const { return !many_.empty(); }
+    void makeRoom();
     void sortMany();
     [[nodiscard]] std::optional<std::string_view> findInMany(std::string_view name) const;
 
