@@ -486,6 +486,14 @@ TEST(VELHLSMediaVariant, TheFirstOfRepeatedAttributesHolds) {
     EXPECT_THROW(static_cast<void>(stream("BANDWIDTH=x,BANDWIDTH=1")), std::invalid_argument);
 }
 
+TEST(VELHLSMediaVariant, TheFirstOfRepeatedAttributesHoldsHoweverManyThereAre) {
+    std::string list = "BANDWIDTH=1";
+    for (int number = 0; number < 200; ++number) {
+        list += ",X" + std::to_string(number) + "=1,BANDWIDTH=2,CODECS=\"c" + std::to_string(number) + "\"";
+        EXPECT_EQ(text(stream(list)), text(stream("BANDWIDTH=1,CODECS=\"c0\""))) << list;
+    }
+}
+
 TEST(VELHLSMediaVariant, NulBytesInValuesSurvive) {
     const VariantPointer variant = stream("BANDWIDTH=1,CODECS=\"a\0b\",RESOLUTION=\0,AUDIO=\"\0\""s, "u\0"s);
 
