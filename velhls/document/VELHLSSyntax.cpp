@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 
+#include "velhls/common/EightBytes.h"
 #include "velhls/common/TextScan.h"
 
 namespace {
@@ -163,7 +164,6 @@ constexpr std::string_view usualDate = "0000-00-00T00:00:00.000Z";
 /// Eight bytes at a time: a byte that is too large gets its high bit by what is added.
 bool takeUsualDigits(std::string_view text, std::array<unsigned char, usualDate.size()>& digits) {
     constexpr std::size_t width = sizeof(std::uint64_t);
-    constexpr std::uint64_t highBits = 0x8080808080808080;
     std::uint64_t odd = 0;
     for (std::size_t place = 0; place < usualDate.size(); place += width) {
         std::array<unsigned char, width> most = {};
@@ -176,10 +176,10 @@ bool takeUsualDigits(std::string_view text, std::array<unsigned char, usualDate.
         std::memcpy(&form, usualDate.data() + place, width);
         std::memcpy(&added, most.data(), width);
         bytes ^= form;
-        odd |= bytes | ((bytes & ~highBits) + added);
+        odd |= bytes | ((bytes & ~velhls::highBits) + added);
         std::memcpy(digits.data() + place, &bytes, width);
     }
-    return (odd & highBits) == 0;
+    return (odd & velhls::highBits) == 0;
 }
 
 /// Nearly all dates are written "2010-02-19T14:54:23.031Z". Nothing of any other, and of what needs a closer look.
