@@ -1,47 +1,56 @@
 // Internal to the library, not installed: the line of a tag with attributes, appended to a text.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "velhls/common/Names.h"
 #include "velhls/common/NumberWriting.h"
+#include "velhls/common/TextBuffer.h"
 
 namespace velhls {
 
 /// Appends a tag with its attributes, each after the colon or comma that it needs.
 ///
 ///     AttributeWriter(out, tag::map).appendQuoted(attribute::uri, uri).endLine();
+///
+/// A line is made of many short pieces: they are put together here, and the text gets them all at once, at the end.
 class AttributeWriter {
   public:
-    /// Appends "#" and the tag's name.
+    /// Begins with "#" and the tag's name.
     AttributeWriter(std::string& out, std::string_view tag) : out_(out) {
-        out_ += '#';
-        out_ += tag;
+        put('#');
+        put(tag);
     }
 
     /// Goes on with a line that has attributes, and does not end yet.
     explicit AttributeWriter(std::string& out) : out_(out), before_(',') {}
 
+    AttributeWriter(const AttributeWriter&) = delete;
+    AttributeWriter& operator=(const AttributeWriter&) = delete;
+
     /// A value without quotes.
     AttributeWriter& append(std::string_view name, std::string_view value) {
-        appendName(name);
-        out_ += value;
+        putName(name);
+        put(value);
         return *this;
     }
 
     AttributeWriter& append(std::string_view name, std::uint64_t number) {
-        appendName(name);
-        appendDecimal(out_, number);
+        putName(name);
+        makeRoom(mostDecimalBytes);
+        end_ = writeDecimal(end_, number);
         return *this;
     }
 
     AttributeWriter& appendQuoted(std::string_view name, std::string_view value) {
-        appendName(name);
-        out_ += '"';
-        out_ += value;
-        out_ += '"';
+        putName(name);
+        put('"');
+        put(value);
+        put('"');
         return *this;
     }
 
@@ -62,19 +71,49 @@ class AttributeWriter {
         return flag ? append(name, fixed::yes) : *this;
     }
 
-    void endLine() { out_ += '\n'; }
+    /// One of these is called last.
+    void endLine() {
+        put('\n');
+        endText();
+    }
+    void endText() {
+        out_.append(pieces_.data(), static_cast<std::size_t>(end_ - pieces_.data()));
+        end_ = pieces_.data();
+    }
 
   private:
-    void appendName(std::string_view name) {
-        out_ += before_;
+    void putName(std::string_view name) {
+        put(before_);
         before_ = ',';
-        out_ += name;
-        out_ += '=';
+        put(name);
+        put('=');
+    }
+
+    void put(char character) {
+        makeRoom(1);
+        end_ = writeText(end_, character);
+    }
+
+    void put(std::string_view piece) {
+        if (piece.size() > pieces_.size()) {
+            endText();
+            out_ += piece;
+        } else {
+            makeRoom(piece.size());
+            end_ = writeText(end_, piece);
+        }
+    }
+
+    void makeRoom(std::size_t bytes) {
+        if (static_cast<std::size_t>(pieces_.data() + pieces_.size() - end_) < bytes) endText();
     }
 
     std::string& out_;
     /// What stands before the next attribute.
     char before_ = ':';
+    /// Not filled first: that would cost as much as the writing.
+    std::array<char, 512> pieces_;
+    char* end_ = pieces_.data();
 };
 
 }  // namespace velhls

@@ -94,7 +94,7 @@ void appendDecimal(std::string& out, std::int64_t number) {
 
 void appendDecimal(std::string& out, std::uint64_t number) {
     std::array<char, mostDecimalBytes> text;
-    out.append(text.data(), writeWhole(text.data(), number));
+    out.append(text.data(), writeDecimal(text.data(), number));
 }
 
 char* writeTwoDigits(char* to, std::uint32_t number) {
@@ -105,6 +105,10 @@ char* writeTwoDigits(char* to, std::uint32_t number) {
 char* writeDecimal(char* to, std::int64_t number) {
     if (number >= 0) return writeWhole(to, static_cast<std::uint64_t>(number));
     return writeWhole(writeText(to, '-'), 0 - static_cast<std::uint64_t>(number));
+}
+
+char* writeDecimal(char* to, std::uint64_t number) {
+    return writeWhole(to, number);
 }
 
 char* writeShortest(char* to, double number) {

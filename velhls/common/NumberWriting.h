@@ -22,6 +22,7 @@ inline constexpr std::size_t mostFixedBytes = 320;
 
 /// Writes the number to where there is room for it, and returns the place after it.
 [[nodiscard]] char* writeDecimal(char* to, std::int64_t number);
+[[nodiscard]] char* writeDecimal(char* to, std::uint64_t number);
 
 /// The same in fixed notation with up to six decimals, as printf's "%.*f" in the "C" locale writes it: "nan"
 /// and "inf" for what is no number.

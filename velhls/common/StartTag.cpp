@@ -43,7 +43,8 @@ void writeStartTag(std::ostream& out, double timeOffset, bool precise) {
     std::string line;
     AttributeWriter(line, tag::start)
         .append(attribute::timeOffset, startOffsetText(out, timeOffset))
-        .appendIfSet(attribute::precise, precise);
+        .appendIfSet(attribute::precise, precise)
+        .endText();
     writeLine(out, line);
 }
 

@@ -9,10 +9,32 @@
 
 namespace velhls {
 
+/// Copies so many bytes from the start and from the end of a piece that is as long, and at most twice.
+template <std::size_t bytes>
+void copyBothEnds(char* to, std::string_view piece) {
+    std::memcpy(to, piece.data(), bytes);
+    std::memcpy(to + piece.size() - bytes, piece.data() + piece.size() - bytes, bytes);
+}
+
 /// Copies a piece of text and returns the place after it. There must be room.
+///
+/// Most pieces are short: two moves, of which the second one may overlap the first, take half the time of a call.
 inline char* writeText(char* to, std::string_view piece) {
-    std::memcpy(to, piece.data(), piece.size());
-    return to + piece.size();
+    const std::size_t size = piece.size();
+    if (size > 32) {
+        std::memcpy(to, piece.data(), size);
+    } else if (size >= 16) {
+        copyBothEnds<16>(to, piece);
+    } else if (size >= 8) {
+        copyBothEnds<8>(to, piece);
+    } else if (size >= 4) {
+        copyBothEnds<4>(to, piece);
+    } else if (size >= 2) {
+        copyBothEnds<2>(to, piece);
+    } else if (size == 1) {
+        *to = piece.front();
+    }
+    return to + size;
 }
 
 inline char* writeText(char* to, char character) {

@@ -178,7 +178,10 @@ std::int32_t VELHLSMediaStreamRendition::render(std::string& out) const {
     velhls::AttributeWriter line(out, velhls::tag::media);
     const std::string_view typeText = textOf(type);
     line.append(attribute::type, typeText);
-    if (typeText.empty()) return -1;
+    if (typeText.empty()) {
+        line.endText();
+        return -1;
+    }
 
     line.appendQuoted(attribute::groupId, groupId)
         .appendQuoted(attribute::name, name)

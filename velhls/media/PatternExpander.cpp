@@ -21,10 +21,26 @@ namespace velhls {
 namespace {
 
 /// What is nothing but the digits of a 32-bit number.
-std::optional<std::int64_t> plainNumber(std::string_view text) {
+std::optional<std::uint32_t> plainNumber(std::string_view text) {
     const LeadingNumber<std::int64_t> plain = leadingInteger(text);
     const bool isPlain = plain.isAllOf(text) && plain.number <= std::numeric_limits<std::int32_t>::max();
-    return isPlain ? std::optional(plain.number) : std::nullopt;
+    return isPlain ? std::optional(static_cast<std::uint32_t>(plain.number)) : std::nullopt;
+}
+
+/// Adds to a number digit by digit, from the last one on. False, with the text as it was, where that is not as mostly: nothing
+/// but digits, no zeros in front, and as many afterwards, too few for more than a 32-bit number.
+bool addInPlace(std::string& text, std::uint32_t amount) {
+    std::array<char, 9> sum;
+    if (text.empty() || text.size() > sum.size() || text.front() == '0') return false;
+    for (std::size_t place = text.size(); place-- > 0;) {
+        if (!isDigit(text[place])) return false;
+        amount += static_cast<std::uint32_t>(text[place] - '0');
+        sum[place] = static_cast<char>('0' + amount % 10);
+        amount /= 10;
+    }
+    if (amount != 0) return false;
+    std::copy_n(sum.data(), text.size(), text.data());
+    return true;
 }
 
 /// Tells who follows the reading how long the lines are those of a pattern's text.
@@ -68,7 +84,11 @@ bool PatternExpander::expand() {
     if (pattern_.body.empty()) return true;
     if (!fits()) return isTooLarge();
     readBody();
-    for (std::uint64_t pass = 0; pass <= pattern_.repeatCount; ++pass) {
+    if (!expandOnce()) return false;
+    // The other passes are about as long. What they lack is made room for as they need it.
+    const std::uint64_t rest = text_.text().size() * pattern_.repeatCount;
+    static_cast<void>(text_.room(static_cast<std::size_t>(std::min(rest, allowance_.left()))));
+    for (std::uint64_t pass = 0; pass < pattern_.repeatCount; ++pass) {
         if (!expandOnce()) return false;
     }
     return true;
@@ -211,8 +231,6 @@ bool PatternExpander::appendSubstitutedUri(std::string_view uri) {
 
 /// Adds two 32-bit numbers: their sum fits 64 bits.
 std::int64_t PatternExpander::incremented(const Step& step) {
-    const std::optional<std::int64_t> plain = plainNumber(*step.variable);
-    if (plain && step.plainAmount) return *plain + *step.plainAmount;
     try {
         return std::int64_t{toInt32(*step.variable, why_)} + toInt32(step.amount, why_);
     } catch (const std::logic_error&) {
@@ -223,12 +241,10 @@ std::int64_t PatternExpander::incremented(const Step& step) {
 }
 
 bool PatternExpander::increment(const Step& step) {
+    if (step.plainAmount && addInPlace(*step.variable, *step.plainAmount)) return true;
     const std::int64_t number = incremented(step);
-    std::array<char, mostDecimalBytes> text;
-    const auto length = static_cast<std::size_t>(writeDecimal(text.data(), number) - text.data());
-    // Mostly as long as before: only its digits change.
-    step.variable->resize(length);
-    std::copy_n(text.data(), length, step.variable->data());
+    step.variable->clear();
+    appendDecimal(*step.variable, number);
     return true;
 }
 

@@ -98,7 +98,7 @@ class PatternExpander {
         std::string* variable = nullptr;
         std::string_view amount;
         /// The amount, where it is plain digits.
-        std::optional<std::int64_t> plainAmount;
+        std::optional<std::uint32_t> plainAmount;
     };
 
     [[nodiscard]] bool fits() const;
