@@ -105,10 +105,17 @@ std::string asTable(const std::vector<ListedRule>& rules) {
     return table.text();
 }
 
+/// Those of compare have pages too.
+std::string whyNoPage(const std::string& id) {
+    return pageOf(id).empty() ? whyNoRule(id) : std::string();
+}
+
 struct RulesRequest {
     Profiles profiles = VELHLSDiagnostics::profiles();
     std::string format = "text";
 };
+
+}  // namespace
 
 void addRulesCommand(CLI::App& app) {
     CLI::App* const command = app.add_subcommand("rules", "List the rules that check and compare know");
@@ -123,11 +130,6 @@ void addRulesCommand(CLI::App& app) {
     });
 }
 
-/// Those of compare have pages too.
-std::string whyNoPage(const std::string& id) {
-    return pageOf(id).empty() ? whyNoRule(id) : std::string();
-}
-
 void addExplainCommand(CLI::App& app) {
     CLI::App* const command = app.add_subcommand("explain", "Show the page of a rule");
     const auto rule = std::make_shared<std::string>();
@@ -135,13 +137,6 @@ void addExplainCommand(CLI::App& app) {
         ->required()
         ->check(CLI::Validator(whyNoPage, "RULE"));
     command->callback([rule] { writeToStandardOutput(pageOf(*rule)); });
-}
-
-}  // namespace
-
-void addRuleCommands(CLI::App& app) {
-    addRulesCommand(app);
-    addExplainCommand(app);
 }
 
 }  // namespace tool

@@ -6,7 +6,10 @@ class App;
 
 namespace tool {
 
-/// Adds the subcommands `rules` and `explain`.
-void addRuleCommands(CLI::App& app);
+/// Adds the subcommand `rules`.
+void addRulesCommand(CLI::App& app);
+
+/// Adds the subcommand `explain`.
+void addExplainCommand(CLI::App& app);
 
 }  // namespace tool

@@ -1,9 +1,13 @@
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <iterator>
 #include <new>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -114,9 +118,59 @@ tool::ExitStatus endParsing(const CLI::App& app, const CLI::ParseError& error) {
     return tool::success;
 }
 
-int run(const std::vector<std::string>& arguments) {
+void addRenderCommand(CLI::App& app, Request& request) {
+    CLI::App* command = app.add_subcommand("render", "Parse a playlist and write its clean text");
+    addInputOptions(*command, request);
+    command->add_option("-o,--output", request.output, "Where to write; - for standard output")
+        ->capture_default_str();
+    command->add_flag("--conformant", request.conformant,
+                      "Write the text as RFC 8216 wants it, not as the library renders it");
+    command->add_flag("--quiet", request.quiet, "Do not say what the clean text no longer holds");
+    command->callback([&request] { render(request); });
+}
+
+void addInspectCommand(CLI::App& app, Request& request) {
+    CLI::App* command = app.add_subcommand("inspect", "Parse a playlist and show what is in it");
+    addInputOptions(*command, request);
+    command->add_flag("--json", request.json, "Write the whole model as JSON");
+    command->callback([&request] { inspect(request); });
+}
+
+/// What the commands are told, and how the one that ran ended.
+struct Commands {
     Request request;
+    tool::EditRequest edit;
+    tool::FixOptions fix;
+    tool::CompareRequest compare;
+    tool::CheckOptions check;
+    tool::ReportOptions report;
     tool::ExitStatus status = tool::success;
+
+    /// Adds the command of this name, or all of them when there is none. To make the options of all takes a third of the
+    /// time that a check of a small playlist takes.
+    void add(CLI::App& app, std::string_view name) {
+        const std::pair<std::string_view, std::function<void()>> all[] = {
+            {"render", [&] { addRenderCommand(app, request); }},
+            {"inspect", [&] { addInspectCommand(app, request); }},
+            {"edit", [&] { tool::addEditCommand(app, edit); }},
+            {"fix", [&] { tool::addFixCommand(app, fix, status); }},
+            {"compare", [&] { tool::addCompareCommand(app, compare, status); }},
+            {"check", [&] { tool::addCheckCommand(app, check, status); }},
+            {"report", [&] { tool::addReportCommand(app, report, status); }},
+            {"rules", [&] { tool::addRulesCommand(app); }},
+            {"explain", [&] { tool::addExplainCommand(app); }},
+        };
+        const auto one = std::find_if(std::begin(all), std::end(all),
+                                      [name](const auto& command) { return command.first == name; });
+        if (one != std::end(all)) return one->second();
+        for (const auto& command : all)
+            command.second();
+        addHelpCommand(app, request);
+    }
+};
+
+int run(const std::vector<std::string>& arguments) {
+    Commands commands;
     CLI::App app("HTTP Live Streaming playlists: check, clean and look at them", "velhls");
     app.set_version_flag("--version", ZORHLSManifestLibVersionString);
     app.require_subcommand(1);
@@ -124,37 +178,8 @@ int run(const std::vector<std::string>& arguments) {
         "Exit status: 0 done, 1 the playlist is rejected or something was found, 2 bad usage or a file that "
         "cannot be read or written.\n"
         "A pipe that is closed early ends the command by the signal SIGPIPE.");
-
-    CLI::App* renderCommand = app.add_subcommand("render", "Parse a playlist and write its clean text");
-    addInputOptions(*renderCommand, request);
-    renderCommand->add_option("-o,--output", request.output, "Where to write; - for standard output")
-        ->capture_default_str();
-    renderCommand->add_flag("--conformant", request.conformant,
-                            "Write the text as RFC 8216 wants it, not as the library renders it");
-    renderCommand->add_flag("--quiet", request.quiet, "Do not say what the clean text no longer holds");
-    renderCommand->callback([&request] { render(request); });
-
-    CLI::App* inspectCommand = app.add_subcommand("inspect", "Parse a playlist and show what is in it");
-    addInputOptions(*inspectCommand, request);
-    inspectCommand->add_flag("--json", request.json, "Write the whole model as JSON");
-    inspectCommand->callback([&request] { inspect(request); });
-
-    tool::EditRequest editRequest;
-    tool::addEditCommand(app, editRequest);
-
-    tool::FixOptions fixOptions;
-    tool::addFixCommand(app, fixOptions, status);
-
-    tool::CompareRequest compareRequest;
-    tool::addCompareCommand(app, compareRequest, status);
-
     tool::addSelfDescription(app);
-    tool::CheckOptions checkOptions;
-    tool::addCheckCommand(app, checkOptions, status);
-    tool::ReportOptions reportOptions;
-    tool::addReportCommand(app, reportOptions, status);
-    tool::addRuleCommands(app);
-    addHelpCommand(app, request);
+    commands.add(app, arguments.size() > 1 ? std::string_view(arguments[1]) : std::string_view());
 
     try {
         // The last one first, and without the program's name.
@@ -162,7 +187,7 @@ int run(const std::vector<std::string>& arguments) {
     } catch (const CLI::ParseError& error) {
         return endParsing(app, error);
     }
-    return status;
+    return commands.status;
 }
 
 int report(tool::ExitStatus status, const char* message) {
