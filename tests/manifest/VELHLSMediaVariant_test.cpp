@@ -748,6 +748,20 @@ TEST(VELHLSMediaVariant, RendersEachMember) {
     }
 }
 
+TEST(VELHLSMediaVariant, RendersTextsOfEveryLength) {
+    for (std::size_t length = 1; length < 1100; ++length) {
+        std::string letters;
+        while (letters.size() < length)
+            letters += static_cast<char>('a' + letters.size() % 23);
+        VELHLSMediaVariant variant(1, 0, letters, std::string(length % 7, 'r'), "u", nullptr, false, 0);
+        variant.groupIds[VELHLSMediaStreamRendition::Audio] = letters.substr(length / 2);
+        const std::string resolution = length % 7 == 0 ? "" : ",RESOLUTION=" + variant.resolution;
+        EXPECT_EQ(rendered(variant), "#EXT-X-STREAM-INF:BANDWIDTH=1,CODECS=\"" + letters + "\"" + resolution +
+                                         ",AUDIO=\"" + letters.substr(length / 2) +
+                                         "\",CLOSED-CAPTIONS=NONE\nu\n");
+    }
+}
+
 TEST(VELHLSMediaVariant, RendersAnIFrameVariantOnOneLineWithItsUriLast) {
     EXPECT_EQ(text(iFrame("URI=\"i.m3u8\",AUDIO=\"a\",BANDWIDTH=2,CODECS=\"c\"")),
               "#EXT-X-I-FRAME-STREAM-INF:BANDWIDTH=2,CODECS=\"c\",AUDIO=\"a\",CLOSED-CAPTIONS=NONE,URI=\"i."

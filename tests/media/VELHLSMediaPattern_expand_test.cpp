@@ -329,6 +329,40 @@ TEST(VELHLSMediaPatternExpand, ThrowsWhenASumBeyond32BitsIsIncrementedAgain) {
     EXPECT_EQ(defines->at("n"), "2147483648");
 }
 
+template <typename Expand>
+std::string outcomeWithDefines(const Defines& defines, Expand expand) {
+    std::string outcome = playlist::outcomeOf(expand);
+    for (const char* name : {"n", "m", "x"}) {
+        const auto define = defines->find(name);
+        outcome += "\n" + std::string(name) + "=" + (define == defines->end() ? "none" : define->second);
+    }
+    return outcome;
+}
+
+TEST(VELHLSMediaPatternExpand, AddsToNumbersOfEachLengthAsTheRulesDo) {
+    std::vector<std::string> numbers = {"00", "007", "09",        "1x", "x1", "1 ", " 1",
+                                        "+1", "-0",  "99999999a", "/9", "9/", ":9", "9:"};
+    for (const std::string nines :
+         {"", "9", "99", "999", "9999", "99999", "999999", "9999999", "99999999", "999999999"}) {
+        for (const char* end : {"0", "1", "5", "8", "9"})
+            numbers.push_back(nines + end);
+        numbers.push_back("1" + std::string(nines.size(), '0'));
+        numbers.push_back("-" + nines + "1");
+    }
+    for (const std::string& number : numbers) {
+        for (const std::string amount : {"0", "1", "2", "9", "10", "11", "90", "999999999", "2147483646",
+                                         "2147483647", "01", "-1", "+1"}) {
+            SCOPED_TRACE(number + "+" + amount);
+            const std::string body = "a{$n}b\n#ZOR-DEFINE_INCREMENT:n," + amount + "\n";
+            const Defines one = defining({{"n", number}, {"m", ""}});
+            const Defines other = defining(*one);
+            EXPECT_EQ(
+                outcomeWithDefines(other, [&] { return expanded(body, 2, other); }),
+                outcomeWithDefines(one, [&] { return plain::expanded(body, 2, one).value_or("null"); }));
+        }
+    }
+}
+
 TEST(VELHLSMediaPatternExpand, FailsQuicklyOnHugeRepeatCounts) {
     const std::vector<std::string> bodies = {
         exampleBody, "#ZOR-DEFINE_INCREMENT:n,0\n", "#ZOR-DEFINE_INCREMENT:n,0", "#ZOR\n", "#", "seg.ts\n",
@@ -628,16 +662,6 @@ TEST(VELHLSMediaPatternExpand, GivesTheSegmentsOfItsTextReadOneByOne) {
         EXPECT_EQ(segment->startTime, single->startTime);
         previous = single;
     }
-}
-
-template <typename Expand>
-std::string outcomeWithDefines(const Defines& defines, Expand expand) {
-    std::string outcome = playlist::outcomeOf(expand);
-    for (const char* name : {"n", "m", "x"}) {
-        const auto define = defines->find(name);
-        outcome += "\n" + std::string(name) + "=" + (define == defines->end() ? "none" : define->second);
-    }
-    return outcome;
 }
 
 TEST(VELHLSMediaPatternExpand, AgreesWithTheRulesOnRandomBodies) {

@@ -16,6 +16,8 @@
 namespace velhls {
 
 std::shared_ptr<VELHLSMediaStream> MediaStreamReader::read() {
+    constexpr std::size_t segmentsOfLiveWindow = 8;
+    stream_->segments.reserve(segmentsOfLiveWindow);
     while (lines_.good()) {
         line_ = lines_.next();
         if (reading_ != nullptr) reading_->recordBegins();

@@ -103,12 +103,18 @@ void SegmentReader::tellOfMissingUri(std::string_view lastLine) {
 }
 
 void SegmentReader::keep(std::string_view line) {
-    if (keptLineCount_ == keptLines_.size()) viewsEnd();
+    if (keptLineCount_ == keptLines_.size()) copyKeptLines();
     keptLines_[keptLineCount_] = line;
     ++keptLineCount_;
 }
 
+/// Once a segment has its URI nobody asks for its lines any more when others are read.
 void SegmentReader::viewsEnd() {
+    if (uri_.empty()) copyKeptLines();
+    keptLineCount_ = 0;
+}
+
+void SegmentReader::copyKeptLines() {
     for (std::size_t index = 0; index < keptLineCount_; ++index) {
         const std::string_view line = keptLines_[index];
         char* const end = writeText(keptText_.room(line.size() + 1), line);
@@ -119,7 +125,7 @@ void SegmentReader::viewsEnd() {
 
 /// All lines that were kept, each with a line feed.
 std::string SegmentReader::keptText() {
-    viewsEnd();
+    copyKeptLines();
     return std::string(keptText_.text());
 }
 

@@ -82,6 +82,7 @@ class SegmentReader : private LineReader::ViewKeeper {
     void tellOfMissingUri(std::string_view lastLine);
     void keep(std::string_view line);
     void viewsEnd() override;
+    void copyKeptLines();
     [[nodiscard]] std::string keptText();
     bool readLine(std::string_view line);
     bool readVendorTagOrComment(std::string_view line);
