@@ -37,6 +37,12 @@ inline constexpr std::uint64_t highBits = oneInEachByte << 7;
     return markBelow(bytes ^ (oneInEachByte * static_cast<unsigned char>(character)), 1);
 }
 
+/// How many bytes are marked.
+[[nodiscard]] constexpr std::size_t markedCount(std::uint64_t marks) {
+    // The highest byte of the product is the sum of all bytes.
+    return static_cast<std::size_t>((marks >> 7) * oneInEachByte >> 56);
+}
+
 /// Which byte is the first that is marked. One is.
 [[nodiscard]] constexpr std::size_t firstMarked(std::uint64_t marks) {
     // The number of each byte stands as many bytes below the highest: the multiplication brings it there.

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <numeric>
 #include <stdexcept>
 #include <utility>
 
+#include "velhls/common/EightBytes.h"
 #include "velhls/common/TextScan.h"
 #include "velhls/document/AttributeListEdit.h"
 #include "velhls/document/KindCount.h"
@@ -63,6 +65,17 @@ std::string eachLine(std::string_view text, std::string_view before, std::string
     return lines;
 }
 
+/// About how many line feeds the text has: a vertical tab after one may count too.
+std::size_t lineFeedsIn(std::string_view text) {
+    constexpr std::size_t width = sizeof(std::uint64_t);
+    std::size_t feeds = 0;
+    std::size_t place = 0;
+    for (; place + width <= text.size(); place += width)
+        feeds += velhls::markedCount(velhls::markEqual(velhls::eightBytesAt(text.data() + place), '\n'));
+    const std::string_view rest = text.substr(place);
+    return feeds + static_cast<std::size_t>(std::count(rest.begin(), rest.end(), '\n'));
+}
+
 }  // namespace
 
 VELHLSDocument::VELHLSDocument(std::string text) : text_(std::move(text)) {
@@ -74,7 +87,7 @@ VELHLSDocument::VELHLSDocument(std::string text) : text_(std::move(text)) {
 void VELHLSDocument::expectLines() {
     constexpr std::size_t looked = std::size_t{64} << 10;
     const std::string_view start = std::string_view(text_).substr(0, looked);
-    const auto feeds = static_cast<std::size_t>(std::count(start.begin(), start.end(), '\n'));
+    const std::size_t feeds = lineFeedsIn(start);
     const std::size_t times = text_.size() / looked + 1;
     starts_.reserve(feeds * times + feeds * times / 64 + 1);
     codes_.reserve(starts_.capacity());

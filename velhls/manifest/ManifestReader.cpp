@@ -1,5 +1,6 @@
 #include "velhls/manifest/ManifestReader.h"
 
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -15,6 +16,8 @@
 namespace velhls {
 
 std::shared_ptr<VELHLSParsedManifest> ManifestReader::read() {
+    constexpr std::size_t variantsOfLadder = 8;
+    manifest_->streamVariants.reserve(variantsOfLadder);
     while (lines_.good() && !playlistEnded_) {
         line_ = lines_.next();
         if (reading_ != nullptr) reading_->recordBegins();
