@@ -19,7 +19,7 @@ AIMS = {
     "parse/rich/100000": 1.7,
     "parse/live": 1.3,
     "parse/pattern/100000": 1.3,
-    "parse/master-small": 8.0,
+    "parse/master-small": 8.5,
     "parse/master-large/10000": 6.5,
     "render/vod/100000": 1.0,
     "render/rich/100000": 1.2,
