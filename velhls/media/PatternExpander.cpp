@@ -87,7 +87,7 @@ bool PatternExpander::expand() {
     if (!expandOnce()) return false;
     // The other passes are about as long. What they lack is made room for as they need it.
     const std::uint64_t rest = text_.text().size() * pattern_.repeatCount;
-    static_cast<void>(text_.room(static_cast<std::size_t>(std::min(rest, allowance_.left()))));
+    static_cast<void>(text_.room(static_cast<std::size_t>(std::min<std::uint64_t>(rest, allowance_.left()))));
     for (std::uint64_t pass = 0; pass < pattern_.repeatCount; ++pass) {
         if (!expandOnce()) return false;
     }
