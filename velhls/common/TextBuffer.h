@@ -9,11 +9,11 @@
 
 namespace velhls {
 
-/// Copies so many bytes from the start and from the end of a piece that is as long, and at most twice.
+/// Copies so many bytes from the start and from the end of a piece that is at least as long, and at most twice.
 template <std::size_t bytes>
-void copyBothEnds(char* to, std::string_view piece) {
-    std::memcpy(to, piece.data(), bytes);
-    std::memcpy(to + piece.size() - bytes, piece.data() + piece.size() - bytes, bytes);
+void copyBothEnds(char* to, const char* piece, std::size_t size) {
+    std::memcpy(to, piece, bytes);
+    std::memcpy(to + size - bytes, piece + size - bytes, bytes);
 }
 
 /// Copies a piece of text and returns the place after it. There must be room.
@@ -24,13 +24,13 @@ inline char* writeText(char* to, std::string_view piece) {
     if (size > 32) {
         std::memcpy(to, piece.data(), size);
     } else if (size >= 16) {
-        copyBothEnds<16>(to, piece);
+        copyBothEnds<16>(to, piece.data(), size);
     } else if (size >= 8) {
-        copyBothEnds<8>(to, piece);
+        copyBothEnds<8>(to, piece.data(), size);
     } else if (size >= 4) {
-        copyBothEnds<4>(to, piece);
+        copyBothEnds<4>(to, piece.data(), size);
     } else if (size >= 2) {
-        copyBothEnds<2>(to, piece);
+        copyBothEnds<2>(to, piece.data(), size);
     } else if (size == 1) {
         *to = piece.front();
     }

@@ -34,6 +34,8 @@ bool listsAgree(const VELHLSParsedManifest& manifest) {
     for (const auto& [bandwidth, variant] : manifest.variants) {
         if (!variant->isIFrame) held.push_back(variant.get());
     }
+    // Those of a ladder that rises stand in one order.
+    if (listed == held) return true;
     std::sort(listed.begin(), listed.end(), std::less<>());
     std::sort(held.begin(), held.end(), std::less<>());
     return listed == held;
