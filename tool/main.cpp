@@ -146,8 +146,8 @@ struct Commands {
     tool::ReportOptions report;
     tool::ExitStatus status = tool::success;
 
-    /// Adds the command of this name, or all of them when there is none. To make the options of all takes a third of the
-    /// time that a check of a small playlist takes.
+    /// Adds the command of this name, or all of them when there is none. To make the options of all takes five times what
+    /// the check of a small playlist does.
     void add(CLI::App& app, std::string_view name) {
         const std::pair<std::string_view, std::function<void()>> all[] = {
             {"render", [&] { addRenderCommand(app, request); }},
