@@ -630,6 +630,38 @@ TEST(VELHLSFixes, OfferWhatTheySayInTheirWords) {
          lines({"safe: writes EXT-X-VERSION:3, which the tags need => #EXT-X-VERSION:3"})},
         {"white-space", head + " #EXTINF:6,\nfirst.ts \n",
          lines({"safe: removes the white space around lines => #EXTINF:6, => first.ts"})},
+        {"number-out-of-range", header + "#EXT-X-STREAM-INF:BANDWIDTH=99999999999999999999\nlow.m3u8\n",
+         lines({"guess: writes BANDWIDTH=1000000, since nothing tells => "
+                "#EXT-X-STREAM-INF:BANDWIDTH=1000000"})},
+        {"number-out-of-range",
+         header + "#EXT-X-STREAM-INF:BANDWIDTH=1,AVERAGE-BANDWIDTH=99999999999999999999\nlow.m3u8\n",
+         lines({"lossy: removes AVERAGE-BANDWIDTH: \"99999999999999999999\" is lost => "
+                "#EXT-X-STREAM-INF:BANDWIDTH=1"})},
+        {"number-out-of-range", head + "#EXT-X-MEDIA-SEQUENCE:99999999999999999999\n" + segment,
+         lines({"lossy: removes \"#EXT-X-MEDIA-SEQUENCE:99999999999999999999\": the numbers begin at 0"})},
+        {"key-iv-malformed", head + "#EXT-X-KEY:METHOD=AES-128,URI=\"k\",IV=1F\n" + segment,
+         lines({"guess: writes 0x0000000000000000000000000000001F => "
+                "#EXT-X-KEY:METHOD=AES-128,URI=\"k\",IV=0x0000000000000000000000000000001F",
+                "lossy: removes IV: \"1F\" is lost => #EXT-X-KEY:METHOD=AES-128,URI=\"k\""})},
+        {"key-iv-malformed", head + "#EXT-X-KEY:METHOD=AES-128,URI=\"k\",IV=0xZZ\n" + segment,
+         lines({"lossy: removes IV: \"0xZZ\" is lost => #EXT-X-KEY:METHOD=AES-128,URI=\"k\""})},
+        {"date-time-without-zone", head + "#EXT-X-PROGRAM-DATE-TIME:2024-02-29T12:00:00.000\n" + segment,
+         lines({"guess: writes 2024-02-29T12:00:00.000Z => #EXT-X-PROGRAM-DATE-TIME:2024-02-29T12:00:00.000Z",
+                "lossy: removes \"#EXT-X-PROGRAM-DATE-TIME:2024-02-29T12:00:00.000\": the date is lost"})},
+        {"date-time-malformed", head + "#EXT-X-PROGRAM-DATE-TIME:20240229T120000Z\n" + segment,
+         lines({"safe: writes 2024-02-29T12:00:00Z, the same time => "
+                "#EXT-X-PROGRAM-DATE-TIME:2024-02-29T12:00:00Z",
+                "lossy: removes \"#EXT-X-PROGRAM-DATE-TIME:20240229T120000Z\": the date is lost"})},
+        {"extinf-duration-malformed", head + "#EXTINF: 6 ,\nfirst.ts\n",
+         lines({"safe: removes the white space around the duration => #EXTINF:6,"})},
+        {"extinf-duration-malformed", head + "#EXTINF:six,\nfirst.ts\n",
+         lines({"guess: writes the duration 6 => #EXTINF:6,"})},
+        {"date-time-malformed", head + "#EXT-X-PROGRAM-DATE-TIME:20240229T1200Z\n" + segment,
+         lines({"lossy: removes \"#EXT-X-PROGRAM-DATE-TIME:20240229T1200Z\": the date is lost"})},
+        {"date-time-malformed", head + "#EXT-X-PROGRAM-DATE-TIME:20240229T120000,5+01\n" + segment,
+         lines({"guess: writes 2024-02-29T12:00:00.5+01:00 => "
+                "#EXT-X-PROGRAM-DATE-TIME:2024-02-29T12:00:00.5+01:00",
+                "lossy: removes \"#EXT-X-PROGRAM-DATE-TIME:20240229T120000,5+01\": the date is lost"})},
     };
     for (const Row& row : rows)
         EXPECT_EQ(offersOf(row.text, row.rule), row.offers) << row.rule << "\n" << row.text;
