@@ -92,11 +92,6 @@ void appendDecimal(std::string& out, std::int64_t number) {
     out.append(text.data(), writeDecimal(text.data(), number));
 }
 
-void appendDecimal(std::string& out, std::uint64_t number) {
-    std::array<char, mostDecimalBytes> text;
-    out.append(text.data(), writeDecimal(text.data(), number));
-}
-
 char* writeTwoDigits(char* to, std::uint32_t number) {
     const std::string_view pair(digitPairs.data() + std::size_t{2} * number, 2);
     return writeText(to, pair);

@@ -11,7 +11,6 @@
 namespace velhls {
 
 void appendDecimal(std::string& out, std::int64_t number);
-void appendDecimal(std::string& out, std::uint64_t number);
 
 /// The most bytes that writeDecimal and writeFixed write: the largest double has 309 digits before its point.
 inline constexpr std::size_t mostDecimalBytes = 20;
